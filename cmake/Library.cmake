@@ -1,0 +1,81 @@
+# The shared library libvspscy8.so.6.1: each source once per instruction-set level, tables and dispatcher once.
+
+set(vspsc_level_sources
+    src/alc/alc.cpp
+    src/common/auto_scale.cpp
+    src/common/dot_prod.cpp
+    src/common/interpolate.cpp
+    src/common/inv_sqrt.cpp
+    src/common/lag_window.cpp
+    src/common/random_noise.cpp
+    src/common/scaling.cpp
+    src/core/state_sizes.cpp
+    src/core/version.cpp)
+set(vspsc_common_sources
+    src/common/tables.cpp
+    src/core/api.cpp
+    src/core/version_records.cpp
+    src/vector/tables.cpp)
+
+# -O3 because -O2 leaves small constant loops rolled. No contraction: every level gives the same floating-point bits.
+add_library(vspsc_library_options INTERFACE)
+target_link_libraries(vspsc_library_options INTERFACE vspsc_options)
+target_include_directories(vspsc_library_options INTERFACE ${PROJECT_SOURCE_DIR}/include ${PROJECT_SOURCE_DIR}/src)
+target_compile_options(
+    vspsc_library_options
+    INTERFACE -O3 -ffp-contract=off -fno-math-errno -fno-exceptions -fno-rtti -fno-asynchronous-unwind-tables -fvisibility=hidden
+              -fcf-protection=full)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    # g++ 12 warns of its own AVX-512 headers.
+    target_compile_options(vspsc_library_options INTERFACE -Wno-maybe-uninitialized)
+endif()
+
+function(vspsc_add_objects name)
+    add_library(${name} OBJECT ${ARGN})
+    set_target_properties(${name} PROPERTIES POSITION_INDEPENDENT_CODE ON)
+    target_link_libraries(${name} PRIVATE vspsc_library_options)
+endfunction()
+
+vspsc_add_objects(vspsc_common ${vspsc_common_sources})
+target_compile_options(vspsc_common PRIVATE -march=x86-64-v2)
+foreach(level y8=x86-64-v2 v3=x86-64-v3 v4=x86-64-v4)
+    string(REPLACE "=" ";" level ${level})
+    list(GET level 0 tag)
+    list(GET level 1 arch)
+    vspsc_add_objects(vspsc_${tag} ${vspsc_level_sources})
+    target_compile_definitions(vspsc_${tag} PRIVATE VSP_LEVEL=${tag})
+    target_compile_options(vspsc_${tag} PRIVATE -march=${arch})
+endforeach()
+
+# All levels without the dispatcher, for tests and benchmarks that reach a level directly.
+add_library(vspsc_levels INTERFACE)
+target_link_libraries(vspsc_levels INTERFACE vspsc_common vspsc_y8 vspsc_v3 vspsc_v4)
+target_sources(vspsc_levels INTERFACE $<TARGET_OBJECTS:vspsc_common> $<TARGET_OBJECTS:vspsc_y8> $<TARGET_OBJECTS:vspsc_v3>
+                                      $<TARGET_OBJECTS:vspsc_v4>)
+target_include_directories(vspsc_levels INTERFACE ${PROJECT_SOURCE_DIR}/include ${PROJECT_SOURCE_DIR}/src)
+
+# The names that the linker exports, from the same list as the dispatcher.
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS src/core/exports.def)
+file(STRINGS src/core/exports.def exports REGEX "^VSPSC_EXPORT")
+set(export_map "{\n    global:\n")
+foreach(export ${exports})
+    string(REGEX REPLACE "^VSPSC_EXPORT\\([A-Za-z0-9]+, ([A-Za-z0-9_]+)\\)$" "\\1" name "${export}")
+    string(APPEND export_map "        ${name};\n")
+endforeach()
+string(APPEND export_map "    local: *;\n};\n")
+file(CONFIGURE OUTPUT exports.map CONTENT "${export_map}" @ONLY)
+
+add_library(vspscy8 SHARED src/core/dispatch.cpp)
+add_library(vspsc::vspscy8 ALIAS vspscy8)
+target_link_libraries(vspscy8 PRIVATE vspsc_common vspsc_y8 vspsc_v3 vspsc_v4 $<BUILD_INTERFACE:vspsc_library_options>)
+target_include_directories(vspscy8 PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>
+                                          $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+set_target_properties(vspscy8 PROPERTIES VERSION 6.1 SOVERSION 6.1 LINK_DEPENDS ${CMAKE_CURRENT_BINARY_DIR}/exports.map)
+target_compile_options(vspscy8 PRIVATE -march=x86-64-v2 -fno-sanitize=all -fno-stack-protector)
+target_link_options(vspscy8 PRIVATE -Wl,--version-script=${CMAKE_CURRENT_BINARY_DIR}/exports.map -Wl,-z,relro,-z,now
+                    -Wl,-z,noexecstack -Wl,--no-undefined-version)
+if(NOT VSPSC_SANITIZE)
+    # The start files would add a few bytes of writable data and weak symbols.
+    target_link_options(vspscy8 PRIVATE -nostartfiles -nodefaultlibs -Wl,-z,defs)
+    target_link_libraries(vspscy8 PRIVATE m c)
+endif()

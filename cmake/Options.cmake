@@ -1,0 +1,20 @@
+# Compiler options that every target of the project shares: target vspsc_options.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
+
+add_library(vspsc_options INTERFACE)
+target_compile_options(vspsc_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion)
+if(VSPSC_WERROR)
+    target_compile_options(vspsc_options INTERFACE -Werror)
+endif()
+if(VSPSC_SANITIZE)
+    # Everything is instrumented but the dispatcher, which runs before the sanitizers do (Library.cmake).
+    target_compile_options(vspsc_options INTERFACE -fsanitize=${VSPSC_SANITIZE} -fno-sanitize-recover=all
+                                                   -fno-omit-frame-pointer)
+    target_link_options(vspsc_options INTERFACE -fsanitize=${VSPSC_SANITIZE})
+endif()

@@ -1,0 +1,90 @@
+// Element-wise rounded products and scaling.
+#include "common/basic_ops.h"
+#include "core/checks.h"
+#include "core/level.h"
+#include "vector/map.h"
+
+namespace vsp::VSP_LEVEL {
+
+namespace {
+
+// sat16((a * b + r) >> shift), one vector
+template <class V>
+VSP_INLINE V mulRoundShift(V a, V b, Vsp32s rounding, int shift) {
+    using W = typename Related<V>::Wide;
+    const W r = W::splat(rounding);
+    const V lo = mulLo(a, b), hi = mulHi(a, b);
+    return packSat(shr(add(zipLo(lo, hi), r), shift), shr(add(zipHi(lo, hi), r), shift));
+}
+
+void mulC(const Vsp16s* pSrc, Vsp16s val, Vsp16s* pDst, Vsp32s len, Vsp32s scaleFactor) {
+    if (scaleFactor == 15)
+        return map(
+            len, [val](auto a) { return mulRound(a, decltype(a)::splat(val)); }, pDst, pSrc);
+    const Vsp32s r = roundingConstant(scaleFactor);
+    const int shift = scaleFactor & 31;
+    map(
+        len, [=](auto a) { return mulRoundShift(a, decltype(a)::splat(val), r, shift); }, pDst, pSrc);
+}
+
+void mul(const Vsp16s* pSrc1, const Vsp16s* pSrc2, Vsp16s* pDst, Vsp32s len, Vsp32s scaleFactor) {
+    if (scaleFactor == 15)
+        return map(
+            len, [](auto a, auto b) { return mulRound(a, b); }, pDst, pSrc1, pSrc2);
+    const Vsp32s r = roundingConstant(scaleFactor);
+    const int shift = scaleFactor & 31;
+    map(
+        len, [=](auto a, auto b) { return mulRoundShift(a, b, r, shift); }, pDst, pSrc1, pSrc2);
+}
+
+}  // namespace
+
+VspStatus vspsMulC_NR_16s_Sfs(const Vsp16s* pSrc, Vsp16s val, Vsp16s* pDst, Vsp32s len, Vsp32s scaleFactor) {
+    if (anyNull(pSrc, pDst)) return vspStsNullPtrErr;
+    if (len < 1) return vspStsSizeErr;
+    if (scaleFactor < 0) return vspStsScaleRangeErr;
+    mulC(pSrc, val, pDst, len, scaleFactor);
+    return vspStsNoErr;
+}
+
+VspStatus vspsMulC_NR_16s_ISfs(Vsp16s val, Vsp16s* pSrcDst, Vsp32s len, Vsp32s scaleFactor) {
+    if (anyNull(pSrcDst)) return vspStsNullPtrErr;
+    if (len < 1) return vspStsSizeErr;
+    if (scaleFactor < 0) return vspStsScaleRangeErr;
+    mulC(pSrcDst, val, pSrcDst, len, scaleFactor);
+    return vspStsNoErr;
+}
+
+VspStatus vspsMul_NR_16s_Sfs(const Vsp16s* pSrc1, const Vsp16s* pSrc2, Vsp16s* pDst, Vsp32s len, Vsp32s scaleFactor) {
+    if (anyNull(pSrc1, pSrc2, pDst)) return vspStsNullPtrErr;
+    if (len < 1) return vspStsSizeErr;
+    if (scaleFactor < 0) return vspStsScaleRangeErr;
+    mul(pSrc1, pSrc2, pDst, len, scaleFactor);
+    return vspStsNoErr;
+}
+
+VspStatus vspsMul_NR_16s_ISfs(const Vsp16s* pSrc, Vsp16s* pSrcDst, Vsp32s len, Vsp32s scaleFactor) {
+    if (anyNull(pSrc, pSrcDst)) return vspStsNullPtrErr;
+    if (len < 1) return vspStsSizeErr;
+    if (scaleFactor < 0) return vspStsScaleRangeErr;
+    mul(pSrc, pSrcDst, pSrcDst, len, scaleFactor);
+    return vspStsNoErr;
+}
+
+// The power runs through a rounding in every step, so there is nothing to vectorise.
+VspStatus vspsMulPowerC_NR_16s_Sfs(const Vsp16s* pSrc, Vsp16s val, Vsp16s* pDst, Vsp32s len, Vsp32s scaleFactor) {
+    if (anyNull(pSrc, pDst)) return vspStsNullPtrErr;
+    if (scaleFactor < 0) return vspStsScaleRangeErr;
+    if (len < 1) return vspStsSizeErr;
+    const Vsp32s r = roundingConstant(scaleFactor);
+    const int shift = scaleFactor & 31;
+    pDst[0] = pSrc[0];
+    Vsp16s power = val;
+    for (int i = 1; i < len; i++) {
+        pDst[i] = Vsp16s(wrapAdd_32s(pSrc[i] * power, r) >> shift);
+        power = Vsp16s(wrapAdd_32s(power * val, r) >> shift);
+    }
+    return vspStsNoErr;
+}
+
+}  // namespace vsp::VSP_LEVEL

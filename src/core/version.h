@@ -1,0 +1,9 @@
+#pragma once
+
+#include "vspsc/version.h"
+
+namespace vsp {
+
+extern const VspLibraryVersion kVersionAboveBaseline, kVersionBaseline;
+
+}  // namespace vsp

@@ -1,0 +1,161 @@
+// The vector layer: S16, S32 and S64 at the width of the level, and the narrower widths below it for short arrays.
+// Zips and packs work within 128-bit lanes, so that packSat puts back what zipLo and zipHi split.
+#pragma once
+
+#include <immintrin.h>
+
+#include "core/level.h"
+#include "vector/tables.h"
+
+#if defined(__AVX512BW__)
+#define VSP_NATIVE(name) name##_512
+#define VSP_IF_256(...) __VA_ARGS__
+#define VSP_IF_512(...) __VA_ARGS__
+#elif defined(__AVX2__)
+#define VSP_NATIVE(name) name##_256
+#define VSP_IF_256(...) __VA_ARGS__
+#define VSP_IF_512(...)
+#else
+#define VSP_NATIVE(name) name##_128
+#define VSP_IF_256(...)
+#define VSP_IF_512(...)
+#endif
+
+namespace vsp::VSP_LEVEL {
+
+// --- Types -------------------------------------------------------------------------------------------------------------
+
+#define VSP_TYPE(Name, Elem, bits, mm, set1)                                                                     \
+    struct Name##_##bits {                                                                                       \
+        using Reg = __m##bits##i;                                                                                \
+        static constexpr int width = bits / (8 * sizeof(Elem));                                                  \
+        Reg v;                                                                                                   \
+        [[gnu::always_inline]] static Name##_##bits splat(Elem x) { return {mm##_##set1(x)}; }                   \
+        [[gnu::always_inline]] static Name##_##bits load(const Elem* p) {                                        \
+            return {mm##_loadu_si##bits(reinterpret_cast<const Reg*>(p))};                                       \
+        }                                                                                                        \
+        [[gnu::always_inline]] void store(Elem* p) const { mm##_storeu_si##bits(reinterpret_cast<Reg*>(p), v); } \
+    };
+
+VSP_TYPE(S16, Vsp16s, 128, _mm, set1_epi16)
+VSP_TYPE(S32, Vsp32s, 128, _mm, set1_epi32)
+VSP_TYPE(S64, Vsp64s, 128, _mm, set1_epi64x)
+VSP_IF_256(VSP_TYPE(S16, Vsp16s, 256, _mm256, set1_epi16))
+VSP_IF_256(VSP_TYPE(S32, Vsp32s, 256, _mm256, set1_epi32))
+VSP_IF_256(VSP_TYPE(S64, Vsp64s, 256, _mm256, set1_epi64x))
+VSP_IF_512(VSP_TYPE(S16, Vsp16s, 512, _mm512, set1_epi16))
+VSP_IF_512(VSP_TYPE(S32, Vsp32s, 512, _mm512, set1_epi32))
+VSP_IF_512(VSP_TYPE(S64, Vsp64s, 512, _mm512, set1_epi64))
+#undef VSP_TYPE
+
+using S16 = VSP_NATIVE(S16);
+using S32 = VSP_NATIVE(S32);
+using S64 = VSP_NATIVE(S64);
+
+// What belongs to an S16 of some width: the wider elements in a register of that width, and the S16 of half the width.
+template <class V>
+struct Related;
+template <>
+struct Related<S16_128> {
+    using Wide = S32_128;
+    using Sum = S64_128;
+};
+VSP_IF_256(template <> struct Related<S16_256> {
+    using Wide = S32_256;
+    using Sum = S64_256;
+    using Half = S16_128;
+};)
+VSP_IF_512(template <> struct Related<S16_512> {
+    using Wide = S32_512;
+    using Sum = S64_512;
+    using Half = S16_256;
+};)
+template <class V>
+using Half = typename Related<V>::Half;
+
+// --- Operations that every width has under the same name ---------------------------------------------------------------
+
+#define VSP_UNARY(name, In, Out, op)                                                 \
+    VSP_INLINE Out##_128 name(In##_128 a) { return {_mm_##op(a.v)}; }                \
+    VSP_IF_256(VSP_INLINE Out##_256 name(In##_256 a) { return {_mm256_##op(a.v)}; }) \
+    VSP_IF_512(VSP_INLINE Out##_512 name(In##_512 a) { return {_mm512_##op(a.v)}; })
+#define VSP_BINARY(name, In, Out, op)                                                                 \
+    VSP_INLINE Out##_128 name(In##_128 a, In##_128 b) { return {_mm_##op(a.v, b.v)}; }                \
+    VSP_IF_256(VSP_INLINE Out##_256 name(In##_256 a, In##_256 b) { return {_mm256_##op(a.v, b.v)}; }) \
+    VSP_IF_512(VSP_INLINE Out##_512 name(In##_512 a, In##_512 b) { return {_mm512_##op(a.v, b.v)}; })
+#define VSP_SHIFT(name, In, op)                                                                                  \
+    VSP_INLINE In##_128 name(In##_128 a, int n) { return {_mm_##op(a.v, _mm_cvtsi32_si128(n))}; }                \
+    VSP_IF_256(VSP_INLINE In##_256 name(In##_256 a, int n) { return {_mm256_##op(a.v, _mm_cvtsi32_si128(n))}; }) \
+    VSP_IF_512(VSP_INLINE In##_512 name(In##_512 a, int n) { return {_mm512_##op(a.v, _mm_cvtsi32_si128(n))}; })
+
+VSP_BINARY(add, S16, S16, add_epi16)
+VSP_BINARY(mulLo, S16, S16, mullo_epi16)
+VSP_BINARY(mulHi, S16, S16, mulhi_epi16)
+VSP_BINARY(mulRoundWrap, S16, S16, mulhrs_epi16)  // (a * b + 2^14) >> 15; -32768 * -32768 gives -32768
+VSP_UNARY(magnitude, S16, S16, abs_epi16)         // -32768 gives 0x8000, an unsigned value
+VSP_BINARY(maxU, S16, S16, max_epu16)
+VSP_SHIFT(shl, S16, sll_epi16)  // shift counts beyond the element give 0 or the sign
+VSP_SHIFT(shr, S16, sra_epi16)
+
+VSP_BINARY(zipLo, S16, S32, unpacklo_epi16)  // 32-bit elements: a is the low half, b the high half
+VSP_BINARY(zipHi, S16, S32, unpackhi_epi16)
+VSP_BINARY(dot2, S16, S32, madd_epi16)  // a[2i] * b[2i] + a[2i+1] * b[2i+1]; only 2 * (-32768)^2 wraps
+VSP_BINARY(packSat, S32, S16, packs_epi32)
+
+VSP_BINARY(add, S32, S32, add_epi32)
+VSP_SHIFT(shr, S32, sra_epi32)
+
+VSP_BINARY(add, S64, S64, add_epi64)
+VSP_SHIFT(shrU, S64, srl_epi64)
+#undef VSP_UNARY
+#undef VSP_BINARY
+#undef VSP_SHIFT
+
+// (a * b + 2^14) >> 15, saturated: only -32768 * -32768 wraps to -32768, and nothing else gives it.
+VSP_INLINE S16_128 mulRound(S16_128 a, S16_128 b) {
+    const S16_128 wrapped = mulRoundWrap(a, b);
+    return {_mm_xor_si128(wrapped.v, _mm_cmpeq_epi16(wrapped.v, _mm_set1_epi16(-0x8000)))};
+}
+VSP_IF_256(VSP_INLINE S16_256 mulRound(S16_256 a, S16_256 b) {
+    const S16_256 wrapped = mulRoundWrap(a, b);
+    return {_mm256_xor_si256(wrapped.v, _mm256_cmpeq_epi16(wrapped.v, _mm256_set1_epi16(-0x8000)))};
+})
+VSP_IF_512(VSP_INLINE S16_512 mulRound(S16_512 a, S16_512 b) {
+    const __m512i wrapped = mulRoundWrap(a, b).v, low = _mm512_set1_epi16(-0x8000);
+    return {_mm512_mask_mov_epi16(wrapped, _mm512_cmpeq_epi16_mask(wrapped, low), _mm512_set1_epi16(0x7FFF))};
+})
+
+// --- Partial vectors and sums ------------------------------------------------------------------------------------------
+
+// The last n elements of the vector at p, zeros in the place of the others. Reads the whole vector.
+template <class V>
+VSP_INLINE V loadLast(const Vsp16s* p, int n) {
+    return {V::load(p).v & V::load(kLastMask + kMaskElements - V::width + n).v};
+}
+
+// Both 32-bit halves of every element as unsigned values, added.
+template <class V>
+VSP_INLINE V addHalves(V a) {
+    return add(V{a.v & V::splat(0xFFFFFFFF).v}, shrU(a, 32));
+}
+
+VSP_INLINE Vsp64s sum(S64_128 a) { return _mm_cvtsi128_si64(a.v) + _mm_extract_epi64(a.v, 1); }
+VSP_IF_256(VSP_INLINE Vsp64s sum(S64_256 a) {
+    return sum(S64_128{_mm_add_epi64(_mm256_castsi256_si128(a.v), _mm256_extracti128_si256(a.v, 1))});
+})
+VSP_IF_512(VSP_INLINE Vsp64s sum(S64_512 a) {
+    return sum(S64_256{_mm256_add_epi64(_mm512_castsi512_si256(a.v), _mm512_extracti64x4_epi64(a.v, 1))});
+})
+
+VSP_INLINE Vsp16u maxOfAll(S16_128 a) {  // unsigned
+    const __m128i ones = _mm_set1_epi16(-1);
+    return Vsp16u(~_mm_extract_epi16(_mm_minpos_epu16(_mm_xor_si128(a.v, ones)), 0));
+}
+VSP_IF_256(VSP_INLINE Vsp16u maxOfAll(S16_256 a) {
+    return maxOfAll(maxU(S16_128{_mm256_castsi256_si128(a.v)}, S16_128{_mm256_extracti128_si256(a.v, 1)}));
+})
+VSP_IF_512(VSP_INLINE Vsp16u maxOfAll(S16_512 a) {
+    return maxOfAll(maxU(S16_256{_mm512_castsi512_si256(a.v)}, S16_256{_mm512_extracti64x4_epi64(a.v, 1)}));
+})
+
+}  // namespace vsp::VSP_LEVEL
