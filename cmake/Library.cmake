@@ -14,8 +14,7 @@ set(vspsc_level_sources
 set(vspsc_common_sources
     src/common/tables.cpp
     src/core/api.cpp
-    src/core/version_records.cpp
-    src/vector/tables.cpp)
+    src/core/version_records.cpp)
 
 # -O3 because -O2 leaves small constant loops rolled. No contraction: every level gives the same floating-point bits.
 add_library(vspsc_library_options INTERFACE)
@@ -27,7 +26,7 @@ target_compile_options(
               -fcf-protection=full)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     # g++ 12 warns of its own AVX-512 headers.
-    target_compile_options(vspsc_library_options INTERFACE -Wno-maybe-uninitialized)
+    target_compile_options(vspsc_library_options INTERFACE -Wno-maybe-uninitialized -Wno-uninitialized)
 endif()
 
 function(vspsc_add_objects name)

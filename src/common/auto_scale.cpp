@@ -8,30 +8,31 @@ namespace vsp::VSP_LEVEL {
 
 namespace {
 
-// The largest magnitude of len elements, one vector or more.
+// Folds the largest magnitudes so far into the narrower widths and takes in what the rest of the length has.
 template <class V>
-VSP_INLINE Vsp16u maxMagnitudeWhole(const Vsp16s* pSrc, Vsp32s len) {
-    V largest = magnitude(V::load(pSrc + len - V::width));
-    for (int i = 0; i < len - V::width; i += V::width) largest = maxU(largest, magnitude(V::load(pSrc + i)));
-    return maxOfAll(largest);
-}
-
-template <class V = S16>
-VSP_INLINE Vsp16u maxMagnitude(const Vsp16s* pSrc, Vsp32s len) {
-    if (len >= V::width) return maxMagnitudeWhole<V>(pSrc, len);
+VSP_INLINE Vsp16u maxMagnitudeRest(V largest, int i, const Vsp16s* pSrc, Vsp32s len) {
     if constexpr (V::width > 8) {
-        return maxMagnitude<Half<V>>(pSrc, len);
-    } else {
-        int largest = 0;
-        for (int i = 0; i < len; i++) {
-            const int a = pSrc[i] < 0 ? -pSrc[i] : pSrc[i];
-            largest = a > largest ? a : largest;
+        using H = Half<V>;
+        H folded = foldMaxU(largest);
+        if (len & H::width) {
+            folded = maxU(folded, magnitude(H::load(pSrc + i)));
+            i += H::width;
         }
-        return Vsp16u(largest);
+        return maxMagnitudeRest(folded, i, pSrc, len);
+    } else {
+        for (; i < len; i++) largest = maxU(largest, magnitude(V::splat(pSrc[i])));
+        return largestU(largest);
     }
 }
 
-void autoScale(const Vsp16s* pSrc, Vsp16s* pDst, Vsp32s len, Vsp32s* pScale) {
+VSP_INLINE Vsp16u maxMagnitude(const Vsp16s* pSrc, Vsp32s len) {
+    S16 largest = S16::splat(0);
+    int i = 0;
+    for (; i <= len - S16::width; i += S16::width) largest = maxU(largest, magnitude(S16::load(pSrc + i)));
+    return maxMagnitudeRest(largest, i, pSrc, len);
+}
+
+VspStatus autoScale(const Vsp16s* pSrc, Vsp16s* pDst, Vsp32s len, Vsp32s* pScale) {
     const Vsp16u largest = maxMagnitude(pSrc, len);
     const int headroom = largest == 0 ? 16 : Exp_16s_Pos(largest > kMax16 ? Vsp16u(kMax16) : largest);
     const int left = headroom - *pScale;
@@ -48,6 +49,7 @@ void autoScale(const Vsp16s* pSrc, Vsp16s* pDst, Vsp32s len, Vsp32s* pScale) {
         map(
             len, [right](auto a) { return shr(a, right); }, pDst, pSrc);
     }
+    return vspStsNoErr;
 }
 
 }  // namespace
@@ -56,16 +58,14 @@ VspStatus vspsAutoScale_16s(const Vsp16s* pSrc, Vsp16s* pDst, Vsp32s len, Vsp32s
     if (anyNull(pSrc, pDst, pScale)) return vspStsNullPtrErr;
     if (len < 1) return vspStsSizeErr;
     if (*pScale < 0) return vspStsScaleRangeErr;
-    autoScale(pSrc, pDst, len, pScale);
-    return vspStsNoErr;
+    return autoScale(pSrc, pDst, len, pScale);
 }
 
 VspStatus vspsAutoScale_16s_I(Vsp16s* pSrcDst, Vsp32s len, Vsp32s* pScale) {
     if (anyNull(pSrcDst, pScale)) return vspStsNullPtrErr;
     if (len < 1) return vspStsSizeErr;
     if (*pScale < 0) return vspStsScaleRangeErr;
-    autoScale(pSrcDst, pSrcDst, len, pScale);
-    return vspStsNoErr;
+    return autoScale(pSrcDst, pSrcDst, len, pScale);
 }
 
 }  // namespace vsp::VSP_LEVEL

@@ -11,13 +11,13 @@ namespace {
 // (a * w) >> shift in 32 bits, as the low and the high elements of the lanes.
 template <class V>
 struct Products {
-    typename Related<V>::Wide lo, hi;
+    Wide<V> lo, hi;
 };
 
 template <class V>
-VSP_INLINE Products<V> shiftedProducts(V a, Vsp16s w, int shift) {
-    const V weight = V::splat(w);
-    const V lo = mulLo(a, weight), hi = mulHi(a, weight);
+VSP_INLINE Products<V> shiftedProducts(V a, S16 weight, int shift) {
+    const V w = lowest<V>(weight);
+    const V lo = mulLo(a, w), hi = mulHi(a, w);
     return {shr(zipLo(lo, hi), shift), shr(zipHi(lo, hi), shift)};
 }
 
@@ -41,9 +41,10 @@ VspStatus vspsInterpolateC_G729_16s_Sfs(const Vsp16s* pSrc1, Vsp16s weight1, con
     if (anyNull(pSrc1, pSrc2, pDst)) return vspStsNullPtrErr;
     if (scaleFactor < 0) return vspStsScaleRangeErr;
     if (len < 1) return vspStsSizeErr;
+    const S16 w1 = S16::splat(weight1), w2 = S16::splat(weight2);
     const int shift = scaleFactor < 31 ? scaleFactor : 31;
     const auto weightedSum = [=](auto a, auto b) {
-        const auto sum = shiftedProducts(a, weight1, shift) + shiftedProducts(b, weight2, shift);
+        const auto sum = shiftedProducts(a, w1, shift) + shiftedProducts(b, w2, shift);
         return packSat(sum.lo, sum.hi);
     };
     map(len, weightedSum, pDst, pSrc1, pSrc2);
@@ -55,14 +56,15 @@ VspStatus vspsInterpolateC_NR_G729_16s_Sfs(const Vsp16s* pSrc1, Vsp16s weight1, 
     if (anyNull(pSrc1, pSrc2, pDst)) return vspStsNullPtrErr;
     if (scaleFactor < 0) return vspStsScaleRangeErr;
     if (len < 1) return vspStsSizeErr;
-    const Vsp32s rounding = roundingConstant(scaleFactor);
+    const S16 weights{zipLo(S16::splat(weight1), S16::splat(weight2)).v};
+    const S32 rounding = S32::splat(roundingConstant(scaleFactor));
     const int shift = scaleFactor & 31;
     const auto weightedSum = [=](auto a, auto b) {
         using V = decltype(a);
-        using W = typename Related<V>::Wide;
-        // Both products of an element side by side, so that dot2 adds them.
-        const W weights = zipLo(V::splat(weight1), V::splat(weight2)), r = W::splat(rounding);
-        const W lo = dot2(V{zipLo(a, b).v}, V{weights.v}), hi = dot2(V{zipHi(a, b).v}, V{weights.v});
+        using W = Wide<V>;
+        // Both inputs of an element side by side, so that dot2 adds their products.
+        const W lo = dot2(V{zipLo(a, b).v}, lowest<V>(weights)), hi = dot2(V{zipHi(a, b).v}, lowest<V>(weights));
+        const W r = lowest<W>(rounding);
         return packSat(shr(add(lo, r), shift), shr(add(hi, r), shift));
     };
     map(len, weightedSum, pDst, pSrc1, pSrc2);
@@ -86,11 +88,12 @@ VspStatus vspsInterpolateC_NR_16s(const Vsp16s* pSrc1, Vsp16s val1, Vsp32s scale
     }
     // The sum of two products of -32768 and -32768 is 2^31. With 2^16 taken off, a multiple of the divisor, every sum fits;
     // it is put back after the shift.
-    const Vsp32s rounding = (1 << (15 - m)) - (1 << 16), offset = 1 << m;
+    const S32 rounding = S32::splat((1 << (15 - m)) - (1 << 16)), offset = S32::splat(1 << m);
+    const S16 w1 = S16::splat(val1), w2 = S16::splat(val2);
     const auto weightedSum = [=](auto a, auto b) {
-        using W = typename Related<decltype(a)>::Wide;
-        const W r = W::splat(rounding), back = W::splat(offset);
-        const auto sum = shiftedProducts(a, val1, shift1) + shiftedProducts(b, val2, shift2);
+        using W = Wide<decltype(a)>;
+        const W r = lowest<W>(rounding), back = lowest<W>(offset);
+        const auto sum = shiftedProducts(a, w1, shift1) + shiftedProducts(b, w2, shift2);
         return packSat(add(shr(add(sum.lo, r), 16 - m), back), add(shr(add(sum.hi, r), 16 - m), back));
     };
     map(len, weightedSum, pDst, pSrc1, pSrc2);

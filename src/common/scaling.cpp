@@ -10,31 +10,37 @@ namespace {
 
 // sat16((a * b + r) >> shift), one vector
 template <class V>
-VSP_INLINE V mulRoundShift(V a, V b, Vsp32s rounding, int shift) {
-    using W = typename Related<V>::Wide;
-    const W r = W::splat(rounding);
+VSP_INLINE V mulRoundShift(V a, V b, S32 rounding, int shift) {
+    const auto r = lowest<Wide<V>>(rounding);
     const V lo = mulLo(a, b), hi = mulHi(a, b);
     return packSat(shr(add(zipLo(lo, hi), r), shift), shr(add(zipHi(lo, hi), r), shift));
 }
 
-void mulC(const Vsp16s* pSrc, Vsp16s val, Vsp16s* pDst, Vsp32s len, Vsp32s scaleFactor) {
-    if (scaleFactor == 15)
-        return map(
-            len, [val](auto a) { return mulRound(a, decltype(a)::splat(val)); }, pDst, pSrc);
-    const Vsp32s r = roundingConstant(scaleFactor);
-    const int shift = scaleFactor & 31;
-    map(
-        len, [=](auto a) { return mulRoundShift(a, decltype(a)::splat(val), r, shift); }, pDst, pSrc);
+VSP_INLINE VspStatus mulC(const Vsp16s* pSrc, Vsp16s val, Vsp16s* pDst, Vsp32s len, Vsp32s scaleFactor) {
+    const S16 factor = S16::splat(val);
+    if (scaleFactor == 15 && val != kMin16) {  // no product saturates
+        map(
+            len, [=](auto a) { return mulRoundWrap(a, lowest<decltype(a)>(factor)); }, pDst, pSrc);
+    } else {
+        const S32 rounding = S32::splat(roundingConstant(scaleFactor));
+        const int shift = scaleFactor & 31;
+        map(
+            len, [=](auto a) { return mulRoundShift(a, lowest<decltype(a)>(factor), rounding, shift); }, pDst, pSrc);
+    }
+    return vspStsNoErr;
 }
 
-void mul(const Vsp16s* pSrc1, const Vsp16s* pSrc2, Vsp16s* pDst, Vsp32s len, Vsp32s scaleFactor) {
-    if (scaleFactor == 15)
-        return map(
+VSP_INLINE VspStatus mul(const Vsp16s* pSrc1, const Vsp16s* pSrc2, Vsp16s* pDst, Vsp32s len, Vsp32s scaleFactor) {
+    if (scaleFactor == 15) {
+        map(
             len, [](auto a, auto b) { return mulRound(a, b); }, pDst, pSrc1, pSrc2);
-    const Vsp32s r = roundingConstant(scaleFactor);
-    const int shift = scaleFactor & 31;
-    map(
-        len, [=](auto a, auto b) { return mulRoundShift(a, b, r, shift); }, pDst, pSrc1, pSrc2);
+    } else {
+        const S32 rounding = S32::splat(roundingConstant(scaleFactor));
+        const int shift = scaleFactor & 31;
+        map(
+            len, [=](auto a, auto b) { return mulRoundShift(a, b, rounding, shift); }, pDst, pSrc1, pSrc2);
+    }
+    return vspStsNoErr;
 }
 
 }  // namespace
@@ -43,32 +49,28 @@ VspStatus vspsMulC_NR_16s_Sfs(const Vsp16s* pSrc, Vsp16s val, Vsp16s* pDst, Vsp3
     if (anyNull(pSrc, pDst)) return vspStsNullPtrErr;
     if (len < 1) return vspStsSizeErr;
     if (scaleFactor < 0) return vspStsScaleRangeErr;
-    mulC(pSrc, val, pDst, len, scaleFactor);
-    return vspStsNoErr;
+    return mulC(pSrc, val, pDst, len, scaleFactor);
 }
 
 VspStatus vspsMulC_NR_16s_ISfs(Vsp16s val, Vsp16s* pSrcDst, Vsp32s len, Vsp32s scaleFactor) {
     if (anyNull(pSrcDst)) return vspStsNullPtrErr;
     if (len < 1) return vspStsSizeErr;
     if (scaleFactor < 0) return vspStsScaleRangeErr;
-    mulC(pSrcDst, val, pSrcDst, len, scaleFactor);
-    return vspStsNoErr;
+    return mulC(pSrcDst, val, pSrcDst, len, scaleFactor);
 }
 
 VspStatus vspsMul_NR_16s_Sfs(const Vsp16s* pSrc1, const Vsp16s* pSrc2, Vsp16s* pDst, Vsp32s len, Vsp32s scaleFactor) {
     if (anyNull(pSrc1, pSrc2, pDst)) return vspStsNullPtrErr;
     if (len < 1) return vspStsSizeErr;
     if (scaleFactor < 0) return vspStsScaleRangeErr;
-    mul(pSrc1, pSrc2, pDst, len, scaleFactor);
-    return vspStsNoErr;
+    return mul(pSrc1, pSrc2, pDst, len, scaleFactor);
 }
 
 VspStatus vspsMul_NR_16s_ISfs(const Vsp16s* pSrc, Vsp16s* pSrcDst, Vsp32s len, Vsp32s scaleFactor) {
     if (anyNull(pSrc, pSrcDst)) return vspStsNullPtrErr;
     if (len < 1) return vspStsSizeErr;
     if (scaleFactor < 0) return vspStsScaleRangeErr;
-    mul(pSrc, pSrcDst, pSrcDst, len, scaleFactor);
-    return vspStsNoErr;
+    return mul(pSrc, pSrcDst, pSrcDst, len, scaleFactor);
 }
 
 // The power runs through a rounding in every step, so there is nothing to vectorise.

@@ -5,33 +5,41 @@
 
 namespace vsp::VSP_LEVEL {
 
-// Sum of op(a)[i] * op2(b)[i] in 64 bits, one vector or more. With 0x7FFF0000 added every result of dot2, the one that
-// wraps included, is an exact unsigned 32-bit value; what was added is taken off at the end.
-template <class V, class OpA, class OpB>
-VSP_INLINE Vsp64s dotWhole(const Vsp16s* a, const Vsp16s* b, int len, OpA opA, OpB opB) {
-    using W = typename Related<V>::Wide;
-    using Sum = typename Related<V>::Sum;
-    constexpr Vsp32s kBias = 0x7FFF0000;
-    const auto products = [](V x, V y) { return addHalves(Sum{add(dot2(x, y), W::splat(kBias)).v}); };
-    const int whole = len & -V::width, rest = len - whole;
-    Sum total = products(opA(loadLast<V>(a + len - V::width, rest)), opB(V::load(b + len - V::width)));
-    for (int i = 0; i < whole; i += V::width) total = add(total, products(opA(V::load(a + i)), opB(V::load(b + i))));
-    return sum(total) - (len / V::width + 1LL) * W::width * kBias;
+// With kDotBias added every result of dot2, the one that wraps included, is an exact unsigned 32-bit value. What was added
+// is taken off at the end.
+constexpr Vsp32s kDotBias = 0x7FFF0000;
+
+template <class V>
+VSP_INLINE auto biasedProducts(V a, V b) {
+    return addHalves(typename Related<V>::Sum{add(dot2(a, b), Wide<V>::splat(kDotBias)).v});
 }
 
-template <class V = S16, class OpA, class OpB>
-VSP_INLINE Vsp64s dot(const Vsp16s* a, const Vsp16s* b, int len, OpA opA, OpB opB) {
-    if (len >= V::width) return dotWhole<V>(a, b, len, opA, opB);
+// Folds the sum so far into the narrower widths and adds what the rest of the length has.
+template <class V, class Sum, class OpA, class OpB>
+VSP_INLINE Vsp64s dotRest(Sum total, int i, const Vsp16s* a, const Vsp16s* b, int len, OpA opA, OpB opB) {
     if constexpr (V::width > 8) {
-        return dot<Half<V>>(a, b, len, opA, opB);
-    } else {
-        alignas(16) Vsp16s paddedA[8] = {}, paddedB[8] = {};
-        for (int i = 0; i < len; i++) {
-            paddedA[i] = a[i];
-            paddedB[i] = b[i];
+        using H = Half<V>;
+        auto folded = foldSum(total);
+        if (len & H::width) {
+            folded = add(folded, biasedProducts(opA(H::load(a + i)), opB(H::load(b + i))));
+            i += H::width;
         }
-        return dotWhole<V>(paddedA, paddedB, 8, opA, opB);
+        return dotRest<H>(folded, i, a, b, len, opA, opB);
+    } else {
+        Vsp64s result = sum(total) - Vsp64s(i / 2) * kDotBias;
+        for (; i < len; i++) result += first(opA(V::splat(a[i]))) * first(opB(V::splat(b[i])));
+        return result;
     }
+}
+
+// Sum of opA(a)[i] * opB(b)[i] in 64 bits. The operations are generic lambdas on vectors.
+template <class OpA, class OpB>
+VSP_INLINE Vsp64s dot(const Vsp16s* a, const Vsp16s* b, int len, OpA opA, OpB opB) {
+    S64 total = S64::splat(0);
+    int i = 0;
+    for (; i <= len - S16::width; i += S16::width)
+        total = add(total, biasedProducts(opA(S16::load(a + i)), opB(S16::load(b + i))));
+    return dotRest<S16>(total, i, a, b, len, opA, opB);
 }
 
 }  // namespace vsp::VSP_LEVEL

@@ -1,36 +1,34 @@
-// Applies an operation on vectors to whole arrays of any length. The operation is a generic lambda: it gets vectors of one
-// of the widths of the level. The destination may be a source, and nothing outside the arrays is touched.
+// Applies an operation on vectors to whole arrays of any length. The operation is a generic lambda: it gets vectors of any
+// width of the level. The destination may be a source, and nothing outside the arrays is touched.
 #pragma once
 
 #include "vector/simd.h"
 
 namespace vsp::VSP_LEVEL {
 
-// dst[i] = op(src[i]...), one vector or more. The last vector overlaps the one before; it is computed before anything is
-// stored.
+// What the widest vectors leave goes through one vector of each narrower width that the rest of the length has, and then
+// one by one. So an array is read and written in the same pieces every time, and a call finds what the one before it
+// stored; with masked or overlapping last vectors it would wait for those stores.
 template <class V, class Op, class... Sources>
-VSP_INLINE void mapWhole(int len, Op op, Vsp16s* dst, Sources... src) {
-    const int tail = len - V::width;
-    const V last = op(V::load(src + tail)...);
-    for (int i = 0; i < tail; i += V::width) op(V::load(src + i)...).store(dst + i);
-    last.store(dst + tail);
+VSP_INLINE void mapRest(int i, int len, Op op, Vsp16s* dst, Sources... src) {
+    if constexpr (V::width > 8) {
+        using H = Half<V>;
+        if (len & H::width) {
+            op(H::load(src + i)...).store(dst + i);
+            i += H::width;
+        }
+        mapRest<H>(i, len, op, dst, src...);
+    } else {
+        for (; i < len; i++) dst[i] = first(op(V::splat(src[i])...));
+    }
 }
 
-template <class V = S16, class Op, class... Sources>
+// dst[i] = op(src[i]...)
+template <class Op, class... Sources>
 VSP_INLINE void map(int len, Op op, Vsp16s* dst, Sources... src) {
-    if (len >= V::width) return mapWhole<V>(len, op, dst, src...);
-    if constexpr (V::width > 8) {
-        map<Half<V>>(len, op, dst, src...);
-    } else {
-        const auto padded = [len](const Vsp16s* p) {
-            alignas(16) Vsp16s elements[8] = {};
-            for (int i = 0; i < len; i++) elements[i] = p[i];
-            return V::load(elements);
-        };
-        alignas(16) Vsp16s result[8];
-        op(padded(src)...).store(result);
-        for (int i = 0; i < len; i++) dst[i] = result[i];
-    }
+    int i = 0;
+    for (; i <= len - S16::width; i += S16::width) op(S16::load(src + i)...).store(dst + i);
+    mapRest<S16>(i, len, op, dst, src...);
 }
 
 }  // namespace vsp::VSP_LEVEL

@@ -5,7 +5,6 @@
 #include <immintrin.h>
 
 #include "core/level.h"
-#include "vector/tables.h"
 
 #if defined(__AVX512BW__)
 #define VSP_NATIVE(name) name##_512
@@ -71,7 +70,20 @@ VSP_IF_512(template <> struct Related<S16_512> {
     using Half = S16_256;
 };)
 template <class V>
+using Wide = typename Related<V>::Wide;
+template <class V>
 using Half = typename Related<V>::Half;
+
+// The lowest elements of a vector of the level, as many as V has: a constant is made once, at the width of the level.
+template <class V, class Native>
+VSP_INLINE V lowest(Native a) {
+    if constexpr (sizeof(V) == sizeof(Native))
+        return a;
+    else if constexpr (sizeof(V) == 16)
+        return {__builtin_shufflevector(a.v, a.v, 0, 1)};
+    else
+        return {__builtin_shufflevector(a.v, a.v, 0, 1, 2, 3)};
+}
 
 // --- Operations that every width has under the same name ---------------------------------------------------------------
 
@@ -89,6 +101,7 @@ using Half = typename Related<V>::Half;
     VSP_IF_512(VSP_INLINE In##_512 name(In##_512 a, int n) { return {_mm512_##op(a.v, _mm_cvtsi32_si128(n))}; })
 
 VSP_BINARY(add, S16, S16, add_epi16)
+VSP_BINARY(subSat, S16, S16, subs_epi16)
 VSP_BINARY(mulLo, S16, S16, mullo_epi16)
 VSP_BINARY(mulHi, S16, S16, mulhi_epi16)
 VSP_BINARY(mulRoundWrap, S16, S16, mulhrs_epi16)  // (a * b + 2^14) >> 15; -32768 * -32768 gives -32768
@@ -111,27 +124,17 @@ VSP_SHIFT(shrU, S64, srl_epi64)
 #undef VSP_BINARY
 #undef VSP_SHIFT
 
-// (a * b + 2^14) >> 15, saturated: only -32768 * -32768 wraps to -32768, and nothing else gives it.
-VSP_INLINE S16_128 mulRound(S16_128 a, S16_128 b) {
-    const S16_128 wrapped = mulRoundWrap(a, b);
-    return {_mm_xor_si128(wrapped.v, _mm_cmpeq_epi16(wrapped.v, _mm_set1_epi16(-0x8000)))};
-}
-VSP_IF_256(VSP_INLINE S16_256 mulRound(S16_256 a, S16_256 b) {
-    const S16_256 wrapped = mulRoundWrap(a, b);
-    return {_mm256_xor_si256(wrapped.v, _mm256_cmpeq_epi16(wrapped.v, _mm256_set1_epi16(-0x8000)))};
-})
-VSP_IF_512(VSP_INLINE S16_512 mulRound(S16_512 a, S16_512 b) {
-    const __m512i wrapped = mulRoundWrap(a, b).v, low = _mm512_set1_epi16(-0x8000);
-    return {_mm512_mask_mov_epi16(wrapped, _mm512_cmpeq_epi16_mask(wrapped, low), _mm512_set1_epi16(0x7FFF))};
-})
-
-// --- Partial vectors and sums ------------------------------------------------------------------------------------------
-
-// The last n elements of the vector at p, zeros in the place of the others. Reads the whole vector.
+// (a * b + 2^14) >> 15, saturated: -32768, which only -32768 * -32768 gives, turns into 32767 on the way down by one and
+// up.
 template <class V>
-VSP_INLINE V loadLast(const Vsp16s* p, int n) {
-    return {V::load(p).v & V::load(kLastMask + kMaskElements - V::width + n).v};
+VSP_INLINE V mulRound(V a, V b) {
+    const V minusOne = V::splat(-1);
+    return subSat(add(mulRoundWrap(a, b), minusOne), minusOne);
 }
+
+// --- Within a vector ---------------------------------------------------------------------------------------------------
+
+VSP_INLINE Vsp16s first(S16_128 a) { return Vsp16s(_mm_cvtsi128_si32(a.v)); }
 
 // Both 32-bit halves of every element as unsigned values, added.
 template <class V>
@@ -139,23 +142,24 @@ VSP_INLINE V addHalves(V a) {
     return add(V{a.v & V::splat(0xFFFFFFFF).v}, shrU(a, 32));
 }
 
-VSP_INLINE Vsp64s sum(S64_128 a) { return _mm_cvtsi128_si64(a.v) + _mm_extract_epi64(a.v, 1); }
-VSP_IF_256(VSP_INLINE Vsp64s sum(S64_256 a) {
-    return sum(S64_128{_mm_add_epi64(_mm256_castsi256_si128(a.v), _mm256_extracti128_si256(a.v, 1))});
+// The lower half of the elements combined with the upper half: the sum, or the larger one as unsigned values.
+VSP_IF_256(VSP_INLINE S64_128 foldSum(S64_256 a) {
+    return add(S64_128{_mm256_castsi256_si128(a.v)}, S64_128{_mm256_extracti128_si256(a.v, 1)});
 })
-VSP_IF_512(VSP_INLINE Vsp64s sum(S64_512 a) {
-    return sum(S64_256{_mm256_add_epi64(_mm512_castsi512_si256(a.v), _mm512_extracti64x4_epi64(a.v, 1))});
+VSP_IF_512(VSP_INLINE S64_256 foldSum(S64_512 a) {
+    return add(S64_256{_mm512_castsi512_si256(a.v)}, S64_256{_mm512_extracti64x4_epi64(a.v, 1)});
+})
+VSP_IF_256(VSP_INLINE S16_128 foldMaxU(S16_256 a) {
+    return maxU(S16_128{_mm256_castsi256_si128(a.v)}, S16_128{_mm256_extracti128_si256(a.v, 1)});
+})
+VSP_IF_512(VSP_INLINE S16_256 foldMaxU(S16_512 a) {
+    return maxU(S16_256{_mm512_castsi512_si256(a.v)}, S16_256{_mm512_extracti64x4_epi64(a.v, 1)});
 })
 
-VSP_INLINE Vsp16u maxOfAll(S16_128 a) {  // unsigned
-    const __m128i ones = _mm_set1_epi16(-1);
-    return Vsp16u(~_mm_extract_epi16(_mm_minpos_epu16(_mm_xor_si128(a.v, ones)), 0));
+VSP_INLINE Vsp64s sum(S64_128 a) { return _mm_cvtsi128_si64(a.v) + _mm_extract_epi64(a.v, 1); }
+
+VSP_INLINE Vsp16u largestU(S16_128 a) {
+    return Vsp16u(~_mm_cvtsi128_si32(_mm_minpos_epu16(_mm_xor_si128(a.v, _mm_set1_epi16(-1)))));
 }
-VSP_IF_256(VSP_INLINE Vsp16u maxOfAll(S16_256 a) {
-    return maxOfAll(maxU(S16_128{_mm256_castsi256_si128(a.v)}, S16_128{_mm256_extracti128_si256(a.v, 1)}));
-})
-VSP_IF_512(VSP_INLINE Vsp16u maxOfAll(S16_512 a) {
-    return maxOfAll(maxU(S16_256{_mm512_castsi512_si256(a.v)}, S16_256{_mm512_extracti64x4_epi64(a.v, 1)}));
-})
 
 }  // namespace vsp::VSP_LEVEL

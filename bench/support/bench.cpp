@@ -1,0 +1,37 @@
+#include "support/bench.h"
+
+#include <random>
+
+#include "core/cpu.h"
+
+namespace bench {
+
+static constexpr vsp::Api kApi_library = {
+#define VSPSC_EXPORT(family, name) .name = &::name,
+#include "core/exports.def"
+#undef VSPSC_EXPORT
+};
+
+std::vector<Implementation> implementations() {
+    const vsp::Level level = vsp::bestLevel(vsp::readCpuRegisters());
+    std::vector<Implementation> all = {{"library", &kApi_library}, {"y8", &vsp::kApi_y8}};
+    if (level >= vsp::Level::v3) all.push_back({"v3", &vsp::kApi_v3});
+    if (level >= vsp::Level::v4) all.push_back({"v4", &vsp::kApi_v4});
+    all.push_back({"scalar", &kApi_scalar});
+    if (level >= vsp::Level::v4) all.push_back({"hand-tuned", &kApi_handTuned});
+    return all;
+}
+
+Buffers::Buffers(int len)
+    : a(len), b(len), dst(len), words(len), stride_((len + 31) / 32 * 32 + 32), ring_(int(kRing) * stride_) {
+    std::mt19937 random(1);
+    std::uniform_int_distribution<int> sample(-8000, 8000), word(1, 0x7FFFFFFF);
+    for (int i = 0; i < len; i++) {
+        a[i] = Vsp16s(sample(random));
+        b[i] = Vsp16s(sample(random));
+        words[i] = word(random) >> (i % 31);
+    }
+    for (int i = 0; i < int(kRing) * stride_; i++) ring_[i] = Vsp16s(sample(random));
+}
+
+}  // namespace bench
