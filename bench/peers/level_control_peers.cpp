@@ -1,6 +1,6 @@
-// One second of 8 kHz telephone audio through the level control and through the gain controls of two other libraries, all in
-// frames of 10 ms. The fixed digital gain control of WebRTC is called below its AudioProcessing interface, whose conversions
-// would count against it.
+// One second of 8 kHz telephone audio through the level control and through the gain controls of two other libraries, all
+// in frames of 10 ms. The fixed digital gain control of WebRTC is called below its AudioProcessing interface, whose
+// conversions would count against it.
 #include <benchmark/benchmark.h>
 #include <speex/speex_preprocess.h>
 
@@ -15,8 +15,8 @@ extern "C" {
 void* WebRtcAgc_Create();
 void WebRtcAgc_Free(void* agc);
 int WebRtcAgc_Init(void* agc, int32_t minLevel, int32_t maxLevel, int16_t mode, uint32_t rate);
-int WebRtcAgc_Process(void* agc, const int16_t* const* in, size_t bands, size_t samples, int16_t* const* out, int32_t micLevel,
-                      int32_t* newMicLevel, int16_t echo, uint8_t* saturated);
+int WebRtcAgc_Process(void* agc, const int16_t* const* in, size_t bands, size_t samples, int16_t* const* out,
+                      int32_t micLevel, int32_t* newMicLevel, int16_t echo, uint8_t* saturated);
 }
 
 namespace {

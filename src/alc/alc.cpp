@@ -2,6 +2,7 @@
 #include <math.h>
 
 #include "alc/alc_state.h"
+#include "alc/blocks.h"
 #include "core/checks.h"
 #include "core/level.h"
 
@@ -11,7 +12,6 @@ namespace {
 
 using State = VspALCState_G169_16s;
 
-constexpr int kBlock = 8;
 constexpr Vsp16s kCounterMax = 16383;
 constexpr Vsp16s kShortBurst = 50;       // active blocks below which a burst is undone
 constexpr Vsp16s kLearningBlocks = 500;  // active blocks in which the level of a burst is still being learned
@@ -24,23 +24,6 @@ VSP_INLINE Vsp16s countUp(Vsp16s counter) { return counter < kCounterMax ? Vsp16
 
 // Kept within the positive normal numbers of single precision: with them no quotient of levels is 0/0.
 VSP_INLINE Vsp32f toSingle(Vsp64f x) { return x < kSmallest ? kSmallest : x > kLargest ? kLargest : Vsp32f(x); }
-
-struct BlockMeasures {
-    Vsp32f mean, power, peak;
-};
-
-// Magnitudes of 16 bits and their sum are exact in single precision, squares and their sum are not: they keep their order.
-VSP_INLINE BlockMeasures measure(const Vsp16s* x) {
-    int sum = 0, peak = 0;
-    Vsp32f power = 0;
-    for (int i = 0; i < kBlock; i++) {
-        const int magnitude = x[i] < 0 ? -x[i] : x[i];
-        sum += magnitude;
-        peak = magnitude > peak ? magnitude : peak;
-        power += Vsp32f(x[i]) * Vsp32f(x[i]);
-    }
-    return {Vsp32f(sum) * 0.125f, power * 0.125f, Vsp32f(peak)};
-}
 
 VSP_INLINE void trackEnvelopes(State& s) {
     s.envelope = 0.8f * s.blockMean + 0.2f * s.envelope;
@@ -125,7 +108,7 @@ VSP_INLINE void trackPower(State& s) {
     }
     s.rate = maxOf(s.rateFloor, s.rate);
 
-    s.level = Vsp32f(sqrt(Vsp64f(s.power))) * s.levelScale;
+    s.level = sqrtf(s.power) * s.levelScale;  // correctly rounded, like a double root rounded to single
     if (learning) s.levelScale = minOf(0.89f, s.levelScale + 0.000461f * s.levelScale);
 }
 
@@ -150,13 +133,6 @@ VSP_INLINE void limitGain(State& s) {
         s.attack = 0.001f;
     } else {
         s.attack = minOf(1.0f, 1.1f * s.attack);
-    }
-}
-
-VSP_INLINE void applyGain(const Vsp16s* x, Vsp16s* y, Vsp32f gain) {
-    for (int i = 0; i < kBlock; i++) {
-        const Vsp32f scaled = gain * Vsp32f(x[i]);
-        y[i] = Vsp16s(int(minOf(32767.0f, maxOf(-32768.0f, scaled))));
     }
 }
 
@@ -193,19 +169,29 @@ VspStatus vspsALC_G169_16s(const Vsp16s* pSrc, Vsp16s* pDst, Vsp32s len, VspALCS
     if (anyNull(pSrc, pDst, pState)) return vspStsNullPtrErr;
     if (len < kBlock || len % kBlock != 0) return vspStsSizeErr;
     State s = *pState;
-    for (int i = 0; i < len; i += kBlock) {
-        const BlockMeasures block = measure(pSrc + i);
-        s.blockMean = block.mean;
-        s.blockPower = block.power;
-        s.blockPeak = block.peak;
-        trackEnvelopes(s);
-        trackNoise(s);
-        trackBurst(s);
-        trackSpeechLevel(s);
-        trackPower(s);
-        moveGain(s);
-        limitGain(s);
-        applyGain(pSrc + i, pDst + i, s.appliedGain);
+    for (int done = 0; done < len; done += kGroup * kBlock) {
+        const int blocks = len - done < kGroup * kBlock ? (len - done) / kBlock : kGroup;
+        BlockMeasures measures;
+        if (blocks == kGroup) {
+            measureBlocks(pSrc + done, measures);
+        } else {
+            Vsp16s padded[kGroup * kBlock] = {};
+            for (int i = 0; i < blocks * kBlock; i++) padded[i] = pSrc[done + i];
+            measureBlocks(padded, measures);
+        }
+        for (int b = 0; b < blocks; b++) {
+            s.blockMean = measures.mean[b];
+            s.blockPower = measures.power[b];
+            s.blockPeak = measures.peak[b];
+            trackEnvelopes(s);
+            trackNoise(s);
+            trackBurst(s);
+            trackSpeechLevel(s);
+            trackPower(s);
+            moveGain(s);
+            limitGain(s);
+            applyGain(pSrc + done + b * kBlock, pDst + done + b * kBlock, s.appliedGain);
+        }
     }
     *pState = s;
     return vspStsNoErr;
