@@ -1,0 +1,21 @@
+# What `cmake --install` puts in place: the library, its headers, a pkg-config file and a CMake package. Both find the
+# library relative to themselves, so that an installed tree can be moved.
+
+include(CMakePackageConfigHelpers)
+
+install(TARGETS vspscy8 EXPORT vspsc LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(FILES include/vspsc.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(DIRECTORY include/vspsc DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h")
+install(FILES LICENSE README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+
+set(vspsc_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/vspsc)
+install(EXPORT vspsc NAMESPACE vspsc:: FILE vspsc-config.cmake DESTINATION ${vspsc_package_dir})
+write_basic_package_version_file(vspsc-config-version.cmake COMPATIBILITY SameMajorVersion)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/vspsc-config-version.cmake DESTINATION ${vspsc_package_dir})
+
+# An absolute directory that the user has chosen stays as it is; others follow the prefix.
+file(RELATIVE_PATH vspsc_pc_to_prefix ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
+cmake_path(APPEND vspsc_pc_libdir "\${prefix}" ${CMAKE_INSTALL_LIBDIR})
+cmake_path(APPEND vspsc_pc_includedir "\${prefix}" ${CMAKE_INSTALL_INCLUDEDIR})
+configure_file(cmake/vspsc.pc.in vspsc.pc @ONLY)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/vspsc.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -1,0 +1,65 @@
+#!/bin/bash
+# Installs the build tree, moves the installed tree, and builds and runs the examples against it as a stranger would: with
+# pkg-config and with find_package.
+# Usage: run.sh SOURCE-DIR BUILD-DIR; CC and CMAKE name the programs to use.
+set -euo pipefail
+
+source=$1 build=$2
+: "${CC:=cc}" "${CMAKE:=cmake}"
+tmp=$(mktemp -d)
+trap 'rm -rf "$tmp"' EXIT
+fail() {
+    echo "FAILED: $*" >&2
+    exit 1
+}
+
+"$CMAKE" --install "$build" --prefix "$tmp/first" >/dev/null
+mv "$tmp/first" "$tmp/prefix"
+prefix=$tmp/prefix
+pc=$(find "$prefix" -name vspsc.pc)
+export PKG_CONFIG_PATH=${pc%/*}
+libdir=${PKG_CONFIG_PATH%/pkgconfig}
+
+[[ -f $libdir/libvspscy8.so.6.1 && ! -L $libdir/libvspscy8.so.6.1 ]] || fail "no file libvspscy8.so.6.1"
+[[ $(readlink "$libdir/libvspscy8.so") == libvspscy8.so.6.1 ]] || fail "no development link"
+diff -r "$source/include" "$prefix/include"
+if grep -rlF -e "$source" -e "$build" "$prefix" --include=*.cmake --include=*.pc; then fail "paths of the build tree installed"; fi
+
+# The example of the README is the file that is built here.
+fence='```'
+diff <(sed -n "/^${fence}c\$/,/^$fence\$/{/^$fence/!p}" "$source/README.md") "$source/examples/scale.c"
+
+expect_scale() {
+    local out
+    out=$("$@")
+    [[ $out =~ ^libvspscy8\.so\.6\.1\+?:\ 500\ -500\ 2\ 16384$ ]] || fail "$1 printed: $out"
+}
+
+# pkg-config, and the strictest C
+pkg-config --exact-version="$(sed -n 's/^project(vspsc VERSION \([0-9.]*\).*/\1/p' "$source/CMakeLists.txt")" vspsc
+read -ra flags < <(pkg-config --cflags --libs vspsc)
+"$CC" -std=c89 -pedantic-errors -Wall -Wextra -Werror "$source/examples/scale.c" "${flags[@]}" -o "$tmp/scale"
+expect_scale env LD_LIBRARY_PATH="$libdir" "$tmp/scale"
+
+# find_package
+mkdir "$tmp/outside"
+cp "$source"/examples/* "$tmp/outside"
+"$CMAKE" -S "$tmp/outside" -B "$tmp/outside/build" -DCMAKE_PREFIX_PATH="$prefix" >/dev/null
+"$CMAKE" --build "$tmp/outside/build" >/dev/null
+expect_scale "$tmp/outside/build/scale"
+
+# A package of another major version is refused.
+sed -i 's/vspsc 6\.1 REQUIRED/vspsc 5.0 REQUIRED/' "$tmp/outside/CMakeLists.txt"
+if "$CMAKE" -S "$tmp/outside" -B "$tmp/outside/build5" -DCMAKE_PREFIX_PATH="$prefix" >/dev/null 2>&1; then
+    fail "version 5.0 was accepted"
+fi
+
+# Level control: as many samples out as in, whole blocks or not, and -30 dB at the start (32000 becomes 1000).
+for samples in 0 7 160 2003; do
+    for ((i = 0; i < samples; i++)); do printf '\x00\x7d'; done >"$tmp/in"
+    "$tmp/outside/build/level_control" <"$tmp/in" >"$tmp/out"
+    [[ $(stat -c %s "$tmp/out") == $((2 * samples)) ]] || fail "level_control changed the length of $samples samples"
+    for value in $(od -An -v -td2 -N14 "$tmp/out"); do [[ $value == 1000 ]] || fail "level_control gave $value"; done
+done
+if "$tmp/outside/build/level_control" <"$tmp/in" >/dev/full 2>"$tmp/err"; then fail "level_control ignored a full disk"; fi
+grep -q "cannot write" "$tmp/err" || fail "no message about a full disk"
