@@ -70,7 +70,9 @@ target_link_libraries(vspscy8 PRIVATE vspsc_common vspsc_y8 vspsc_v3 vspsc_v4 $<
 target_include_directories(vspscy8 PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>
                                           $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
 set_target_properties(vspscy8 PROPERTIES VERSION 6.1 SOVERSION 6.1 LINK_DEPENDS ${CMAKE_CURRENT_BINARY_DIR}/exports.map)
-target_compile_options(vspscy8 PRIVATE -march=x86-64-v2 -fno-sanitize=all -fno-stack-protector)
+target_compile_options(vspscy8 PRIVATE -march=x86-64-v2)
+# As properties of the source, because these come last on the command line and override the sanitizer options.
+set_source_files_properties(src/core/dispatch.cpp PROPERTIES COMPILE_OPTIONS "-fno-sanitize=all;-fno-stack-protector")
 target_link_options(vspscy8 PRIVATE -Wl,--version-script=${CMAKE_CURRENT_BINARY_DIR}/exports.map -Wl,-z,relro,-z,now
                     -Wl,-z,noexecstack -Wl,--no-undefined-version)
 if(NOT VSPSC_SANITIZE)
