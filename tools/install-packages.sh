@@ -23,6 +23,12 @@ if ((EUID != 0)); then
 fi
 
 echo "Installing ${missing[*]}" >&2
-apt() { "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -qq -o DPkg::Lock::Timeout=300 "$@" </dev/null >/dev/null; }
-apt update
-apt install -y --no-install-recommends "${missing[@]}"
+log=$(mktemp)
+trap 'rm -f "$log"' EXIT
+apt() {
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -q -o DPkg::Lock::Timeout=300 "$@" </dev/null >>"$log" 2>&1
+}
+if ! { apt update && apt install -y --no-install-recommends "${missing[@]}"; }; then
+    cat "$log" >&2
+    exit 1
+fi
