@@ -25,7 +25,7 @@ std::vector<T> samples(std::size_t n, unsigned seed = 1) {
         } else {
             static constexpr T kExtremes[] = {std::numeric_limits<T>::min(), T(-1), T(0), T(1),
                                               std::numeric_limits<T>::max()};
-            const unsigned shift = random() % std::numeric_limits<T>::digits;
+            const int shift = int(random() % std::numeric_limits<T>::digits);
             value = extreme ? kExtremes[random() % 5] : T(T(std::uint32_t(random())) >> shift);
         }
     }
