@@ -136,6 +136,18 @@ TEST_P(LevelControl, FollowsTheMethodOnBurstsSilenceAndExtremes) {
         }
 }
 
+TEST_P(LevelControl, CountersStopAtTheirLimit) {
+    AlcReference reference;
+    reference.c = reference.h = 16382;
+    reference.hangover = 100.5f;  // never reached
+    Signal signal = bursts();
+    append(signal, extremes());
+    std::memcpy(memory.data(), &reference, sizeof reference);
+    expectAsReference(reference, signal, {50}, false);
+    const AlcReference now = stateNow();
+    EXPECT_TRUE(now.c == 16383 && now.k == 16383);
+}
+
 TEST_P(LevelControl, AnySettingsGiveFiniteStates) {
     const float levels[] = {0.0f, 26.1f, 96.0f, 1e4f, std::numeric_limits<float>::max(), kInfinity};
     Signal signal = bursts();
