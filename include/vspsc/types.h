@@ -18,9 +18,12 @@ typedef unsigned short Vsp16u; /**< unsigned 16-bit value */
 typedef signed int Vsp32s;     /**< double-precision fixed point, energies, lengths */
 typedef unsigned int Vsp32u;   /**< packed codes */
 #ifdef __GNUC__
-__extension__ typedef signed long long Vsp64s; /**< 64-bit accumulator */
-#else
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wlong-long" /* C89 and C++98 have none */
+#endif
 typedef signed long long Vsp64s; /**< 64-bit accumulator */
+#ifdef __GNUC__
+#pragma GCC diagnostic pop
 #endif
 typedef float Vsp32f;  /**< IEEE single precision */
 typedef double Vsp64f; /**< IEEE double precision */

@@ -1,0 +1,61 @@
+"""Checks the public headers: C89, C11 and C++ clean, each one self-contained, every function documented and exported.
+
+Usage: check_interface.py SOURCE_DIR C_COMPILER CXX_COMPILER
+"""
+
+import pathlib
+import re
+import subprocess
+import sys
+
+source, c_compiler, cxx_compiler = pathlib.Path(sys.argv[1]), sys.argv[2], sys.argv[3]
+problems = []
+
+headers = sorted((source / "include").rglob("*.h"))
+assert headers, "no headers found"
+for compiler, language, standard in [
+    (c_compiler, "c", "c89"),
+    (c_compiler, "c", "c11"),
+    (cxx_compiler, "c++", "c++98"),
+    (cxx_compiler, "c++", "c++20"),
+]:
+    flags = [f"-std={standard}", "-pedantic", "-Wall", "-Wextra", "-Werror", "-Wstrict-prototypes"]
+    if language == "c++":
+        flags.remove("-Wstrict-prototypes")
+    for header in headers:
+        name = header.relative_to(source / "include")
+        program = f"#include <{name}>\n#include <{name}>\nint main(void) {{ return vspStsNoErr; }}\n"
+        command = [compiler, *flags, "-fsyntax-only", "-I", str(source / "include"), "-x", language, "-"]
+        result = subprocess.run(command, input=program, text=True, capture_output=True, check=False)
+        if result.returncode != 0:
+            problems.append(f"{name} as {standard}:\n{result.stderr}")
+
+umbrella = (source / "include/vspsc.h").read_text()
+declared = {}
+for header in headers:
+    text = header.read_text()
+    if header.name != "vspsc.h" and f"vspsc/{header.name}" not in umbrella:
+        problems.append(f"vspsc.h does not include {header.name}")
+    for match in re.finditer(r"(/\*\*(?:(?!\*/).)*\*/\n)?^(?:const )?(\w+)\*? ?\b(vsps\w+)\(([^)]*)\);", text, re.M | re.S):
+        comment, result, name, parameters = match.groups()
+        if name in declared:
+            problems.append(f"{name} is declared twice")
+        declared[name] = header
+        comment = comment or ""
+        names = [] if parameters == "void" else [re.search(r"(\w+)$", p).group(1) for p in parameters.split(",")]
+        documented = re.findall(r"@param\[(?:in|out|in,out)\]\s+(\w+)", comment)
+        if documented != names:
+            problems.append(f"{name}: parameters {names}, documented {documented}")
+        if result == "VspStatus" and not re.search(r"@retval vspSts\w+Err ", comment):
+            problems.append(f"{name}: the comment lists no error")
+        if any("*" in p for p in parameters.split(",")) and "@retval vspStsNullPtrErr" not in comment:
+            problems.append(f"{name}: the comment does not mention null pointers")
+
+exports = re.findall(r"^VSPSC_EXPORT\(\w+, (\w+)\)$", (source / "src/core/exports.def").read_text(), re.M)
+if len(exports) != len(set(exports)):
+    problems.append("exports.def lists a name twice")
+problems += [f"{name} is declared but not exported" for name in declared if name not in exports]
+problems += [f"{name} is exported but not declared" for name in exports if name not in declared]
+
+print(f"{len(headers)} headers, {len(declared)} functions")
+sys.exit("\n".join(problems) if problems else 0)
