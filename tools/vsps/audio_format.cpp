@@ -37,17 +37,14 @@ const Format* find(const std::string& file) {
     return found == std::end(kFormats) ? nullptr : found;
 }
 
-bool isDevice(const std::string& file) {
-    std::error_code error;
-    const auto status = std::filesystem::status(file, error);
-    return exists(status) && !is_regular_file(status) && !is_directory(status);
-}
-
 }  // namespace
 
 int outputFormat(const std::string& file) {
+    std::error_code error;
+    const auto status = std::filesystem::status(file, error);
+    if (is_directory(status)) throw FileError(file, "is a directory");
     if (const Format* f = find(file)) return f->format;
-    if (isDevice(file)) return SF_FORMAT_AU | SF_FORMAT_PCM_16;  // /dev/stdout and such have no extension
+    if (is_other(status)) return SF_FORMAT_AU | SF_FORMAT_PCM_16;  // a device such as /dev/stdout has no extension
     throw FileError(file, "unknown extension; use one of " + outputExtensions());
 }
 

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <iostream>
 #include <memory>
+#include <new>
 
 #include "commands.h"
 #include "error.h"
@@ -53,11 +54,12 @@ void runLevel(const Options& o) {
     }
 
     OutputFile audio(o.out, encodeAudio(out, format, o.out));
-    if (gnuplot) {
-        OutputFile picture(o.plot, drawLevels(*gnuplot, "Level control of " + o.in, traces, o.settings));
-        picture.commit();
-    }
+    std::unique_ptr<OutputFile> picture;
+    if (gnuplot)
+        picture =
+            std::make_unique<OutputFile>(o.plot, drawLevels(*gnuplot, "Level control of " + o.in, traces, o.settings));
     audio.commit();
+    if (picture) picture->commit();
     if (o.json)
         std::cout << toJson(report).dump(2, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
     else
@@ -108,5 +110,11 @@ void addLevel(CLI::App& app) {
         "  vsps level call.wav even.wav\n"
         "  vsps level --two-pass --target 23 --plot even.png call.flac even.wav\n"
         "  vsps level --raw 8000 --json trunk.al even.au");
-    command->callback([o] { runLevel(*o); });
+    command->callback([o] {
+        try {
+            runLevel(*o);
+        } catch (const std::bad_alloc&) {
+            throw FileError(o->in, "too long for the memory of this machine");
+        }
+    });
 }

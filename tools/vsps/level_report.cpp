@@ -96,8 +96,8 @@ ChannelReport measureChannel(const Samples& in, const Samples& out, const GainTr
         c.highestGain = toDb(
             std::max_element(known, trace.end(), [](const Frame& a, const Frame& b) { return a.gain < b.gain; })->gain);
     }
-    if (!settings.twoPass)
-        c.attenuatedUntil = attenuatedUntil(trace, c.inLevel ? std::optional(c.inLevel->dbov) : std::nullopt);
+    if (!settings.twoPass) c.attenuatedUntil = attenuatedUntil(trace, c.inLevel);
+    if (c.attenuatedUntil) c.attenuatedUntil = std::min(*c.attenuatedUntil, double(in.size()) / kRate);
     return c;
 }
 

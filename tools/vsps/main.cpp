@@ -1,7 +1,6 @@
 // vsps: what the library can do, on recordings. Exit codes: 0 done, 1 a file that cannot be used, 2 bad usage.
 #include <csignal>
 #include <iostream>
-#include <new>
 
 #include "commands.h"
 #include "error.h"
@@ -36,8 +35,6 @@ int main(int argc, char** argv) {
     std::signal(SIGPIPE, SIG_IGN);  // a reader that has gone is a write error like any other
     try {
         return run(argc, argv);
-    } catch (const std::bad_alloc&) {
-        std::cerr << "vsps: not enough memory\n";
     } catch (const std::exception& e) {
         std::cerr << "vsps: " << e.what() << '\n';
     }
