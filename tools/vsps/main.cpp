@@ -32,7 +32,8 @@ int run(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    std::signal(SIGPIPE, SIG_IGN);  // a reader that has gone is a write error like any other
+    std::signal(SIGPIPE, SIG_IGN);  // a reader that has gone and a file size limit are write errors like any other
+    std::signal(SIGXFSZ, SIG_IGN);
     try {
         return run(argc, argv);
     } catch (const std::exception& e) {
