@@ -1,28 +1,34 @@
-#!/bin/sh
-# Installs those of the named Debian packages that are missing; says and does nothing if none is.
-set -eu
+#!/bin/bash
+# Installs the Debian packages that are missing: install-packages.sh NAME... Says and does nothing if all are there.
+set -euo pipefail
 
-missing=
+if ! command -v dpkg-query >/dev/null || ! command -v apt-get >/dev/null; then
+    echo "Not a Debian system; needed are the equivalents of: $*" >&2
+    exit 0
+fi
+
+missing=()
 for name in "$@"; do
-    status=$(dpkg-query -W -f '${Status}' "$name" 2>/dev/null || true)
-    [ "$status" = "install ok installed" ] || missing="$missing $name"
+    [[ $(dpkg-query -W -f '${db:Status-Status}' "$name" 2>/dev/null || true) == installed ]] || missing+=("$name")
 done
-[ -n "$missing" ] || exit 0
+((${#missing[@]})) || exit 0
 
-as_root=
-if [ "$(id -u)" != 0 ]; then
-    as_root=sudo
+as_root=()
+if ((EUID != 0)); then
     if ! command -v sudo >/dev/null; then
-        echo "$0: install as root:$missing" >&2
+        echo "Missing packages, and neither root nor sudo to install them. As root: apt-get install ${missing[*]}" >&2
         exit 1
     fi
+    as_root=(sudo)
 fi
-echo "Installing$missing"
+
+echo "Installing ${missing[*]}" >&2
 log=$(mktemp)
 trap 'rm -f "$log"' EXIT
-# shellcheck disable=SC2086  # the words are the packages
-if ! { $as_root apt-get update -q &&
-       $as_root env DEBIAN_FRONTEND=noninteractive apt-get install -q -y --no-install-recommends $missing; } >"$log" 2>&1; then
+apt() {
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -q -o DPkg::Lock::Timeout=300 "$@" </dev/null >>"$log" 2>&1
+}
+if ! { apt update && apt install -y --no-install-recommends "${missing[@]}"; }; then
     cat "$log" >&2
     exit 1
 fi

@@ -1,8 +1,8 @@
 #include "level_report.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
-#include <cstdarg>
 #include <cstdio>
 
 namespace {
@@ -25,13 +25,11 @@ std::size_t countLimited(const Samples& in, const Samples& out, double limitDb) 
     return count;
 }
 
-[[gnu::format(printf, 1, 2)]] std::string format(const char* pattern, ...) {
-    char line[512];
-    va_list arguments;
-    va_start(arguments, pattern);
-    std::vsnprintf(line, sizeof line, pattern, arguments);
-    va_end(arguments);
-    return line;
+template <typename... Values>
+std::string format(const char* pattern, Values... values) {
+    std::array<char, 512> line;
+    std::snprintf(line.data(), line.size(), pattern, values...);
+    return line.data();
 }
 
 std::string decibels(double value, const char* unit) { return std::isfinite(value) ? format("%.1f %s", value, unit) : "-"; }
