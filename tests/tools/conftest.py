@@ -1,0 +1,50 @@
+import json
+import os
+import subprocess
+
+import pytest
+
+
+class Vsps:
+    """Runs the program in a directory of its own."""
+
+    def __init__(self, directory):
+        self.directory = directory
+
+    def path(self, name):
+        return self.directory / name
+
+    def put(self, name, content):
+        self.path(name).write_bytes(content)
+        return name
+
+    def files(self):
+        return sorted(os.listdir(self.directory))
+
+    def run(self, *arguments, **options):
+        command = [os.environ["VSPS"], *(str(a) for a in arguments)]
+        return subprocess.run(command, cwd=self.directory, capture_output=True, text=True, timeout=60, **options)
+
+    def ok(self, *arguments, **options):
+        result = self.run(*arguments, **options)
+        assert result.returncode == 0, result.stderr
+        return result
+
+    def json(self, *arguments):
+        return json.loads(self.ok(*arguments, "--json").stdout)
+
+    def fails(self, file, reason, *arguments, **options):
+        """One line that names the file and the reason, and no file that was not there before."""
+        before = {name: self.path(name).read_bytes() for name in self.files()}
+        result = self.run(*arguments, **options)
+        assert result.returncode == 1
+        assert result.stdout == ""
+        assert result.stderr.count("\n") == 1
+        assert result.stderr.startswith(f"vsps: {file}: ")
+        assert reason in result.stderr
+        assert before == {name: self.path(name).read_bytes() for name in self.files()}
+
+
+@pytest.fixture
+def vsps(tmp_path):
+    return Vsps(tmp_path)

@@ -1,0 +1,37 @@
+// Recordings in files: everything that libsndfile reads and writes, as 16-bit samples at 8000 Hz.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+constexpr int kRate = 8000;  // Hz, the rate of telephone speech and of everything that vsps processes
+
+using Samples = std::vector<std::int16_t>;
+
+struct Recording {
+    int fileRate = kRate;  // Hz, before conversion
+    std::vector<Samples> channels;
+
+    std::size_t length() const { return channels.front().size(); }
+    double seconds() const { return static_cast<double>(length()) / kRate; }
+};
+
+// Headerless input: the encoding follows the name (.al .alaw .ul .ulaw, else 16-bit little-endian), one channel.
+struct RawInput {
+    int rate;  // Hz
+};
+
+// Reads and, where needed, converts to 8000 Hz; says so on stderr. Samples beyond full scale are clipped.
+Recording readAudio(const std::string& file, std::optional<RawInput> raw);
+
+// The libsndfile format of an output, from the extension of its name.
+int outputFormat(const std::string& file);
+// The libsndfile format of headerless audio, from the extension of its name.
+int rawFormat(const std::string& file);
+// The extensions that outputFormat knows, for messages.
+std::string outputExtensions();
+
+// The bytes of a file that holds the channels at 8000 Hz. "file" names it in errors.
+std::string encodeAudio(const std::vector<Samples>& channels, int format, const std::string& file);

@@ -1,0 +1,7 @@
+// The subcommands of vsps: each adds itself to the command line, with its options, help and action.
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+void addInfo(CLI::App& app);
+void addLevel(CLI::App& app);

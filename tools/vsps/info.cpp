@@ -1,0 +1,85 @@
+// vsps info: which library this is and what it offers.
+#include <iostream>
+#include <map>
+#include <memory>
+#include <nlohmann/json.hpp>
+
+#include "commands.h"
+#include "core/cpu.h"
+#include "vspsc.h"
+
+namespace {
+
+struct Export {
+    const char *family, *name;
+};
+
+constexpr Export kExports[] = {
+#define VSPSC_EXPORT(family, name) {#family, #name},
+#include "core/exports.def"
+#undef VSPSC_EXPORT
+};
+
+const char* levelName() {
+    switch (vsp::bestLevel(vsp::readCpuRegisters())) {
+        case vsp::Level::v4: return "v4 (x86-64-v4, AVX-512)";
+        case vsp::Level::v3: return "v3 (x86-64-v3, AVX2)";
+        default: return "y8 (x86-64-v2, the baseline)";
+    }
+}
+
+std::map<std::string, int> familyCounts() {
+    std::map<std::string, int> counts;
+    for (const Export& e : kExports) counts[e.family]++;
+    return counts;
+}
+
+std::string targetCpu(const VspLibraryVersion& v) {
+    return std::string(v.targetCpu, std::find(v.targetCpu, v.targetCpu + sizeof v.targetCpu, '\0'));
+}
+
+void printJson(const VspLibraryVersion& v) {
+    const nlohmann::ordered_json result = {
+        {"library",
+         {{"name", v.Name},
+          {"version", v.Version},
+          {"build_date", v.BuildDate},
+          {"major", v.major},
+          {"minor", v.minor},
+          {"major_build", v.majorBuild},
+          {"build", v.build},
+          {"target_cpu", targetCpu(v)}}},
+        {"level", std::string(levelName()).substr(0, 2)},
+        {"exported_functions", std::size(kExports)},
+        {"families", familyCounts()},
+    };
+    std::cout << result.dump(2) << '\n';
+}
+
+void printText(const VspLibraryVersion& v) {
+    std::cout << "library             " << v.Name << '\n'
+              << "version             " << v.Version << " (" << v.major << '.' << v.minor << '.' << v.majorBuild << '.'
+              << v.build << ")\n"
+              << "date                " << v.BuildDate << '\n'
+              << "baseline processor  " << targetCpu(v) << '\n'
+              << "level in use        " << levelName() << '\n'
+              << "exported functions  " << std::size(kExports) << '\n';
+    for (const auto& [family, count] : familyCounts())
+        std::cout << "  " << family << std::string(18 - family.size(), ' ') << count << '\n';
+}
+
+}  // namespace
+
+void addInfo(CLI::App& app) {
+    CLI::App* command =
+        app.add_subcommand("info", "Version of the library, instruction-set level in use, exported functions by family.");
+    const auto json = std::make_shared<bool>(false);
+    command->add_flag("--json", *json, "Print a JSON object instead of text.");
+    command->callback([json] {
+        const VspLibraryVersion& version = *vspscGetLibVersion();
+        if (*json)
+            printJson(version);
+        else
+            printText(version);
+    });
+}

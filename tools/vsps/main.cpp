@@ -1,0 +1,43 @@
+// vsps: what the library can do, on recordings. Exit codes: 0 done, 1 a file that cannot be used, 2 bad usage.
+#include <csignal>
+#include <iostream>
+
+#include "commands.h"
+#include "error.h"
+#include "vspsc.h"
+
+namespace {
+
+constexpr int kBadFile = 1, kBadUsage = 2;
+
+int run(int argc, char** argv) {
+    CLI::App app{"Speech-coding primitives on recordings: level control for telephone speech.", "vsps"};
+    app.set_version_flag("--version", [] { return std::string("vsps ") + vspscGetLibVersion()->Version; });
+    app.require_subcommand(1);
+    app.footer(
+        "Exit codes: 0 done, 1 a file that cannot be used (one line says which and why), 2 bad usage.\n"
+        "\"vsps COMMAND --help\" explains a command.");
+    addInfo(app);
+    addLevel(app);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& e) {
+        if (app.exit(e, std::cout, std::cerr) != 0) return kBadUsage;
+    }
+    std::cout.flush();
+    if (!std::cout) throw FileError("standard output", "cannot be written");
+    return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    std::signal(SIGPIPE, SIG_IGN);  // a reader that has gone and a file size limit are write errors like any other
+    std::signal(SIGXFSZ, SIG_IGN);
+    try {
+        return run(argc, argv);
+    } catch (const std::exception& e) {
+        std::cerr << "vsps: " << e.what() << '\n';
+    }
+    return kBadFile;
+}
