@@ -16,5 +16,9 @@ if(VSPSC_SANITIZE)
     # Everything is instrumented but the dispatcher, which runs before the sanitizers do (Library.cmake).
     target_compile_options(vspsc_options INTERFACE -fsanitize=${VSPSC_SANITIZE} -fno-sanitize-recover=all
                                                    -fno-omit-frame-pointer)
+    if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+        # g++ 12 warns of its own library when it instruments it.
+        target_compile_options(vspsc_options INTERFACE -Wno-maybe-uninitialized)
+    endif()
     target_link_options(vspsc_options INTERFACE -fsanitize=${VSPSC_SANITIZE})
 endif()

@@ -124,7 +124,7 @@ TEST_P(LevelControl, RecordedResultsHoldForEverySplitIntoCalls) {
 }
 
 TEST_P(LevelControl, FollowsTheMethodOnALongRecording) {
-    expectAsReference(AlcReference(), longRecording(), {1, 20, 3, 100, 10}, false);
+    expectAsReference(AlcReference(), longRecording(), {1, 20, 3, 101, 10, 8, 15}, false);
 }
 
 TEST_P(LevelControl, FollowsTheMethodOnBurstsSilenceAndExtremes) {
@@ -136,16 +136,32 @@ TEST_P(LevelControl, FollowsTheMethodOnBurstsSilenceAndExtremes) {
         }
 }
 
-TEST_P(LevelControl, CountersStopAtTheirLimit) {
-    AlcReference reference;
-    reference.c = reference.h = 16382;
-    reference.hangover = 100.5f;  // never reached
-    Signal signal = bursts();
-    append(signal, extremes());
-    std::memcpy(memory.data(), &reference, sizeof reference);
-    expectAsReference(reference, signal, {50}, false);
-    const AlcReference now = stateNow();
-    EXPECT_TRUE(now.c == 16383 && now.k == 16383);
+// States that a signal reaches late or hardly ever: counters at their limits, levels of every size.
+TEST_P(LevelControl, FollowsTheMethodFromAnyState) {
+    std::mt19937 random(1);
+    const auto oneOf = [&](const auto&... x) {
+        const std::array<Vsp16s, sizeof...(x)> choices{Vsp16s(x)...};
+        return choices[random() % choices.size()];
+    };
+    const auto upTo = [&](float most) { return most * std::exp2(-float(random() % 1000) / 70); };
+    for (int run = 0; run < 5000; run++) {
+        AlcReference state0;
+        state0.h = oneOf(0, 50, 198, 199, 200, 16382, 16383);
+        state0.c = oneOf(0, 1, 2, 3, 16382, 16383);
+        state0.k = oneOf(0, 8, 9, 19, 20, 48, 49, 50, 498, 499, 500, 501, 16382, 16383);
+        state0.A = oneOf(0, 1);
+        for (float* level : {&state0.E, &state0.Pk, &state0.S, &state0.V, &state0.Lambda}) *level = upTo(32767);
+        if (run % 3 == 0) state0.Lambda = upTo(0.06f);
+        state0.N = upTo(65.38f);
+        state0.theta = 4 * state0.N;
+        state0.P = state0.Lambda * state0.Lambda;
+        state0.savedP = upTo(1e9f);
+        for (float* ratio : {&state0.r, &state0.lambda, &state0.G, &state0.g, &state0.a, &state0.savedG, &state0.savedR})
+            *ratio = upTo(1);
+        std::memcpy(memory.data(), &state0, sizeof state0);
+        expectAsReference(state0, noise(8 * std::size_t(1 + run % 20), double(upTo(32767))), {1, 2, 9}, false);
+        ASSERT_FALSE(HasFatalFailure()) << "run " << run;
+    }
 }
 
 TEST_P(LevelControl, AnySettingsGiveFiniteStates) {
