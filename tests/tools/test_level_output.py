@@ -3,6 +3,7 @@ import array
 import os
 import resource
 import stat
+import subprocess
 
 import pytest
 from signals import pcm, read_wav, speech, wav16
@@ -72,9 +73,13 @@ def test_an_existing_file_is_replaced_with_its_mode_and_through_links(vsps):
     assert stat.S_IMODE(vsps.path("old.wav").stat().st_mode) == 0o640
 
 
-def test_a_device_is_written_and_not_replaced(vsps):
+def test_a_device_or_pipe_is_written_and_not_replaced(vsps):
     assert vsps.ok("level", "in.wav", "/dev/null").stderr == ""
     assert stat.S_ISCHR(os.stat("/dev/null").st_mode)
+    vsps.ok("level", "in.wav", "out.au")
+    piped = subprocess.run([os.environ["VSPS"], "level", vsps.path("in.wav"), "/dev/stdout"], stdout=subprocess.PIPE)
+    assert piped.returncode == 0
+    assert piped.stdout.startswith(vsps.path("out.au").read_bytes())
 
 
 def test_input_and_output_may_be_the_same_file(vsps):
@@ -101,7 +106,7 @@ def test_the_extension_says_the_format(vsps):
     assert vsps.path("a.wav").read_bytes() == vsps.path("b.wav").read_bytes()
 
 
-@pytest.mark.parametrize("kind, magic", [("png", b"\x89PNG"), ("svg", b"<?xml"), ("pdf", b"%PDF")])
+@pytest.mark.parametrize("kind, magic", [("png", b"\x89PNG"), ("PNG", b"\x89PNG"), ("svg", b"<?xml"), ("pdf", b"%PDF")])
 def test_plot(vsps, kind, magic):
     name = f"it's {{a}} $plot.{kind}"
     result = vsps.ok("level", "in.wav", "out.wav", "--plot", name)

@@ -5,6 +5,7 @@
 
 #include "audio.h"
 #include "error.h"
+#include "extension.h"
 
 namespace {
 
@@ -29,9 +30,7 @@ constexpr Format kFormats[] = {
 };
 
 const Format* find(const std::string& file) {
-    std::string extension = std::filesystem::path(file).extension();
-    std::transform(extension.begin(), extension.end(), extension.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    const std::string extension = extensionOf(file);
     const auto found =
         std::find_if(std::begin(kFormats), std::end(kFormats), [&](const Format& f) { return extension == f.extension; });
     return found == std::end(kFormats) ? nullptr : found;

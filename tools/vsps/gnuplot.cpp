@@ -8,10 +8,10 @@
 #include <array>
 #include <cerrno>
 #include <cstring>
-#include <filesystem>
 #include <system_error>
 
 #include "error.h"
+#include "extension.h"
 
 namespace {
 
@@ -82,7 +82,7 @@ std::string terminal(const std::string& kind, int width, int height) {
 
 }  // namespace
 
-Gnuplot::Gnuplot(std::string file) : file_(std::move(file)), kind_(std::filesystem::path(file_).extension()) {
+Gnuplot::Gnuplot(std::string file) : file_(std::move(file)), kind_(extensionOf(file_)) {
     if (kind_ != ".png" && kind_ != ".svg" && kind_ != ".pdf")
         throw FileError(file_, "unknown extension for a plot; use one of .png .svg .pdf");
     if (!runGnuplot("", file_).success) throw FileError(file_, "gnuplot does not run");

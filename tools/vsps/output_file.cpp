@@ -81,7 +81,7 @@ void OutputFile::writeTemporary() {
 }
 
 void OutputFile::writeInPlace() const {
-    const int descriptor = open(target_.c_str(), O_WRONLY | O_CLOEXEC);
+    const int descriptor = open(file_.c_str(), O_WRONLY | O_CLOEXEC);
     if (descriptor < 0) fail();
     write(descriptor);
 }
