@@ -45,9 +45,8 @@ VspStatus autoScale(const Vsp16s* pSrc, Vsp16s* pDst, Vsp32s len, Vsp32s* pScale
         map(
             len, [left](auto a) { return shl(a, left); }, pDst, pSrc);
     } else {
-        const int right = -left < 15 ? -left : 15;
         map(
-            len, [right](auto a) { return shr(a, right); }, pDst, pSrc);
+            len, [left](auto a) { return shr(a, -left); }, pDst, pSrc);
     }
     return vspStsNoErr;
 }
