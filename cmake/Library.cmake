@@ -3,18 +3,29 @@
 set(vspsc_level_sources
     src/alc/alc.cpp
     src/common/auto_scale.cpp
+    src/common/convolution.cpp
+    src/common/correlation.cpp
     src/common/dot_prod.cpp
     src/common/interpolate.cpp
     src/common/inv_sqrt.cpp
+    src/common/lag_max.cpp
     src/common/lag_window.cpp
     src/common/random_noise.cpp
     src/common/scaling.cpp
+    src/common/synthesis_filter.cpp
     src/core/state_sizes.cpp
-    src/core/version.cpp)
+    src/core/version.cpp
+    src/g729/adaptive_codebook_gain.cpp
+    src/g729/adaptive_codebook_search.cpp
+    src/g729/adaptive_vector.cpp
+    src/g729/norm_corr.cpp
+    src/g729/open_loop_pitch.cpp
+    src/g729/pitch_32f.cpp)
 set(vspsc_common_sources
     src/common/tables.cpp
     src/core/api.cpp
-    src/core/version_records.cpp)
+    src/core/version_records.cpp
+    src/g729/tables.cpp)
 
 # -O3 because -O2 leaves small constant loops rolled. No contraction: every level gives the same floating-point bits.
 add_library(vspsc_library_options INTERFACE)
@@ -25,8 +36,9 @@ target_compile_options(
     INTERFACE -O3 -ffp-contract=off -fno-math-errno -fno-exceptions -fno-rtti -fno-asynchronous-unwind-tables -fvisibility=hidden
               -fcf-protection=full)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-    # g++ 12 warns of its own AVX-512 headers.
-    target_compile_options(vspsc_library_options INTERFACE -Wno-maybe-uninitialized -Wno-uninitialized)
+    # g++ 12 warns of its own AVX-512 headers. After a call whose use of registers it knows it forgets to clear their upper
+    # halves, which slows down the caller's SSE code.
+    target_compile_options(vspsc_library_options INTERFACE -Wno-maybe-uninitialized -Wno-uninitialized -fno-ipa-ra)
 endif()
 
 function(vspsc_add_objects name)

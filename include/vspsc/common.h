@@ -1,6 +1,7 @@
 /**
  * @file
- * Fixed-point kernels that the speech codecs share: scaling, rounded products, interpolation, dot products.
+ * Fixed-point kernels that the speech codecs share: scaling, rounded products, interpolation, dot products, correlation,
+ * convolution, LP synthesis.
  *
  * In the formulas sat16 and sat32 clamp to 16 and 32 bits, >> is an arithmetic shift (rounding towards minus infinity)
  * and products of two 16-bit values are 32-bit values.
@@ -272,6 +273,79 @@ VspStatus vspsLagWindow_G729_32s_I(Vsp32s* pSrcDst, Vsp32s len);
  * @retval vspStsSizeErr     len < 1
  */
 VspStatus vspsRandomNoiseExcitation_G729B_16s(Vsp16s* pSeed, Vsp16s* pDst, Vsp32s len);
+
+/**
+ * Finds the lag of the largest correlation of a signal with its own past (G.729 3.4, Lag_max).
+ *
+ * For each lag k from lagMax down to lagMin: c[k] = sum over n of 2 * src[n] * src[n - k], every product and every partial
+ * sum saturated to 32 bits, n ascending. The result is the largest c[k]; of equal ones the shortest lag.
+ *
+ * @param[in]  pSrc    the first of len current samples; lagMax samples of history before it
+ * @param[in]  len     number of current samples
+ * @param[in]  lagMin  shortest lag, 1 or more
+ * @param[in]  lagMax  longest lag, lagMin or more
+ * @param[out] pMax    largest correlation
+ * @param[out] pLag    its lag
+ * @retval vspStsNullPtrErr  pSrc, pMax or pLag is null
+ * @retval vspStsSizeErr     len < 1
+ * @retval vspStsRangeErr    lagMin < 1 or lagMax < lagMin
+ */
+VspStatus vspsAutoCorrLagMax_Inv_16s(const Vsp16s* pSrc, Vsp32s len, Vsp32s lagMin, Vsp32s lagMax, Vsp32s* pMax,
+                                     Vsp32s* pLag);
+
+/**
+ * Correlates a target with an impulse response, normalised to 13 bits (G.729 3.8.1, Cor_h_X).
+ *
+ * y[n] = sum over j = n .. len-1 of 2 * src1[j] * src2[j - n], every product and every partial sum saturated to 32 bits,
+ * j ascending. With m the number of left shifts that bring the largest |y| to 0x40000000 or above (0 if all are 0, at most
+ * 16), dst[n] = y[n] >> (18 - m).
+ *
+ * @param[in]  pSrc1  target, len samples
+ * @param[in]  pSrc2  impulse response, len samples
+ * @param[in]  len    number of samples
+ * @param[out] pDst   len samples; may be pSrc1
+ * @retval vspStsNullPtrErr  pSrc1, pSrc2 or pDst is null
+ * @retval vspStsSizeErr     len < 1
+ */
+VspStatus vspsCrossCorr_NormM_16s(const Vsp16s* pSrc1, const Vsp16s* pSrc2, Vsp32s len, Vsp16s* pDst);
+
+/**
+ * The first len samples of a convolution (G.729 Convolve with a scale factor of 12).
+ *
+ * s = sum over i = 0 .. n of 2 * src1[i] * src2[n - i], every product and every partial sum saturated to 32 bits, i
+ * ascending; dst[n] = sat16(s >> (scaleFactor + 1)).
+ *
+ * @param[in]  pSrc1        len samples
+ * @param[in]  pSrc2        len samples; Q12 with a scale factor of 12 keeps the format of pSrc1
+ * @param[out] pDst         len samples; may be pSrc1 or pSrc2
+ * @param[in]  len          number of samples
+ * @param[in]  scaleFactor  0 or more
+ * @retval vspStsNullPtrErr  pSrc1, pSrc2 or pDst is null
+ * @retval vspStsBadArgErr   scaleFactor < 0
+ * @retval vspStsSizeErr     len < 1
+ */
+VspStatus vspsConvPartial_16s_Sfs(const Vsp16s* pSrc1, const Vsp16s* pSrc2, Vsp16s* pDst, Vsp32s len, Vsp32s scaleFactor);
+
+/**
+ * LP synthesis filter 1/A(z) of order 10 (G.729 Syn_filt with a scale factor of 12).
+ *
+ * s = 2 * src[n] * lpc[0] - sum over j = 1 .. 10 of 2 * lpc[j] * dst[n - j], j ascending; then s * 2^(15 - scaleFactor),
+ * plus 0x8000; dst[n] is the high half of that. Every product and every one of these steps saturates to 32 bits. The
+ * filter memory is only read: before the next call the caller moves the last ten outputs there.
+ *
+ * @param[in]  pLPC         11 coefficients in Q(scaleFactor)
+ * @param[in]  pSrc         len samples
+ * @param[out] pDst         len samples; may be pSrc
+ * @param[in]  len          number of samples
+ * @param[in]  scaleFactor  0 .. 15
+ * @param[in]  pMem         the 10 outputs before dst[0], the newest last
+ * @retval vspStsNullPtrErr     pLPC, pSrc, pDst or pMem is null
+ * @retval vspStsSizeErr        len < 1
+ * @retval vspStsScaleRangeErr  scaleFactor outside 0 .. 15
+ * @retval vspStsOverflow       warning: some step saturated; all outputs are written
+ */
+VspStatus vspsSynthesisFilter_NR_16s_Sfs(const Vsp16s* pLPC, const Vsp16s* pSrc, Vsp16s* pDst, Vsp32s len,
+                                         Vsp32s scaleFactor, const Vsp16s* pMem);
 
 #ifdef __cplusplus
 }

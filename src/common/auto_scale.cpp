@@ -2,35 +2,12 @@
 #include "common/basic_ops.h"
 #include "core/checks.h"
 #include "core/level.h"
+#include "vector/magnitude.h"
 #include "vector/map.h"
 
 namespace vsp::VSP_LEVEL {
 
 namespace {
-
-// Folds the largest magnitudes so far into the narrower widths and takes in what the rest of the length has.
-template <class V>
-VSP_INLINE Vsp16u maxMagnitudeRest(V largest, int i, const Vsp16s* pSrc, Vsp32s len) {
-    if constexpr (V::width > 8) {
-        using H = Half<V>;
-        H folded = foldMaxU(largest);
-        if (len & H::width) {
-            folded = maxU(folded, magnitude(H::load(pSrc + i)));
-            i += H::width;
-        }
-        return maxMagnitudeRest(folded, i, pSrc, len);
-    } else {
-        for (; i < len; i++) largest = maxU(largest, magnitude(V::splat(pSrc[i])));
-        return largestU(largest);
-    }
-}
-
-VSP_INLINE Vsp16u maxMagnitude(const Vsp16s* pSrc, Vsp32s len) {
-    S16 largest = S16::splat(0);
-    int i = 0;
-    for (; i <= len - S16::width; i += S16::width) largest = maxU(largest, magnitude(S16::load(pSrc + i)));
-    return maxMagnitudeRest(largest, i, pSrc, len);
-}
 
 VspStatus autoScale(const Vsp16s* pSrc, Vsp16s* pDst, Vsp32s len, Vsp32s* pScale) {
     const Vsp16u largest = maxMagnitude(pSrc, len);

@@ -57,7 +57,7 @@ static_assert(Mul4_32s(-0x20000000) == kMin32 && Mul4_32s(-0x20000001) == kMin32
 VSP_INLINE constexpr Vsp32s Mul_16s_Sfs(Vsp16s a, Vsp16s b, int s) { return (a * b) >> s; }
 static_assert(Mul_16s_Sfs(kMin16, kMin16, 0) == 0x40000000 && Mul_16s_Sfs(-1, 1, 15) == -1);
 
-/// Fractional 32 x 32 product of operands split at bit 15, not saturated. (The lag window splits at bit 16.)
+/// Fractional 32 x 32 product of operands split at bit 15, not saturated. (Mpy_32 splits at bit 16.)
 VSP_INLINE constexpr Vsp32s Mul_32s(Vsp32s a, Vsp32s b) {
     const Vsp32s h1 = Vsp16s(a >> 15), l1 = a & 0x7FFF;
     const Vsp32s h2 = Vsp16s(b >> 15), l2 = b & 0x7FFF;
@@ -66,6 +66,19 @@ VSP_INLINE constexpr Vsp32s Mul_32s(Vsp32s a, Vsp32s b) {
 }
 static_assert(Mul_32s(0x3FFFFFFF, 0x3FFFFFFF) == 0x7FFFFFFA && Mul_32s(-0x40000000, -0x40000000) == kMin32);
 static_assert(Mul_32s(0x8000, 0x8000) == 2 && Mul_32s(0x7FFF, 0x7FFF) == 0);
+
+/// Fractional 32 x 32 product of operands split at bit 16, not saturated (G.729 Mpy_32).
+VSP_INLINE constexpr Vsp32s Mpy_32(Vsp32s a, Vsp32s b) {
+    const Vsp32s hi1 = a >> 16, lo1 = (a >> 1) & 0x7FFF;
+    const Vsp32s hi2 = b >> 16, lo2 = (b >> 1) & 0x7FFF;
+    const Vsp32s product = hi1 * hi2 + ((hi1 * lo2) >> 15) + ((lo1 * hi2) >> 15);
+    return wrapAdd_32s(product, product);
+}
+static_assert(Mpy_32(0x10000, 0x10000) == 2 && Mpy_32(kMin32, kMin32) == kMin32 && Mpy_32(0xFFFF, 0xFFFF) == 0);
+
+/// Adds the doubled product of a and b; both the product and the sum saturate (L_mac of the standards).
+VSP_INLINE constexpr Vsp32s mac_32s(Vsp32s sum, Vsp16s a, Vsp16s b) { return Add_32s(sum, Mul2_32s(a * b)); }
+static_assert(mac_32s(0, kMin16, kMin16) == kMax32 && mac_32s(kMin32, kMin16, kMin16) == -1);
 
 // --- Shifts and normalisation ------------------------------------------------------------------------------------------
 
@@ -97,6 +110,10 @@ VSP_INLINE constexpr Vsp32s roundingConstant(Vsp32s scaleFactor) {
     return scaleFactor == 0 ? 0 : Vsp32s(1u << ((scaleFactor - 1) & 31));
 }
 static_assert(roundingConstant(1) == 1 && roundingConstant(32) == kMin32 && roundingConstant(33) == 1);
+
+/// The high half, rounded and saturated.
+VSP_INLINE constexpr Vsp16s round_32s(Vsp32s a) { return Vsp16s(Add_32s(a, 0x8000) >> 16); }
+static_assert(round_32s(0x7FFF8000) == kMax16 && round_32s(0x18000) == 2 && round_32s(-0x8000) == 0);
 
 // --- Logarithm and power of two ----------------------------------------------------------------------------------------
 

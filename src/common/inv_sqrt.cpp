@@ -1,28 +1,13 @@
-#include "common/basic_ops.h"
+#include "common/inv_sqrt.h"
+
 #include "core/checks.h"
-#include "core/level.h"
 
 namespace vsp::VSP_LEVEL {
-
-namespace {
-
-// G.729 Inv_sqrt: 1 / sqrt(x) in Q30
-VSP_INLINE Vsp32s invSqrt(Vsp32s x) {
-    if (x <= 0) return 0x3FFFFFFF;
-    const int n = Norm_32s_Pos_I(&x);
-    const int e = 32 - n;
-    if (e % 2 == 0) x >>= 1;
-    const int i = (x >> 25) - 16;
-    const Vsp32s a = (x >> 10) & 0x7FFF;
-    return (tabsqr[i] - a * tabsqr_d[i]) >> (e >> 1);
-}
-
-}  // namespace
 
 VspStatus vspsInvSqrt_32s_I(Vsp32s* pSrcDst, Vsp32s len) {
     if (anyNull(pSrcDst)) return vspStsNullPtrErr;
     if (len < 1) return vspStsSizeErr;
-    for (int i = 0; i < len; i++) pSrcDst[i] = invSqrt(pSrcDst[i]);
+    for (int i = 0; i < len; i++) pSrcDst[i] = ownInvSqrt(pSrcDst[i]);
     return vspStsNoErr;
 }
 

@@ -36,10 +36,22 @@ VSP_INLINE Vsp64s dotRest(Sum total, int i, const Vsp16s* a, const Vsp16s* b, in
 template <class OpA, class OpB>
 VSP_INLINE Vsp64s dot(const Vsp16s* a, const Vsp16s* b, int len, OpA opA, OpB opB) {
     S64 total = S64::splat(0);
-    int i = 0;
-    for (; i <= len - S16::width; i += S16::width)
+    const int whole = len & -S16::width;
+    for (int i = 0; i < whole; i += S16::width)
         total = add(total, biasedProducts(opA(S16::load(a + i)), opB(S16::load(b + i))));
-    return dotRest<S16>(total, i, a, b, len, opA, opB);
+    return dotRest<S16>(total, whole, a, b, len, opA, opB);
 }
+
+VSP_INLINE Vsp64s dot(const Vsp16s* a, const Vsp16s* b, int len) {
+    const auto same = [](auto x) { return x; };
+    return dot(a, b, len, same, same);
+}
+
+VSP_INLINE Vsp64s energy(const Vsp16s* a, int len) { return dot(a, a, len); }
+
+// Whether no sum of doubled products of elements of the one vector with elements of the other, taken in any order and
+// stopped anywhere, leaves 32 bits: by the Cauchy-Schwarz inequality it is at most 2 * sqrt(energyA * energyB), here below
+// 2^31. The bound is a little under 2^60 for the rounding of the product.
+VSP_INLINE bool doubledSumsFit(Vsp64s energyA, Vsp64s energyB) { return Vsp64f(energyA) * Vsp64f(energyB) < 1.1529e18; }
 
 }  // namespace vsp::VSP_LEVEL

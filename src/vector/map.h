@@ -26,9 +26,9 @@ VSP_INLINE void mapRest(int i, int len, Op op, Vsp16s* dst, Sources... src) {
 // dst[i] = op(src[i]...)
 template <class Op, class... Sources>
 VSP_INLINE void map(int len, Op op, Vsp16s* dst, Sources... src) {
-    int i = 0;
-    for (; i <= len - S16::width; i += S16::width) op(S16::load(src + i)...).store(dst + i);
-    mapRest<S16>(i, len, op, dst, src...);
+    const int whole = len & -S16::width;
+    for (int i = 0; i < whole; i += S16::width) op(S16::load(src + i)...).store(dst + i);
+    mapRest<S16>(whole, len, op, dst, src...);
 }
 
 }  // namespace vsp::VSP_LEVEL

@@ -47,9 +47,32 @@ VSP_IF_512(VSP_TYPE(S32, Vsp32s, 512, _mm512, set1_epi32))
 VSP_IF_512(VSP_TYPE(S64, Vsp64s, 512, _mm512, set1_epi64))
 #undef VSP_TYPE
 
+#define VSP_FLOAT_TYPE(bits, mm)                                                                      \
+    struct F32_##bits {                                                                               \
+        using Reg = decltype(mm##_setzero_ps());                                                      \
+        static constexpr int width = bits / 32;                                                       \
+        Reg v;                                                                                        \
+        [[gnu::always_inline]] static F32_##bits splat(Vsp32f x) { return {mm##_set1_ps(x)}; }        \
+        [[gnu::always_inline]] static F32_##bits load(const Vsp32f* p) { return {mm##_loadu_ps(p)}; } \
+        [[gnu::always_inline]] void store(Vsp32f* p) const { mm##_storeu_ps(p, v); }                  \
+    };
+VSP_FLOAT_TYPE(128, _mm)
+VSP_IF_256(VSP_FLOAT_TYPE(256, _mm256))
+#undef VSP_FLOAT_TYPE
+
 using S16 = VSP_NATIVE(S16);
 using S32 = VSP_NATIVE(S32);
 using S64 = VSP_NATIVE(S64);
+
+// What slides over samples: loads at any place, of which the 64-byte ones all cross cache lines and cost more than they
+// save.
+#if defined(__AVX2__)
+using Sliding16 = S16_256;
+using Sliding32f = F32_256;
+#else
+using Sliding16 = S16_128;
+using Sliding32f = F32_128;
+#endif
 
 // What belongs to an S16 of some width: the wider elements in a register of that width, and the S16 of half the width.
 template <class V>
@@ -101,14 +124,18 @@ VSP_INLINE V lowest(Native a) {
     VSP_IF_512(VSP_INLINE In##_512 name(In##_512 a, int n) { return {_mm512_##op(a.v, _mm_cvtsi32_si128(n))}; })
 
 VSP_BINARY(add, S16, S16, add_epi16)
+VSP_BINARY(addSat, S16, S16, adds_epi16)
+VSP_BINARY(sub, S16, S16, sub_epi16)
 VSP_BINARY(subSat, S16, S16, subs_epi16)
 VSP_BINARY(mulLo, S16, S16, mullo_epi16)
 VSP_BINARY(mulHi, S16, S16, mulhi_epi16)
 VSP_BINARY(mulRoundWrap, S16, S16, mulhrs_epi16)  // (a * b + 2^14) >> 15; -32768 * -32768 gives -32768
 VSP_UNARY(magnitude, S16, S16, abs_epi16)         // -32768 gives 0x8000, an unsigned value
+VSP_BINARY(max, S16, S16, max_epi16)
 VSP_BINARY(maxU, S16, S16, max_epu16)
 VSP_SHIFT(shl, S16, sll_epi16)  // shift counts beyond the element give 0 or the sign
 VSP_SHIFT(shr, S16, sra_epi16)
+VSP_SHIFT(shrU, S16, srl_epi16)
 
 VSP_BINARY(zipLo, S16, S32, unpacklo_epi16)  // 32-bit elements: a is the low half, b the high half
 VSP_BINARY(zipHi, S16, S32, unpackhi_epi16)
@@ -116,10 +143,22 @@ VSP_BINARY(dot2, S16, S32, madd_epi16)  // a[2i] * b[2i] + a[2i+1] * b[2i+1]; on
 VSP_BINARY(packSat, S32, S16, packs_epi32)
 
 VSP_BINARY(add, S32, S32, add_epi32)
+VSP_BINARY(sub, S32, S32, sub_epi32)
+VSP_BINARY(max, S32, S32, max_epi32)
+VSP_BINARY(min, S32, S32, min_epi32)
 VSP_SHIFT(shr, S32, sra_epi32)
+VSP_SHIFT(shrU, S32, srl_epi32)
+VSP_UNARY(magnitude, S32, S32, abs_epi32)
+VSP_BINARY(zipLo, S32, S32, unpacklo_epi32)
+VSP_BINARY(zipHi, S32, S32, unpackhi_epi32)
 
 VSP_BINARY(add, S64, S64, add_epi64)
 VSP_SHIFT(shrU, S64, srl_epi64)
+
+VSP_INLINE F32_128 add(F32_128 a, F32_128 b) { return {_mm_add_ps(a.v, b.v)}; }
+VSP_INLINE F32_128 mul(F32_128 a, F32_128 b) { return {_mm_mul_ps(a.v, b.v)}; }
+VSP_IF_256(VSP_INLINE F32_256 add(F32_256 a, F32_256 b) { return {_mm256_add_ps(a.v, b.v)}; })
+VSP_IF_256(VSP_INLINE F32_256 mul(F32_256 a, F32_256 b) { return {_mm256_mul_ps(a.v, b.v)}; })
 #undef VSP_UNARY
 #undef VSP_BINARY
 #undef VSP_SHIFT
@@ -131,6 +170,51 @@ VSP_INLINE V mulRound(V a, V b) {
     const V minusOne = V::splat(-1);
     return subSat(add(mulRoundWrap(a, b), minusOne), minusOne);
 }
+
+// --- Pairs: 32-bit elements of two 16-bit ones -------------------------------------------------------------------------
+
+// The bytes of a pattern in every 128 bits.
+#define VSP_SHUFFLE_BYTES(name, ...)                                                                   \
+    VSP_INLINE S16_128 name(S16_128 a) { return {_mm_shuffle_epi8(a.v, _mm_setr_epi8(__VA_ARGS__))}; } \
+    VSP_IF_256(VSP_INLINE S16_256 name(S16_256 a) {                                                    \
+        return {_mm256_shuffle_epi8(a.v, _mm256_broadcastsi128_si256(_mm_setr_epi8(__VA_ARGS__)))};    \
+    })                                                                                                 \
+    VSP_IF_512(VSP_INLINE S16_512 name(S16_512 a) {                                                    \
+        return {_mm512_shuffle_epi8(a.v, _mm512_broadcast_i32x4(_mm_setr_epi8(__VA_ARGS__)))};         \
+    })
+
+VSP_SHUFFLE_BYTES(swapInPairs, 2, 3, 0, 1, 6, 7, 4, 5, 10, 11, 8, 9, 14, 15, 12, 13)  // a[1], a[0], a[3], a[2], ...
+VSP_SHUFFLE_BYTES(pairHalves, 0, 1, 8, 9, 2, 3, 10, 11, 4, 5, 12, 13, 6, 7, 14, 15)   // a[0], a[4], a[1], a[5], ...
+#undef VSP_SHUFFLE_BYTES
+
+// a[0], b[0], a[1], b[1], ... saturated.
+template <class V32>
+VSP_INLINE auto packSatAlternating(V32 a, V32 b) {
+    return pairHalves(packSat(a, b));
+}
+
+// a[0], b[0], a[1], b[1], ... at p.
+VSP_INLINE void storeAlternating(S32_128 a, S32_128 b, Vsp32s* p) {
+    zipLo(a, b).store(p);
+    zipHi(a, b).store(p + 4);
+}
+VSP_IF_256(VSP_INLINE void storeAlternating(S32_256 a, S32_256 b, Vsp32s* p) {
+    const __m256i lo = zipLo(a, b).v, hi = zipHi(a, b).v;
+    S32_256{_mm256_permute2x128_si256(lo, hi, 0x20)}.store(p);
+    S32_256{_mm256_permute2x128_si256(lo, hi, 0x31)}.store(p + 8);
+})
+
+// Both samples at p in every pair.
+template <class V>
+VSP_INLINE V splatPair(const Vsp16s* p) {
+    Vsp32s pair;
+    __builtin_memcpy(&pair, p, sizeof pair);
+    return {Wide<V>::splat(pair).v};
+}
+
+// The first elements of the pairs from a, the second ones from b.
+VSP_INLINE S16_128 firstAndSecond(S16_128 a, S16_128 b) { return {_mm_blend_epi16(a.v, b.v, 0xAA)}; }
+VSP_IF_256(VSP_INLINE S16_256 firstAndSecond(S16_256 a, S16_256 b) { return {_mm256_blend_epi16(a.v, b.v, 0xAA)}; })
 
 // --- Within a vector ---------------------------------------------------------------------------------------------------
 
@@ -149,6 +233,12 @@ VSP_IF_256(VSP_INLINE S64_128 foldSum(S64_256 a) {
 VSP_IF_512(VSP_INLINE S64_256 foldSum(S64_512 a) {
     return add(S64_256{_mm512_castsi512_si256(a.v)}, S64_256{_mm512_extracti64x4_epi64(a.v, 1)});
 })
+VSP_IF_256(VSP_INLINE S32_128 foldSum(S32_256 a) {
+    return add(S32_128{_mm256_castsi256_si128(a.v)}, S32_128{_mm256_extracti128_si256(a.v, 1)});
+})
+VSP_IF_512(VSP_INLINE S32_256 foldSum(S32_512 a) {
+    return add(S32_256{_mm512_castsi512_si256(a.v)}, S32_256{_mm512_extracti64x4_epi64(a.v, 1)});
+})
 VSP_IF_256(VSP_INLINE S16_128 foldMaxU(S16_256 a) {
     return maxU(S16_128{_mm256_castsi256_si128(a.v)}, S16_128{_mm256_extracti128_si256(a.v, 1)});
 })
@@ -157,6 +247,14 @@ VSP_IF_512(VSP_INLINE S16_256 foldMaxU(S16_512 a) {
 })
 
 VSP_INLINE Vsp64s sum(S64_128 a) { return _mm_cvtsi128_si64(a.v) + _mm_extract_epi64(a.v, 1); }
+VSP_INLINE Vsp32s sum(S32_128 a) {  // wraps
+    const __m128i pairs = _mm_add_epi32(a.v, _mm_unpackhi_epi64(a.v, a.v));
+    return _mm_cvtsi128_si32(_mm_add_epi32(pairs, _mm_shuffle_epi32(pairs, 1)));
+}
+template <class V>
+VSP_INLINE auto sum(V a) {
+    return sum(foldSum(a));
+}
 
 VSP_INLINE Vsp16u largestU(S16_128 a) {
     return Vsp16u(~_mm_cvtsi128_si32(_mm_minpos_epu16(_mm_xor_si128(a.v, _mm_set1_epi16(-1)))));

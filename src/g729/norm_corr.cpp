@@ -1,0 +1,132 @@
+#include "g729/norm_corr.h"
+
+#include "common/basic_ops.h"
+#include "common/inv_sqrt.h"
+#include "g729/adaptive_vector.h"
+#include "g729/tables.h"
+#include "vector/dot.h"
+#include "vector/magnitude.h"
+
+namespace vsp::VSP_LEVEL {
+
+namespace {
+
+// The filtered excitation moves through a row of cells: that of the first lag fills the last 40, each further lag begins
+// one cell earlier. A cell then only ever grows by what the new sample contributes to it, and no element moves. Cells
+// behind the 40 are stale. Impulse response, target and a mask of the 40 lie between zeros, to be read at any offset from
+// the cells.
+constexpr int kCells = 64;
+constexpr int kFirst = kCells - kL_subfr;
+static_assert(kFirst >= kMaxNormCorr - 1);
+
+struct Padded {
+    alignas(64) Vsp16s cells[2 * kCells];
+
+    Vsp16s* middle() { return cells + kCells; }
+    const Vsp16s* from(int first) const { return cells + kCells - first; }
+};
+
+// Shifts that turn the product of h[i] and e, shifted right by 12 or 14, into the high half of the product of h[i] << ofH
+// and e << ofE; ofE is negative if neither that nor h[0] = 4096 fits 16 bits.
+struct HighHalf {
+    int ofH, ofE;
+};
+
+HighHalf highHalf(int largestH, int largestE, int shift) {
+    const int ofH = largestH < 8192 ? 2 : largestH < 16384 ? 1 : 0, ofE = 16 - shift - ofH;
+    return {ofH, ofE >= 0 && largestE << ofE <= kMax16 ? ofE : -1};
+}
+
+// sat16((e * h[i]) >> shift)
+template <class V>
+VSP_INLINE V shiftedProduct(V h, V e, int shift) {
+    const V lo = mulLo(h, e), hi = mulHi(h, e);
+    return packSat(shr(zipLo(lo, hi), shift), shr(zipHi(lo, hi), shift));
+}
+
+// What a lag gives: <x, f> modulo 2^32 and <f, f>.
+struct Products {
+    Vsp32s targetFiltered;
+    Vsp64s filteredFiltered;
+};
+
+// cells[i] += contribution(h[i]), saturated, and the products of the new filtered excitation.
+template <class Contribution>
+VSP_INLINE Products addSample(Vsp16s* cells, const Vsp16s* h, const Vsp16s* x, const Vsp16s* mask,
+                              Contribution contribution) {
+    S32 xf = S32::splat(0);
+    S64 ff = S64::splat(0);
+    for (int i = 0; i < kCells; i += S16::width) {
+        const S16 f = addSat(S16::load(cells + i), contribution(S16::load(h + i)));
+        f.store(cells + i);
+        xf = add(xf, dot2(f, S16::load(x + i)));
+        const S16 current{f.v & S16::load(mask + i).v};
+        ff = add(ff, addHalves(S64{dot2(current, current).v}));  // unsigned: 2 * (-32768)^2 is 2^31
+    }
+    return {sum(xf), sum(ff)};
+}
+
+// Saturating sum of doubled products.
+Vsp32s dotSaturating(const Vsp16s* a, const Vsp16s* b) {
+    Vsp32s sum = 0;
+    for (int i = 0; i < kL_subfr; i++) sum = mac_32s(sum, a[i], b[i]);
+    return sum;
+}
+
+}  // namespace
+
+void ownNorm_Corr(const Vsp16s* excitation, const Vsp16s* target, const Vsp16s* impulse, int t_min, int t_max,
+                  Vsp16s* corr) {
+    alignas(64) Vsp16s cells[kCells] = {};
+    Vsp16s* const filtered = cells + kFirst;
+    vspsConvPartial_16s_Sfs(excitation - t_min, impulse, filtered, kL_subfr, 12);
+
+    // From here on a quarter of it if it is large.
+    const bool large = Cnvrt_64s32s(2 * energy(filtered, kL_subfr)) > 1 << 26;
+    const int shift = large ? 14 : 12;
+    if (large)
+        for (int i = 0; i < kL_subfr; i++) filtered[i] >>= 2;
+
+    // The element that a lag adds in front is e or e >> 2, as h[0] = 1 in Q12 gives it.
+    const HighHalf high =
+        highHalf(maxMagnitude(impulse, kL_subfr), maxMagnitude(excitation - t_max, t_max - t_min + 1), shift);
+    Padded h{}, x{}, mask{};
+    const int scaleOfH = high.ofE < 0 ? 0 : high.ofH;
+    for (int i = 0; i < kL_subfr; i++) {
+        h.middle()[i] = Vsp16s((i == 0 ? 4096 : impulse[i]) << scaleOfH);
+        x.middle()[i] = target[i];
+        mask.middle()[i] = -1;
+    }
+
+    const Vsp64s targetEnergy = energy(target, kL_subfr);
+    for (int k = t_min, first = kFirst; k <= t_max; k++, first--) {
+        const auto add = [&](auto contribution) {
+            return addSample(cells, h.from(first), x.from(first), mask.from(first), contribution);
+        };
+        const Vsp16s e = excitation[-k];
+        Products products;
+        if (k == t_min)
+            products = add([](S16) { return S16::splat(0); });
+        else if (high.ofE >= 0)
+            products = add([e = S16::splat(Vsp16s(e << high.ofE))](S16 a) { return mulHi(a, e); });
+        else
+            products = add([e = S16::splat(e), shift](S16 a) { return shiftedProduct(a, e, shift); });
+        const Vsp32s product = doubledSumsFit(targetEnergy, products.filteredFiltered)
+                                   ? 2 * products.targetFiltered
+                                   : dotSaturating(target, cells + first);
+        corr[k - t_min] = sat_16s(Mpy_32(product, ownInvSqrt(Cnvrt_64s32s(2 * products.filteredFiltered))));
+    }
+}
+
+Vsp32s ownInterpol_3(const Vsp16s* corr, int fraction) {
+    if (fraction < 0) {
+        fraction += 3;
+        corr--;
+    }
+    Vsp32s sum = 0;
+    for (int i = 0; i < kL_inter4; i++)
+        sum += corr[-i] * inter_3[fraction + 3 * i] + corr[1 + i] * inter_3[3 - fraction + 3 * i];
+    return (sum + 16384) >> 15;
+}
+
+}  // namespace vsp::VSP_LEVEL

@@ -1,0 +1,184 @@
+// The floating-point members of the pitch search and the adaptive codebook (G.729 Annex C).
+#include <math.h>
+
+#include "core/checks.h"
+#include "core/level.h"
+#include "g729/tables.h"
+#include "vector/simd.h"
+
+namespace vsp::VSP_LEVEL {
+
+namespace {
+
+constexpr int kL_subfr = 40;
+constexpr int kPitMax = 143;
+constexpr int kL_frame = 80;
+constexpr int kSignal = kPitMax + kL_frame;
+
+// Sixteen partial sums, added in a fixed tree, so that every level gives the same bits.
+VSP_INLINE Vsp32f dotProduct(const Vsp32f* a, const Vsp32f* b, int len) {
+    constexpr int kSums = 16;
+    Vsp32f sums[kSums] = {};
+    int n = 0;
+    for (; n + kSums <= len; n += kSums)
+        for (int i = 0; i < kSums; i++) sums[i] += a[n + i] * b[n + i];
+    for (int i = 0; n + i < len; i++) sums[i] += a[n + i] * b[n + i];
+    for (int half = kSums / 2; half > 0; half /= 2)
+        for (int i = 0; i < half; i++) sums[i] += sums[i + half];
+    return sums[0];
+}
+
+// The signal split into its even and its odd samples, because the search sees every second one of a vector: the current
+// frame begins at an odd one, even lags stay among the odd samples and odd lags lead to the even ones.
+class DecimatedSignal {
+  public:
+    explicit DecimatedSignal(const Vsp32f* signal) {
+        for (int i = 0; i < kSignal / 2; i++) {
+            even_[i] = signal[2 * i];
+            odd_[i] = signal[2 * i + 1];
+        }
+        even_[kSignal / 2] = signal[kSignal - 1];
+    }
+
+    const Vsp32f* current() const { return delayed(0); }
+    const Vsp32f* delayed(int lag) const { return (lag % 2 == 0 ? odd_ : even_) + kPitMax / 2 - lag / 2; }
+
+    static constexpr int kSamples = kL_frame / 2;
+
+  private:
+    Vsp32f even_[kSignal / 2 + 1], odd_[kSignal / 2];
+};
+
+// out[i] = sum of x[n] * z[n + i] in the order of n, whole vectors of outputs.
+VSP_INLINE void correlate(const Vsp32f* x, const Vsp32f* z, Vsp32f* out, int outputs) {
+    constexpr int kVectors = 4;
+    for (int i = 0; i < outputs; i += kVectors * Sliding32f::width) {
+        Sliding32f sums[kVectors];
+        for (Sliding32f& sum : sums) sum = Sliding32f::splat(0);
+        for (int n = 0; n < DecimatedSignal::kSamples; n++)
+            for (int u = 0; u < kVectors; u++)
+                sums[u] = add(sums[u], mul(Sliding32f::splat(x[n]), Sliding32f::load(z + n + i + u * Sliding32f::width)));
+        for (int u = 0; u < kVectors; u++) sums[u].store(out + i + u * Sliding32f::width);
+    }
+}
+
+// The correlations of all lags that the search may try, and of the four below them.
+struct Correlations {
+    static constexpr int kLags = 64, kLongestEven = 142, kLongestOdd = 143;
+    Vsp32f even[kLags], odd[kLags];
+
+    explicit Correlations(const DecimatedSignal& signal) {
+        correlate(signal.current(), signal.delayed(kLongestEven), even, kLags);
+        correlate(signal.current(), signal.delayed(kLongestOdd), odd, kLags);
+    }
+    Vsp32f at(int lag) const { return lag % 2 == 0 ? even[(kLongestEven - lag) / 2] : odd[(kLongestOdd - lag) / 2]; }
+};
+
+struct LagMax {
+    Vsp32f max;
+    int lag;
+};
+
+// The largest correlation of the lags shortest, shortest + step, ... below end, of equal ones that of the shortest lag.
+LagMax searchSection(const Correlations& correlations, int shortest, int end, int step) {
+    LagMax best{correlations.at(shortest), shortest};
+    for (int lag = shortest + step; lag < end; lag += step) {
+        const Vsp32f value = correlations.at(lag);
+        if (value > best.max) best = {value, lag};
+    }
+    return best;
+}
+
+bool isMultiple(int times, int lag, int longer, int tolerance) {
+    const int difference = times * lag - longer;
+    return -tolerance < difference && difference < tolerance;
+}
+
+}  // namespace
+
+// The fixed-point search without its scaling.
+VspStatus vspsOpenLoopPitchSearch_G729A_32f(const Vsp32f* pSrc, Vsp32s* pLag) {
+    if (anyNull(pSrc, pLag)) return vspStsNullPtrErr;
+    const DecimatedSignal signal(pSrc - kPitMax);
+    const Correlations correlations(signal);
+    const LagMax best1 = searchSection(correlations, 20, 40, 1), best2 = searchSection(correlations, 40, 80, 1);
+    LagMax best3 = searchSection(correlations, 80, kPitMax, 2);
+    const int centre = best3.lag;
+    for (int lag = centre + 1; lag >= centre - 1; lag -= 2) {
+        const Vsp32f value = correlations.at(lag);
+        if (value > best3.max) best3 = {value, lag};
+    }
+
+    const auto normalised = [&](LagMax best) {
+        const Vsp32f* const delayed = signal.delayed(best.lag);
+        return best.max / sqrtf(dotProduct(delayed, delayed, DecimatedSignal::kSamples) + 0.01f);
+    };
+    const int T1 = best1.lag, T2 = best2.lag, T3 = best3.lag;
+    const Vsp32f norm3 = normalised(best3);
+    Vsp32f norm2 = normalised(best2), norm1 = normalised(best1);
+    if (isMultiple(2, T2, T3, 5) || isMultiple(3, T2, T3, 7)) norm2 += 0.25f * norm3;
+    if (isMultiple(2, T1, T2, 5) || isMultiple(3, T1, T2, 7)) norm1 += 0.2f * norm2;
+
+    const bool second = norm1 < norm2;
+    const bool third = (second ? norm2 : norm1) < norm3;
+    *pLag = third ? T3 : second ? T2 : T1;
+    return vspStsNoErr;
+}
+
+VspStatus vspsDotProd_G729A_32f(const Vsp32f* pSrc1, const Vsp32f* pSrc2, Vsp32s len, Vsp32f* pResult) {
+    if (anyNull(pSrc1, pSrc2, pResult)) return vspStsNullPtrErr;
+    if (len < 1) return vspStsSizeErr;
+    *pResult = dotProduct(pSrc1, pSrc2, len);
+    return vspStsNoErr;
+}
+
+VspStatus vspsInterpolateC_G729_32f(const Vsp32f* pSrc1, const Vsp32f* pSrc2, Vsp32f* pDst, Vsp32s len, Vsp32f weight1,
+                                    Vsp32f weight2) {
+    if (anyNull(pSrc1, pSrc2, pDst)) return vspStsNullPtrErr;
+    if (len < 1) return vspStsSizeErr;
+    for (int n = 0; n < len; n++) pDst[n] = pSrc1[n] * weight1 + pSrc2[n] * weight2;
+    return vspStsNoErr;
+}
+
+VspStatus vspsAdaptiveCodebookContribution_G729_32f(const Vsp32f* pFiltered, const Vsp32f* pTarget, Vsp32f* pDst,
+                                                    Vsp32f gain) {
+    if (anyNull(pFiltered, pTarget, pDst)) return vspStsNullPtrErr;
+    const Vsp32f negated = -gain;
+    for (int n = 0; n < kL_subfr; n++) pDst[n] = pTarget[n] + negated * pFiltered[n];
+    return vspStsNoErr;
+}
+
+VspStatus vspsFilteredExcitation_G729_32f(const Vsp32f* pImpulse, Vsp32f* pFiltered, Vsp32s len, Vsp32f excitation) {
+    if (anyNull(pImpulse, pFiltered)) return vspStsNullPtrErr;
+    if (len < 1) return vspStsSizeErr;
+    for (int n = len - 1; n > 0; n--) pFiltered[n] = pFiltered[n - 1] + excitation * pImpulse[n];
+    pFiltered[0] = excitation;
+    return vspStsNoErr;
+}
+
+// Eight outputs at a time: with the shortest lag of 18 they still read none of each other.
+VspStatus vspsDecodeAdaptiveVector_G729_32f_I(const Vsp32s* pDelay, Vsp32f* pSrcDst) {
+    if (anyNull(pDelay, pSrcDst)) return vspStsNullPtrErr;
+    const int lag = pDelay[0], fraction = pDelay[1];
+    if (lag < 18 || lag > 145 || fraction < -1 || fraction > 1) return vspStsCodeRangeErr;
+    constexpr int kOutputs = 8;
+    const Vsp32f* const taps = inter_3l_32f_taps.taps[fraction > 0 ? 3 - fraction : -fraction];
+    const Vsp32f* const z = pSrcDst - lag - (fraction > 0) - (kL_inter10 - 1);
+    for (int first = 0; first < kL_subfr; first += kOutputs) {
+        Sliding32f sums[kOutputs / Sliding32f::width];
+        for (Sliding32f& sum : sums) sum = Sliding32f::splat(0);
+        const auto addTap = [&](int t) {
+            for (int u = 0; u < kOutputs / Sliding32f::width; u++)
+                sums[u] =
+                    add(sums[u], mul(Sliding32f::load(z + first + u * Sliding32f::width + t), Sliding32f::splat(taps[t])));
+        };
+        for (int i = 0; i < kL_inter10; i++) {
+            addTap(kL_inter10 - 1 - i);
+            addTap(kL_inter10 + i);
+        }
+        for (int u = 0; u < kOutputs / Sliding32f::width; u++) sums[u].store(pSrcDst + first + u * Sliding32f::width);
+    }
+    return vspStsNoErr;
+}
+
+}  // namespace vsp::VSP_LEVEL
