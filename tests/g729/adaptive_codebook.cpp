@@ -84,6 +84,28 @@ TEST_P(AdaptiveCodebook, VectorMatchesASampleBySampleDefinition) {
             }
 }
 
+// The largest partial sums: for one output and `added` of its products the samples have the signs of the taps, then the
+// opposite ones. Levels on both sides of where such a sum leaves 32 bits.
+TEST_P(AdaptiveCodebook, VectorSaturatesWhereAPartialSumDoes) {
+    for (int fraction = -1; fraction <= 1; fraction++)
+        for (int added = 1; added <= 20; added++)
+            for (const int level : {18000, 18078, 18500, 19500, 20057, 24000, 32767}) {
+                const int f = fraction > 0 ? 3 - fraction : -fraction, lag = 100, n = 13;
+                Signal signal(194);
+                Vsp16s* const middle = &signal[std::size_t(154 - lag - (fraction > 0) + n)];
+                for (int k = 0; k < 20; k++) {
+                    const int tap = k % 2 == 0 ? kInter3l[f + 3 * (k / 2)] : kInter3l[3 - f + 3 * (k / 2)];
+                    const bool positive = (tap >= 0) == (k < added);
+                    *(k % 2 == 0 ? middle - k / 2 : middle + 1 + k / 2) = Vsp16s(positive ? level : -level);
+                }
+                Signal expected = signal;
+                Pred_lt_3(expected, lag, fraction);
+                const Vsp16s delay[2] = {Vsp16s(lag), Vsp16s(fraction)};
+                ASSERT_EQ(vspStsNoErr, api.vspsDecodeAdaptiveVector_G729_16s_I(delay, signal.data()));
+                ASSERT_EQ(expected, signal) << fraction << ", " << added << ", " << level;
+            }
+}
+
 TEST_P(AdaptiveCodebook, FloatVectorFollowsTheFixedPointOne) {
     Signal signal = samples(195, 12);
     for (Vsp16s& s : signal) s = Vsp16s(s >> 2);
