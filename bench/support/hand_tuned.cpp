@@ -229,6 +229,38 @@ VspStatus randomNoise(Vsp16s* seed, Vsp16s* dst, Vsp32s len) {
     return vspStsNoErr;
 }
 
+// The lag scan of G.729 3.4 without regard to saturation: a pair of samples of the frame against 16 lags at a time, 64 lags
+// in registers. A tie goes to the shortest lag.
+VspStatus lagScan(const Vsp16s* src, Vsp32s len, Vsp32s lagMin, Vsp32s lagMax, Vsp32s* max, Vsp32s* lag) {
+    *max = -0x7FFFFFFF - 1;
+    for (int longest = lagMax; longest >= lagMin; longest -= 64) {
+        const Vsp16s* history = src - longest;
+        __m512i even[2] = {}, odd[2] = {};  // lags longest - 0, 2, 4, ... and longest - 1, 3, 5, ...
+        for (int n = 0; n < len; n += 2) {
+            Vsp32s pair;
+            __builtin_memcpy(&pair, src + n, sizeof pair);
+            const __m512i factor = _mm512_set1_epi32(pair);
+            for (int half = 0; half < 2; half++) {
+                const Vsp16s* at = history + n + 32 * half;
+                even[half] = _mm512_add_epi32(even[half], _mm512_madd_epi16(_mm512_loadu_si512(at), factor));
+                odd[half] = _mm512_add_epi32(odd[half], _mm512_madd_epi16(_mm512_loadu_si512(at + 1), factor));
+            }
+        }
+        alignas(64) Vsp32s sums[2][32];
+        for (int half = 0; half < 2; half++) {
+            _mm512_store_si512(sums[0] + 16 * half, even[half]);
+            _mm512_store_si512(sums[1] + 16 * half, odd[half]);
+        }
+        const int lags = longest - lagMin + 1 < 64 ? longest - lagMin + 1 : 64;
+        for (int i = 0; i < lags; i++)
+            if (2 * sums[i % 2][i / 2] >= *max) {
+                *max = 2 * sums[i % 2][i / 2];
+                *lag = longest - i;
+            }
+    }
+    return vspStsNoErr;
+}
+
 }  // namespace
 
 constexpr vsp::Api bench::kApi_handTuned = [] {
@@ -247,5 +279,6 @@ constexpr vsp::Api bench::kApi_handTuned = [] {
     api.vspsAutoScale_16s_I = autoScaleInPlace;
     api.vspsLagWindow_G729_32s_I = lagWindow;
     api.vspsRandomNoiseExcitation_G729B_16s = randomNoise;
+    api.vspsAutoCorrLagMax_Inv_16s = lagScan;
     return api;
 }();

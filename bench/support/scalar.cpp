@@ -1,6 +1,7 @@
 // Every kernel as its definition reads, sample by sample, with the saturating operators where the definition saturates.
 // Arguments are taken as valid.
 #include "common/basic_ops.h"
+#include "g729/scalar_g729.h"
 #include "support/bench.h"
 
 namespace {
@@ -133,7 +134,7 @@ VspStatus randomNoise(Vsp16s* seed, Vsp16s* dst, Vsp32s len) {
 
 }  // namespace
 
-constexpr vsp::Api bench::kApi_scalar = [] {
+const vsp::Api bench::kApi_scalar = [] {
     vsp::Api api{};
     api.vspsMulC_NR_16s_Sfs = mulC;
     api.vspsMulC_NR_16s_ISfs = mulCInPlace;
@@ -151,5 +152,6 @@ constexpr vsp::Api bench::kApi_scalar = [] {
     api.vspsInvSqrt_32s_I = invSqrt;
     api.vspsLagWindow_G729_32s_I = lagWindow;
     api.vspsRandomNoiseExcitation_G729B_16s = randomNoise;
+    addScalarG729(api);
     return api;
 }();
