@@ -5,3 +5,4 @@
 
 void addInfo(CLI::App& app);
 void addLevel(CLI::App& app);
+void addPitch(CLI::App& app);

@@ -102,3 +102,11 @@ std::string quoted(const std::string& text) {
     }
     return result + "'";
 }
+
+std::string dataBlock(const std::string& name, const std::string& data) {
+    return '$' + name + " << EOD\n" + data + "EOD\n";
+}
+
+const char* const kPlotStyle =
+    "set datafile missing 'nan'\nset grid xtics ytics lt 1 lw 0.6 lc rgb '#dddddd'\nset border 3 lc rgb '#555555'\n"
+    "set tics nomirror out\nset key above right horizontal\nset lmargin 9\nset rmargin 3\n";

@@ -18,3 +18,9 @@ class Gnuplot {
 
 // A string constant of gnuplot.
 std::string quoted(const std::string& text);
+
+// A named block of data among the commands, one line for each point.
+std::string dataBlock(const std::string& name, const std::string& data);
+
+// Commands that every picture begins with.
+extern const char* const kPlotStyle;

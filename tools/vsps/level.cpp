@@ -1,23 +1,24 @@
 // vsps level: automatic level control over a whole recording.
 #include <chrono>
 #include <cmath>
-#include <filesystem>
 #include <iostream>
 #include <memory>
 #include <new>
 
 #include "commands.h"
 #include "error.h"
+#include "input_options.h"
 #include "level_plot.h"
 #include "level_report.h"
 #include "output_file.h"
+#include "report_format.h"
 
 namespace {
 
 struct Options {
-    std::string in, out, plot;
+    InputOptions in;
+    std::string out, plot;
     LevelSettings settings;
-    int rawRate = 0;
     bool json = false;
 };
 
@@ -28,11 +29,6 @@ double control(const Recording& recording, const LevelSettings& settings, std::v
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
 }
 
-bool sameFile(const std::string& a, const std::string& b) {
-    std::error_code error;
-    return std::filesystem::weakly_canonical(a, error) == std::filesystem::weakly_canonical(b, error);
-}
-
 void runLevel(const Options& o) {
     const int format = outputFormat(o.out);
     std::unique_ptr<Gnuplot> gnuplot;
@@ -40,12 +36,12 @@ void runLevel(const Options& o) {
         gnuplot = std::make_unique<Gnuplot>(o.plot);
         if (sameFile(o.plot, o.out)) throw FileError(o.plot, "is the plot and the output at once");
     }
-    const Recording recording = readAudio(o.in, o.rawRate != 0 ? std::optional(RawInput{o.rawRate}) : std::nullopt);
+    const Recording recording = o.in.read();
     if (recording.channels.size() > 1)
-        std::cerr << "vsps: " << o.in << ": " << recording.channels.size() << " channels, each controlled by itself\n";
+        std::cerr << "vsps: " << o.in.file << ": " << recording.channels.size() << " channels, each controlled by itself\n";
 
     std::vector<Samples> out;
-    LevelReport report{o.in, o.out, o.plot, recording.fileRate, recording.length(), o.settings, 0, {}};
+    LevelReport report{o.in.file, o.out, o.plot, recording.fileRate, recording.length(), o.settings, 0, {}};
     report.controlSeconds = control(recording, o.settings, out);
     std::vector<GainTrace> traces;
     for (std::size_t i = 0; i < out.size(); i++) {
@@ -57,11 +53,11 @@ void runLevel(const Options& o) {
     std::unique_ptr<OutputFile> picture;
     if (gnuplot)
         picture =
-            std::make_unique<OutputFile>(o.plot, drawLevels(*gnuplot, "Level control of " + o.in, traces, o.settings));
+            std::make_unique<OutputFile>(o.plot, drawLevels(*gnuplot, "Level control of " + o.in.file, traces, o.settings));
     audio.commit();
     if (picture) picture->commit();
     if (o.json)
-        std::cout << toJson(report).dump(2, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
+        std::cout << toString(toJson(report));
     else
         std::cout << toText(report);
 }
@@ -81,10 +77,7 @@ void addLevel(CLI::App& app) {
     CLI::App* command = app.add_subcommand(
         "level", "Brings the speech in a recording to an even level (automatic level control after ITU-T G.169).");
     const auto o = std::make_shared<Options>();
-    command
-        ->add_option("IN", o->in,
-                     "Recording: WAV, FLAC, AU, AIFF, ...; 16-bit, A-law, mu-law, float; any rate, any channels")
-        ->required();
+    addInput(*command, o->in);
     command->add_option("OUT", o->out, "Result at 8000 Hz; the extension says how: " + outputExtensions())->required();
     command->add_option("--target", o->settings.target, "Level of the speech, dB below full scale")
         ->check(kDecibels)
@@ -95,11 +88,6 @@ void addLevel(CLI::App& app) {
     command->add_option("--max-gain", o->settings.maxGain, "Highest gain, dB")->check(kDecibels)->capture_default_str();
     command->add_flag("--two-pass", o->settings.twoPass,
                       "Hear the whole recording first, so that its start comes out right too");
-    command
-        ->add_option("--raw", o->rawRate,
-                     "IN has no header: one channel at RATE Hz, A-law in .al, mu-law in .ul, else 16-bit little-endian")
-        ->type_name("RATE")
-        ->check(CLI::Range(1000, 768000));
     command->add_option("--plot", o->plot, "Draw levels and gain over time; needs gnuplot")->type_name("FILE.png|svg|pdf");
     command->add_flag("--json", o->json, "Print a JSON object instead of text");
     command->footer(
@@ -114,7 +102,7 @@ void addLevel(CLI::App& app) {
         try {
             runLevel(*o);
         } catch (const std::bad_alloc&) {
-            throw FileError(o->in, "too long for the memory of this machine");
+            throw FileError(o->in.file, "too long for the memory of this machine");
         }
     });
 }

@@ -41,10 +41,6 @@ std::string gainData(const GainTrace& trace) {
     return data.str();
 }
 
-std::string dataBlock(const std::string& name, const std::string& data) {
-    return '$' + name + " << EOD\n" + data + "EOD\n";
-}
-
 std::string levelPanel(const std::string& data, double target) {
     std::ostringstream panel;
     panel << "set ylabel 'level, dBov'\nset yrange [-80:0]\nset ytics 20\nset mytics 2\n"
@@ -71,10 +67,7 @@ std::string drawLevels(const Gnuplot& gnuplot, const std::string& title, const s
     const std::size_t count = std::min(channels.size(), kChannels);
     if (count < channels.size()) std::cerr << "vsps: the plot shows the first " << kChannels << " channels\n";
     std::ostringstream commands;
-    commands
-        << "set datafile missing 'nan'\nset grid xtics ytics lt 1 lw 0.6 lc rgb '#dddddd'\nset border 3 lc rgb '#555555'\n"
-        << "set tics nomirror out\nset key above right horizontal\nset lmargin 9\nset rmargin 3\n"
-        << "set xrange [0:" << timeOf(double(channels.front().size())) << "]\n";
+    commands << kPlotStyle << "set xrange [0:" << timeOf(double(channels.front().size())) << "]\n";
     for (std::size_t i = 0; i < count; i++)
         commands << dataBlock("levels" + std::to_string(i), levelData(channels[i]))
                  << dataBlock("gains" + std::to_string(i), gainData(channels[i]));

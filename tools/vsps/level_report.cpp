@@ -1,9 +1,9 @@
 #include "level_report.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
-#include <cstdio>
+
+#include "report_format.h"
 
 namespace {
 
@@ -24,15 +24,6 @@ std::size_t countLimited(const Samples& in, const Samples& out, double limitDb) 
     for (std::size_t i = 0; i < out.size(); i++) count += in[i] != 0 && std::abs(double(out[i])) >= limit - 1;
     return count;
 }
-
-template <typename... Values>
-std::string format(const char* pattern, Values... values) {
-    std::array<char, 512> line;
-    std::snprintf(line.data(), line.size(), pattern, values...);
-    return line.data();
-}
-
-std::string decibels(double value, const char* unit) { return std::isfinite(value) ? format("%.1f %s", value, unit) : "-"; }
 
 std::string row(const char* label, const std::string& in, const std::string& out) {
     return format("  %-17s %12s %12s\n", label, in.c_str(), out.c_str());
@@ -59,8 +50,6 @@ std::string channelText(const ChannelReport& c, const LevelReport& r) {
             *c.attenuatedUntil, *c.attenuatedUntil < r.seconds() ? "" : " (all of it)");
     return text;
 }
-
-Json number(double value) { return std::isfinite(value) ? Json(std::round(value * 1000) / 1000) : Json(nullptr); }
 
 Json signalJson(const std::optional<ActiveLevel>& level, double peak) {
     return {{"active_level_dbov", level ? number(level->dbov) : Json(nullptr)},

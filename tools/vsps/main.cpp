@@ -11,7 +11,7 @@ namespace {
 constexpr int kBadFile = 1, kBadUsage = 2;
 
 int run(int argc, char** argv) {
-    CLI::App app{"Speech-coding primitives on recordings: level control for telephone speech.", "vsps"};
+    CLI::App app{"Speech-coding primitives on recordings: level control and pitch of telephone speech.", "vsps"};
     app.set_version_flag("--version", [] { return std::string("vsps ") + vspscGetLibVersion()->Version; });
     app.require_subcommand(1);
     app.footer(
@@ -19,6 +19,7 @@ int run(int argc, char** argv) {
         "\"vsps COMMAND --help\" explains a command.");
     addInfo(app);
     addLevel(app);
+    addPitch(app);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& e) {

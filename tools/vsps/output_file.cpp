@@ -104,3 +104,8 @@ void OutputFile::write(int descriptor) const {
 }
 
 void OutputFile::fail() const { throw FileError(file_, std::string("cannot be written: ") + std::strerror(errno)); }
+
+bool sameFile(const std::string& a, const std::string& b) {
+    std::error_code error;
+    return std::filesystem::weakly_canonical(a, error) == std::filesystem::weakly_canonical(b, error);
+}

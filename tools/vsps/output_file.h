@@ -26,3 +26,6 @@ class OutputFile {
     std::string target_;     // file_ with symbolic links resolved
     std::string temporary_;  // empty if there is none
 };
+
+// True if both names lead to one file, which need not exist.
+bool sameFile(const std::string& a, const std::string& b);
