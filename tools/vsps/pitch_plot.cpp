@@ -10,6 +10,7 @@ namespace {
 constexpr std::size_t kColumns = 2400;     // of the waveform, two for each pixel
 constexpr std::size_t kMostPoints = 6000;  // of the contour
 constexpr std::size_t kChannels = 8;       // more do not fit a picture
+constexpr double kLeap = 1.25;             // ratio that no voice does from one point to the next
 constexpr double kSubframeSeconds = 0.005;
 
 // Time, smallest and largest sample for stretches of samples, relative to full scale.
@@ -24,12 +25,13 @@ std::string waveformData(const Samples& x) {
     return data.str();
 }
 
-// Time and F0; an empty line leaves a gap where it is not voiced. In long recordings a point is the median of the voiced
-// subframes in a stretch, if they are at least half of it.
+// Time and F0; an empty line leaves a gap where it is not voiced or leaps. In long recordings a point is the median of the
+// voiced subframes in a stretch, if they are at least half of it.
 std::string contourData(const PitchTrack& track) {
     const std::size_t stretch = track.size() / kMostPoints + 1;
     std::ostringstream data;
     std::vector<double> f0;
+    double last = 0;
     for (std::size_t i = 0; i < track.size(); i += stretch) {
         const std::size_t end = std::min(i + stretch, track.size());
         f0.clear();
@@ -41,6 +43,8 @@ std::string contourData(const PitchTrack& track) {
         }
         const auto median = f0.begin() + std::ptrdiff_t(f0.size() / 2);
         std::nth_element(f0.begin(), median, f0.end());
+        if (*median > kLeap * last || last > kLeap * *median) data << '\n';
+        last = *median;
         data << double(i + end) / 2 * kSubframeSeconds << ' ' << *median << '\n';
     }
     return data.str();
@@ -73,7 +77,8 @@ std::string drawPitch(const Gnuplot& gnuplot, const std::string& title, const st
     const std::size_t count = std::min(channels.size(), kChannels);
     if (count < channels.size()) std::cerr << "vsps: the plot shows the first " << kChannels << " channels\n";
     std::ostringstream commands;
-    commands << kPlotStyle << "set border 11\nset rmargin 9\nset xrange [0:" << double(channels.front().size()) / kRate
+    commands << kPlotStyle
+             << "set border 11\nset lmargin 11\nset rmargin 9\nset xrange [0:" << double(channels.front().size()) / kRate
              << "]\nset xlabel 'time, s'\nset ylabel 'amplitude, full scale = 1'\nset y2label 'F0, Hz'\n"
              << "set y2range [50:400]\nset y2tics 50\nset grid noytics y2tics\n";
     for (std::size_t i = 0; i < count; i++)
