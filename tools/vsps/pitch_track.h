@@ -15,7 +15,7 @@ struct PitchPoint {              // a subframe, 5 ms
     float level;                 // dBov
 
     double f0() const { return kRate / (lag + fraction / 3.0); }  // Hz
-    // The past predicts at least half of the energy, with a gain near that of a steady tone.
+    // The past predicts at least half of the energy, with at least half its own amplitude.
     bool voiced() const { return gain >= 0.5f && predictionGain >= 3; }
 };
 
