@@ -53,6 +53,13 @@ Subframe synthesiseWeighted(const LpFilter& a, const Weighting& w, const Subfram
     return y;
 }
 
+SubframeSignals analyse(const double* speech, const LpFilter& filter, const Weighting& weighting) {
+    const Subframe residual = filterZeros(filter, speech);
+    return {toInt16(residual, 1), toInt16(synthesiseWeighted(filter, weighting, Subframe{1}), kQ12),
+            toInt16(synthesiseWeighted(filter, weighting, residual), 1),
+            toInt16(expandBandwidth(filter, weighting.denominator), kQ12)};
+}
+
 Lsf flatSpectrum() {
     Lsf lsf;
     for (std::size_t i = 0; i < kLpOrder; i++) lsf[i] = std::numbers::pi * double(i + 1) / double(kLpOrder + 1);
@@ -115,11 +122,4 @@ void SpeechAnalysis::weigh(const double* speech, const LpFilter& filter, const W
         lowPassed_ = weighted_[kLpOrder + n] + kLowPass * lowPassed_;
         out[n] = toInt16(kind_ == Kind::kAnnexA ? lowPassed_ : weighted_[kLpOrder + n]);
     }
-}
-
-SubframeSignals SpeechAnalysis::analyse(const double* speech, const LpFilter& filter, const Weighting& weighting) {
-    const Subframe residual = filterZeros(filter, speech);
-    return {toInt16(residual, 1), toInt16(synthesiseWeighted(filter, weighting, Subframe{1}), kQ12),
-            toInt16(synthesiseWeighted(filter, weighting, residual), 1),
-            toInt16(expandBandwidth(filter, weighting.denominator), kQ12)};
 }

@@ -38,7 +38,6 @@ class SpeechAnalysis {
 
   private:
     void read(std::size_t count);
-    SubframeSignals analyse(const double* speech, const LpFilter& filter, const Weighting& weighting);
     void weigh(const double* speech, const LpFilter& filter, const Weighting& weighting, std::int16_t* out);
 
     const Samples& source_;
