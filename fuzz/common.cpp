@@ -5,7 +5,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     using namespace vsp::fuzz;
     using vsp::Api;
     Input in(data, size);
-    while (!in.empty()) switch (in.take<std::uint8_t>() % 16) {
+    while (!in.empty()) switch (in.take<std::uint8_t>() % 18) {
             case 0: VSPSC_COMPARE(in, vspsMulC_NR_16s_Sfs, array, value, array, length, value); break;
             case 1: VSPSC_COMPARE(in, vspsMulC_NR_16s_ISfs, value, array, length, value); break;
             case 2: VSPSC_COMPARE(in, vspsMul_NR_16s_Sfs, array, array, array, length, value); break;
@@ -28,6 +28,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             case 13: VSPSC_COMPARE(in, vspsInvSqrt_32s_I, array, length); break;
             case 14: VSPSC_COMPARE(in, vspsLagWindow_G729_32s_I, array, length); break;
             case 15: VSPSC_COMPARE(in, vspsRandomNoiseExcitation_G729B_16s, one, array, length); break;
+            case 16: VSPSC_COMPARE(in, vspsConvPartial_16s_Sfs, array, array, array, length, value); break;
+            case 17: VSPSC_COMPARE(in, vspsCrossCorr_NormM_16s, array, array, length, array); break;
         }
     return 0;
 }

@@ -8,6 +8,37 @@ namespace vsp::test::g729 {
 class Correlation : public LevelTest {};
 VSPSC_EVERY_LEVEL(Correlation);
 
+// One kernel each, under names of its own.
+TEST_P(Correlation, RecordedResults) {
+    const auto cases = [](const char* kernel) {
+        return readVectorCases(std::string("g729/internal/kernel_") + kernel + ".vec");
+    };
+    const auto input = [](const VectorCase& c, std::size_t i) { return c.arguments[i].inputs<Vsp16s>(); };
+    Guarded<Vsp16s> out(40);
+    for (const VectorCase& c : cases("convolve")) {
+        api.vspsConvPartial_16s_Sfs(input(c, 0).data(), input(c, 1).data(), out.data(), 40, 12);
+        EXPECT_EQ(c.arguments[2].outputs<Vsp16s>(), out.values()) << c.label;
+    }
+    for (const VectorCase& c : cases("back_filter")) {
+        api.vspsCrossCorr_NormM_16s(input(c, 1).data(), input(c, 0).data(), 40, out.data());
+        EXPECT_EQ(c.arguments[2].outputs<Vsp16s>(), out.values()) << c.label;
+    }
+    for (const VectorCase& c : cases("synthesis")) {
+        const Signal zeros(10);
+        EXPECT_LE(0, api.vspsSynthesisFilter_NR_16s_Sfs(input(c, 0).data(), input(c, 1).data(), out.data(), 40, 12,
+                                                        zeros.data()));
+        EXPECT_EQ(c.arguments[2].outputs<Vsp16s>(), out.values()) << c.label;
+    }
+    for (const VectorCase& c : cases("lag_scan")) {
+        const Signal signal = input(c, 0);
+        Vsp32s max = 0, lag = 0;
+        api.vspsAutoCorrLagMax_Inv_16s(signal.data() + c.arguments[0].offset, 80, c.arguments[1].inputs<Vsp32s>()[0],
+                                       c.arguments[2].inputs<Vsp32s>()[0], &max, &lag);
+        EXPECT_EQ(c.arguments[3].outputs<Vsp32s>()[0], max) << c.label;
+        EXPECT_EQ(c.arguments[4].outputs<Vsp32s>()[0], lag) << c.label;
+    }
+}
+
 TEST_P(Correlation, LagScanFollowsTheDefinition) {
     const auto check = [&](const Signal& signal, int len, int lagMin, int lagMax) {
         const Guarded<Vsp16s> guarded(Signal(signal.begin(), signal.begin() + len + lagMax));
@@ -25,6 +56,12 @@ TEST_P(Correlation, LagScanFollowsTheDefinition) {
             check(signal, 40 + lags % 7, 18, 17 + lags);
         }
     check(quiet, 100, 1, 600);
+
+    // The sum at lag 20 leaves 32 bits after three products and is back after four.
+    Signal signal(24, 0);
+    std::fill(signal.begin() + 20, signal.end(), Vsp16s(22000));
+    signal[0] = signal[1] = 22000, signal[2] = 5000, signal[3] = -5000;
+    check(signal, 4, 5, 20);
 }
 
 TEST_P(Correlation, BackFilteringAndConvolutionFollowTheDefinition) {

@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "support/guarded.h"
+#include "support/upper_halves.h"
 #include "support/vector_case.h"
 
 namespace vsp::test {
@@ -86,7 +87,9 @@ void runVectors(const std::string& file, VspStatus (*function)(P...), const std:
         const bool compareOutputs = !(c.advisory && otherOutputs.contains(c.label));
         for (const Guard guard : {Guard::end, Guard::begin}) [&]<std::size_t... I>(std::index_sequence<I...>) {
                 const std::tuple<Parameter<P>...> parameters(Parameter<P>(c.arguments[I], guard)...);
-                EXPECT_EQ(c.status, function(std::get<I>(parameters).pass()...));
+                const VspStatus status = function(std::get<I>(parameters).pass()...);
+                EXPECT_FALSE(upperHalvesInUse());
+                EXPECT_EQ(c.status, status);
                 (std::get<I>(parameters).check(c, c.arguments[I], compareOutputs), ...);
             }
         (std::index_sequence_for<P...>());
