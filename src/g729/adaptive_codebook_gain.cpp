@@ -29,7 +29,15 @@ Vsp16s gainOf(const Vsp16s* x, const Vsp16s* y) {
     const auto same = [](auto a) { return a; };
     const auto quarter = [](auto a) { return shr(a, 2); };
 
-    Vsp64s xySum = dot(x, y, kL_subfr), yySum = energy(y, kL_subfr);
+    // In small pieces: y has just been stored, in pieces that a wide load would have to wait for.
+    S64_128 xyBiased = S64_128::splat(0), yyBiased = xyBiased;
+    for (int i = 0; i < kL_subfr; i += S16_128::width) {
+        const S16_128 piece = S16_128::load(y + i);
+        xyBiased = add(xyBiased, biasedProducts(S16_128::load(x + i), piece));
+        yyBiased = add(yyBiased, biasedProducts(piece, piece));
+    }
+    constexpr Vsp64s kBias = Vsp64s(kDotBias) * (kL_subfr / 2);
+    Vsp64s xySum = sum(xyBiased) - kBias, yySum = sum(yyBiased) - kBias;
     int xyCorrection = 0, yyCorrection = 0;
     if (xySum <= 0) return 0;
     if (xySum >= kDoublable) {
