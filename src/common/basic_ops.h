@@ -80,6 +80,13 @@ static_assert(Mpy_32(0x10000, 0x10000) == 2 && Mpy_32(kMin32, kMin32) == kMin32 
 VSP_INLINE constexpr Vsp32s mac_32s(Vsp32s sum, Vsp16s a, Vsp16s b) { return Add_32s(sum, Mul2_32s(a * b)); }
 static_assert(mac_32s(0, kMin16, kMin16) == kMax32 && mac_32s(kMin32, kMin16, kMin16) == -1);
 
+/// Sum of n doubled products; every product and every partial sum saturates.
+VSP_INLINE constexpr Vsp32s dotSaturating(const Vsp16s* a, const Vsp16s* b, int n) {
+    Vsp32s sum = 0;
+    for (int i = 0; i < n; i++) sum = mac_32s(sum, a[i], b[i]);
+    return sum;
+}
+
 // --- Shifts and normalisation ------------------------------------------------------------------------------------------
 
 /// Left shift by n (0..31) with saturation.

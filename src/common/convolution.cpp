@@ -9,7 +9,7 @@ namespace vsp::VSP_LEVEL {
 
 namespace {
 
-constexpr int kL_subfr = 40;   // the length that has code of its own
+constexpr int kSubframe = 40;  // of G.729: a length with code of its own
 constexpr int kMaxFast = 256;  // samples of the longest vectors for which there is room on the stack
 
 // Every partial sum saturates. From the end, so that pDst may be a source.
@@ -65,8 +65,8 @@ VspStatus vspsConvPartial_16s_Sfs(const Vsp16s* pSrc1, const Vsp16s* pSrc2, Vsp1
         convolveSaturating(pSrc1, pSrc2, pDst, len, shift);
         return vspStsNoErr;
     }
-    if (len == kL_subfr)
-        convolveExact(pSrc1, pSrc2, pDst, kL_subfr, shift);
+    if (len == kSubframe)
+        convolveExact(pSrc1, pSrc2, pDst, kSubframe, shift);
     else
         convolveExact(pSrc1, pSrc2, pDst, len, shift);
     return vspStsNoErr;

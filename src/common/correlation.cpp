@@ -11,13 +11,6 @@ namespace {
 
 constexpr int kMaxFast = 256;  // samples of the longest vectors for which there is room on the stack
 
-// One output, every partial sum saturated.
-Vsp32s correlateSaturating(const Vsp16s* target, const Vsp16s* impulse, int len) {
-    Vsp32s sum = 0;
-    for (int i = 0; i < len; i++) sum = mac_32s(sum, target[i], impulse[i]);
-    return sum;
-}
-
 // out[n] = sum of target[n + i] * impulse[i] from output `first` on; target is followed by V::width zeros.
 template <class V = Sliding16>
 VSP_INLINE void correlateTails(const Vsp16s* target, const Vsp16s* impulse, Vsp32s* out, int first, int len) {
@@ -40,11 +33,11 @@ int shiftTo13Bits(Vsp32s largest) {
 void crossCorrLong(const Vsp16s* target, const Vsp16s* impulse, int len, Vsp16s* pDst) {
     Vsp32s largest = 0;
     for (int n = 0; n < len; n++) {
-        const Vsp32s a = Abs_32s(correlateSaturating(target + n, impulse, len - n));
+        const Vsp32s a = Abs_32s(dotSaturating(target + n, impulse, len - n));
         largest = a > largest ? a : largest;
     }
     const int shift = shiftTo13Bits(largest);
-    for (int n = 0; n < len; n++) pDst[n] = Vsp16s(correlateSaturating(target + n, impulse, len - n) >> shift);
+    for (int n = 0; n < len; n++) pDst[n] = Vsp16s(dotSaturating(target + n, impulse, len - n) >> shift);
 }
 
 }  // namespace
@@ -64,7 +57,7 @@ VspStatus vspsCrossCorr_NormM_16s(const Vsp16s* pSrc1, const Vsp16s* pSrc2, Vsp3
         correlateTails(target, pSrc2, sums, 0, len);
         for (int n = 0; n < len; n++) sums[n] *= 2;
     } else {
-        for (int n = 0; n < len; n++) sums[n] = correlateSaturating(pSrc1 + n, pSrc2, len - n);
+        for (int n = 0; n < len; n++) sums[n] = dotSaturating(pSrc1 + n, pSrc2, len - n);
     }
     Vsp32s largest = 0;
     for (int n = 0; n < len; n++) {

@@ -11,13 +11,6 @@ namespace vsp::VSP_LEVEL {
 
 namespace {
 
-// Correlation of len samples, every partial sum saturated.
-Vsp32s correlateSaturating(const Vsp16s* a, const Vsp16s* b, int len) {
-    Vsp32s sum = 0;
-    for (int n = 0; n < len; n++) sum = mac_32s(sum, a[n], b[n]);
-    return sum;
-}
-
 // One vector of lags. Where no sum of some of the products, less than one product away from one that was tracked, comes
 // near 32 bits, the sum is exact; the other lags are done again.
 template <class V>
@@ -25,7 +18,7 @@ VSP_INLINE void lagSumsTracked(const Vsp16s* current, int len, const Vsp16s* del
     Vsp32s exact[V::width], largest[V::width];
     correlateTracked<V>(current, len, delayed, exact, largest);
     for (int i = 0; i < V::width; i++)
-        sums[i] = largest[i] < limit ? 2 * exact[i] : correlateSaturating(current, delayed + i, len);
+        sums[i] = largest[i] < limit ? 2 * exact[i] : dotSaturating(current, delayed + i, len);
 }
 
 }  // namespace
@@ -46,7 +39,7 @@ void ownLagSums(const Vsp16s* pSrc, int len, int lagMin, int lagMax, Vsp32s* sum
         for (int i = 0; i + W <= lags; i += W) lagSumsTracked<Sliding16>(pSrc, len, history + i, Vsp32s(limit), sums + i);
         if (lags % W != 0) lagSumsTracked<Sliding16>(pSrc, len, history + lags - W, Vsp32s(limit), sums + lags - W);
     } else {
-        for (int i = 0; i < lags; i++) sums[i] = correlateSaturating(pSrc, history + i, len);
+        for (int i = 0; i < lags; i++) sums[i] = dotSaturating(pSrc, history + i, len);
     }
 }
 

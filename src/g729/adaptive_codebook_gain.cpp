@@ -2,6 +2,7 @@
 #include "common/basic_ops.h"
 #include "core/checks.h"
 #include "core/level.h"
+#include "g729/constants.h"
 #include "vector/dot.h"
 #include "vector/map.h"
 
@@ -9,7 +10,6 @@ namespace vsp::VSP_LEVEL {
 
 namespace {
 
-constexpr int kL_subfr = 40;
 constexpr Vsp16s kMaxGain = 19661;         // 1.2 in Q14
 constexpr Vsp64s kDoublable = 0x3FFFFFFF;  // sums from here on are formed again from scaled samples
 

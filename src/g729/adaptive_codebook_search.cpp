@@ -2,6 +2,7 @@
 #include "common/basic_ops.h"
 #include "core/checks.h"
 #include "g729/adaptive_vector.h"
+#include "g729/constants.h"
 #include "g729/norm_corr.h"
 #include "vector/dot.h"
 
@@ -9,7 +10,6 @@ namespace vsp::VSP_LEVEL {
 
 namespace {
 
-constexpr int kPitMin = 20, kPitMax = 143;
 constexpr int kLongestFractional = 84;  // longer lags of the first subframe have no fraction
 
 bool isLegal(Vsp16s lag, Vsp16s subframe) { return lag >= 18 && lag <= 145 && (subframe == 0 || subframe == 1); }

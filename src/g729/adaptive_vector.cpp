@@ -2,6 +2,7 @@
 
 #include "common/basic_ops.h"
 #include "core/checks.h"
+#include "g729/constants.h"
 #include "g729/tables.h"
 #include "vector/correlate.h"
 #include "vector/magnitude.h"
@@ -22,21 +23,20 @@ void interpolateSaturating(const Vsp16s* taps, const Vsp16s* z, Vsp16s* out) {
     }
 }
 
-// Units * V::width outputs at once, none of which may read another.
-template <class V, int Units>
-VSP_INLINE void interpolateUnits(const Vsp16s* taps, const Vsp16s* z, Vsp16s* out) {
+// One vector of outputs, none of which may read another.
+template <class V>
+VSP_INLINE V interpolateUnit(const Vsp16s* taps, const Vsp16s* z) {
     const auto rounded = [](auto a) { return shr(add(a, decltype(a)::splat(0x4000)), 15); };
-    const auto sums = offsetSums<V, Units>(taps, kTaps, z);
-    for (int u = 0; u < Units; u++)
-        packSatAlternating(rounded(sums.even[u]), rounded(sums.odd[u])).store(out + u * V::width);
+    const auto sums = offsetSums<V>(taps, kTaps, z);
+    return packSatAlternating(rounded(sums.even[0]), rounded(sums.odd[0]));
 }
 
-// The subframe from output `first` on, in the largest units of which no output reads another.
+// The subframe from output `first` on, in the largest vectors of which no output reads another.
 template <class V = S16>
 VSP_INLINE void interpolate(const Vsp16s* taps, const Vsp16s* z, Vsp16s* out, int lag, int first = 0) {
     constexpr int W = V::width;
     if (lag >= W + kL_inter10)
-        for (; first + W <= kL_subfr; first += W) interpolateUnits<V, 1>(taps, z + first, out + first);
+        for (; first + W <= kL_subfr; first += W) interpolateUnit<V>(taps, z + first).store(out + first);
     if constexpr (W > 8) interpolate<Half<V>>(taps, z, out, lag, first);
 }
 
@@ -47,6 +47,7 @@ void ownPred_lt_3(Vsp16s* excitation, int lag, int fraction) {
     const Vsp16s* const z = excitation - lag - (fraction > 0) - (kL_inter10 - 1);
     const Vsp16s* const taps = inter_3l_taps.taps[f];
     interpolate(taps, z, excitation, lag);
+    // Once it is known that no sample read was large, those that were read back included, all outputs are right.
     if (maxMagnitude(z, kL_subfr + kTaps - 1) > kMaxExactSample) interpolateSaturating(taps, z, excitation);
 }
 

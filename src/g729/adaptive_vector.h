@@ -5,7 +5,6 @@
 
 namespace vsp::VSP_LEVEL {
 
-constexpr int kL_subfr = 40;
 constexpr int kExcitationHistory = 154;  // samples of the excitation buffer before the current subframe
 
 // G.729 Pred_lt_3: writes excitation[0 .. 39], the past excitation delayed by lag + fraction / 3.

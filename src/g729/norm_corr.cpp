@@ -2,7 +2,7 @@
 
 #include "common/basic_ops.h"
 #include "common/inv_sqrt.h"
-#include "g729/adaptive_vector.h"
+#include "g729/constants.h"
 #include "g729/tables.h"
 #include "vector/dot.h"
 #include "vector/magnitude.h"
@@ -66,13 +66,6 @@ VSP_INLINE Products addSample(Vsp16s* cells, const Vsp16s* h, const Vsp16s* x, c
     return {sum(xf), sum(ff)};
 }
 
-// Saturating sum of doubled products.
-Vsp32s dotSaturating(const Vsp16s* a, const Vsp16s* b) {
-    Vsp32s sum = 0;
-    for (int i = 0; i < kL_subfr; i++) sum = mac_32s(sum, a[i], b[i]);
-    return sum;
-}
-
 }  // namespace
 
 void ownNorm_Corr(const Vsp16s* excitation, const Vsp16s* target, const Vsp16s* impulse, int t_min, int t_max,
@@ -113,7 +106,7 @@ void ownNorm_Corr(const Vsp16s* excitation, const Vsp16s* target, const Vsp16s* 
             products = add([e = S16::splat(e), shift](S16 a) { return shiftedProduct(a, e, shift); });
         const Vsp32s product = doubledSumsFit(targetEnergy, products.filteredFiltered)
                                    ? 2 * products.targetFiltered
-                                   : dotSaturating(target, cells + first);
+                                   : dotSaturating(target, cells + first, kL_subfr);
         corr[k - t_min] = sat_16s(Mpy_32(product, ownInvSqrt(Cnvrt_64s32s(2 * products.filteredFiltered))));
     }
 }

@@ -3,6 +3,8 @@
 
 #include "core/checks.h"
 #include "core/level.h"
+#include "g729/constants.h"
+#include "g729/decimated_signal.h"
 #include "g729/tables.h"
 #include "vector/simd.h"
 
@@ -10,10 +12,8 @@ namespace vsp::VSP_LEVEL {
 
 namespace {
 
-constexpr int kL_subfr = 40;
-constexpr int kPitMax = 143;
-constexpr int kL_frame = 80;
-constexpr int kSignal = kPitMax + kL_frame;
+using Decimated = DecimatedSignal<Vsp32f>;
+using Largest = LagMax<Vsp32f>;
 
 // Sixteen partial sums, added in a fixed tree, so that every level gives the same bits.
 VSP_INLINE Vsp32f dotProduct(const Vsp32f* a, const Vsp32f* b, int len) {
@@ -28,34 +28,13 @@ VSP_INLINE Vsp32f dotProduct(const Vsp32f* a, const Vsp32f* b, int len) {
     return sums[0];
 }
 
-// The signal split into its even and its odd samples, because the search sees every second one of a vector: the current
-// frame begins at an odd one, even lags stay among the odd samples and odd lags lead to the even ones.
-class DecimatedSignal {
-  public:
-    explicit DecimatedSignal(const Vsp32f* signal) {
-        for (int i = 0; i < kSignal / 2; i++) {
-            even_[i] = signal[2 * i];
-            odd_[i] = signal[2 * i + 1];
-        }
-        even_[kSignal / 2] = signal[kSignal - 1];
-    }
-
-    const Vsp32f* current() const { return delayed(0); }
-    const Vsp32f* delayed(int lag) const { return (lag % 2 == 0 ? odd_ : even_) + kPitMax / 2 - lag / 2; }
-
-    static constexpr int kSamples = kL_frame / 2;
-
-  private:
-    Vsp32f even_[kSignal / 2 + 1], odd_[kSignal / 2];
-};
-
 // out[i] = sum of x[n] * z[n + i] in the order of n, whole vectors of outputs.
 VSP_INLINE void correlate(const Vsp32f* x, const Vsp32f* z, Vsp32f* out, int outputs) {
     constexpr int kVectors = 4;
     for (int i = 0; i < outputs; i += kVectors * Sliding32f::width) {
         Sliding32f sums[kVectors];
         for (Sliding32f& sum : sums) sum = Sliding32f::splat(0);
-        for (int n = 0; n < DecimatedSignal::kSamples; n++)
+        for (int n = 0; n < Decimated::kSamples; n++)
             for (int u = 0; u < kVectors; u++)
                 sums[u] = add(sums[u], mul(Sliding32f::splat(x[n]), Sliding32f::load(z + n + i + u * Sliding32f::width)));
         for (int u = 0; u < kVectors; u++) sums[u].store(out + i + u * Sliding32f::width);
@@ -67,31 +46,18 @@ struct Correlations {
     static constexpr int kLags = 64, kLongestEven = 142, kLongestOdd = 143;
     Vsp32f even[kLags], odd[kLags];
 
-    explicit Correlations(const DecimatedSignal& signal) {
+    explicit Correlations(const Decimated& signal) {
         correlate(signal.current(), signal.delayed(kLongestEven), even, kLags);
         correlate(signal.current(), signal.delayed(kLongestOdd), odd, kLags);
     }
     Vsp32f at(int lag) const { return lag % 2 == 0 ? even[(kLongestEven - lag) / 2] : odd[(kLongestOdd - lag) / 2]; }
 };
 
-struct LagMax {
-    Vsp32f max;
-    int lag;
-};
-
 // The largest correlation of the lags shortest, shortest + step, ... below end, of equal ones that of the shortest lag.
-LagMax searchSection(const Correlations& correlations, int shortest, int end, int step) {
-    LagMax best{correlations.at(shortest), shortest};
-    for (int lag = shortest + step; lag < end; lag += step) {
-        const Vsp32f value = correlations.at(lag);
-        if (value > best.max) best = {value, lag};
-    }
+Largest searchSection(const Correlations& correlations, int shortest, int end, int step) {
+    Largest best{correlations.at(shortest), shortest};
+    for (int lag = shortest + step; lag < end; lag += step) best = larger(best, {correlations.at(lag), lag});
     return best;
-}
-
-bool isMultiple(int times, int lag, int longer, int tolerance) {
-    const int difference = times * lag - longer;
-    return -tolerance < difference && difference < tolerance;
 }
 
 }  // namespace
@@ -99,29 +65,23 @@ bool isMultiple(int times, int lag, int longer, int tolerance) {
 // The fixed-point search without its scaling.
 VspStatus vspsOpenLoopPitchSearch_G729A_32f(const Vsp32f* pSrc, Vsp32s* pLag) {
     if (anyNull(pSrc, pLag)) return vspStsNullPtrErr;
-    const DecimatedSignal signal(pSrc - kPitMax);
+    const Decimated signal(pSrc - kPitMax);
     const Correlations correlations(signal);
-    const LagMax best1 = searchSection(correlations, 20, 40, 1), best2 = searchSection(correlations, 40, 80, 1);
-    LagMax best3 = searchSection(correlations, 80, kPitMax, 2);
+    Largest best1 = searchSection(correlations, 20, 40, 1), best2 = searchSection(correlations, 40, 80, 1);
+    Largest best3 = searchSection(correlations, 80, kPitMax, 2);
     const int centre = best3.lag;
-    for (int lag = centre + 1; lag >= centre - 1; lag -= 2) {
-        const Vsp32f value = correlations.at(lag);
-        if (value > best3.max) best3 = {value, lag};
-    }
+    for (int lag = centre + 1; lag >= centre - 1; lag -= 2) best3 = larger(best3, {correlations.at(lag), lag});
 
-    const auto normalised = [&](LagMax best) {
+    const auto normalised = [&signal](Largest best) {
         const Vsp32f* const delayed = signal.delayed(best.lag);
-        return best.max / sqrtf(dotProduct(delayed, delayed, DecimatedSignal::kSamples) + 0.01f);
+        return Largest{best.max / sqrtf(dotProduct(delayed, delayed, Decimated::kSamples) + 0.01f), best.lag};
     };
-    const int T1 = best1.lag, T2 = best2.lag, T3 = best3.lag;
-    const Vsp32f norm3 = normalised(best3);
-    Vsp32f norm2 = normalised(best2), norm1 = normalised(best1);
-    if (isMultiple(2, T2, T3, 5) || isMultiple(3, T2, T3, 7)) norm2 += 0.25f * norm3;
-    if (isMultiple(2, T1, T2, 5) || isMultiple(3, T1, T2, 7)) norm1 += 0.2f * norm2;
-
-    const bool second = norm1 < norm2;
-    const bool third = (second ? norm2 : norm1) < norm3;
-    *pLag = third ? T3 : second ? T2 : T1;
+    best1 = normalised(best1);
+    best2 = normalised(best2);
+    best3 = normalised(best3);
+    if (divides(best2.lag, best3.lag)) best2.max += 0.25f * best3.max;
+    if (divides(best1.lag, best2.lag)) best1.max += 0.2f * best2.max;
+    *pLag = larger(larger(best1, best2), best3).lag;
     return vspStsNoErr;
 }
 
