@@ -20,12 +20,16 @@ set(vspsc_level_sources
     src/g729/adaptive_vector.cpp
     src/g729/norm_corr.cpp
     src/g729/open_loop_pitch.cpp
-    src/g729/pitch_32f.cpp)
+    src/g729/pitch_32f.cpp
+    src/gsmamr/fft128.cpp
+    src/gsmamr/vad1.cpp
+    src/gsmamr/vad2.cpp)
 set(vspsc_common_sources
     src/common/tables.cpp
     src/core/api.cpp
     src/core/version_records.cpp
-    src/g729/tables.cpp)
+    src/g729/tables.cpp
+    src/gsmamr/tables.cpp)
 
 # -O3 because -O2 leaves small constant loops rolled. No contraction: every level gives the same floating-point bits.
 add_library(vspsc_library_options INTERFACE)

@@ -22,6 +22,7 @@
 #include "vspsc/g728.h"
 #include "vspsc/g729.h"
 #include "vspsc/g7291.h"
+#include "vspsc/gsmamr.h"
 #include "vspsc/rta.h"
 #include "vspsc/types.h"
 #include "vspsc/version.h"
