@@ -9,6 +9,7 @@
 
 #include "common/basic_ops.h"
 #include "gsmamr/tables.h"
+#include "vspsc/gsmamr.h"
 
 namespace vsp::plain {
 
@@ -305,7 +306,7 @@ inline I16 halfFrame(const I16* src, VspGSMAMRVad2State& s, I32 ltpFlag) {
     if (snr < 0) {
         const I16 square = round16(lShl(lMult(snr, snr), 7));
         s.negSnrVar = std::min<I16>(1024, round16(lMac(lMult(32440, s.negSnrVar), 328, square)));
-        const I32 bias = (s.negSnrVar * 16 * 24576 - 65257472) >> 15;
+        const Vsp64s bias = (Vsp64s(s.negSnrVar) * 16 * 24576 - 65257472) >> 15;
         s.negSnrBias = bias < 0 ? I16(0) : I16(bias >> 8);
     }
     const int index = std::clamp(I16((s.tsnr * 10923) >> 15) >> 8, 0, 19);
