@@ -13,11 +13,7 @@ namespace vsp::VSP_LEVEL {
 
 namespace {
 
-#if defined(__AVX2__)
-using V = S16_256;
-#else
-using V = S16_128;
-#endif
+using V = Sliding16;
 using W = Wide<V>;
 constexpr int kLanes = W::width;       // complex values in a vector
 constexpr int kVectors = 64 / kLanes;  // of all values

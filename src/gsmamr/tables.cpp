@@ -1,5 +1,7 @@
 #include "gsmamr/tables.h"
 
+#include "common/tables.h"
+
 namespace vsp {
 
 constexpr Vsp16s TableDFTch[kVad2Channels] = {
@@ -51,6 +53,13 @@ static consteval bool ratiosMatch() {
     return true;
 }
 static_assert(ratiosMatch());
+
+static consteval NeighbourPairs pairsOf(const Vsp16s (&table)[33]) {
+    NeighbourPairs pairs{};
+    for (int i = 0; i < 32; i++) pairs.words[i] = table[i] + (table[i + 1] - table[i]) * 65536;
+    return pairs;
+}
+constexpr NeighbourPairs log2Pairs = pairsOf(Log2Table), powPairs = pairsOf(tabpow);
 
 static constexpr Vsp16sc phs_tbl[64] = {
     {32767, 0},       {32729, -1608},   {32610, -3212},   {32413, -4808},   {32138, -6393},   {31786, -7962},

@@ -31,6 +31,13 @@ extern const Vsp16s TableHangover[kVad2SnrIndices];    // its length in half-fra
 
 extern const Vsp16s TableVoiceMetric[90];  // by the signal-to-noise ratio of a channel in steps of 3/8 dB
 
+// Neighbouring entries of Log2Table and tabpow in one word, for lookups of many at once: the entry, and what the next one
+// is larger by times 65536.
+struct NeighbourPairs {
+    Vsp32s words[32];
+};
+extern const NeighbourPairs log2Pairs, powPairs;
+
 // The factors of the transform, made of C + i*S = exp(-2*pi*i*k/128), k = 0..63, in Q15 (phs_tbl of the reference).
 // Products of interleaved complex values with them are sums of products of pairs, with signs that keep every factor within
 // 16 bits.

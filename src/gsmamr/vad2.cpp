@@ -1,5 +1,6 @@
 // Voice activity detection, option 2 (3GPP TS 26.094 4).
 #include "core/checks.h"
+#include "gsmamr/decibels.h"
 #include "gsmamr/vad2_channels.h"
 
 static_assert(sizeof(VspGSMAMRVad2State) == 188 && alignof(VspGSMAMRVad2State) == 4);
@@ -12,13 +13,11 @@ constexpr Vsp32s kInitialHalves = 4;
 constexpr Vsp32s kNoiseStart = 8192;
 constexpr int kNoiseBits = 9;  // fraction bits of the noise estimates
 
-// 10 * log10(x * 2^-fractionBits), Q8.
-VSP_INLINE Vsp16s decibels(Vsp32s x, int fractionBits) {
-    constexpr Vsp32s kTenLog2 = 24660;  // 10 * log10(2), Q13
-    Vsp16s exponent, fraction;
-    ownLog2(x, &exponent, &fraction);
-    const Vsp32s y = 2 * ((exponent - fractionBits) * kTenLog2 + ((fraction * kTenLog2) >> 15));
-    return Vsp16s((y >> 6) + ((y >> 5) & 1));
+// Sum of values of either sign, saturated at every step.
+VSP_INLINE Vsp32s totalOf(const Vsp32s a[kVad2Channels]) {
+    Vsp32s sum = 0;
+    for (int ch = 0; ch < kVad2Channels; ch++) sum = Add_32s(sum, a[ch]);
+    return sum;
 }
 
 VSP_INLINE int clampIndex(int index, int count) { return index < 0 ? 0 : index < count ? index : count - 1; }
@@ -33,24 +32,21 @@ VSP_INLINE void ownVad2SnrEstimatorAndSumVocieMetric_GSMAMR_16s(VspGSMAMRVad2Sta
         for (int ch = 0; ch < kVad2Channels; ch++)
             s.chNoise[ch] = half.peaked || s.chEnrg[ch] < tableIneNoise[scaling] ? kNoiseStart : energies[ch];
     }
+    Vsp16s noiseDb[kVad2Channels];
+    channelDecibels<kVad2Channels>(s.chEnrg, tableFbits[scaling], half.energyDb);
+    channelDecibels<kVad2Channels>(s.chNoise, kNoiseBits, noiseDb);
     half.voiceMetric = 0;
     for (int ch = 0; ch < kVad2Channels; ch++) {
-        half.energyDb[ch] = decibels(s.chEnrg[ch], tableFbits[scaling]);
-        half.channelSnr[ch] = Vsp16s(half.energyDb[ch] - decibels(s.chNoise[ch], kNoiseBits));
+        half.channelSnr[ch] = Vsp16s(half.energyDb[ch] - noiseDb[ch]);
         const int index = ((half.channelSnr[ch] * 21845 >> 15) + 32) >> 6;  // steps of 3/8 dB
         half.voiceMetric += TableVoiceMetric[clampIndex(index, 90)];
     }
 }
 
-// Ratio of the half-frame: the mean of the channels' powers.
-VSP_INLINE Vsp16s halfFrameSnr(const Vsp16s channelSnr[kVad2Channels]) {
-    constexpr Vsp32s kToLog2 = 10885;  // log2(10) / 10, Q15
-    Vsp32s sum = 0;
-    for (int ch = 0; ch < kVad2Channels; ch++) {
-        const Vsp32s log2 = channelSnr[ch] * kToLog2;  // Q23
-        sum = Add_32s(sum, ownPow2(Vsp16s((log2 >> 23) + 3), Vsp16s((log2 >> 8) & 0x7FFF)));
-    }
-    return decibels(sum, 7);
+VSP_INLINE Vsp16s decibels(Vsp32s x, int fractionBits) {
+    Vsp16s db;
+    channelDecibels<1>(&x, fractionBits, &db);
+    return db;
 }
 
 // Q16 weights of old and new, rounded.
@@ -65,7 +61,7 @@ VSP_INLINE void ownVad2DecisionCalibrate_GSMAMR_16s(VspGSMAMRVad2State& s, Vad2H
         s.negSnrVar = s.negSnrBias = 0;
         half.snr = s.tsnr = Vsp16s(kSpeechDb - decibels(totalOf(s.chNoise), kNoiseBits));
     } else {
-        half.snr = halfFrameSnr(half.channelSnr);
+        half.snr = decibels(sumOfPowers<kVad2Channels>(half.channelSnr), 7);
         if (half.snr > s.tsnr)
             s.tsnr = smoothed(s.tsnr, 58982, half.snr, 6554);  // 0.9, 0.1
         else if (half.snr > Vsp16s(((5 * s.tsnr) & 0xFFFFF) >> 3))

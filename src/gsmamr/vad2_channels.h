@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "core/level.h"
+#include "gsmamr/decibels.h"
 #include "gsmamr/fixed_point.h"
 #include "gsmamr/tables.h"
 #include "vector/simd.h"
@@ -33,32 +34,76 @@ VSP_INLINE Vsp16s rescaled(Vsp16s a, int left) {
     return left >= 0 ? ShiftL_16s(a, left < 31 ? left : 31) : Vsp16s(a >> (left > -15 ? -left : 15));
 }
 
-// Normalises the half-frame to two bits of headroom and pre-emphasises it; returns the shift.
-VSP_INLINE int normalisedAndEmphasised(const Vsp16s* src, VspGSMAMRVad2State& s, Vsp16s x[kVad2Fft]) {
-    Vsp32s shift = 2;
-    Vsp16s normalised[1 + kVad2Half];  // after the last sample of the half-frame before
-    vspsAutoScale_16s(src, normalised + 1, kVad2Half, &shift);
-    normalised[0] = rescaled(s.preEmphMem, shift - s.lastNormShift);
-    s.preEmphMem = normalised[kVad2Half];
+template <class V>
+VSP_INLINE Vsp16u largestMagnitude(const Vsp16s half[kVad2Half]) {
+    V largest = magnitude(V::load(half));
+    for (int i = V::width; i < kVad2Half; i += V::width) largest = maxU(largest, magnitude(V::load(half + i)));
+    if constexpr (V::width == 8)
+        return largestU(largest);
+    else
+        return largestU(foldMaxU(largest));
+}
+
+// Two halves of the widest short vector at p, in one store where there are vectors that wide: they are loaded so.
+VSP_INLINE void storeHalves(S16_128 a, S16_128 b, Vsp16s* p) {
+#if defined(__AVX2__)
+    S16_256{_mm256_set_m128i(b.v, a.v)}.store(p);
+#else
+    a.store(p);
+    b.store(p + 8);
+#endif
+}
+
+// Normalises the half-frame to two bits of headroom and pre-emphasises it, with zeros on both sides; returns the shift.
+VSP_INLINE int normalisedAndEmphasised(const Vsp16s src[kVad2Half], VspGSMAMRVad2State& s, Vsp16s x[kVad2Fft]) {
+    constexpr int kHeadroom = 2, kSilence = 14;
+    const Vsp16u largest = largestMagnitude<Sliding16>(src);
+    const int shift = largest == 0 ? kSilence : Exp_16s_Pos(largest < kMax16 ? largest : Vsp16u(kMax16)) - kHeadroom;
+    const int left = shift > 0 ? shift : 0, right = left - shift;
+    const auto normalised = [left, right](auto a) { return shr(shl(a, left), right); };
+    // x + (-26214 * previous >> 15), where twice the factor is 13108 - 65536.
+    const auto emphasised = [](auto a, auto previous) {
+        return addSat(a, sub(mulHi(previous, decltype(previous)::splat(13108)), previous));
+    };
+    const S16_128 memory = S16_128::splat(rescaled(s.preEmphMem, shift - s.lastNormShift));
+    s.preEmphMem = Vsp16s(src[kVad2Half - 1] << left >> right);
     s.lastNormShift = Vsp16s(shift);
 
-    for (int i = 0; i < kVad2Margin; i++) x[i] = x[kVad2Fft - 1 - i] = 0;
-    // -26214 * previous >> 15: twice the factor is 13108 - 65536.
-    for (int i = 0; i < kVad2Half; i++) x[kVad2Margin + i] = sat_16s(normalised[i + 1] + ((-26214 * normalised[i]) >> 15));
+    using V = Sliding16;
+    const S16_128 zero = S16_128::splat(0), first = normalised(S16_128::load(src));
+    const auto next = [=]<class T>(T, int i) {
+        return emphasised(normalised(T::load(src + i)), normalised(T::load(src + i - 1)));
+    };
+    storeHalves(zero, zero, x);
+    storeHalves(zero, emphasised(first, S16_128{_mm_alignr_epi8(first.v, memory.v, 14)}), x + 16);
+    for (int i = 8; i < kVad2Half - 8; i += V::width) next(V(), i).store(x + kVad2Margin + i);
+    storeHalves(next(zero, kVad2Half - 8), zero, x + 96);
+    storeHalves(zero, zero, x + 112);
     return shift;
 }
 
-// Sums of squares over the bins of each channel. The words of the half-frame's transform are too small for an overflow.
-VSP_INLINE void channelSums(const Vsp16s x[kVad2Fft], Vsp32s sums[kVad2Channels]) {
-    Vsp32s squares[kVad2Fft / 2];
-    for (int bin = 0; bin < kVad2Fft / 2; bin++) squares[bin] = x[2 * bin] * x[2 * bin] + x[2 * bin + 1] * x[2 * bin + 1];
-    const auto sumChannel = [&squares]<int ch>() {
+// Adds up the bins of each channel. Not inlined, because a compiler that sees the vectors from which the words come takes
+// them apart one by one, which is slower than to store and load them.
+[[gnu::noinline]] static void addBins(const Vsp32s bins[kVad2Fft / 2], Vsp32s sums[kVad2Channels]) {
+    const auto sumChannel = [bins]<int ch>() {
         Vsp32s sum = 0;
-        for (int bin = Table16Ch[ch][0]; bin <= Table16Ch[ch][1]; bin++) sum += squares[bin];
-        return 2 * sum;
+        for (int bin = Table16Ch[ch][0]; bin <= Table16Ch[ch][1]; bin++) sum += bins[bin];
+        return sum;
     };
     [&]<int... ch>(std::integer_sequence<int, ch...>) { ((sums[ch] = sumChannel.template operator()<ch>()), ...); }
     (std::make_integer_sequence<int, kVad2Channels>());
+}
+
+// Twice the sums of squares over the bins of each channel. The words of a half-frame's transform are too small for
+// overflows.
+VSP_INLINE void channelSums(const Vsp16s x[kVad2Fft], Vsp32s sums[kVad2Channels]) {
+    using V = Sliding16;
+    Vsp32s squares[kVad2Fft / 2];
+    for (int i = 0; i < kVad2Fft; i += V::width) {
+        const V words = V::load(x + i);
+        dot2(words, add(words, words)).store(squares + i / 2);
+    }
+    addBins(squares, sums);
 }
 
 // Energies a shifted by n to the left, or to the right if n is negative; saturates.
@@ -70,13 +115,6 @@ VSP_INLINE void shiftEnergies(Vsp32s a[kVad2Channels], int n) {
     } else {
         for (int ch = 0; ch < kVad2Channels; ch++) a[ch] >>= -n;
     }
-}
-
-// Sum of energies, saturated.
-VSP_INLINE Vsp32s totalOf(const Vsp32s a[kVad2Channels]) {
-    Vsp32s sum = 0;
-    for (int ch = 0; ch < kVad2Channels; ch++) sum = Add_32s(sum, a[ch]);
-    return sum;
 }
 
 VSP_INLINE void ownVad2ChEnergyEstimator_GSMAMR_16s(const Vsp16s* src, VspGSMAMRVad2State& s, Vad2Half& half) {
@@ -102,14 +140,18 @@ VSP_INLINE void ownVad2ChEnergyEstimator_GSMAMR_16s(const Vsp16s* src, VspGSMAMR
 
     const bool first = s.frameCnt == 1;
     const Vsp16s oldWeight = first ? Vsp16s(0) : kSmoothing, newWeight = first ? kFirstNew : kNew;
-    Vsp32s peak = 0;
+    const Vsp32s lowest = tableMinChanEnrg[scaling];
     for (int ch = 0; ch < kVad2Channels; ch++) {
         const Vsp16s weight = Vsp16s(Mul_16s_Sfs(TableDFTch[ch], newWeight, 15));
         const Vsp32s e = mul_32s16s(s.chEnrg[ch], oldWeight) + mul_32s16s(energies[ch], weight);
-        s.chEnrg[ch] = e > tableMinChanEnrg[scaling] ? e : tableMinChanEnrg[scaling];
-        if (ch >= 2 && s.chEnrg[ch] > peak) peak = s.chEnrg[ch];
+        energies[ch] = e > lowest ? e : lowest;
     }
-    half.totalEnergy = totalOf(s.chEnrg);
+    Vsp32s peak = 0;
+    for (int ch = 0; ch < kVad2Channels; ch++) {
+        s.chEnrg[ch] = energies[ch];
+        if (ch >= 2 && energies[ch] > peak) peak = energies[ch];
+    }
+    half.totalEnergy = sumOfPositive<kVad2Channels>(energies);
     half.peaked = mul_32s16s(half.totalEnergy, kPeakShare) < peak;
 }
 
