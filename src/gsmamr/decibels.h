@@ -24,17 +24,6 @@ VSP_INLINE void channelDecibels(const Vsp32s* x, int fractionBits, Vsp16s* db) {
     }
 }
 
-// Sum of values that are not negative, saturated. Halves are added apart, so that they stay within 32 bits.
-template <int n>
-VSP_INLINE Vsp32s sumOfPositive(const Vsp32s* x) {
-    Vsp32s high = 0, low = 0;
-    for (int i = 0; i < n; i++) {
-        high += x[i] >> 16;
-        low += x[i] & 0xFFFF;
-    }
-    return Cnvrt_64s32s((Vsp64s(high) << 16) + low);
-}
-
 // Sum of 10^(db[i] / 10), 3 bits more, saturated.
 template <int n>
 VSP_INLINE Vsp32s sumOfPowers(const Vsp16s* db) {

@@ -8,7 +8,9 @@ namespace vsp::VSP_LEVEL {
 
 constexpr Vsp16s kNewestFlag = 0x4000;
 
-// Whether the levels are close to their averages: the sum of the ratios of the larger to the smaller one, Q6.
+// Whether the levels are close to their averages: the sum of the ratios of the larger to the smaller one, Q6. The standard
+// normalises the smaller one, divides and shifts back, which comes to one division. All values are exact as floats, and the
+// dividend has 21 bits, so that no quotient is rounded up to an integer.
 template <int bands>
 VSP_INLINE bool isStationary(const Vsp16s level[bands], const Vsp16s average[bands]) {
     constexpr Vsp16s kSmallest = 184;
@@ -17,8 +19,7 @@ VSP_INLINE bool isStationary(const Vsp16s level[bands], const Vsp16s average[ban
     for (int b = 0; b < bands; b++) {
         const Vsp16s l = level[b] > kSmallest ? level[b] : kSmallest, a = average[b] > kSmallest ? average[b] : kSmallest;
         const Vsp16s larger = l > a ? l : a, smaller = l > a ? a : l;
-        const int e = Exp_16s_Pos(Vsp16u(smaller));  // up to 7
-        sum += div_16s(larger >> 1, smaller << e) >> (8 - e);
+        sum += Vsp32s(Vsp32f((larger >> 1) * 128) / smaller);
     }
     return sum <= kThreshold;
 }

@@ -1,4 +1,6 @@
 // Voice activity detection, option 1 (3GPP TS 26.094 3).
+#include <bit>
+
 #include "core/checks.h"
 #include "gsmamr/noise_estimate.h"
 #include "gsmamr/vad1_filter_bank.h"
@@ -23,22 +25,34 @@ constexpr Vsp16s kCorrHigh = 19660;      // 0.6
 constexpr Vsp16s kCorrSpeech = 21298;    // 0.65
 constexpr Vsp16s kCorrVeryHigh = 22936;  // 0.7
 
-// The level of a band over its noise estimate, the square root of which is taken in neither; saturates.
-VSP_INLINE Vsp16s bandSnr(Vsp16s level, Vsp16s noise) {
+// The ratio where there is no noise: the largest quotient, as far as the norm of the estimate takes it.
+VSP_INLINE Vsp32s snrWithoutNoise(Vsp16s noise) {
     const int e = norm_16s(noise);
-    const Vsp16s normalised = Vsp16s(noise << e);
-    const Vsp32s ratio = normalised > 0 ? div_16s(level >> 1, normalised) : kMax16;
-    return e > 5 ? ShiftL_16s(Vsp16s(ratio), e - 5) : Vsp16s(ratio >> (5 - e));
+    return e > 5 ? kMax16 : kMax16 >> (5 - e);
+}
+
+// The level of each band over its noise. The standard divides by the estimate with its norm e taken out, and shifts by e -
+// 5 afterwards, with saturation. Right shifts come to one division; before a left shift the quotient has fewer bits. The
+// dividend has 24 bits, so that no quotient is rounded up to an integer.
+VSP_INLINE void bandSnr(const Vsp16s level[kVad1Bands], const Vsp16s noise[kVad1Bands], Vsp32s snr[kVad1Bands]) {
+    for (int b = 0; b < kVad1Bands; b++) {
+        const Vsp32f divisor = noise[b] > 0 ? noise[b] : 1;
+        const int exponent = (std::bit_cast<Vsp32s>(divisor) >> 23) - 127, left = exponent < 9 ? 9 - exponent : 0;
+        const Vsp32s half = level[b] > 0 ? level[b] >> 1 : 0;
+        const Vsp32s ratio = Vsp32s(Vsp32f(half << (10 - left)) / divisor) << left;
+        snr[b] = ratio < kMax16 ? ratio : kMax16;
+    }
+    for (int b = 0; b < kVad1Bands; b++)
+        if (noise[b] <= 0) snr[b] = snrWithoutNoise(noise[b]);
 }
 
 VSP_INLINE Vsp16s snrSum(const Vsp16s level[kVad1Bands], const Vsp16s noise[kVad1Bands]) {
     constexpr Vsp16s kOneNinth = 3641;
-    Vsp64s sum = 0;
-    for (int b = 0; b < kVad1Bands; b++) {
-        const Vsp32s snr = bandSnr(level[b], noise[b]);
-        sum += 2 * Vsp64s(snr * snr);
-    }
-    const Vsp32s scaled = Cnvrt_64s32s(Vsp64s(Cnvrt_64s32s(sum)) << 6);
+    Vsp32s snr[kVad1Bands];
+    bandSnr(level, noise, snr);
+    for (Vsp32s& ratio : snr) ratio *= ratio;
+    const Vsp32s sum = Mul2_32s(sumOfPositive<kVad1Bands>(snr));
+    const Vsp32s scaled = Cnvrt_64s32s(Vsp64s(sum) * 64);
     return Vsp16s(Mul_16s_Sfs(Vsp16s(scaled >> 16), kOneNinth, 15));
 }
 

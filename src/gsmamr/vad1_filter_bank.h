@@ -2,8 +2,8 @@
 // into sixteen band samples.
 //
 // A section needs its own previous result at every step, so that the first stage, whose two sections run 80 times a frame,
-// decides how long the filter bank takes. The sections of a stage run side by side, and the later stages of a group while
-// the first stage of the next one is under way. Only the memories follow one on another; the results are computed from them
+// decides how long the filter bank takes. The sections of a stage run side by side, and so do the stages, each with another
+// group. Only the memories follow one on another; the results are computed from them
 // for the whole group at once.
 #pragma once
 
@@ -13,8 +13,8 @@
 namespace vsp::VSP_LEVEL {
 
 constexpr int kVad1Bands = 9, kVad1Frame = 160;
-constexpr int kVad1Group = 16;     // samples
-constexpr int kVad1FrameEnd = 32;  // samples whose level counts for the next frame as well
+constexpr int kVad1Group = 16;                        // samples
+constexpr int kVad1Groups = kVad1Frame / kVad1Group;  // the level of the last two counts for the next frame as well
 
 // Sixteen samples on their way through the tree.
 struct Vad1Group {
@@ -186,21 +186,25 @@ VSP_INLINE void ownCalculateLevels_GSMAMR_M7(const Vad1Sums& frame, const Vad1Su
 }
 
 VSP_INLINE void ownVadFilterBank_GSMAMR_16s(const Vsp16s* frame, VspGSMAMRVad1State& s, Vsp16s level[kVad1Bands]) {
+    const S32_128 zero = S32_128::splat(0);
+    Vad1Sums inFrame = {{zero, zero, zero, zero}}, atEnd = inFrame;
     Vad1Memories memories = loadMemories(s);
-    const auto filter = [frame, &memories](int from, int to) {
-        const S32_128 zero = S32_128::splat(0);
-        Vad1Sums sums = {{zero, zero, zero, zero}};
-        for (int i = from; i < to; i += kVad1Group) {
-            Vad1Group x = {S16_128::load(frame + i), S16_128::load(frame + i + 8)};
-            x = ownFirstFilterStage_GSMAMR_M7(x, memories.first);
-            x = secondFilterStage(x, memories.second);
-            x = thirdFilterStage(x, memories.third);
-            x = fourthFilterStage(x, memories.fourth);
-            addMagnitudes(sums, x);
-        }
-        return sums;
+    const auto firstStage = [&](int group) {
+        const Vsp16s* x = frame + group * kVad1Group;
+        return ownFirstFilterStage_GSMAMR_M7({S16_128::load(x), S16_128::load(x + 8)}, memories.first);
     };
-    const Vad1Sums inFrame = filter(0, kVad1Frame - kVad1FrameEnd), atEnd = filter(kVad1Frame - kVad1FrameEnd, kVad1Frame);
+    const auto lastStages = [&](Vad1Group x, Vad1Sums& sums) {
+        addMagnitudes(sums, fourthFilterStage(thirdFilterStage(x, memories.third), memories.fourth));
+    };
+    // While one group is in the first stage, the one before it is in the second and the one before that in the last ones.
+    Vad1Group second = secondFilterStage(firstStage(0), memories.second), first = firstStage(1);
+    for (int group = 2; group < kVad1Groups; group++) {
+        lastStages(second, inFrame);
+        second = secondFilterStage(first, memories.second);
+        first = firstStage(group);
+    }
+    lastStages(second, atEnd);
+    lastStages(secondFilterStage(first, memories.second), atEnd);
     storeMemories(memories, s);
     ownCalculateLevels_GSMAMR_M7(inFrame, atEnd, s.subLevel, level);
 }

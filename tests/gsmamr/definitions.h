@@ -26,7 +26,7 @@ inline I32 lMsu(I32 sum, I16 a, I16 b) { return Sub_32s(sum, lMult(a, b)); }
 inline I16 round16(I32 a) { return I16(Add_32s(a, 0x8000) >> 16); }
 inline I32 lShl(I32 a, int n) { return Cnvrt_64s32s(Vsp64s(a) << n); }
 inline I16 shl(I16 a, int n) { return n < 0 ? I16(a >> std::min(-n, 15)) : sat_16s(I32(a) << std::min(n, 15)); }
-inline I16 divS(I16 a, I16 b) { return a >= b ? I16(32767) : I16(32768 * a / b); }
+inline I16 divS(I16 a, I16 b) { return a <= 0 ? I16(0) : a >= b ? I16(32767) : I16(32768 * a / b); }
 inline I32 mpy32x16(I32 a, I16 c) { return lMac(lMult(I16(a >> 16), c), mult(I16((a >> 1) & 0x7FFF), c), 1); }
 
 inline int normS(I16 a) {
