@@ -73,17 +73,17 @@ struct Kind {
     void keep(const std::vector<Bytes>&) const {}
 };
 
-// An array of the call's length (or of one element), sometimes null, sometimes one that is there already.
+// An array of the call's length, or of a number of elements, sometimes null, sometimes one that is there already.
 struct Array : Kind {
-    bool single;
+    Vsp32s elements;  // 0 for the call's length
 
-    explicit constexpr Array(bool isSingle) : single(isSingle) {}
+    explicit constexpr Array(Vsp32s number) : elements(number) {}
 
     template <class P>
     Drawn<P> draw(Call& call) const {
         const unsigned choice = call.in.take<std::uint8_t>();
         if (choice == 0xFF) return {-1};
-        const std::size_t n = single || call.len < 1 ? 1 : std::size_t(call.len);
+        const std::size_t n = elements > 0 ? std::size_t(elements) : call.len < 1 ? 1 : std::size_t(call.len);
         Bytes block(n * sizeof(std::remove_pointer_t<P>));
         if (choice % 4 == 3)
             for (std::size_t i = 0; i < call.blocks.size(); i++)
@@ -96,7 +96,7 @@ struct Array : Kind {
         return {int(call.blocks.size()) - 1};
     }
 };
-inline constexpr Array array(false), one(true);
+inline constexpr Array array(0), one(1);
 
 struct Length : Kind {
     template <class P>

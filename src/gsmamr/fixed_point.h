@@ -9,10 +9,6 @@ namespace vsp {
 VSP_INLINE constexpr Vsp16s mulRound_16s(Vsp16s a, Vsp16s b) { return sat_16s((a * b + 0x4000) >> 15); }
 static_assert(mulRound_16s(kMin16, kMin16) == kMax16 && mulRound_16s(32767, 16385) == 16384);
 
-/// The high half, rounded and saturated (round).
-VSP_INLINE constexpr Vsp16s round_32s(Vsp32s a) { return Vsp16s(Add_32s(a, 0x8000) >> 16); }
-static_assert(round_32s(0x7FFF8000) == kMax16 && round_32s(0x18000) == 2 && round_32s(-0x8000) == 0);
-
 /// Left shifts that normalise a value of either sign, 0 for 0 (norm_s).
 VSP_INLINE constexpr int norm_16s(Vsp16s a) { return a == 0 ? 0 : Exp_16s_Pos(Vsp16u(a < 0 ? ~a : a)); }
 static_assert(norm_16s(0) == 0 && norm_16s(1) == 14 && norm_16s(-1) == 15 && norm_16s(kMin16) == 0);

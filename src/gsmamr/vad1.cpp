@@ -119,8 +119,7 @@ VSP_INLINE Vsp16s ownVadDecision_GSMAMR_16s(VspGSMAMRVad1State& s, const Vsp16s 
 VspStatus vspsVAD1_GSMAMR_16s(const Vsp16s* pSrc, VspGSMAMRVad1State* pState, Vsp16s* pVadFlag, Vsp16s bestCorrHp,
                               Vsp16s toneFlags) {
     if (anyNull(pSrc, pState, pVadFlag)) return vspStsNullPtrErr;
-    const auto same = [](auto a) { return a; };
-    const Vsp32s power = Cnvrt_64s32s(2 * dot(pSrc, pSrc, kVad1Frame, same, same));
+    const Vsp32s power = Cnvrt_64s32s(2 * energy(pSrc, kVad1Frame));
     if (power < kPitchPower) pState->pitchFlags &= 0x3FFF;
     if (power < kLowPower) pState->complexLow &= 0x3FFF;
 

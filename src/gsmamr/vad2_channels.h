@@ -7,7 +7,7 @@
 #include "gsmamr/decibels.h"
 #include "gsmamr/fixed_point.h"
 #include "gsmamr/tables.h"
-#include "vector/simd.h"
+#include "vector/magnitude.h"
 
 namespace vsp::VSP_LEVEL {
 
@@ -34,16 +34,6 @@ VSP_INLINE Vsp16s rescaled(Vsp16s a, int left) {
     return left >= 0 ? ShiftL_16s(a, left < 31 ? left : 31) : Vsp16s(a >> (left > -15 ? -left : 15));
 }
 
-template <class V>
-VSP_INLINE Vsp16u largestMagnitude(const Vsp16s half[kVad2Half]) {
-    V largest = magnitude(V::load(half));
-    for (int i = V::width; i < kVad2Half; i += V::width) largest = maxU(largest, magnitude(V::load(half + i)));
-    if constexpr (V::width == 8)
-        return largestU(largest);
-    else
-        return largestU(foldMaxU(largest));
-}
-
 // Two halves of the widest short vector at p, in one store where there are vectors that wide: they are loaded so.
 VSP_INLINE void storeHalves(S16_128 a, S16_128 b, Vsp16s* p) {
 #if defined(__AVX2__)
@@ -57,7 +47,7 @@ VSP_INLINE void storeHalves(S16_128 a, S16_128 b, Vsp16s* p) {
 // Normalises the half-frame to two bits of headroom and pre-emphasises it, with zeros on both sides; returns the shift.
 VSP_INLINE int normalisedAndEmphasised(const Vsp16s src[kVad2Half], VspGSMAMRVad2State& s, Vsp16s x[kVad2Fft]) {
     constexpr int kHeadroom = 2, kSilence = 14;
-    const Vsp16u largest = largestMagnitude<Sliding16>(src);
+    const Vsp16u largest = maxMagnitude(src, kVad2Half);
     const int shift = largest == 0 ? kSilence : Exp_16s_Pos(largest < kMax16 ? largest : Vsp16u(kMax16)) - kHeadroom;
     const int left = shift > 0 ? shift : 0, right = left - shift;
     const auto normalised = [left, right](auto a) { return shr(shl(a, left), right); };

@@ -12,6 +12,8 @@ constexpr Vsp16s kCorrLowest = 13106, kPeriodic = 30000;
 
 }  // namespace
 
+extern "C" const State vad1InitialisedInC;
+
 class Vad1 : public LevelTest {
   protected:
     Vsp16s detect(const Samples& src, Vsp16s bestCorrHp = kCorrLowest, Vsp16s toneFlags = 0, Guard guard = Guard::end,
@@ -141,6 +143,10 @@ TEST_P(Vad1, CountersStopAtTheirHighest) {
     state.vadReg = 0x7FFF;
     EXPECT_EQ(1, detect(src));
     EXPECT_EQ(32767, state.burstCount);
+}
+
+TEST(Vad1Record, IsInitialisedAlikeInC) {
+    EXPECT_EQ(bytesOf(State VSP_GSMAMR_VAD1_STATE_INIT), bytesOf(vad1InitialisedInC));
 }
 
 TEST_P(Vad1, ChecksItsPointers) {

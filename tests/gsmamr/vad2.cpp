@@ -10,6 +10,8 @@ using State = VspGSMAMRVad2State;
 
 }  // namespace
 
+extern "C" const State vad2InitialisedInC;
+
 class Vad2 : public LevelTest {
   protected:
     Vsp16s detect(const Samples& src, Vsp32s ltpFlag = 0, Guard guard = Guard::end, std::size_t gap = 0) {
@@ -109,6 +111,10 @@ TEST_P(Vad2, CountersStopAtTheirHighest) {
     state.burstCount = 32767;
     EXPECT_EQ(1, detect(loud));
     EXPECT_EQ(32767, state.burstCount);
+}
+
+TEST(Vad2Record, IsInitialisedAlikeInC) {
+    EXPECT_EQ(bytesOf(State VSP_GSMAMR_VAD2_STATE_INIT), bytesOf(vad2InitialisedInC));
 }
 
 TEST_P(Vad2, ChecksItsPointers) {
