@@ -119,19 +119,21 @@ inline void filterBank(const I16* frame, VspGSMAMRVad1State& s, I16 level[9]) {
         pair3(w[i], w[i + 8], s.filterMem3[2]);
         pair3(w[i + 4], w[i + 12], s.filterMem3[3]);
     }
-    static constexpr struct {
+    struct Band {
         int count1, count2, step, start, scale;
-    } kBands[9] = {{8, 10, 16, 0, 16}, {8, 10, 16, 8, 16}, {8, 10, 16, 12, 16}, {8, 10, 16, 4, 16}, {16, 20, 8, 6, 16},
-                   {16, 20, 8, 2, 16}, {16, 20, 8, 3, 16}, {16, 20, 8, 7, 16},  {32, 40, 4, 1, 15}};
+    };
+    static constexpr Band kBands[9] = {{8, 10, 16, 0, 16}, {8, 10, 16, 8, 16}, {8, 10, 16, 12, 16},
+                                       {8, 10, 16, 4, 16}, {16, 20, 8, 6, 16}, {16, 20, 8, 2, 16},
+                                       {16, 20, 8, 3, 16}, {16, 20, 8, 7, 16}, {32, 40, 4, 1, 15}};
     for (int b = 0; b < 9; b++) {
-        const auto [count1, count2, step, start, scale] = kBands[b];
-        const auto magnitude = [&](int i) { return I16(std::min(32767, std::abs(int(w[step * i + start])))); };
+        const Band& band = kBands[b];
+        const auto magnitude = [&](int i) { return I16(std::min(32767, std::abs(int(w[band.step * i + band.start])))); };
         I32 late = 0;
-        for (int i = count1; i < count2; i++) late = lMac(late, magnitude(i), 1);
-        I32 all = Add_32s(late, lShl(s.subLevel[b], 16 - scale));
-        s.subLevel[b] = I16(lShl(late, scale) >> 16);
-        for (int i = 0; i < count1; i++) all = lMac(all, magnitude(i), 1);
-        level[b] = I16(lShl(all, scale) >> 16);
+        for (int i = band.count1; i < band.count2; i++) late = lMac(late, magnitude(i), 1);
+        I32 all = Add_32s(late, lShl(s.subLevel[b], 16 - band.scale));
+        s.subLevel[b] = I16(lShl(late, band.scale) >> 16);
+        for (int i = 0; i < band.count1; i++) all = lMac(all, magnitude(i), 1);
+        level[b] = I16(lShl(all, band.scale) >> 16);
     }
 }
 
