@@ -23,7 +23,7 @@ int WebRtcVad_Process(void* vad, int rate, const int16_t* frame, size_t samples)
 
 namespace {
 
-constexpr int kRate = 8000, kFrame = 160, kLookahead = 40;
+constexpr int kRate = 8000, kFrame = 160, kFrames = kRate / kFrame, kLookahead = 40;
 
 // Speech-like: syllables of changing loudness over a noise floor, with a pause at the end.
 std::vector<int16_t> oneSecond() {
@@ -48,7 +48,7 @@ void run(benchmark::State& state, Detect detect) {
     for (auto _ : state)
         for (int i = kLookahead; i < kLookahead + kRate; i += kFrame) speech += detect(signal.data() + i);
     state.counters["speech"] =
-        benchmark::Counter(static_cast<double>(speech) / (kRate / kFrame), benchmark::Counter::kAvgIterations);
+        benchmark::Counter(static_cast<double>(speech) / kFrames, benchmark::Counter::kAvgIterations);
 }
 
 void option1(benchmark::State& state) {

@@ -36,7 +36,7 @@ VSP_INLINE Vsp32s snrWithoutNoise(Vsp16s noise) {
 // dividend has 24 bits, so that no quotient is rounded up to an integer.
 VSP_INLINE void bandSnr(const Vsp16s level[kVad1Bands], const Vsp16s noise[kVad1Bands], Vsp32s snr[kVad1Bands]) {
     for (int b = 0; b < kVad1Bands; b++) {
-        const Vsp32f divisor = noise[b] > 0 ? noise[b] : 1;
+        const Vsp32f divisor = Vsp32f(noise[b] > 0 ? noise[b] : 1);
         const int exponent = (std::bit_cast<Vsp32s>(divisor) >> 23) - 127, left = exponent < 9 ? 9 - exponent : 0;
         const Vsp32s half = level[b] > 0 ? level[b] >> 1 : 0;
         const Vsp32s ratio = Vsp32s(Vsp32f(half << (10 - left)) / divisor) << left;
@@ -65,7 +65,8 @@ VSP_INLINE Vsp16s snrThreshold(Vsp16s noiseLevel) {
 // Follows the correlation of complex signals (3GPP TS 26.094 3.3.4).
 VSP_INLINE void trackComplexSignal(VspGSMAMRVad1State& s, Vsp16s bestCorrHp, bool lowPower) {
     constexpr int kAll8 = 0x7F80, kAll15 = 0x7FFF;
-    const Vsp16s alpha = s.corrHpFast < kCorrHigh ? 2621 : bestCorrHp < s.corrHpFast ? 6553 : 655;
+    const int alphaWhenHigh = bestCorrHp < s.corrHpFast ? 6553 : 655;
+    const int alpha = s.corrHpFast < kCorrHigh ? 2621 : alphaWhenHigh;
     s.corrHpFast = round_32s(Add_32s(s.corrHpFast * 65536, 2 * alpha * (bestCorrHp - s.corrHpFast)));
     if (s.corrHpFast < kCorrLowest || lowPower) s.corrHpFast = kCorrLowest;
 

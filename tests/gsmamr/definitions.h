@@ -156,7 +156,7 @@ inline void updateNoise(VspGSMAMRVad1State& s, const I16 level[9], I16 toneFlags
         s.statCount = 20;
     else if (speech && s.statCount != 0)
         s.statCount = sub(s.statCount, 1);
-    const I16 alpha = s.statCount == 20 ? 32767 : speech ? 3276 : 16383;
+    const I16 alpha = I16(s.statCount == 20 ? 32767 : speech ? 3276 : 16383);
     I16 up = 0, down = 1638, step = 0;
     if ((s.vadReg & 0x7800) == 0 && (s.pitchFlags & 0x7800) == 0 && s.complexHangCount == 0)
         up = 1638, down = 2097, step = 2;
@@ -185,7 +185,7 @@ inline I16 decide1(VspGSMAMRVad1State& s, const I16 level[9], I32 power, I16 bes
     s.vadReg = I16(s.vadReg >> 1);
     if (mult(I16(lShl(sum, 6) >> 16), 3641) > std::max<I16>(720, add(mult(noiseLevel, -2808), 1260))) s.vadReg |= 0x4000;
 
-    const I16 alpha = s.corrHpFast < 19660 ? 2621 : bestCorrHp < s.corrHpFast ? 6553 : 655;
+    const I16 alpha = I16(s.corrHpFast < 19660 ? 2621 : bestCorrHp < s.corrHpFast ? 6553 : 655);
     s.corrHpFast = round16(lMac(lMsu(s.corrHpFast * 65536, alpha, s.corrHpFast), alpha, bestCorrHp));
     if (s.corrHpFast < 13106 || lowPower) s.corrHpFast = 13106;
     s.complexHigh = I16(s.complexHigh >> 1);
@@ -362,7 +362,7 @@ inline I16 halfFrame(const I16* src, VspGSMAMRVad2State& s, I32 ltpFlag) {
 
 inline I16 vad2(const I16* src, VspGSMAMRVad2State& s, I32 ltpFlag) {
     const I16 first = halfFrame(src, s, ltpFlag), second = halfFrame(src + 80, s, ltpFlag);
-    return first | second;
+    return I16(first | second);
 }
 
 }  // namespace vsp::plain

@@ -12,11 +12,11 @@ using Words = std::vector<Vsp16s>;
 // In the order of the transform's output, divided by 64.
 std::vector<double> exactTransform(const Words& x) {
     std::vector<double> words(128);
-    for (int k = 0; k <= 64; k++) {
+    for (std::size_t k = 0; k <= 64; k++) {
         std::complex<double> sum = 0;
-        for (int n = 0; n < 128; n++) sum += double(x[std::size_t(n)]) * std::polar(1.0 / 64, -2 * M_PI * k * n / 128);
-        if (k < 64) words[std::size_t(2 * k)] = sum.real();
-        words[std::size_t(k < 64 ? 2 * k + 1 : 1)] = k == 0 ? 0 : k == 64 ? sum.real() : sum.imag();
+        for (std::size_t n = 0; n < 128; n++) sum += double(x[n]) * std::polar(1.0 / 64, -2 * M_PI * double(k * n) / 128);
+        words[k < 64 ? 2 * k : 1] = sum.real();
+        if (k > 0 && k < 64) words[2 * k + 1] = sum.imag();
     }
     return words;
 }
