@@ -18,7 +18,7 @@
 extern "C" {
 #endif
 
-/** Memory of voice activity detection option 1 (3GPP TS 26.094 3.3): 58 words, 116 bytes. */
+/** Memory of voice activity detection option 1 (3GPP TS 26.094): 58 words, 116 bytes. */
 typedef struct VspGSMAMRVad1State {
     Vsp16s subLevel[9];      /**< per band, level of the last fifth of the previous frame */
     Vsp16s oldLevel[9];      /**< band levels of the previous frame */
@@ -47,7 +47,7 @@ typedef struct VspGSMAMRVad1State {
             {{0, 0}, {0, 0}, {0, 0}}, {0, 0, 0, 0, 0}, 0, 0, 0, 0, 0, 0, 0, 0, 0, 13106, 0                \
     }
 
-/** Memory of voice activity detection option 2 (3GPP TS 26.094 4): 188 bytes. A half-frame has 80 samples. */
+/** Memory of voice activity detection option 2 (3GPP TS 26.094): 188 bytes. A half-frame has 80 samples. */
 typedef struct VspGSMAMRVad2State {
     Vsp32s chEnrg[16];       /**< smoothed channel energies, scaled as shiftState says */
     Vsp32s chNoise[16];      /**< channel noise estimates */
@@ -75,7 +75,7 @@ typedef struct VspGSMAMRVad2State {
     }
 
 /**
- * Voice activity detection, option 1 (3GPP TS 26.094 3): is there speech in a frame of 20 ms at 8 kHz?
+ * Voice activity detection, option 1 (3GPP TS 26.094): is there speech in a frame of 20 ms at 8 kHz?
  *
  * Compares the levels of nine frequency bands with estimates of the background noise, which it updates, and adds hangover
  * to bursts of speech and to complex signals such as music. An encoder detects before its open-loop pitch analysis and
@@ -93,7 +93,7 @@ VspStatus vspsVAD1_GSMAMR_16s(const Vsp16s* pSrc, VspGSMAMRVad1State* pState, Vs
                               Vsp16s toneFlags);
 
 /**
- * Voice activity detection, option 2 (3GPP TS 26.094 4): is there speech in a frame of 20 ms at 8 kHz?
+ * Voice activity detection, option 2 (3GPP TS 26.094): is there speech in a frame of 20 ms at 8 kHz?
  *
  * Takes the frame in two halves, measures the energies of sixteen channels against estimates of the noise in them, and
  * derives its thresholds and its hangover from the long-term signal-to-noise ratio. The frame is speech if either half is.

@@ -1,4 +1,4 @@
-// The estimate of the background noise in every band (3GPP TS 26.094 3.3.5.2), for detectors of any number of bands.
+// The estimate of the background noise in every band (3GPP TS 26.094, option 1), for detectors of any number of bands.
 #pragma once
 
 #include "core/level.h"

@@ -16,13 +16,12 @@ constexpr Vsp16s Table16Ch[kVad2Channels][2] = {
 extern const Vsp16s TableDFTch[kVad2Channels];  // 1 / number of bins of each channel, Q15
 
 // Indexed by the scaling of the channel energies: 0 for soft signals, 1 for loud ones.
-extern const Vsp16s
-    tableStateChangeShiftR[2];               // what a change to this scaling shifts the energies by, negative to the left
-extern const Vsp16s tableEnrgNormShift[2];   // part of the shift from a sum of squares to an energy
-extern const Vsp16s tableMinChanEnrg[2];     // smallest energy
-extern const Vsp16s tableIneNoise[2];        // energy below which the first noise estimate is 8192
-extern const Vsp16s tableFbits[2];           // fraction bits of the energies
-extern const Vsp16s tableNoiseFloorChan[2];  // smallest total energy that counts towards a forced update
+extern const Vsp16s tableStateChangeShiftR[2];  // right shift of the energies when the scaling changes to this one
+extern const Vsp16s tableEnrgNormShift[2];      // part of the shift from a sum of squares to an energy
+extern const Vsp16s tableMinChanEnrg[2];        // smallest energy
+extern const Vsp16s tableIneNoise[2];           // energy below which the first noise estimate is 8192
+extern const Vsp16s tableFbits[2];              // fraction bits of the energies
+extern const Vsp16s tableNoiseFloorChan[2];     // smallest total energy that counts towards a forced update
 
 // Indexed by the long-term signal-to-noise ratio in steps of 3 dB.
 extern const Vsp16s TablePeakSNR[kVad2SnrIndices];     // threshold of the voice metric

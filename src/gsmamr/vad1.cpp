@@ -1,4 +1,4 @@
-// Voice activity detection, option 1 (3GPP TS 26.094 3).
+// Voice activity detection, option 1 (3GPP TS 26.094).
 #include <bit>
 
 #include "core/checks.h"
@@ -25,15 +25,15 @@ constexpr Vsp16s kCorrHigh = 19660;      // 0.6
 constexpr Vsp16s kCorrSpeech = 21298;    // 0.65
 constexpr Vsp16s kCorrVeryHigh = 22936;  // 0.7
 
-// The ratio where there is no noise: the largest quotient, as far as the norm of the estimate takes it.
+// The ratio for an estimate of 0 or less, which only a foreign record has: the largest quotient, shifted alike.
 VSP_INLINE Vsp32s snrWithoutNoise(Vsp16s noise) {
     const int e = norm_16s(noise);
     return e > 5 ? kMax16 : kMax16 >> (5 - e);
 }
 
-// The level of each band over its noise. The standard divides by the estimate with its norm e taken out, and shifts by e -
-// 5 afterwards, with saturation. Right shifts come to one division; before a left shift the quotient has fewer bits. The
-// dividend has 24 bits, so that no quotient is rounded up to an integer.
+// The level of each band over its noise. The standard normalises the estimate by e bits, divides and shifts left by e - 5
+// with saturation. Where that goes to the right it comes to one division; otherwise the quotient has fewer bits before the
+// shift. The dividend has 24 bits, so that no quotient is rounded up to an integer.
 VSP_INLINE void bandSnr(const Vsp16s level[kVad1Bands], const Vsp16s noise[kVad1Bands], Vsp32s snr[kVad1Bands]) {
     for (int b = 0; b < kVad1Bands; b++) {
         const Vsp32f divisor = Vsp32f(noise[b] > 0 ? noise[b] : 1);
@@ -62,7 +62,7 @@ VSP_INLINE Vsp16s snrThreshold(Vsp16s noiseLevel) {
     return threshold > kLowest ? Vsp16s(threshold) : kLowest;
 }
 
-// Follows the correlation of complex signals (3GPP TS 26.094 3.3.4).
+// Follows the correlation of complex signals.
 VSP_INLINE void trackComplexSignal(VspGSMAMRVad1State& s, Vsp16s bestCorrHp, bool lowPower) {
     constexpr int kAll8 = 0x7F80, kAll15 = 0x7FFF;
     const int alphaWhenHigh = bestCorrHp < s.corrHpFast ? 6553 : 655;
@@ -76,7 +76,7 @@ VSP_INLINE void trackComplexSignal(VspGSMAMRVad1State& s, Vsp16s bestCorrHp, boo
     s.complexWarning = (s.complexHigh & kAll8) == kAll8 || (s.complexLow & kAll15) == kAll15;
 }
 
-// The decision with hangover (3GPP TS 26.094 3.3.6).
+// The decision with hangover.
 VSP_INLINE Vsp16s addHangover(VspGSMAMRVad1State& s, Vsp16s noiseLevel, bool lowPower) {
     constexpr Vsp16s kNoisy = 100, kComplexFrames = 100, kComplexHangover = 250;
     const Vsp16s burstLength = noiseLevel > kNoisy ? 4 : 5, hangover = noiseLevel > kNoisy ? 7 : 4;

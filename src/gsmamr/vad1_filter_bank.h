@@ -1,10 +1,9 @@
-// Option 1: the filter bank of nine bands (3GPP TS 26.094 3.3.1). A tree of all-pass sections turns every sixteen samples
-// into sixteen band samples.
+// Option 1: the filter bank of nine bands. A tree of all-pass sections turns every sixteen samples into sixteen band
+// samples.
 //
-// A section needs its own previous result at every step, so that the first stage, whose two sections run 80 times a frame,
+// A section needs its own previous memory at every step, so that the first stage, whose two sections run 80 times a frame,
 // decides how long the filter bank takes. The sections of a stage run side by side, and so do the stages, each with another
-// group. Only the memories follow one on another; the results are computed from them
-// for the whole group at once.
+// group of samples. Only the memories are computed one after the other; the results follow from them for a group at once.
 #pragma once
 
 #include "gsmamr/signal_level.h"
@@ -78,7 +77,7 @@ VSP_INLINE AllPass order5() {
                 {_mm_setr_epi16(-1, -1, 0, 0, -1, -1, 0, 0)}};
 }
 
-// The sums of what a has in the lower of two places and b in the same place, and the differences in the higher place.
+// a + b, and a - b in the places that are the higher ones of the pairs that a section combines.
 template <int higherPlaces>
 VSP_INLINE S16_128 sumsAndDifferences(S16_128 a, S16_128 b) {
     return {_mm_blend_epi16(addSat(a, b).v, subSat(a, b).v, higherPlaces)};

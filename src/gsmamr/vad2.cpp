@@ -1,6 +1,5 @@
-// Voice activity detection, option 2 (3GPP TS 26.094 4).
+// Voice activity detection, option 2 (3GPP TS 26.094).
 #include "core/checks.h"
-#include "gsmamr/decibels.h"
 #include "gsmamr/vad2_channels.h"
 
 static_assert(sizeof(VspGSMAMRVad2State) == 188 && alignof(VspGSMAMRVad2State) == 4);
@@ -22,7 +21,7 @@ VSP_INLINE Vsp32s totalOf(const Vsp32s a[kVad2Channels]) {
 
 VSP_INLINE int clampIndex(int index, int count) { return index < 0 ? 0 : index < count ? index : count - 1; }
 
-// The first noise estimates, then signal-to-noise ratios and the voice metric (3GPP TS 26.094 4.3.3, 4.3.4).
+// The first noise estimates, then signal-to-noise ratios and the voice metric.
 VSP_INLINE void ownVad2SnrEstimatorAndSumVocieMetric_GSMAMR_16s(VspGSMAMRVad2State& s, Vad2Half& half) {
     const int scaling = scalingOf(s);
     if (s.frameCnt <= kInitialHalves) {
@@ -54,7 +53,7 @@ VSP_INLINE Vsp16s smoothed(Vsp16s old, Vsp32s oldWeight, Vsp16s fresh, Vsp32s fr
     return round_32s(old * oldWeight + fresh * freshWeight);
 }
 
-// The long-term ratio and the bias that noise of changing level puts on the threshold (3GPP TS 26.094 4.3.5).
+// The long-term ratio and the bias that noise of changing level puts on the threshold.
 VSP_INLINE void ownVad2DecisionCalibrate_GSMAMR_16s(VspGSMAMRVad2State& s, Vad2Half& half) {
     constexpr Vsp16s kSpeechDb = 14320, kHighestVariance = 1024;
     if (s.frameCnt <= kInitialHalves || s.forcedUpdateFlag == 1) {
@@ -77,8 +76,7 @@ VSP_INLINE void ownVad2DecisionCalibrate_GSMAMR_16s(VspGSMAMRVad2State& s, Vad2H
     s.negSnrBias = bias < 0 ? Vsp16s(0) : Vsp16s(bias >> 8);
 }
 
-// The decision of the half-frame, the deviation from the long-term spectrum and the update of that spectrum (3GPP TS 26.094
-// 4.3.6, 4.3.7).
+// The decision of the half-frame, the deviation from the long-term spectrum and the update of that spectrum.
 VSP_INLINE bool ownVad2DetermineVADAndSpectrDeviation_GSMAMR_16s(VspGSMAMRVad2State& s, Vad2Half& half) {
     bool speech = half.voiceMetric > TablePeakSNR[half.snrIndex] + s.negSnrBias;
     if (speech) {
@@ -110,7 +108,7 @@ VSP_INLINE bool ownVad2DetermineVADAndSpectrDeviation_GSMAMR_16s(VspGSMAMRVad2St
     return speech;
 }
 
-// Updates the noise estimate in a pause, or after long enough of a steady spectrum (3GPP TS 26.094 4.3.8).
+// Updates the noise estimate in a pause, or after long enough of a steady spectrum.
 VSP_INLINE void ownVad2BackgroundNoiseUpdate_GSMAMR_16s(VspGSMAMRVad2State& s, const Vad2Half& half, bool periodic) {
     constexpr Vsp16s kPauseMetric = 35, kSteadyDeviation = 7168, kForcedUpdate = 50, kHysteresis = 6;
     constexpr Vsp16s kOldNoise = 29491, kNewNoise = 3277;  // 0.9, 0.1

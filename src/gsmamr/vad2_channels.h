@@ -1,4 +1,4 @@
-// Option 2: the energies of the sixteen channels of a half-frame (3GPP TS 26.094 4.3.1, 4.3.2).
+// Option 2: the energies of the sixteen channels of a half-frame.
 #pragma once
 
 #include <utility>
@@ -34,7 +34,7 @@ VSP_INLINE Vsp16s rescaled(Vsp16s a, int left) {
     return left >= 0 ? ShiftL_16s(a, left < 31 ? left : 31) : Vsp16s(a >> (left > -15 ? -left : 15));
 }
 
-// Two halves of the widest short vector at p, in one store where there are vectors that wide: they are loaded so.
+// a and b at p, in one store where vectors are that wide: the transform loads them so.
 VSP_INLINE void storeHalves(S16_128 a, S16_128 b, Vsp16s* p) {
 #if defined(__AVX2__)
     S16_256{_mm256_set_m128i(b.v, a.v)}.store(p);
