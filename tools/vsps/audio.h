@@ -13,6 +13,7 @@ using Samples = std::vector<std::int16_t>;
 struct Recording {
     int fileRate = kRate;  // Hz, before conversion
     std::vector<Samples> channels;
+    std::vector<std::string> notes;  // what the user should know, a line each
 
     std::size_t length() const { return channels.front().size(); }
     double seconds() const { return static_cast<double>(length()) / kRate; }
@@ -23,7 +24,7 @@ struct RawInput {
     int rate;  // Hz
 };
 
-// Reads and, where needed, converts to 8000 Hz; says so on stderr. Samples beyond full scale are clipped.
+// Reads and, where needed, converts to 8000 Hz; clips samples beyond full scale. Both give a note.
 Recording readAudio(const std::string& file, std::optional<RawInput> raw);
 
 // The libsndfile format of an output, from the extension of its name.

@@ -4,7 +4,6 @@
 #include <cerrno>
 #include <cmath>
 #include <cstring>
-#include <iostream>
 #include <memory>
 #include <regex>
 
@@ -114,7 +113,7 @@ Recording readAudio(const std::string& file, std::optional<RawInput> raw) {
     SF_INFO info{};
     const SoundFile sound = open(file, raw, info);
     const auto channels = static_cast<std::size_t>(info.channels);
-    Recording recording{info.samplerate, std::vector<Samples>(channels)};
+    Recording recording{info.samplerate, std::vector<Samples>(channels), {}};
     Collector collector(recording);
     std::unique_ptr<Resampler> resampler;
     if (info.samplerate != kRate) resampler = std::make_unique<Resampler>(info.samplerate, kRate, info.channels);
@@ -138,8 +137,11 @@ Recording readAudio(const std::string& file, std::optional<RawInput> raw) {
     const bool lengthUnknown = !info.seekable && info.frames * info.channels >= kUnknownLength;
     if (total < info.frames && !lengthUnknown) throw FileError(file, "truncated or damaged: the audio data end early");
     if (recording.length() == 0) throw FileError(file, "holds no samples");
-    if (resampler) std::cerr << "vsps: " << file << ": resampled from " << info.samplerate << " Hz to " << kRate << " Hz\n";
+    if (resampler)
+        recording.notes.push_back(file + ": resampled from " + std::to_string(info.samplerate) + " Hz to " +
+                                  std::to_string(kRate) + " Hz");
     if (collector.clipped() > 0)
-        std::cerr << "vsps: " << file << ": " << collector.clipped() << " samples beyond full scale were clipped\n";
+        recording.notes.push_back(file + ": " + std::to_string(collector.clipped()) +
+                                  " samples beyond full scale were clipped");
     return recording;
 }

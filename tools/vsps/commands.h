@@ -6,3 +6,4 @@
 void addInfo(CLI::App& app);
 void addLevel(CLI::App& app);
 void addPitch(CLI::App& app);
+void addVad(CLI::App& app);

@@ -1,6 +1,7 @@
 // What ends the program with exit code 1.
 #pragma once
 
+#include <exception>
 #include <stdexcept>
 #include <string>
 
@@ -9,3 +10,6 @@ class FileError : public std::runtime_error {
   public:
     FileError(const std::string& file, const std::string& reason) : std::runtime_error(file + ": " + reason) {}
 };
+
+// Files that cannot be used have been reported, the others are done.
+class ErrorsReported : public std::exception {};

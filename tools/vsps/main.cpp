@@ -11,7 +11,7 @@ namespace {
 constexpr int kBadFile = 1, kBadUsage = 2;
 
 int run(int argc, char** argv) {
-    CLI::App app{"Speech-coding primitives on recordings: level control and pitch of telephone speech.", "vsps"};
+    CLI::App app{"Speech-coding primitives on recordings: level control, pitch and speech detection.", "vsps"};
     app.set_version_flag("--version", [] { return std::string("vsps ") + vspscGetLibVersion()->Version; });
     app.require_subcommand(1);
     app.footer(
@@ -20,6 +20,7 @@ int run(int argc, char** argv) {
     addInfo(app);
     addLevel(app);
     addPitch(app);
+    addVad(app);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& e) {
@@ -37,6 +38,7 @@ int main(int argc, char** argv) {
     std::signal(SIGXFSZ, SIG_IGN);
     try {
         return run(argc, argv);
+    } catch (const ErrorsReported&) {
     } catch (const std::exception& e) {
         std::cerr << "vsps: " << e.what() << '\n';
     }

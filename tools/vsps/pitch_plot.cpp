@@ -5,25 +5,14 @@
 #include <iostream>
 #include <sstream>
 
+#include "waveform_plot.h"
+
 namespace {
 
-constexpr std::size_t kColumns = 2400;     // of the waveform, two for each pixel
 constexpr std::size_t kMostPoints = 6000;  // of the contour
 constexpr std::size_t kChannels = 8;       // more do not fit a picture
 constexpr double kLeap = 1.25;             // ratio that no voice does from one point to the next
 constexpr double kSubframeSeconds = 0.005;
-
-// Time, smallest and largest sample for stretches of samples, relative to full scale.
-std::string waveformData(const Samples& x) {
-    const std::size_t stretch = std::max<std::size_t>(1, x.size() / kColumns);
-    std::ostringstream data;
-    for (std::size_t i = 0; i < x.size(); i += stretch) {
-        const auto begin = x.begin() + std::ptrdiff_t(i);
-        const auto [low, high] = std::minmax_element(begin, begin + std::ptrdiff_t(std::min(stretch, x.size() - i)));
-        data << double(i) / kRate << ' ' << *low / 32768.0 << ' ' << *high / 32768.0 << '\n';
-    }
-    return data.str();
-}
 
 // Time and F0; an empty line leaves a gap where it is not voiced or leaps. In long recordings a point is the median of the
 // voiced subframes in a stretch, if they are at least half of it.
@@ -50,19 +39,9 @@ std::string contourData(const PitchTrack& track) {
     return data.str();
 }
 
-// Half the height of the waveform's axis: the peak and some room, in tenths.
-double amplitude(const Samples& x) {
-    double peak = 0;
-    for (const std::int16_t sample : x) peak = std::max(peak, std::abs(double(sample)));
-    return std::max(0.1, std::ceil(10.5 * peak / 32768) / 10);
-}
-
 std::string panel(const std::string& number, double height, bool anyVoiced) {
     std::ostringstream commands;
-    commands << "set yrange [" << -height << ':' << height << "]\n"
-             << "plot $waveform" << number << " using 1:2:3 with filledcurves lc rgb '#c9d3dc' title 'waveform', \\\n"
-             << "  $waveform" << number << " using 1:2 with lines lw 0.5 lc rgb '#aab7c4' notitle, \\\n"
-             << "  $waveform" << number << " using 1:3 with lines lw 0.5 lc rgb '#aab7c4' notitle";
+    commands << "set yrange [" << -height << ':' << height << "]\nplot " << waveformCurves("waveform" + number);
     if (anyVoiced)
         commands << ", \\\n  $contour" << number
                  << " using 1:2 axes x1y2 with linespoints lw 1.4 pt 7 ps 0.25 lc rgb '#c0392b' title 'F0'";
@@ -89,7 +68,7 @@ std::string drawPitch(const Gnuplot& gnuplot, const std::string& title, const st
         if (channels.size() > 1) commands << "set title 'channel " << i + 1 << "' left offset 2,0\n";
         const bool anyVoiced =
             std::any_of(tracks[i].begin(), tracks[i].end(), [](const PitchPoint& p) { return p.voiced(); });
-        commands << panel(std::to_string(i), amplitude(channels[i]), anyVoiced);
+        commands << panel(std::to_string(i), waveformHeight(channels[i]), anyVoiced);
     }
     commands << "unset multiplot\n";
     return gnuplot.draw(commands.str(), 1400, 60 + 480 * static_cast<int>(count));

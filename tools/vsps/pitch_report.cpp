@@ -53,8 +53,6 @@ Json channelJson(const Summary& s) {
             {"prediction_gain_db", number(s.predictionGain)}};
 }
 
-Json nameOrNull(const std::string& file) { return file.empty() ? Json(nullptr) : Json(file); }
-
 }  // namespace
 
 std::string toText(const PitchReport& r) {
