@@ -41,7 +41,8 @@ std::string contourData(const PitchTrack& track) {
 
 std::string panel(const std::string& number, double height, bool anyVoiced) {
     std::ostringstream commands;
-    commands << "set yrange [" << -height << ':' << height << "]\nplot " << waveformCurves("waveform" + number);
+    commands << "set yrange [" << -height << ':' << height << "]\nplot "
+             << waveformCurves("waveform" + number, "#c9d3dc", "#aab7c4");
     if (anyVoiced)
         commands << ", \\\n  $contour" << number
                  << " using 1:2 axes x1y2 with linespoints lw 1.4 pt 7 ps 0.25 lc rgb '#c0392b' title 'F0'";

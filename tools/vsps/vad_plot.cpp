@@ -42,8 +42,8 @@ std::string shading(const std::string& number, double low, double high) {
 std::string waveformPanel(const std::string& number, double height) {
     std::ostringstream panel;
     panel << "set ylabel 'amplitude, full scale = 1'\nset yrange [" << -height << ':' << height
-          << "]\nset ytics autofreq\nplot " << shading(number, -height, height) << waveformCurves("waveform" + number)
-          << '\n';
+          << "]\nset ytics autofreq\nplot " << shading(number, -height, height)
+          << waveformCurves("waveform" + number, "#8da2b5", "#7288a0") << '\n';
     return panel.str();
 }
 

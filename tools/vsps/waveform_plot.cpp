@@ -22,8 +22,9 @@ double waveformHeight(const Samples& x) {
     return std::max(0.1, std::ceil(10.5 * peak / 32768) / 10);
 }
 
-std::string waveformCurves(const std::string& name) {
-    const std::string line = "$" + name + " using 1:", style = " with lines lw 0.5 lc rgb '#aab7c4' notitle";
-    return line + "2:3 with filledcurves lc rgb '#c9d3dc' title 'waveform', \\\n  " + line + "2" + style + ", \\\n  " +
+std::string waveformCurves(const std::string& name, const char* fill, const char* outline) {
+    const std::string line = "$" + name + " using 1:",
+                      style = " with lines lw 0.5 lc rgb '" + std::string(outline) + "' notitle";
+    return line + "2:3 with filledcurves lc rgb '" + fill + "' title 'waveform', \\\n  " + line + "2" + style + ", \\\n  " +
            line + "3" + style;
 }

@@ -11,5 +11,5 @@ std::string waveformData(const Samples& x);
 // Half the height of its axis: the peak and some room, in tenths.
 double waveformHeight(const Samples& x);
 
-// What "plot" draws of the block of data with that name.
-std::string waveformCurves(const std::string& name);
+// What "plot" draws of the block of data with that name; colours of gnuplot.
+std::string waveformCurves(const std::string& name, const char* fill, const char* outline);
