@@ -23,6 +23,17 @@ def speech(seconds, amplitude, seed=1):
     return samples[: int(seconds * 8000)]
 
 
+def voice(seconds, f0, rate=8000, amplitude=6000):
+    """Band-limited pulses, falling by 6 dB an octave; f0 in Hz or as a function of the time in seconds."""
+    samples, phase = [], 0.0
+    for i in range(int(seconds * rate)):
+        now = f0(i / rate) if callable(f0) else f0
+        phase += now / rate
+        samples.append(sum(math.cos(2 * math.pi * k * phase) / k for k in range(1, int(3500 / now) + 1)))
+    peak = max(map(abs, samples))
+    return [round(amplitude * x / peak) for x in samples]
+
+
 def pcm(samples):
     data = array.array("h", samples)
     if sys.byteorder == "big":

@@ -4,23 +4,12 @@ import math
 import random
 
 import pytest
-from signals import interleave, pcm, tone, wav, wav16
+from signals import interleave, pcm, tone, voice, wav, wav16
 
 COLUMNS = "channel time_s open_loop_lag lag fraction f0_hz gain prediction_gain_db level_dbov voiced".split()
 SEARCHES = ("main", "a", "d")
 # Semitones. Annex A's correlation is not normalised, so that it may miss the lag where a subframe has no pulse.
 NEAR = {"main": 0.5, "a": 1.2, "d": 0.5}
-
-
-def voice(seconds, f0, rate=8000, amplitude=6000):
-    """Band-limited pulses, falling by 6 dB an octave; f0 in Hz or as a function of the time in seconds."""
-    samples, phase = [], 0.0
-    for i in range(int(seconds * rate)):
-        now = f0(i / rate) if callable(f0) else f0
-        phase += now / rate
-        samples.append(sum(math.cos(2 * math.pi * k * phase) / k for k in range(1, int(3500 / now) + 1)))
-    peak = max(map(abs, samples))
-    return [round(amplitude * x / peak) for x in samples]
 
 
 def noise(seconds, amplitude):
