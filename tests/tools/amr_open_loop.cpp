@@ -1,5 +1,6 @@
-// The open-loop search of the tool against what an encoder of the standard found in recorded speech, noise, music and tones. The
-// encoder ran at all rates in turn, the search of the tool is that of some of them, so that they agree mostly, not always.
+// The open-loop search of the tool against what an encoder of the standard found in recorded speech, noise, music and
+// tones. The encoder ran at all rates in turn, the search of the tool is that of some of them, so that they agree mostly,
+// not always.
 #include "amr_open_loop.h"
 
 #include <gtest/gtest.h>
@@ -43,7 +44,8 @@ struct Agreement {
 }  // namespace
 
 TEST(AmrOpenLoop, FindsWhatTheEncoderFoundForOption1) {
-    constexpr int kSequences = 13, kExactlyPeriodic = 11;  // in the latter, rounding decides between multiples of the period
+    constexpr int kSequences = 13,
+                  kExactlyPeriodic = 11;  // in the latter, rounding decides between multiples of the period
     const RecordedCalls calls("vad1_seq.bin", 1, 446);
     Agreement pitch, tones, near;
     FrontEnd frontEnd;
@@ -54,8 +56,7 @@ TEST(AmrOpenLoop, FindsWhatTheEncoderFoundForOption1) {
             if (++sequence == kSequences) break;
         }
         const OpenLoopResult& found = frontEnd.result();
-        if (sequence != kExactlyPeriodic)
-            pitch.add(found.steadyPitch == ((calls[i].at<Vsp16s>(2) & kNewestFlag) != 0));
+        if (sequence != kExactlyPeriodic) pitch.add(found.steadyPitch == ((calls[i].at<Vsp16s>(2) & kNewestFlag) != 0));
         near.add(std::abs(found.bestCorrHp - calls[i].at<Vsp16s>(4)) < 1000);
         tones.add((found.toneFlags & kNewestFlag) == (calls[i].at<Vsp16s>(6) & kNewestFlag));
         frontEnd.process(calls[i].samples(8, kAmrFrame));
