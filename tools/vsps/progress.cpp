@@ -12,16 +12,19 @@ std::atomic<bool> g_anyLives = false;
 }  // namespace
 
 Progress::Progress(std::string what, std::size_t total)
-    : what_(std::move(what)), total_(total), next_(Clock::now() + kPatience), first_(!g_anyLives.exchange(true)) {}
+    : what_(std::move(what)),
+      total_(total),
+      next_(Clock::now() + kPatience),
+      shows_(isatty(STDERR_FILENO) != 0 && !g_anyLives.exchange(true)) {}
 
 Progress::~Progress() {
     hide();
-    if (first_) g_anyLives = false;
+    if (shows_) g_anyLives = false;
 }
 
 void Progress::advance(std::size_t amount) {
     done_ += amount;
-    if (!first_ || total_ == 0 || Clock::now() < next_ || isatty(STDERR_FILENO) == 0) return;
+    if (!shows_ || total_ == 0 || Clock::now() < next_) return;
     next_ = Clock::now() + kInterval;
     shown_ = true;
     const double part = std::min(1.0, static_cast<double>(done_) / static_cast<double>(total_));

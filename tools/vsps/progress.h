@@ -22,5 +22,5 @@ class Progress {
     std::string what_;
     std::size_t done_ = 0, total_;
     Clock::time_point next_;
-    bool first_, shown_ = false;
+    bool shows_, shown_ = false;
 };

@@ -43,13 +43,15 @@ std::string place(std::string pattern, const std::string& file) {
 std::vector<VadOutputs> placeOutputs(const Options& o) {
     const auto canonical = [](const std::string& file) {
         std::error_code error;
-        return std::filesystem::weakly_canonical(file, error).string();
+        const std::string name = std::filesystem::weakly_canonical(file, error);
+        return error ? file : name;
     };
     std::map<std::string, std::string> taken;  // by whom
     for (const std::string& file : o.files) taken[canonical(file)] = "the input " + file;
     const auto claim = [&](const std::string& pattern, const std::string& file, const char* what) {
         const std::string out = place(pattern, file);
-        if (out.empty() || std::filesystem::is_other(out)) return out;  // a device or pipe may take several
+        std::error_code error;
+        if (out.empty() || std::filesystem::is_other(out, error)) return out;  // a device or pipe may take several
         const auto [owner, isNew] = taken.try_emplace(canonical(out), std::string(what) + " of " + file);
         if (!isNew) throw FileError(out, "is " + owner->second + " and " + what + " of " + file + " at once");
         return out;
@@ -110,7 +112,7 @@ void runVad(const Options& o) {
                 json["files"].push_back(toJson(result.report));
             else
                 std::cout << toText(result.report) << std::flush;
-        } catch (const FileError& e) {
+        } catch (const std::exception& e) {
             if (progress) progress->hide();
             std::cerr << "vsps: " << e.what() << '\n';
             failed = true;
