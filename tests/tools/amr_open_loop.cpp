@@ -1,7 +1,7 @@
 // The open-loop search of the tool against what an encoder of the standard found in recorded speech, noise, music and
 // tones. The encoder ran at all rates in turn, the search of the tool is that of some of them, so that they agree mostly,
 // not always.
-#include "amr_open_loop.h"
+#include "vad/amr_open_loop.h"
 
 #include <gtest/gtest.h>
 

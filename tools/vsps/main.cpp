@@ -3,7 +3,7 @@
 #include <iostream>
 
 #include "commands.h"
-#include "error.h"
+#include "console/error.h"
 #include "vspsc.h"
 
 namespace {

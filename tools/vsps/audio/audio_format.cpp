@@ -1,0 +1,61 @@
+#include <sndfile.h>
+
+#include <algorithm>
+#include <filesystem>
+
+#include "audio/audio.h"
+#include "audio/extension.h"
+#include "console/error.h"
+
+namespace {
+
+struct Format {
+    const char* extension;
+    int format;
+};
+
+constexpr Format kFormats[] = {
+    {".wav", SF_FORMAT_WAV | SF_FORMAT_PCM_16},
+    {".flac", SF_FORMAT_FLAC | SF_FORMAT_PCM_16},
+    {".au", SF_FORMAT_AU | SF_FORMAT_PCM_16},
+    {".snd", SF_FORMAT_AU | SF_FORMAT_PCM_16},
+    {".aiff", SF_FORMAT_AIFF | SF_FORMAT_PCM_16},
+    {".raw", SF_FORMAT_RAW | SF_FORMAT_PCM_16 | SF_ENDIAN_LITTLE},
+    {".pcm", SF_FORMAT_RAW | SF_FORMAT_PCM_16 | SF_ENDIAN_LITTLE},
+    {".sln", SF_FORMAT_RAW | SF_FORMAT_PCM_16 | SF_ENDIAN_LITTLE},
+    {".al", SF_FORMAT_RAW | SF_FORMAT_ALAW},
+    {".alaw", SF_FORMAT_RAW | SF_FORMAT_ALAW},
+    {".ul", SF_FORMAT_RAW | SF_FORMAT_ULAW},
+    {".ulaw", SF_FORMAT_RAW | SF_FORMAT_ULAW},
+};
+
+const Format* find(const std::string& file) {
+    const std::string extension = extensionOf(file);
+    const auto found =
+        std::find_if(std::begin(kFormats), std::end(kFormats), [&](const Format& f) { return extension == f.extension; });
+    return found == std::end(kFormats) ? nullptr : found;
+}
+
+}  // namespace
+
+int outputFormat(const std::string& file) {
+    std::error_code error;
+    const auto status = std::filesystem::status(file, error);
+    if (is_directory(status)) throw FileError(file, "is a directory");
+    if (const Format* f = find(file)) return f->format;
+    if (is_other(status)) return SF_FORMAT_AU | SF_FORMAT_PCM_16;  // a device such as /dev/stdout has no extension
+    throw FileError(file, "unknown extension; use one of " + outputExtensions());
+}
+
+int rawFormat(const std::string& file) {
+    const Format* f = find(file);
+    return f != nullptr && (f->format & SF_FORMAT_TYPEMASK) == SF_FORMAT_RAW
+               ? f->format
+               : SF_FORMAT_RAW | SF_FORMAT_PCM_16 | SF_ENDIAN_LITTLE;
+}
+
+std::string outputExtensions() {
+    std::string all;
+    for (const Format& f : kFormats) all += (all.empty() ? "" : " ") + std::string(f.extension);
+    return all;
+}

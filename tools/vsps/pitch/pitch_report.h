@@ -1,0 +1,24 @@
+// What vsps pitch has to say about a run.
+#pragma once
+
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "pitch/pitch_track.h"
+
+struct PitchReport {
+    std::string inFile, csvFile, plotFile;  // the last two may be empty
+    int inRate;                             // Hz
+    std::size_t samples;                    // per channel
+    std::string search;                     // as on the command line
+    double searchSeconds;                   // that analysis and searches took
+    std::vector<PitchTrack> channels;
+
+    double seconds() const { return double(samples) / kRate; }
+    double timesRealTime() const { return seconds() / searchSeconds; }
+};
+
+std::string toText(const PitchReport& report);
+nlohmann::ordered_json toJson(const PitchReport& report);
+// A table with one line for each subframe.
+std::string toCsv(const std::vector<PitchTrack>& channels);

@@ -1,0 +1,82 @@
+#include "vad/vad_plot.h"
+
+#include <algorithm>
+#include <sstream>
+
+#include "plot/waveform_plot.h"
+
+namespace {
+
+constexpr std::size_t kMostPoints = 3000;       // of the ratios
+constexpr double kLowest = -10, kHighest = 60;  // dB
+constexpr double kFrameSeconds = 0.02;
+
+// Start and end of the speech; outside the picture if there is none, so that there is something to draw.
+std::string speechData(const std::vector<Segment>& segments) {
+    std::ostringstream data;
+    for (const Segment& s : segments) data << s.start << ' ' << s.end << '\n';
+    if (segments.empty()) data << "-2 -1\n";
+    return data.str();
+}
+
+// Time, highest ratio in a stretch of frames, reference.
+std::string ratioData(const ActivityTrack& track) {
+    const std::size_t stretch = track.size() / kMostPoints + 1;
+    std::ostringstream data;
+    for (std::size_t i = 0; i < track.size(); i += stretch) {
+        const std::size_t end = std::min(i + stretch, track.size());
+        double ratio = kLowest;
+        for (std::size_t j = i; j < end; j++) ratio = std::max(ratio, track[j].snr);
+        data << double(i + end) / 2 * kFrameSeconds << ' ' << ratio << ' ' << track[i].reference << '\n';
+    }
+    return data.str();
+}
+
+std::string shading(const std::string& number, double low, double high) {
+    std::ostringstream curve;
+    curve << "$speech" << number << " using 1:(0):1:2:(" << low << "):(" << high
+          << ") with boxxyerror fs solid noborder lc rgb '#cdebd3' title 'speech', \\\n  ";
+    return curve.str();
+}
+
+std::string waveformPanel(const std::string& number, double height) {
+    std::ostringstream panel;
+    panel << "set ylabel 'amplitude, full scale = 1'\nset yrange [" << -height << ':' << height
+          << "]\nset ytics autofreq\nplot " << shading(number, -height, height)
+          << waveformCurves("waveform" + number, "#8da2b5", "#7288a0") << '\n';
+    return panel.str();
+}
+
+std::string ratioPanel(const std::string& number, int option) {
+    std::ostringstream panel;
+    panel << "set ylabel 'signal to noise, dB'\nset yrange [" << kLowest << ':' << kHighest << "]\nset ytics 10\nplot "
+          << shading(number, kLowest, kHighest) << "$ratios" << number
+          << " using 1:2 with lines lw 1.4 lc rgb '#0b62a4' title 'in the frame', \\\n  $ratios" << number
+          << " using 1:3 with lines lw 1.4 dt 2 lc rgb '#c0392b' title '" << (option == 1 ? "threshold" : "long-term")
+          << "'\n";
+    return panel.str();
+}
+
+}  // namespace
+
+std::string drawActivity(const Gnuplot& gnuplot, const VadReport& report, const std::vector<Samples>& channels) {
+    const std::size_t count = std::min(channels.size(), kPlottedChannels);
+    std::ostringstream commands;
+    commands << kPlotStyle << "set lmargin 11\nset xrange [0:" << report.seconds() << "]\n";
+    for (std::size_t i = 0; i < count; i++) {
+        const std::string number = std::to_string(i);
+        commands << dataBlock("waveform" + number, waveformData(channels[i]))
+                 << dataBlock("speech" + number, speechData(report.segments(i)))
+                 << dataBlock("ratios" + number, ratioData(report.channels[i]));
+    }
+    commands << "set multiplot layout " << 2 * count << ",1 title "
+             << quoted("Speech in " + report.inFile + ", GSM-AMR option " + std::to_string(report.option))
+             << " noenhanced\n";
+    for (std::size_t i = 0; i < count; i++) {
+        if (channels.size() > 1) commands << "set title 'channel " << i + 1 << "' left offset 2,0\n";
+        commands << "unset xlabel\n" << waveformPanel(std::to_string(i), waveformHeight(channels[i]));
+        commands << "unset title\nset xlabel 'time, s'\n" << ratioPanel(std::to_string(i), report.option);
+    }
+    commands << "unset multiplot\n";
+    return gnuplot.draw(commands.str(), 1400, 60 + 640 * static_cast<int>(count));
+}
