@@ -21,8 +21,9 @@ VspStatus vspsDotProdAutoScale_16s32s_Sfs(const Vsp16s* pSrc1, const Vsp16s* pSr
     if (len < 1) return vspStsSizeErr;
     for (int shifts = 0;; shifts++) {
         const int shift1 = shifts / 2, shift2 = (shifts + 1) / 2;  // the second vector's first
-        const Vsp64s sum = dot(
-            pSrc1, pSrc2, len, [shift1](auto a) { return shr(a, shift1); }, [shift2](auto b) { return shr(b, shift2); });
+        const auto shifted1 = [shift1](auto a) { return shr(a, shift1); };
+        const auto shifted2 = [shift2](auto b) { return shr(b, shift2); };
+        const Vsp64s sum = shifts == 0 ? dot(pSrc1, pSrc2, len) : dot(pSrc1, pSrc2, len, shifted1, shifted2);
         const Vsp64s result = 2 * sum - (pSrc1[0] >> shift1) * (pSrc2[0] >> shift2);  // the first product is not doubled
         if (result == Cnvrt_64s32s(result)) {
             *pResult = Vsp32s(result);

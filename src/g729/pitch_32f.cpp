@@ -111,7 +111,15 @@ VspStatus vspsAdaptiveCodebookContribution_G729_32f(const Vsp32f* pFiltered, con
 VspStatus vspsFilteredExcitation_G729_32f(const Vsp32f* pImpulse, Vsp32f* pFiltered, Vsp32s len, Vsp32f excitation) {
     if (anyNull(pImpulse, pFiltered)) return vspStsNullPtrErr;
     if (len < 1) return vspStsSizeErr;
-    for (int n = len - 1; n > 0; n--) pFiltered[n] = pFiltered[n - 1] + excitation * pImpulse[n];
+    // In the narrowest vectors: lag after lag goes through here, and wider loads would wait longer for the stores before.
+    using V = F32_128;
+    const V factor = V::splat(excitation);
+    int n = len;
+    for (; n > V::width; n -= V::width) {
+        const int at = n - V::width;
+        add(V::load(pFiltered + at - 1), mul(factor, V::load(pImpulse + at))).store(pFiltered + at);
+    }
+    while (--n > 0) pFiltered[n] = pFiltered[n - 1] + excitation * pImpulse[n];
     pFiltered[0] = excitation;
     return vspStsNoErr;
 }
