@@ -1,8 +1,6 @@
 // Levels of many channels in dB, Q8, and back: ownLog2 and ownPow2 in a form without branches, which compilers vectorise.
 #pragma once
 
-#include <bit>
-
 #include "core/level.h"
 #include "gsmamr/fixed_point.h"
 #include "gsmamr/tables.h"
@@ -16,7 +14,7 @@ VSP_INLINE void channelDecibels(const Vsp32s* x, int fractionBits, Vsp16s* db) {
     for (int i = 0; i < n; i++) {
         // The upper word of a double: the exponent, and 20 bits after the leading one, of which 5 are the place in the
         // table.
-        const Vsp32s word = Vsp32s(std::bit_cast<Vsp64s>(Vsp64f(x[i] < 1 ? 1 : x[i])) >> 32);
+        const Vsp32s word = Vsp32s(__builtin_bit_cast(Vsp64s, Vsp64f(x[i] < 1 ? 1 : x[i])) >> 32);
         const Vsp32s pair = log2Pairs.words[(word >> 15) & 31];
         const Vsp32s exponent = (word >> 20) - 1023, fraction = (pair & 0xFFFF) + (((pair >> 16) * (word & 0x7FFF)) >> 15);
         const Vsp32s y = 2 * ((exponent - fractionBits) * kTenLog2 + ((fraction * kTenLog2) >> 15));

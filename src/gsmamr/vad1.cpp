@@ -1,6 +1,4 @@
 // Voice activity detection, option 1 (3GPP TS 26.094).
-#include <bit>
-
 #include "core/checks.h"
 #include "gsmamr/noise_estimate.h"
 #include "gsmamr/vad1_filter_bank.h"
@@ -37,7 +35,7 @@ VSP_INLINE Vsp32s snrWithoutNoise(Vsp16s noise) {
 VSP_INLINE void bandSnr(const Vsp16s level[kVad1Bands], const Vsp16s noise[kVad1Bands], Vsp32s snr[kVad1Bands]) {
     for (int b = 0; b < kVad1Bands; b++) {
         const Vsp32f divisor = Vsp32f(noise[b] > 0 ? noise[b] : 1);
-        const int exponent = (std::bit_cast<Vsp32s>(divisor) >> 23) - 127, left = exponent < 9 ? 9 - exponent : 0;
+        const int exponent = (__builtin_bit_cast(Vsp32s, divisor) >> 23) - 127, left = exponent < 9 ? 9 - exponent : 0;
         const Vsp32s half = level[b] > 0 ? level[b] >> 1 : 0;
         const Vsp32s ratio = Vsp32s(Vsp32f(half << (10 - left)) / divisor) << left;
         snr[b] = ratio < kMax16 ? ratio : kMax16;

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstring>
 #include <memory>
+#include <mutex>
 #include <regex>
 
 #include "audio/audio.h"
@@ -62,6 +63,8 @@ bool isTruncated(const std::string& log) {
 }
 
 SoundFile open(const std::string& file, std::optional<RawInput> raw, SF_INFO& info) {
+    static std::mutex oneAtATime;  // libsndfile keeps why a file could not be opened in one place for all threads
+    const std::scoped_lock lock(oneAtATime);
     checkFile(file);
     if (raw) {
         info.samplerate = raw->rate;
