@@ -178,7 +178,7 @@ void closedLoop(Vsp16s lag, const Vsp16s* x, const Vsp16s* h, const Vsp16s* u, i
     int t_min = lag - (subframe == 0 ? 3 : 5);
     if (t_min < 20) t_min = 20;
     if (t_min + span > 143) t_min = 143 - span;
-    Vsp16s corr[18];
+    Vsp16s corr[18] = {};
     normCorr(u, x, h, t_min - 4, t_min + span + 4, corr);
     int best = 0;
     for (int i = 1; i <= span; i++)

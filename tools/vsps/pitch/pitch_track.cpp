@@ -63,7 +63,7 @@ class ClosedLoop {
             check(vspsAdaptiveCodebookGain_G729_16s(x, h, vector.data(), filtered.data(), &gain));
         point.lag = delay[0];
         point.fraction = delay[1];
-        point.gain = gain / 16384.0f;
+        point.gain = static_cast<float>(gain) / 16384.0f;
         point.predictionGain = predictionGain(signals.target, filtered, point.gain);
         moveOn(signals.residual);
     }

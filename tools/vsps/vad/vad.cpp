@@ -49,7 +49,7 @@ std::vector<VadOutputs> placeOutputs(const Options& o) {
     std::map<std::string, std::string> taken;  // by whom
     for (const std::string& file : o.files) taken[canonical(file)] = "the input " + file;
     const auto claim = [&](const std::string& pattern, const std::string& file, const char* what) {
-        const std::string out = place(pattern, file);
+        std::string out = place(pattern, file);
         std::error_code error;
         if (out.empty() || std::filesystem::is_other(out, error)) return out;  // a device or pipe may take several
         const auto [owner, isNew] = taken.try_emplace(canonical(out), std::string(what) + " of " + file);
