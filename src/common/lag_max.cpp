@@ -45,6 +45,8 @@ void ownLagSums(const Vsp16s* pSrc, int len, int lagMin, int lagMax, Vsp32s* sum
 
 int ownLastMax(const Vsp32s* sums, int n) {
     Vsp32s max = kMin32;
+    // The analyzer does not see that all n have been written.
+    // NOLINTNEXTLINE(clang-analyzer-core.UndefinedBinaryOperatorResult)
     for (int i = 0; i < n; i++) max = sums[i] > max ? sums[i] : max;
     int last = 0;
     for (int i = 0; i < n; i++) last = sums[i] == max ? i : last;
