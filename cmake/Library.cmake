@@ -15,6 +15,13 @@ set(vspsc_level_sources
     src/common/synthesis_filter.cpp
     src/core/state_sizes.cpp
     src/core/version.cpp
+    src/ec/fir.cpp
+    src/ec/fir_subband.cpp
+    src/ec/fir_subband_update.cpp
+    src/ec/nlms.cpp
+    src/ec/subband_process.cpp
+    src/ec/subband_setup.cpp
+    src/ec/tone_detect.cpp
     src/g729/adaptive_codebook_gain.cpp
     src/g729/adaptive_codebook_search.cpp
     src/g729/adaptive_vector.cpp
@@ -23,11 +30,13 @@ set(vspsc_level_sources
     src/g729/pitch_32f.cpp
     src/gsmamr/fft128.cpp
     src/gsmamr/vad1.cpp
-    src/gsmamr/vad2.cpp)
+    src/gsmamr/vad2.cpp
+    src/vector/real_fft.cpp)
 set(vspsc_common_sources
     src/common/tables.cpp
     src/core/api.cpp
     src/core/version_records.cpp
+    src/ec/tables.cpp
     src/g729/tables.cpp
     src/gsmamr/tables.cpp)
 

@@ -9,6 +9,8 @@ namespace vsp {
 
 constexpr Vsp16s kMin16 = -0x8000, kMax16 = 0x7FFF;
 constexpr Vsp32s kMin32 = -0x7FFFFFFF - 1, kMax32 = 0x7FFFFFFF;
+constexpr Vsp64s kMin64 = -0x7FFFFFFFFFFFFFFF - 1, kMax64 = 0x7FFFFFFFFFFFFFFF;
+using Vsp64u = unsigned long long;
 
 // --- Clamping ----------------------------------------------------------------------------------------------------------
 
@@ -25,6 +27,9 @@ static_assert(sat_16s(0x8000) == kMax16 && sat_16s(-0x8001) == kMin16 && sat_16s
 
 VSP_INLINE constexpr Vsp32s wrapAdd_32s(Vsp32s a, Vsp32s b) { return Vsp32s(Vsp32u(a) + Vsp32u(b)); }
 static_assert(wrapAdd_32s(kMax32, 1) == kMin32);
+
+VSP_INLINE constexpr Vsp32s wrapSub_32s(Vsp32s a, Vsp32s b) { return Vsp32s(Vsp32u(a) - Vsp32u(b)); }
+static_assert(wrapSub_32s(0, kMin32) == kMin32);
 
 VSP_INLINE constexpr Vsp32s wrapMul_32s(Vsp32s a, Vsp32s b) { return Vsp32s(Vsp32u(a) * Vsp32u(b)); }
 static_assert(wrapMul_32s(0x40000000, 2) == kMin32);

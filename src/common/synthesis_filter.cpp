@@ -11,8 +11,6 @@ namespace {
 constexpr int kOrder = 10;
 constexpr int kBlock = 40;
 
-using Vsp64u = unsigned long long;
-
 // Output n, every step saturated; notes in overflow whether one was.
 Vsp16s outputSaturating(const Vsp16s* lpc, Vsp16s x, const Vsp16s* y, int scaleFactor, bool& overflow) {
     const auto saturate = [&overflow](Vsp64s a) {

@@ -12,13 +12,6 @@ VspStatus fixedSize(Vsp32s* pSize, Vsp32s size) {
     return vspStsNoErr;
 }
 
-VspStatus sizeForRate(Vsp32s rate, Vsp32s* pSize, Vsp32s size) {
-    if (anyNull(pSize)) return vspStsNullPtrErr;
-    if (rate != 8000 && rate != 16000) return vspStsRangeErr;
-    *pSize = size;
-    return vspStsNoErr;
-}
-
 }  // namespace
 
 VspStatus vspsHighPassFilterGetSize_AMRWB_16s(Vsp32s mode, Vsp32s* pSize) {
@@ -54,8 +47,6 @@ VspStatus vspsSynthesisFilterGetStateSize_G728_16s(Vsp32s* pSize) { return fixed
 
 VspStatus vspsFullbandControllerGetSize_EC_16s(Vsp32s* pSize) { return fixedSize(pSize, 96); }
 VspStatus vspsFullbandControllerGetSize_EC_32f(Vsp32s* pSize) { return fixedSize(pSize, 72); }
-VspStatus vspsToneDetectGetStateSize_EC_16s(Vsp32s rate, Vsp32s* pSize) { return sizeForRate(rate, pSize, 72); }
-VspStatus vspsToneDetectGetStateSize_EC_32f(Vsp32s rate, Vsp32s* pSize) { return sizeForRate(rate, pSize, 80); }
 
 VspStatus vspsPostFilterGetStateSize_RTA_32f(Vsp32s* pSize) { return fixedSize(pSize, 32); }
 VspStatus vspsQMFGetStateSize_RTA_32f(Vsp32s* pSize) { return fixedSize(pSize, 208); }

@@ -13,7 +13,7 @@ from elftools.elf.elffile import ELFFile
 SONAME = "libvspscy8.so.6.1"
 NEEDED = {"libc.so.6", "libm.so.6"}
 # No memory management, environment, locks, files or output.
-IMPORTS = {"memcpy", "memmove", "memset", "memcmp", "pow", "sqrt", "exp", "log", "log10", "cos", "sin", "__stack_chk_fail"}
+IMPORTS = {"memcpy", "memmove", "memset", "memcmp", "pow", "sqrt", "exp", "log", "log10", "cos", "sin", "sincos", "__stack_chk_fail"}
 
 path = pathlib.Path(sys.argv[1])
 exports = set(re.findall(r"^VSPSC_EXPORT\(\w+, (\w+)\)$", pathlib.Path(sys.argv[2]).read_text(), re.M))

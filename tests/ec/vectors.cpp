@@ -1,0 +1,258 @@
+// The echo-cancellation functions against recorded calls.
+#include <algorithm>
+
+#include "support/guarded.h"
+#include "support/level_test.h"
+#include "support/upper_halves.h"
+#include "support/vector_case.h"
+
+namespace vsp::test {
+
+namespace {
+
+using Items = std::vector<Item>;
+
+template <class T>
+Guarded<T> guarded(const Item& item) {
+    return Guarded<T>(item.values<T>());
+}
+
+// Vectors of numSubbands values in buffers of their own, and the pointers to them.
+template <class T>
+class BandVectors {
+  public:
+    BandVectors(const Item& item, std::size_t numSubbands) {
+        const auto all = item.values<T>();
+        for (std::size_t i = 0; i < all.size(); i += numSubbands) {
+            const auto begin = all.begin() + std::ptrdiff_t(i);
+            vectors_.push_back(std::make_unique<Guarded<T>>(std::vector<T>(begin, begin + std::ptrdiff_t(numSubbands))));
+            pointers_.push_back(vectors_.back()->data());
+        }
+    }
+    T* const* data() const { return pointers_.data(); }
+    Item item() const {
+        Item all{0, {}};
+        for (const auto& v : vectors_) {
+            const auto* bytes = reinterpret_cast<const std::byte*>(v->data());
+            all.bytes.insert(all.bytes.end(), bytes, bytes + v->size() * sizeof(T));
+        }
+        return all;
+    }
+
+  private:
+    std::vector<std::unique_ptr<Guarded<T>>> vectors_;
+    std::vector<T*> pointers_;
+};
+
+template <class T>
+Item itemOf(const Guarded<T>& values) {
+    const auto* bytes = reinterpret_cast<const std::byte*>(values.data());
+    return {0, {bytes, bytes + values.size() * sizeof(T)}};
+}
+
+// Integers by value; floats too, so that -0 is 0.
+template <class T>
+void expectSame(const Item& expected, const Item& actual) {
+    EXPECT_EQ(expected.values<T>(), actual.values<T>());
+}
+
+// Runs a check over every case of a file, which gives it the items and the integers of the first one.
+template <class Check>
+void forEveryCase(const std::string& file, Check check) {
+    const auto cases = readItemCases("ec/" + file + ".vec");
+    ASSERT_FALSE(cases.empty());
+    for (std::size_t number = 0; number < cases.size(); number++) {
+        SCOPED_TRACE(file + ", case " + std::to_string(number));
+        check(cases[number], cases[number][0].values<Vsp32s>());
+        EXPECT_FALSE(upperHalvesInUse());
+    }
+}
+
+template <class T, class Function>
+void checkFir(const std::string& file, Function function) {
+    forEveryCase(file, [&](const Items& items, const std::vector<Vsp32s>& p) {
+        const auto ref = guarded<T>(items[1]), taps = guarded<T>(items[3]);
+        auto near = guarded<T>(items[2]);
+        Guarded<T> dst(near.size());
+        ASSERT_EQ(vspStsNoErr, function(ref.data() + p[1] - 1, near.data(), dst.data(), p[0], taps.data(), p[1]));
+        expectSame<T>(items[4], itemOf(dst));
+        ASSERT_EQ(vspStsNoErr, function(ref.data() + p[1] - 1, near.data(), near.data(), p[0], taps.data(), p[1]));
+        expectSame<T>(items[4], itemOf(near));
+    });
+}
+
+template <class T, class Step, class Function>
+void checkNlms(const std::string& file, Function function) {
+    forEveryCase(file, [&](const Items& items, const std::vector<Vsp32s>& p) {
+        const auto ref = guarded<T>(items[1]), near = guarded<T>(items[2]);
+        const auto steps = guarded<Step>(items[3]);
+        auto taps = guarded<T>(items[4]), scaledErr = guarded<T>(items[5]);
+        Guarded<T> dst(near.size());
+        ASSERT_EQ(vspStsNoErr, function(ref.data() + p[1], near.data(), steps.data(), dst.data(), p[0], taps.data(), p[1],
+                                        scaledErr.data()));
+        expectSame<T>(items[6], itemOf(dst));
+        expectSame<T>(items[7], itemOf(taps));
+        expectSame<T>(items[8], itemOf(scaledErr));
+    });
+}
+
+// Frames through a freshly initialised state; the memory begins at an odd address.
+template <class In, class Out, class State, class Window, class GetSize, class Init, class Process>
+void checkFilterBank(const std::string& file, GetSize getSize, Init init,
+                     std::size_t inPerFrame(Vsp32s order, Vsp32s frame),
+                     std::size_t outPerFrame(Vsp32s order, Vsp32s frame), Process process) {
+    forEveryCase(file, [&](const Items& items, const std::vector<Vsp32s>& p) {
+        Vsp32s stateSize = 0, initSize = 0, bufSize = 0;
+        ASSERT_EQ(vspStsNoErr, getSize(p[0], p[2], &stateSize, &initSize, &bufSize));
+        Guarded<Vsp8u> stateMemory(std::size_t(stateSize), Guard::end), buffer(std::size_t(bufSize), Guard::begin, 1);
+        Guarded<Vsp8u> initBuffer{std::size_t(initSize)};
+        const auto window = guarded<Window>(items[1]);
+        State* const state = reinterpret_cast<State*>(stateMemory.data());
+        ASSERT_EQ(vspStsNoErr, init(state, p[0], p[1], p[2], window.data(), initBuffer.data()));
+        const auto input = items[2].values<In>();
+        const std::size_t in = inPerFrame(p[0], p[1]), out = outPerFrame(p[0], p[1]);
+        Item results{0, {}};
+        for (std::size_t i = 0; i < input.size(); i += in) {
+            const auto begin = input.begin() + std::ptrdiff_t(i);
+            const Guarded<In> src(std::vector<In>(begin, begin + std::ptrdiff_t(in)));
+            Guarded<Out> dst(out);
+            ASSERT_EQ(vspStsNoErr, process(src.data(), dst.data(), state, p[3], buffer.data()));
+            const Item frame = itemOf(dst);
+            results.bytes.insert(results.bytes.end(), frame.bytes.begin(), frame.bytes.end());
+        }
+        using Value = std::conditional_t<sizeof(Window) == 4, Vsp32f,
+                                         std::conditional_t<std::is_same_v<Out, Vsp16s>, Vsp16s, Vsp32s>>;
+        expectSame<Value>(items[3], results);
+    });
+}
+
+std::size_t bands(Vsp32s order, Vsp32s) { return (std::size_t(1) << order) / 2 + 1; }
+std::size_t frame(Vsp32s, Vsp32s frameSize) { return std::size_t(frameSize); }
+
+}  // namespace
+
+class EcVectors : public LevelTest {};
+VSPSC_EVERY_LEVEL(EcVectors);
+
+TEST_P(EcVectors, FullBandFilters) {
+    checkFir<Vsp32f>("fir_32f", api.vspsFIR_EC_32f);
+    checkFir<Vsp16s>("fir_16s", api.vspsFIR_EC_16s);
+}
+
+TEST_P(EcVectors, FullBandNlms) {
+    checkNlms<Vsp32f, Vsp32f>("nlms_32f", api.vspsNLMS_EC_32f);
+    checkNlms<Vsp16s, Vsp32s>("nlms_16s", api.vspsNLMS_EC_16s);
+}
+
+TEST_P(EcVectors, SubbandFilters) {
+    forEveryCase("fir_subband_32fc", [&](const Items& items, const std::vector<Vsp32s>& p) {
+        const BandVectors<Vsp32fc> src(items[1], std::size_t(p[1])), coef(items[2], std::size_t(p[1]));
+        Guarded<Vsp32fc> dst{std::size_t(p[1])};
+        ASSERT_EQ(vspStsNoErr, api.vspsFIRSubband_EC_32fc(src.data(), coef.data(), dst.data(), p[0], p[1]));
+        expectSame<Vsp32f>(items[3], itemOf(dst));
+    });
+    forEveryCase("fir_subband_32sc", [&](const Items& items, const std::vector<Vsp32s>& p) {
+        const BandVectors<Vsp32sc> src(items[1], std::size_t(p[1])), coef(items[2], std::size_t(p[1]));
+        Guarded<Vsp32sc> dst{std::size_t(p[1])};
+        ASSERT_EQ(vspStsNoErr, api.vspsFIRSubband_EC_32sc_Sfs(src.data(), coef.data(), dst.data(), p[0], p[1], p[2]));
+        expectSame<Vsp32s>(items[3], itemOf(dst));
+    });
+    forEveryCase("fir_subband_low_32sc", [&](const Items& items, const std::vector<Vsp32s>& p) {
+        const BandVectors<Vsp32sc> src(items[1], std::size_t(p[2])), coef(items[2], std::size_t(p[2]));
+        auto dst = guarded<Vsp32sc>(items[3]);
+        ASSERT_EQ(vspStsNoErr,
+                  api.vspsFIRSubbandLow_EC_32sc_Sfs(src.data(), coef.data(), p[0], dst.data(), p[1], p[2], p[3]));
+        expectSame<Vsp32s>(items[4], itemOf(dst));
+    });
+}
+
+TEST_P(EcVectors, SubbandUpdates) {
+    forEveryCase("update_32fc", [&](const Items& items, const std::vector<Vsp32s>& p) {
+        const auto steps = guarded<Vsp64f>(items[1]);
+        const auto err = guarded<Vsp32fc>(items[3]);
+        const BandVectors<Vsp32fc> src(items[2], std::size_t(p[1])), coef(items[4], std::size_t(p[1]));
+        ASSERT_EQ(vspStsNoErr,
+                  api.vspsFIRSubbandCoeffUpdate_EC_32fc_I(steps.data(), src.data(), err.data(), coef.data(), p[0], p[1]));
+        expectSame<Vsp32f>(items[5], coef.item());
+    });
+    forEveryCase("update_32sc", [&](const Items& items, const std::vector<Vsp32s>& p) {
+        const auto steps = guarded<Vsp32sc>(items[1]), err = guarded<Vsp32sc>(items[3]);
+        const BandVectors<Vsp32sc> src(items[2], std::size_t(p[1])), coef(items[4], std::size_t(p[1]));
+        ASSERT_EQ(vspStsNoErr, api.vspsFIRSubbandCoeffUpdate_EC_32sc_I(steps.data(), src.data(), err.data(), coef.data(),
+                                                                       p[0], p[1], p[2]));
+        expectSame<Vsp32s>(items[5], coef.item());
+    });
+    forEveryCase("update_low_32sc", [&](const Items& items, const std::vector<Vsp32s>& p) {
+        const auto steps = guarded<Vsp32sc>(items[1]), err = guarded<Vsp32sc>(items[3]);
+        const BandVectors<Vsp32sc> src(items[2], std::size_t(p[2])), coef(items[4], std::size_t(p[2]));
+        auto scratch = guarded<Vsp32sc>(items[5]);
+        ASSERT_EQ(vspStsNoErr, api.vspsFIRSubbandLowCoeffUpdate_EC_32sc_I(src.data(), err.data(), coef.data(), p[0],
+                                                                          scratch.data(), steps.data(), p[1], p[2], p[3]));
+        expectSame<Vsp32s>(items[6], coef.item());
+        expectSame<Vsp32s>(items[7], itemOf(scratch));
+    });
+    forEveryCase("update_ap_32fc", [&](const Items& items, const std::vector<Vsp32s>& p) {
+        const BandVectors<Vsp64f> steps(items[1], std::size_t(p[1]));
+        const BandVectors<Vsp32fc> src(items[2], std::size_t(p[1])), err(items[3], std::size_t(p[1])),
+            coef(items[4], std::size_t(p[1]));
+        ASSERT_EQ(vspStsNoErr, api.vspsFIRSubbandAPCoeffUpdate_EC_32fc_I(steps.data(), src.data(), err.data(), coef.data(),
+                                                                         Vsp32u(p[0]), Vsp32u(p[1]), Vsp32u(p[2])));
+        expectSame<Vsp32f>(items[5], coef.item());
+    });
+}
+
+TEST_P(EcVectors, FilterBank) {
+    checkFilterBank<Vsp32f, Vsp32fc, VspSubbandProcessState_32f, Vsp32f>(
+        "analysis_32f", api.vspsSubbandProcessGetSize_32f, api.vspsSubbandProcessInit_32f, frame, bands,
+        [&](auto src, auto dst, auto state, Vsp32s, auto buf) {
+            return api.vspsSubbandAnalysis_32f32fc(src, dst, state, buf);
+        });
+    checkFilterBank<Vsp16s, Vsp32sc, VspSubbandProcessState_16s, Vsp16s>("analysis_16s", api.vspsSubbandProcessGetSize_16s,
+                                                                         api.vspsSubbandProcessInit_16s, frame, bands,
+                                                                         api.vspsSubbandAnalysis_16s32sc_Sfs);
+    checkFilterBank<Vsp32fc, Vsp32f, VspSubbandProcessState_32f, Vsp32f>(
+        "synthesis_32f", api.vspsSubbandProcessGetSize_32f, api.vspsSubbandProcessInit_32f, bands, frame,
+        [&](auto src, auto dst, auto state, Vsp32s, auto buf) {
+            return api.vspsSubbandSynthesis_32fc32f(src, dst, state, buf);
+        });
+    checkFilterBank<Vsp32sc, Vsp16s, VspSubbandProcessState_16s, Vsp16s>("synthesis_16s", api.vspsSubbandProcessGetSize_16s,
+                                                                         api.vspsSubbandProcessInit_16s, bands, frame,
+                                                                         api.vspsSubbandSynthesis_32sc16s_Sfs);
+}
+
+TEST_P(EcVectors, ToneDetectors) {
+    const auto check = [](const std::string& file, auto sample, auto getSize, auto init, auto detect) {
+        using T = decltype(sample);
+        forEveryCase(file, [&](const Items& items, const std::vector<Vsp32s>& p) {
+            Vsp32s size = 0, flag = 0;
+            ASSERT_EQ(vspStsNoErr, getSize(p[0], &size));
+            Guarded<Vsp8u> state{std::size_t(size)};
+            ASSERT_EQ(vspStsNoErr, init(state.data(), p[0]));
+            const auto recorded = items[1].values<Vsp16s>();
+            const std::vector<T> signal(recorded.begin(), recorded.end());
+            std::vector<Vsp32s> flags;
+            for (std::size_t i = 0; i < signal.size(); i += std::size_t(p[1])) {
+                const auto n = std::min(signal.size() - i, std::size_t(p[1]));
+                ASSERT_EQ(vspStsNoErr, detect(&signal[i], Vsp32s(n), &flag, state.data()));
+                flags.push_back(flag);
+            }
+            EXPECT_EQ(items[2].values<Vsp32s>(), flags);
+        });
+    };
+    using State_32f = VspToneDetectState_EC_32f;
+    using State_16s = VspToneDetectState_EC_16s;
+    check(
+        "tone_32f", Vsp32f(), api.vspsToneDetectGetStateSize_EC_32f,
+        [&](Vsp8u* state, Vsp32s rate) { return api.vspsToneDetectInit_EC_32f(reinterpret_cast<State_32f*>(state), rate); },
+        [&](auto src, Vsp32s n, Vsp32s* flag, Vsp8u* state) {
+            return api.vspsToneDetect_EC_32f(src, n, flag, reinterpret_cast<State_32f*>(state));
+        });
+    check(
+        "tone_16s", Vsp16s(), api.vspsToneDetectGetStateSize_EC_16s,
+        [&](Vsp8u* state, Vsp32s rate) { return api.vspsToneDetectInit_EC_16s(reinterpret_cast<State_16s*>(state), rate); },
+        [&](auto src, Vsp32s n, Vsp32s* flag, Vsp8u* state) {
+            return api.vspsToneDetect_EC_16s(src, n, flag, reinterpret_cast<State_16s*>(state));
+        });
+}
+
+}  // namespace vsp::test
