@@ -54,6 +54,12 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     target_compile_options(vspsc_library_options INTERFACE -Wno-maybe-uninitialized -Wno-uninitialized -fno-ipa-ra)
 endif()
 
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    # g++ 12 contracts the alternating sums of complex products (vfmaddsub) whatever -ffp-contract says.
+    set_source_files_properties(src/ec/fir_subband.cpp src/ec/fir_subband_update.cpp src/vector/real_fft.cpp
+                                PROPERTIES COMPILE_OPTIONS "-fno-tree-vectorize")
+endif()
+
 function(vspsc_add_objects name)
     add_library(${name} OBJECT ${ARGN})
     set_target_properties(${name} PROPERTIES POSITION_INDEPENDENT_CODE ON)

@@ -79,6 +79,7 @@ for line in listing.splitlines():
         functions[level] += 1
     elif instruction := re.match(r"\s+[0-9a-f]+:\t([0-9a-f]{2}) ", line):
         check(instruction.group(1) not in FORBIDDEN[level], f"{function}: {line.strip()}")
+        check(not re.search(r"\tvfn?m(add|sub)", line), f"{function}: a contraction rounds once: {line.strip()}")
 check(all(functions.values()), f"no code found of a level: {functions}")
 
 print(f"{len(exports)} exports, {functions} functions")
