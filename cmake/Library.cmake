@@ -36,6 +36,7 @@ set(vspsc_common_sources
     src/common/tables.cpp
     src/core/api.cpp
     src/core/version_records.cpp
+    src/ec/subband_windows.cpp
     src/ec/tables.cpp
     src/g729/tables.cpp
     src/gsmamr/tables.cpp)

@@ -23,7 +23,16 @@ static_assert(agree(td_iir_coeffs_8_16s, td_iir_coeffs_8_32f) && agree(td_iir_co
 
 }  // namespace
 
-const Vsp32f* builtInWindow_32f(Vsp32s, Vsp32s, Vsp32s) { return nullptr; }
-const Vsp16s* builtInWindow_16s(Vsp32s, Vsp32s, Vsp32s) { return nullptr; }
+const Vsp32f* builtInWindow_32f(Vsp32s order, Vsp32s frameSize, Vsp32s windowLen) {
+    if (order == 5 && frameSize == 24 && windowLen == 128) return VspsSubbandWindow_5_24_128_32f;
+    if (order == 6 && frameSize == 44 && windowLen == 256) return VspsSubbandWindow_6_44_256_32f;
+    return nullptr;
+}
+
+const Vsp16s* builtInWindow_16s(Vsp32s order, Vsp32s frameSize, Vsp32s windowLen) {
+    if (order == 5 && frameSize == 24 && windowLen == 128) return VspsSubbandWindow_5_24_128_16s;
+    if (order == 6 && frameSize == 44 && windowLen == 256) return VspsSubbandWindow_6_44_256_16s;
+    return nullptr;
+}
 
 }  // namespace vsp
