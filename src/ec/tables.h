@@ -9,7 +9,6 @@ namespace vsp {
 extern const Vsp32f td_iir_coeffs_8_32f[4], td_iir_coeffs_16_32f[4];
 extern const Vsp16s td_iir_coeffs_8_16s[4], td_iir_coeffs_16_16s[4];  // Q12
 
-
 // Prototype windows of the sub-band filter bank, named after its order, frame size and length; floats, and the same in Q13.
 extern const Vsp32f VspsSubbandWindow_5_24_128_32f[128];
 extern const Vsp16s VspsSubbandWindow_5_24_128_16s[128];

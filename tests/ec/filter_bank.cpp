@@ -38,16 +38,18 @@ class Bank {
 
   public:
     Bank(const Api& api, int order, int frameSize, const std::vector<Sample>& window, std::size_t away)
+        : Bank(api, order, frameSize, int(window.size()), Guarded<Sample>(window).data(), away) {}
+
+    // Without a window the built-in one.
+    Bank(const Api& api, int order, int frameSize, int windowLen, const Sample* window, std::size_t away)
         : api_(api),
           order_(order),
           frameSize_(frameSize),
-          sizes_(api, order, int(window.size())),
+          sizes_(api, order, windowLen),
           state_(std::size_t(sizes_.state), Guard::end, away),
           buffer_(std::size_t(sizes_.buffer), Guard::end, away) {
-        const Guarded<Sample> copy(window);
         Guarded<Vsp8u> initBuffer{std::size_t(sizes_.init)};
-        EXPECT_EQ(vspStsNoErr,
-                  (api.*T::init)(state(), order, frameSize, int(window.size()), copy.data(), initBuffer.data()));
+        EXPECT_EQ(vspStsNoErr, (api.*T::init)(state(), order, frameSize, windowLen, window, initBuffer.data()));
     }
 
     std::vector<typename T::Band> analyse(const std::vector<Sample>& frame, int scaleFactor = 0) {
@@ -230,6 +232,29 @@ class FilterBank : public LevelTest {
         }
     }
 
+    // Signal to error, in dB, of noise through analysis and synthesis with a built-in window.
+    template <class Sample>
+    double reconstruction(int order, int frameSize, int windowLen, int scaleFactor) {
+        Bank<Sample> analysis(api, order, frameSize, windowLen, nullptr, 1);
+        Bank<Sample> synthesis(api, order, frameSize, windowLen, nullptr, 2);
+        const auto words = samples<Vsp32s>(40000);
+        std::vector<double> in, out;
+        for (const Vsp32s word : words) in.push_back(double(word % 8192));
+        for (std::size_t at = 0; at + std::size_t(frameSize) <= in.size(); at += std::size_t(frameSize)) {
+            const auto begin = in.begin() + std::ptrdiff_t(at);
+            const std::vector<Sample> frame(begin, begin + frameSize);
+            for (const Sample x : synthesis.synthesise(analysis.analyse(frame, scaleFactor), -scaleFactor))
+                out.push_back(double(x));
+        }
+        double signal = 0, error = 0;
+        const auto delay = std::size_t(windowLen - frameSize);
+        for (std::size_t i = 2 * delay; i < out.size(); i++) {
+            signal += in[i - delay] * in[i - delay];
+            error += (out[i] - in[i - delay]) * (out[i] - in[i - delay]);
+        }
+        return 10 * std::log10(signal / error);
+    }
+
     template <class Sample>
     void setUpReportsErrorsInOrder() {
         const auto getSize = [&](auto... a) { return (api.*Types<Sample>::getSize)(a...); };
@@ -286,6 +311,14 @@ TEST_P(FilterBank, SynthesisIsAsDefined) {
 TEST_P(FilterBank, EveryLevelGivesTheSameBits) {
     levelsAgree<Vsp32f>();
     levelsAgree<Vsp16s>();
+}
+
+TEST_P(FilterBank, BuiltInWindowsReconstruct) {
+    EXPECT_GT(reconstruction<Vsp32f>(5, 24, 128, 0), 22);
+    EXPECT_GT(reconstruction<Vsp32f>(6, 44, 256, 0), 34);
+    EXPECT_GT(reconstruction<Vsp16s>(5, 24, 128, 0), 22);
+    EXPECT_GT(reconstruction<Vsp16s>(6, 44, 256, 0), 34);
+    EXPECT_GT(reconstruction<Vsp16s>(6, 44, 256, -3), 34);
 }
 
 TEST_P(FilterBank, SetUpReportsErrorsInOrder) {
