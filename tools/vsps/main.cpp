@@ -20,6 +20,7 @@ int run(int argc, char** argv) {
     addInfo(app);
     addLevel(app);
     addPitch(app);
+    addSimulateEcho(app);
     addVad(app);
     try {
         app.parse(argc, argv);

@@ -1,0 +1,37 @@
+// What vsps simulate-echo has to say about a run.
+#pragma once
+
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <string>
+
+#include "audio/active_level.h"
+#include "simulate_echo/simulation.h"
+
+struct SimulateSettings {
+    std::string path = "d2";
+    double echoReturnLoss = 12, delay = 0, nearAt = 0;  // dB, ms, s
+    std::optional<double> noise;                        // dBov
+    unsigned seed = 1;
+};
+
+struct SignalLevel {
+    double level;  // dBov, -infinity for silence
+    std::optional<ActiveLevel> active;
+};
+
+SignalLevel measure(const Samples& x);
+
+struct SimulateReport {
+    std::string farFile, nearFile, outFile;  // nearFile is empty if nobody talks
+    SimulateSettings settings;
+    std::size_t taps, samples;
+    SignalLevel far, near, echo, noise, out;
+    double measuredLoss;  // dB, from the far end to its echo; NaN if one is silent
+    std::size_t clipped;
+
+    double seconds() const { return double(samples) / kRate; }
+};
+
+std::string toText(const SimulateReport& report);
+nlohmann::ordered_json toJson(const SimulateReport& report);
