@@ -31,7 +31,8 @@ set(vspsc_level_sources
     src/gsmamr/fft128.cpp
     src/gsmamr/vad1.cpp
     src/gsmamr/vad2.cpp
-    src/vector/real_fft.cpp)
+    src/vector/real_fft_16s.cpp
+    src/vector/real_fft_32f.cpp)
 set(vspsc_common_sources
     src/common/tables.cpp
     src/core/api.cpp
@@ -39,7 +40,8 @@ set(vspsc_common_sources
     src/ec/subband_windows.cpp
     src/ec/tables.cpp
     src/g729/tables.cpp
-    src/gsmamr/tables.cpp)
+    src/gsmamr/tables.cpp
+    src/vector/real_fft_plan.cpp)
 
 # -O3 because -O2 leaves small constant loops rolled. No contraction: every level gives the same floating-point bits.
 add_library(vspsc_library_options INTERFACE)

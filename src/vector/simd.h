@@ -1,4 +1,5 @@
-// The vector layer: S16, S32 and S64 at the width of the level, and the narrower widths below it for short arrays.
+// The vector layer: S16, S32 and S64 at the width of the level, and the narrower widths below it for short arrays; F32 and
+// F64 up to 256 bits.
 // Zips and packs work within 128-bit lanes, so that packSat puts back what zipLo and zipHi split.
 #pragma once
 
@@ -47,17 +48,20 @@ VSP_IF_512(VSP_TYPE(S32, Vsp32s, 512, _mm512, set1_epi32))
 VSP_IF_512(VSP_TYPE(S64, Vsp64s, 512, _mm512, set1_epi64))
 #undef VSP_TYPE
 
-#define VSP_FLOAT_TYPE(bits, mm)                                                                      \
-    struct F32_##bits {                                                                               \
-        using Reg = decltype(mm##_setzero_ps());                                                      \
-        static constexpr int width = bits / 32;                                                       \
-        Reg v;                                                                                        \
-        [[gnu::always_inline]] static F32_##bits splat(Vsp32f x) { return {mm##_set1_ps(x)}; }        \
-        [[gnu::always_inline]] static F32_##bits load(const Vsp32f* p) { return {mm##_loadu_ps(p)}; } \
-        [[gnu::always_inline]] void store(Vsp32f* p) const { mm##_storeu_ps(p, v); }                  \
+#define VSP_FLOAT_TYPE(Name, Type, bits, mm, suffix)                                                        \
+    struct Name##_##bits {                                                                                  \
+        using Elem = Type;                                                                                  \
+        using Reg = decltype(mm##_setzero_##suffix());                                                      \
+        static constexpr int width = bits / (8 * sizeof(Elem));                                             \
+        Reg v;                                                                                              \
+        [[gnu::always_inline]] static Name##_##bits splat(Elem x) { return {mm##_set1_##suffix(x)}; }       \
+        [[gnu::always_inline]] static Name##_##bits load(const Elem* p) { return {mm##_loadu_##suffix(p)}; } \
+        [[gnu::always_inline]] void store(Elem* p) const { mm##_storeu_##suffix(p, v); }                    \
     };
-VSP_FLOAT_TYPE(128, _mm)
-VSP_IF_256(VSP_FLOAT_TYPE(256, _mm256))
+VSP_FLOAT_TYPE(F32, Vsp32f, 128, _mm, ps)
+VSP_FLOAT_TYPE(F64, Vsp64f, 128, _mm, pd)
+VSP_IF_256(VSP_FLOAT_TYPE(F32, Vsp32f, 256, _mm256, ps))
+VSP_IF_256(VSP_FLOAT_TYPE(F64, Vsp64f, 256, _mm256, pd))
 #undef VSP_FLOAT_TYPE
 
 using S16 = VSP_NATIVE(S16);
@@ -155,10 +159,15 @@ VSP_BINARY(zipHi, S32, S32, unpackhi_epi32)
 VSP_BINARY(add, S64, S64, add_epi64)
 VSP_SHIFT(shrU, S64, srl_epi64)
 
-VSP_INLINE F32_128 add(F32_128 a, F32_128 b) { return {_mm_add_ps(a.v, b.v)}; }
-VSP_INLINE F32_128 mul(F32_128 a, F32_128 b) { return {_mm_mul_ps(a.v, b.v)}; }
-VSP_IF_256(VSP_INLINE F32_256 add(F32_256 a, F32_256 b) { return {_mm256_add_ps(a.v, b.v)}; })
-VSP_IF_256(VSP_INLINE F32_256 mul(F32_256 a, F32_256 b) { return {_mm256_mul_ps(a.v, b.v)}; })
+#define VSP_FLOAT_BINARY(name)                                                                    \
+    VSP_INLINE F32_128 name(F32_128 a, F32_128 b) { return {_mm_##name##_ps(a.v, b.v)}; }                \
+    VSP_INLINE F64_128 name(F64_128 a, F64_128 b) { return {_mm_##name##_pd(a.v, b.v)}; }                \
+    VSP_IF_256(VSP_INLINE F32_256 name(F32_256 a, F32_256 b) { return {_mm256_##name##_ps(a.v, b.v)}; }) \
+    VSP_IF_256(VSP_INLINE F64_256 name(F64_256 a, F64_256 b) { return {_mm256_##name##_pd(a.v, b.v)}; })
+VSP_FLOAT_BINARY(add)
+VSP_FLOAT_BINARY(sub)
+VSP_FLOAT_BINARY(mul)
+#undef VSP_FLOAT_BINARY
 #undef VSP_UNARY
 #undef VSP_BINARY
 #undef VSP_SHIFT
