@@ -56,7 +56,8 @@ template <class V>
 VSP_INLINE void butterfly(Complex<V> (&x)[8]) {
     butterfly4(x[0], x[2], x[4], x[6]);
     butterfly4(x[1], x[3], x[5], x[7]);
-    const Complex<V> a0 = x[0], a1 = x[2], a2 = x[4], a3 = x[6], b0 = x[1], b1 = rotate1(x[3]), b2 = x[5], b3 = rotate3(x[7]);
+    const Complex<V> a0 = x[0], a1 = x[2], a2 = x[4], a3 = x[6], b0 = x[1], b1 = rotate1(x[3]), b2 = x[5],
+                     b3 = rotate3(x[7]);
     x[0] = add(a0, b0);
     x[1] = add(a1, b1);
     x[2] = subJ(a2, b2);

@@ -170,7 +170,8 @@ static void inverseSmall(Source source, Sink sink, FftTables<typename V::Elem> t
     unrolled<vectors / 2>([&](auto i) VSP_LAMBDA_INLINE {
         constexpr int v = vectors / 2 - 1 - i;
         const Mirror<V> x = loadMirror<V>(v * W, points, source);
-        const Mirror<V> both = pairsSpectrum(v == 0 ? realFirst(x) : x, loadGroup<V, group>(tables.spectrum, v * W), factor);
+        const Mirror<V> both =
+            pairsSpectrum(v == 0 ? realFirst(x) : x, loadGroup<V, group>(tables.spectrum, v * W), factor);
         z[v] = both.low;
         z[vectors - 1 - v] = mirrored(both.high, after);
         after = both.high;

@@ -23,15 +23,29 @@ struct FftPlan {
 
 // For N/2 = 2^0, 2^1, ...
 constexpr FftPlan kFftPlans[kMaxFftOrder] = {
-    {1, {1}},         {1, {2}},        {1, {4}},         {1, {8}},         {2, {4, 4}},        {2, {8, 4}},
-    {2, {8, 8}},      {2, {16, 8}},    {3, {8, 4, 8}},   {3, {8, 8, 8}},   {3, {16, 8, 8}},    {3, {16, 16, 8}},
-    {4, {8, 8, 8, 8}}, {4, {16, 8, 8, 8}}, {4, {16, 16, 8, 8}}, {4, {16, 16, 16, 8}}, {5, {16, 8, 8, 8, 8}},
+    {1, {1}},
+    {1, {2}},
+    {1, {4}},
+    {1, {8}},
+    {2, {4, 4}},
+    {2, {8, 4}},
+    {2, {8, 8}},
+    {2, {16, 8}},
+    {3, {8, 4, 8}},
+    {3, {8, 8, 8}},
+    {3, {16, 8, 8}},
+    {3, {16, 16, 8}},
+    {4, {8, 8, 8, 8}},
+    {4, {16, 8, 8, 8}},
+    {4, {16, 16, 8, 8}},
+    {4, {16, 16, 16, 8}},
+    {5, {16, 8, 8, 8, 8}},
 };
 
 VSP_INLINE constexpr int smallerOf(int a, int b) { return a < b ? a : b; }
 
-// The tables, in this order: -0.5 j exp(-j 2 pi k / N) for k < M/2; for each pass but the last, over blocks of n with radix R,
-// exp(-j 2 pi c q / n) for each group of columns c < n/R and q = 1 .. R-1.
+// The tables, in this order: -0.5 j exp(-j 2 pi k / N) for k < M/2; for each pass but the last, over blocks of n with radix
+// R, exp(-j 2 pi c q / n) for each group of columns c < n/R and q = 1 .. R-1.
 VSP_INLINE constexpr int fftSpectrumTableLen(int order) { return 1 << (order - 1); }
 VSP_INLINE constexpr int fftPassTableLen(int n, int radix) { return 2 * (n / radix) * (radix - 1); }
 VSP_INLINE constexpr int fftTablesLen(int order) {

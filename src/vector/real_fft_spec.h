@@ -1,4 +1,5 @@
-// What a specification of either kind looks like in the caller's memory: the order, then the tables, from a 64-byte line on.
+// What a specification of either kind looks like in the caller's memory: the order, then the tables, from a 64-byte line
+// on.
 #pragma once
 
 #include "vector/real_fft_kernel.h"

@@ -48,15 +48,15 @@ VSP_IF_512(VSP_TYPE(S32, Vsp32s, 512, _mm512, set1_epi32))
 VSP_IF_512(VSP_TYPE(S64, Vsp64s, 512, _mm512, set1_epi64))
 #undef VSP_TYPE
 
-#define VSP_FLOAT_TYPE(Name, Type, bits, mm, suffix)                                                        \
-    struct Name##_##bits {                                                                                  \
-        using Elem = Type;                                                                                  \
-        using Reg = decltype(mm##_setzero_##suffix());                                                      \
-        static constexpr int width = bits / (8 * sizeof(Elem));                                             \
-        Reg v;                                                                                              \
-        [[gnu::always_inline]] static Name##_##bits splat(Elem x) { return {mm##_set1_##suffix(x)}; }       \
+#define VSP_FLOAT_TYPE(Name, Type, bits, mm, suffix)                                                         \
+    struct Name##_##bits {                                                                                   \
+        using Elem = Type;                                                                                   \
+        using Reg = decltype(mm##_setzero_##suffix());                                                       \
+        static constexpr int width = bits / (8 * sizeof(Elem));                                              \
+        Reg v;                                                                                               \
+        [[gnu::always_inline]] static Name##_##bits splat(Elem x) { return {mm##_set1_##suffix(x)}; }        \
         [[gnu::always_inline]] static Name##_##bits load(const Elem* p) { return {mm##_loadu_##suffix(p)}; } \
-        [[gnu::always_inline]] void store(Elem* p) const { mm##_storeu_##suffix(p, v); }                    \
+        [[gnu::always_inline]] void store(Elem* p) const { mm##_storeu_##suffix(p, v); }                     \
     };
 VSP_FLOAT_TYPE(F32, Vsp32f, 128, _mm, ps)
 VSP_FLOAT_TYPE(F64, Vsp64f, 128, _mm, pd)
@@ -159,7 +159,7 @@ VSP_BINARY(zipHi, S32, S32, unpackhi_epi32)
 VSP_BINARY(add, S64, S64, add_epi64)
 VSP_SHIFT(shrU, S64, srl_epi64)
 
-#define VSP_FLOAT_BINARY(name)                                                                    \
+#define VSP_FLOAT_BINARY(name)                                                                           \
     VSP_INLINE F32_128 name(F32_128 a, F32_128 b) { return {_mm_##name##_ps(a.v, b.v)}; }                \
     VSP_INLINE F64_128 name(F64_128 a, F64_128 b) { return {_mm_##name##_pd(a.v, b.v)}; }                \
     VSP_IF_256(VSP_INLINE F32_256 name(F32_256 a, F32_256 b) { return {_mm256_##name##_ps(a.v, b.v)}; }) \
