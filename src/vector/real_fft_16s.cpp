@@ -88,10 +88,9 @@ struct RoundedBins {
 };
 
 // 2^-n; beyond any result's range it is enough to stay there.
-static Vsp64f powerOfHalf(Vsp64s n) {
-    constexpr Vsp64s kFarAway = 900, kBias = 1023;
-    const Vsp64s exponent = kBias - (n > kFarAway ? kFarAway : n < -kFarAway ? -kFarAway : n);
-    const Vsp64s bits = exponent << 52;
+static Vsp64f powerOfHalf(Vsp32s n) {
+    constexpr Vsp32s kFarAway = 900, kBias = 1023;
+    const Vsp64s bits = Vsp64s(kBias - (n > kFarAway ? kFarAway : n < -kFarAway ? -kFarAway : n)) << 52;
     Vsp64f power;
     __builtin_memcpy(&power, &bits, sizeof power);
     return power;
@@ -113,15 +112,15 @@ VspStatus ownRealFftInit_16s(const RealFftSpec_16s** ppSpec, Vsp32s order, Vsp8u
 
 VspStatus ownRealFftFwd_16s32s_Sfs(const Vsp16s* pSrc, Vsp32sc* pDst, const RealFftSpec_16s* pSpec, Vsp32s scaleFactor,
                                    Vsp8u* pBuf) {
-    realFftForward<Vsp64f>(pSpec->order, SamplePairs{pSrc}, RoundedBins{pDst, powerOfHalf(scaleFactor)},
-                           tablesOf<Vsp64f>(pSpec), alignedUp<Vsp64f>(pBuf));
+    realFftForward<Vsp64f>(pSpec->order, SamplePairs{pSrc}, RoundedBins{pDst, powerOfHalf(scaleFactor)}, pSpec->tables(),
+                           pSpec->blocks(), alignedUp<Vsp64f>(pBuf));
     return vspStsNoErr;
 }
 
 VspStatus ownRealFftInv_32s16s_Sfs(const Vsp32sc* pSrc, Vsp16s* pDst, const RealFftSpec_16s* pSpec, Vsp32s scaleFactor,
                                    Vsp8u* pBuf) {
-    const Vsp64f factor = powerOfHalf(Vsp64s(scaleFactor) + pSpec->order);
-    realFftInverse<Vsp64f>(pSpec->order, Bins{pSrc}, RoundedSamplePairs{pDst}, tablesOf<Vsp64f>(pSpec),
+    const Vsp64f factor = powerOfHalf(scaleFactor) * pSpec->oneByN;
+    realFftInverse<Vsp64f>(pSpec->order, Bins{pSrc}, RoundedSamplePairs{pDst}, pSpec->tables(), pSpec->blocks(),
                            alignedUp<Vsp64f>(pBuf), factor);
     return vspStsNoErr;
 }

@@ -39,15 +39,14 @@ VspStatus ownRealFftInit_32f(const RealFftSpec_32f** ppSpec, Vsp32s order, Vsp8u
 }
 
 VspStatus ownRealFftFwd_32f(const Vsp32f* pSrc, Vsp32fc* pDst, const RealFftSpec_32f* pSpec, Vsp8u* pBuf) {
-    realFftForward<Vsp32f>(pSpec->order, ConstPairs_32f{pSrc}, Pairs_32f{reinterpret_cast<Vsp32f*>(pDst)},
-                           tablesOf<Vsp32f>(pSpec), alignedUp<Vsp32f>(pBuf));
+    realFftForward<Vsp32f>(pSpec->order, ConstPairs_32f{pSrc}, Pairs_32f{reinterpret_cast<Vsp32f*>(pDst)}, pSpec->tables(),
+                           pSpec->blocks(), alignedUp<Vsp32f>(pBuf));
     return vspStsNoErr;
 }
 
 VspStatus ownRealFftInv_32f(const Vsp32fc* pSrc, Vsp32f* pDst, const RealFftSpec_32f* pSpec, Vsp8u* pBuf) {
-    const Vsp32f factor = 0.5f / Vsp32f(1 << (pSpec->order - 1));
     realFftInverse<Vsp32f>(pSpec->order, ConstPairs_32f{reinterpret_cast<const Vsp32f*>(pSrc)}, Pairs_32f{pDst},
-                           tablesOf<Vsp32f>(pSpec), alignedUp<Vsp32f>(pBuf), factor);
+                           pSpec->tables(), pSpec->blocks(), alignedUp<Vsp32f>(pBuf), pSpec->oneByN);
     return vspStsNoErr;
 }
 

@@ -23,13 +23,6 @@ VSP_INLINE void unrolled(F f) {
 }
 #define VSP_LAMBDA_INLINE __attribute__((always_inline))
 
-template <class T>
-struct FftTables {
-    const T* spectrum;
-    const T* passes;
-    const Vsp32s* blocks;
-};
-
 // Elements i ... of an array in groups; i is a multiple of the width.
 template <class V, int group = kFftGroup>
 VSP_INLINE Complex<V> loadGroup(const typename V::Elem* array, int i) {
@@ -151,33 +144,32 @@ VSP_INLINE void transform(Load load, const typename V::Elem* table, Complex<V> (
 }
 
 template <class V, int R, int L, class Source, class Sink>
-static void forwardSmall(Source source, Sink sink, FftTables<typename V::Elem> tables) {
+static void forwardSmall(Source source, Sink sink, const typename V::Elem* tables) {
     constexpr int W = V::width, points = R * L, vectors = points / W, group = smallerOf(kFftGroup, points / 2);
     Complex<V> z[vectors];
-    transform<V, R, L>([&](int i) VSP_LAMBDA_INLINE { return source.template load<V>(i); }, tables.passes, z);
+    transform<V, R, L>([&](int i) VSP_LAMBDA_INLINE { return source.template load<V>(i); }, tables + points, z);
     unrolled<vectors / 2>([&](auto v) VSP_LAMBDA_INLINE {
         const Mirror<V> both = {z[v], mirrored(z[vectors - 1 - v], z[(vectors - v) % vectors])};
-        const Mirror<V> x = samplesSpectrum(both, loadGroup<V, group>(tables.spectrum, v * W));
+        const Mirror<V> x = samplesSpectrum(both, loadGroup<V, group>(tables, v * W));
         storeMirror(v == 0 ? realFirst(x) : x, v * W, points, sink);
     });
     storeMiddle(z[vectors / 2], points / 2, sink);
 }
 
 template <class V, int R, int L, class Source, class Sink>
-static void inverseSmall(Source source, Sink sink, FftTables<typename V::Elem> tables, V factor) {
+static void inverseSmall(Source source, Sink sink, const typename V::Elem* tables, V factor) {
     constexpr int W = V::width, points = R * L, vectors = points / W, group = smallerOf(kFftGroup, points / 2);
     Complex<V> z[vectors], after = middle<V>(source, points / 2, factor);
     unrolled<vectors / 2>([&](auto i) VSP_LAMBDA_INLINE {
         constexpr int v = vectors / 2 - 1 - i;
         const Mirror<V> x = loadMirror<V>(v * W, points, source);
-        const Mirror<V> both =
-            pairsSpectrum(v == 0 ? realFirst(x) : x, loadGroup<V, group>(tables.spectrum, v * W), factor);
+        const Mirror<V> both = pairsSpectrum(v == 0 ? realFirst(x) : x, loadGroup<V, group>(tables, v * W), factor);
         z[v] = both.low;
         z[vectors - 1 - v] = mirrored(both.high, after);
         after = both.high;
     });
     Complex<V> y[vectors];
-    transform<V, R, L>([&](int i) VSP_LAMBDA_INLINE { return swapParts(z[i / W]); }, tables.passes, y);
+    transform<V, R, L>([&](int i) VSP_LAMBDA_INLINE { return swapParts(z[i / W]); }, tables + points, y);
     unrolled<vectors>([&](auto v) VSP_LAMBDA_INLINE { sink.store(v * W, swapParts(y[v])); });
 }
 
@@ -261,21 +253,23 @@ VSP_INLINE void lastPass(int order, const typename V::Elem* work, const Vsp32s* 
 }
 
 template <class V, class Source, class Sink>
-static void forwardLarge(int order, Source source, Sink sink, FftTables<typename V::Elem> tables, typename V::Elem* work) {
+[[gnu::noinline]] static void forwardLarge(int order, Source source, Sink sink, const typename V::Elem* tables,
+                                           const Vsp32s* blocks, typename V::Elem* work) {
     const int points = 1 << (order - 1), columns = points / kFftPlans[order - 1].radix[0];
+    const typename V::Elem* passTables = tables + fftSpectrumTableLen(order);
     typename V::Elem* spectrum = work + 2 * points;
     if (kFftPlans[order - 1].radix[0] == 8)
-        passFromSource<V, 8>(source, work, columns, tables.passes);
+        passFromSource<V, 8>(source, work, columns, passTables);
     else
-        passFromSource<V, 16>(source, work, columns, tables.passes);
-    middlePasses<V>(order, work, tables.passes);
-    lastPass<V>(order, work, tables.blocks, [=](int i, Complex<V> a) VSP_LAMBDA_INLINE { storeGroup(spectrum, i, a); });
+        passFromSource<V, 16>(source, work, columns, passTables);
+    middlePasses<V>(order, work, passTables);
+    lastPass<V>(order, work, blocks, [=](int i, Complex<V> a) VSP_LAMBDA_INLINE { storeGroup(spectrum, i, a); });
 
     Complex<V> at = loadGroup<V>(spectrum, 0);
     for (int k = 0; k < points / 2; k += V::width) {
         const Complex<V> before = loadGroup<V>(spectrum, points - k - V::width);
         const Mirror<V> both = {loadGroup<V>(spectrum, k), mirrored(before, at)};
-        const Mirror<V> x = samplesSpectrum(both, loadGroup<V>(tables.spectrum, k));
+        const Mirror<V> x = samplesSpectrum(both, loadGroup<V>(tables, k));
         storeMirror(k == 0 ? realFirst(x) : x, k, points, sink);
         at = before;
     }
@@ -283,20 +277,21 @@ static void forwardLarge(int order, Source source, Sink sink, FftTables<typename
 }
 
 template <class V, class Source, class Sink>
-static void inverseLarge(int order, Source source, Sink sink, FftTables<typename V::Elem> tables, typename V::Elem* work,
-                         V factor) {
+[[gnu::noinline]] static void inverseLarge(int order, Source source, Sink sink, const typename V::Elem* tables,
+                                           const Vsp32s* blocks, typename V::Elem* work, V factor) {
     const int points = 1 << (order - 1), columns = points / kFftPlans[order - 1].radix[0];
+    const typename V::Elem* passTables = tables + fftSpectrumTableLen(order);
     Complex<V> after = middle<V>(source, points / 2, factor);
     for (int k = points / 2 - V::width; k >= 0; k -= V::width) {
         const Mirror<V> x = loadMirror<V>(k, points, source);
-        const Mirror<V> both = pairsSpectrum(k == 0 ? realFirst(x) : x, loadGroup<V>(tables.spectrum, k), factor);
+        const Mirror<V> both = pairsSpectrum(k == 0 ? realFirst(x) : x, loadGroup<V>(tables, k), factor);
         storeGroup(work, k, swapParts(both.low));
         storeGroup(work, points - k - V::width, swapParts(mirrored(both.high, after)));
         after = both.high;
     }
-    passInPlace<V>(kFftPlans[order - 1].radix[0], work, columns, tables.passes);
-    middlePasses<V>(order, work, tables.passes);
-    lastPass<V>(order, work, tables.blocks, [=](int i, Complex<V> a) VSP_LAMBDA_INLINE { sink.store(i, swapParts(a)); });
+    passInPlace<V>(kFftPlans[order - 1].radix[0], work, columns, passTables);
+    middlePasses<V>(order, work, passTables);
+    lastPass<V>(order, work, blocks, [=](int i, Complex<V> a) VSP_LAMBDA_INLINE { sink.store(i, swapParts(a)); });
 }
 
 // --- By order ----------------------------------------------------------------------------------------------------------
@@ -327,7 +322,7 @@ struct FftVectors<Vsp64f> {
 };
 
 template <class T, class Source, class Sink>
-VSP_INLINE void realFftForward(int order, Source source, Sink sink, FftTables<T> tables, T* work) {
+VSP_INLINE void realFftForward(int order, Source source, Sink sink, const T* tables, const Vsp32s* blocks, T* work) {
     using One = typename FftVectors<T>::One;
     using Four = typename FftVectors<T>::Four;
     using Native = typename FftVectors<T>::Native;
@@ -345,13 +340,14 @@ VSP_INLINE void realFftForward(int order, Source source, Sink sink, FftTables<T>
         case 6: return forwardSmall<Four, 8, 4>(source, sink, tables);
         case 7: return forwardSmall<Native, 8, 8>(source, sink, tables);
         case 8: return forwardSmall<Native, 16, 8>(source, sink, tables);
-        default: return forwardLarge<Native>(order, source, sink, tables, work);
+        default: return forwardLarge<Native>(order, source, sink, tables, blocks, work);
     }
 }
 
 // Times 2 factor N.
 template <class T, class Source, class Sink>
-VSP_INLINE void realFftInverse(int order, Source source, Sink sink, FftTables<T> tables, T* work, T factor) {
+VSP_INLINE void realFftInverse(int order, Source source, Sink sink, const T* tables, const Vsp32s* blocks, T* work,
+                               T factor) {
     using One = typename FftVectors<T>::One;
     using Four = typename FftVectors<T>::Four;
     using Native = typename FftVectors<T>::Native;
@@ -367,7 +363,7 @@ VSP_INLINE void realFftInverse(int order, Source source, Sink sink, FftTables<T>
         case 6: return inverseSmall<Four, 8, 4>(source, sink, tables, Four::splat(factor));
         case 7: return inverseSmall<Native, 8, 8>(source, sink, tables, Native::splat(factor));
         case 8: return inverseSmall<Native, 16, 8>(source, sink, tables, Native::splat(factor));
-        default: return inverseLarge<Native>(order, source, sink, tables, work, Native::splat(factor));
+        default: return inverseLarge<Native>(order, source, sink, tables, blocks, work, Native::splat(factor));
     }
 }
 

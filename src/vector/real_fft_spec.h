@@ -6,12 +6,17 @@
 
 namespace vsp::VSP_LEVEL {
 
-struct alignas(64) RealFftSpec_32f {
-    Vsp32s order;
+template <class T>
+struct alignas(64) FftSpec {
+    Vsp32s order, blocksAt;  // the blocks of the last pass, in bytes from here
+    T oneByN;
+    [[gnu::always_inline]] const T* tables() const { return reinterpret_cast<const T*>(this + 1); }
+    [[gnu::always_inline]] const Vsp32s* blocks() const {
+        return reinterpret_cast<const Vsp32s*>(reinterpret_cast<const Vsp8u*>(this) + blocksAt);
+    }
 };
-struct alignas(64) RealFftSpec_16s {
-    Vsp32s order;
-};
+struct RealFftSpec_32f : FftSpec<Vsp32f> {};
+struct RealFftSpec_16s : FftSpec<Vsp64f> {};
 
 template <class T>
 VSP_INLINE T* alignedUp(Vsp8u* p) {
@@ -30,20 +35,16 @@ VSP_INLINE Vsp32s workSize(int order) {
     return order > kLastSmallFftOrder ? Vsp32s(63 + sizeof(T) * (4 << (order - 1))) : 0;
 }
 
-template <class T, class Spec>
-VSP_INLINE FftTables<T> tablesOf(const Spec* spec) {
-    const T* tables = reinterpret_cast<const T*>(spec + 1);
-    return {tables, tables + fftSpectrumTableLen(spec->order),
-            reinterpret_cast<const Vsp32s*>(tables + fftTablesLen(spec->order))};
-}
-
 template <class Spec, class T>
 VSP_INLINE const Spec* initSpec(int order, Vsp8u* memory) {
     Spec* spec = alignedUp<Spec>(memory);
-    spec->order = order;
     T* tables = reinterpret_cast<T*>(spec + 1);
+    Vsp32s* blocks = reinterpret_cast<Vsp32s*>(tables + fftTablesLen(order));
+    spec->order = order;
+    spec->blocksAt = Vsp32s(reinterpret_cast<Vsp8u*>(blocks) - reinterpret_cast<Vsp8u*>(spec));
+    spec->oneByN = T(1) / T(1 << order);
     ownFftTables(order, tables);
-    if (order > kLastSmallFftOrder) ownFftBlocks(order, reinterpret_cast<Vsp32s*>(tables + fftTablesLen(order)));
+    if (order > kLastSmallFftOrder) ownFftBlocks(order, blocks);
     return spec;
 }
 
