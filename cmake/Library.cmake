@@ -59,8 +59,8 @@ endif()
 
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     # g++ 12 contracts the alternating sums of complex products (vfmaddsub) whatever -ffp-contract says.
-    set_source_files_properties(src/ec/fir_subband.cpp src/ec/fir_subband_update.cpp src/vector/real_fft.cpp
-                                PROPERTIES COMPILE_OPTIONS "-fno-tree-vectorize")
+    set_source_files_properties(src/ec/fir_subband.cpp src/ec/fir_subband_update.cpp src/vector/real_fft_16s.cpp
+                                src/vector/real_fft_32f.cpp PROPERTIES COMPILE_OPTIONS "-fno-tree-vectorize")
 endif()
 
 function(vspsc_add_objects name)
