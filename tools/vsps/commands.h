@@ -7,4 +7,5 @@ void addInfo(CLI::App& app);
 void addLevel(CLI::App& app);
 void addPitch(CLI::App& app);
 void addSimulateEcho(CLI::App& app);
+void addTone(CLI::App& app);
 void addVad(CLI::App& app);

@@ -11,7 +11,8 @@ namespace {
 constexpr int kBadFile = 1, kBadUsage = 2;
 
 int run(int argc, char** argv) {
-    CLI::App app{"Speech-coding primitives on recordings: level control, pitch and speech detection.", "vsps"};
+    CLI::App app{"Speech-coding primitives on recordings: level control, pitch, speech and answer tones, echo paths.",
+                 "vsps"};
     app.set_version_flag("--version", [] { return std::string("vsps ") + vspscGetLibVersion()->Version; });
     app.require_subcommand(1);
     app.footer(
@@ -21,6 +22,7 @@ int run(int argc, char** argv) {
     addLevel(app);
     addPitch(app);
     addSimulateEcho(app);
+    addTone(app);
     addVad(app);
     try {
         app.parse(argc, argv);

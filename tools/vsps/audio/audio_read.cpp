@@ -112,14 +112,15 @@ void checkFinite(const std::string& file, std::span<const float> samples, std::s
 
 }  // namespace
 
-Recording readAudio(const std::string& file, std::optional<RawInput> raw) {
+Recording readAudio(const std::string& file, std::optional<RawInput> raw, int otherRate) {
     SF_INFO info{};
     const SoundFile sound = open(file, raw, info);
     const auto channels = static_cast<std::size_t>(info.channels);
-    Recording recording{info.samplerate, std::vector<Samples>(channels), {}};
+    const int rate = info.samplerate == otherRate ? otherRate : kRate;
+    Recording recording{info.samplerate, rate, std::vector<Samples>(channels), {}};
     Collector collector(recording);
     std::unique_ptr<Resampler> resampler;
-    if (info.samplerate != kRate) resampler = std::make_unique<Resampler>(info.samplerate, kRate, info.channels);
+    if (info.samplerate != rate) resampler = std::make_unique<Resampler>(info.samplerate, rate, info.channels);
 
     const sf_count_t frames = std::max<sf_count_t>(1, kStretch / info.channels);
     std::vector<float> stretch(static_cast<std::size_t>(frames) * channels);
@@ -142,7 +143,7 @@ Recording readAudio(const std::string& file, std::optional<RawInput> raw) {
     if (recording.length() == 0) throw FileError(file, "holds no samples");
     if (resampler)
         recording.notes.push_back(file + ": resampled from " + std::to_string(info.samplerate) + " Hz to " +
-                                  std::to_string(kRate) + " Hz");
+                                  std::to_string(rate) + " Hz");
     if (collector.clipped() > 0)
         recording.notes.push_back(file + ": " + std::to_string(collector.clipped()) +
                                   " samples beyond full scale were clipped");

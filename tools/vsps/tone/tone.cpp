@@ -1,0 +1,95 @@
+// vsps tone: answer tones with phase reversals in recordings.
+#include <iostream>
+#include <memory>
+#include <new>
+
+#include "commands.h"
+#include "console/error.h"
+#include "console/in_order.h"
+#include "console/input_options.h"
+#include "console/progress.h"
+#include "console/report_format.h"
+#include "tone/tone_report.h"
+
+namespace {
+
+constexpr int kWideband = 16000;  // Hz, the detector's other rate
+
+struct Options {
+    std::vector<std::string> files;
+    int rawRate = 0;
+    std::size_t jobs = 1;
+    bool fixedPoint = false, json = false;
+};
+
+struct Result {
+    std::vector<std::string> notes;  // for stderr
+    ToneReport report;
+};
+
+Result process(const Options& o, const std::string& file) try {
+    Recording recording = readAudio(file, rawInput(o.rawRate), kWideband);
+    Result result{std::move(recording.notes), {file, recording.fileRate, recording.rate, recording.seconds(), {}}};
+    if (recording.channels.size() > 1)
+        result.notes.push_back(file + ": " + std::to_string(recording.channels.size()) + " channels, each heard by itself");
+    for (const Samples& channel : recording.channels)
+        result.report.channels.push_back(findAnswerTones(channel, recording.rate, o.fixedPoint));
+    return result;
+} catch (const std::bad_alloc&) {
+    throw FileError(file, "too long for the memory of this machine");
+}
+
+void runTone(const Options& o) {
+    std::unique_ptr<Progress> progress;  // over the files; a single one has its own
+    if (o.files.size() > 1) progress = std::make_unique<Progress>("detecting tones", o.files.size());
+    nlohmann::ordered_json json{{"variant", o.fixedPoint ? "fixed" : "float"}, {"files", nlohmann::ordered_json::array()}};
+    bool failed = false;
+    const auto work = [&](std::size_t i) { return process(o, o.files[i]); };
+    const auto report = [&](std::size_t, std::future<Result>& future) {
+        try {
+            const Result result = future.get();
+            if (progress) progress->hide();
+            printNotes(result.notes);
+            if (o.json)
+                json["files"].push_back(toJson(result.report));
+            else
+                std::cout << toText(result.report) << std::flush;
+        } catch (const std::exception& e) {
+            if (progress) progress->hide();
+            std::cerr << "vsps: " << e.what() << '\n';
+            failed = true;
+        }
+        if (progress) progress->advance(1);
+    };
+    inOrder(o.files.size(), o.jobs, work, report);
+    if (o.json) std::cout << toString(json);
+    if (failed) throw ErrorsReported();
+}
+
+}  // namespace
+
+void addTone(CLI::App& app) {
+    CLI::App* command =
+        app.add_subcommand("tone", "Finds the answer tones with which modems and fax machines disable echo cancellers.");
+    const auto o = std::make_shared<Options>();
+    addInput(*command, o->files, o->rawRate);
+    command->add_flag("--fixed", o->fixedPoint, "Use the fixed-point detector instead of the floating-point one");
+    command->add_flag("--json", o->json, "Print a JSON object instead of text");
+    command->add_option("--jobs", o->jobs, "Recordings processed at a time")
+        ->type_name("N")
+        ->check(CLI::Range(1, 1024).description(""))
+        ->capture_default_str();
+    command->footer(
+        "The tone has 2100 Hz and a phase reversal every 450 ms (ITU-T V.25). The detector reports a reversal if the one\n"
+        "before it was 413 to 466 ms earlier: the second reversal of a tone is the first that it reports, and a tone\n"
+        "without reversals is none. It begins anew after 50 ms of digital silence. Recordings at 8000 and 16000 Hz are\n"
+        "heard as they are, others at 8000 Hz. With several inputs, one that cannot be used is reported, the others are\n"
+        "still processed, and the exit code is 1.\n\n"
+        "For each tone: where 2100 Hz begins and ends to prevail, to 10 ms, its level, and the reported reversals,\n"
+        "some milliseconds late; the tone counts as detected at the first of them. With --json the time of each.\n\n"
+        "Examples:\n"
+        "  vsps tone fax.wav\n"
+        "  vsps tone --fixed --raw 8000 trunk.al\n"
+        "  vsps tone --jobs 4 --json calls/*.wav");
+    command->callback([o] { runTone(*o); });
+}
