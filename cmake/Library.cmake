@@ -16,8 +16,10 @@ set(vspsc_level_sources
     src/core/state_sizes.cpp
     src/core/version.cpp
     src/ec/fir.cpp
-    src/ec/fir_subband.cpp
-    src/ec/fir_subband_update.cpp
+    src/ec/fir_subband_32fc.cpp
+    src/ec/fir_subband_32sc.cpp
+    src/ec/fir_subband_update_32fc.cpp
+    src/ec/fir_subband_update_32sc.cpp
     src/ec/nlms.cpp
     src/ec/subband_process.cpp
     src/ec/subband_setup.cpp
@@ -59,7 +61,7 @@ endif()
 
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     # g++ 12 contracts the alternating sums of complex products (vfmaddsub) whatever -ffp-contract says.
-    set_source_files_properties(src/ec/fir_subband.cpp src/ec/fir_subband_update.cpp src/vector/real_fft_16s.cpp
+    set_source_files_properties(src/ec/fir_subband_32fc.cpp src/ec/fir_subband_update_32fc.cpp src/vector/real_fft_16s.cpp
                                 src/vector/real_fft_32f.cpp PROPERTIES COMPILE_OPTIONS "-fno-tree-vectorize")
 endif()
 

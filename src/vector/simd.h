@@ -1,6 +1,5 @@
-// The vector layer: S16, S32 and S64 at the width of the level, and the narrower widths below it for short arrays; F32 and
-// F64 up to 256 bits.
-// Zips and packs work within 128-bit lanes, so that packSat puts back what zipLo and zipHi split.
+// The vector layer: S16, S32 and S64 at the width of the level, and the narrower widths below it for short arrays; F32 up
+// to 256 bits; F64. Zips and packs work within 128-bit lanes, so that packSat puts back what zipLo and zipHi split.
 #pragma once
 
 #include <immintrin.h>
@@ -62,11 +61,13 @@ VSP_FLOAT_TYPE(F32, Vsp32f, 128, _mm, ps)
 VSP_FLOAT_TYPE(F64, Vsp64f, 128, _mm, pd)
 VSP_IF_256(VSP_FLOAT_TYPE(F32, Vsp32f, 256, _mm256, ps))
 VSP_IF_256(VSP_FLOAT_TYPE(F64, Vsp64f, 256, _mm256, pd))
+VSP_IF_512(VSP_FLOAT_TYPE(F64, Vsp64f, 512, _mm512, pd))
 #undef VSP_FLOAT_TYPE
 
 using S16 = VSP_NATIVE(S16);
 using S32 = VSP_NATIVE(S32);
 using S64 = VSP_NATIVE(S64);
+using F64 = VSP_NATIVE(F64);
 
 // What slides over samples: loads at any place, of which the 64-byte ones all cross cache lines and cost more than they
 // save.
@@ -157,13 +158,17 @@ VSP_BINARY(zipLo, S32, S32, unpacklo_epi32)
 VSP_BINARY(zipHi, S32, S32, unpackhi_epi32)
 
 VSP_BINARY(add, S64, S64, add_epi64)
+VSP_BINARY(sub, S64, S64, sub_epi64)
+VSP_BINARY(mulLo, S64, S64, mul_epi32)  // the exact product of the signed lower halves
+VSP_SHIFT(shl, S64, sll_epi64)
 VSP_SHIFT(shrU, S64, srl_epi64)
 
 #define VSP_FLOAT_BINARY(name)                                                                           \
     VSP_INLINE F32_128 name(F32_128 a, F32_128 b) { return {_mm_##name##_ps(a.v, b.v)}; }                \
     VSP_INLINE F64_128 name(F64_128 a, F64_128 b) { return {_mm_##name##_pd(a.v, b.v)}; }                \
     VSP_IF_256(VSP_INLINE F32_256 name(F32_256 a, F32_256 b) { return {_mm256_##name##_ps(a.v, b.v)}; }) \
-    VSP_IF_256(VSP_INLINE F64_256 name(F64_256 a, F64_256 b) { return {_mm256_##name##_pd(a.v, b.v)}; })
+    VSP_IF_256(VSP_INLINE F64_256 name(F64_256 a, F64_256 b) { return {_mm256_##name##_pd(a.v, b.v)}; }) \
+    VSP_IF_512(VSP_INLINE F64_512 name(F64_512 a, F64_512 b) { return {_mm512_##name##_pd(a.v, b.v)}; })
 VSP_FLOAT_BINARY(add)
 VSP_FLOAT_BINARY(sub)
 VSP_FLOAT_BINARY(mul)

@@ -1,0 +1,61 @@
+// Adaptation of the sub-band filters, floating point: NLMS and affine projection.
+#include "core/checks.h"
+#include "core/level.h"
+#include "ec/bands_32fc.h"
+#include "ec/subband_limits.h"
+
+namespace vsp::VSP_LEVEL {
+
+namespace {
+
+VSP_INLINE bool anyNegative(const Vsp64f* stepSize, Vsp32s numSubbands) {
+    bool any = false;
+    forBandGroups<F64>(0, numSubbands, [&]<class V>(Vsp32s k) { any |= anyNegative(V::load(stepSize + k)); });
+    return any;
+}
+
+// Taps t .. t+taps-1 of a group of bands.
+template <class V, int taps>
+VSP_INLINE void projectTaps(const Vsp64f* const* ppStepSize, const Vsp32fc* const* ppSrc, const Vsp32fc* const* ppErr,
+                            Vsp32fc* const* ppCoef, unsigned long order, Vsp64f g, Vsp32s k) {
+    Complex<V> sum[taps] = {};
+    for (unsigned long j = 0; j < order; j++) {
+        const Complex<V> err = loadBands<V>(ppErr[j] + k);
+        const V stepSize = loadSteps<V>(ppStepSize[j] + k);
+        for (int t = 0; t < taps; t++) sum[t] = add(sum[t], scale(mulConj(err, loadBands<V>(ppSrc[j + t] + k)), stepSize));
+    }
+    for (int t = 0; t < taps; t++) addToBands(scale(sum[t], V::splat(g)), ppCoef[t] + k);
+}
+
+}  // namespace
+
+VspStatus vspsFIRSubbandCoeffUpdate_EC_32fc_I(const Vsp64f* pStepSize, const Vsp32fc* const* ppSrc, const Vsp32fc* pErr,
+                                              Vsp32fc* const* ppCoef, Vsp32s len, Vsp32s numSubbands) {
+    if (anyNull(pStepSize, ppSrc, pErr, ppCoef)) return vspStsNullPtrErr;
+    if (numSubbands < 1 || numSubbands > kMaxSubbands) return vspStsCountRangeErr;
+    if (len < 1 || len > kMaxSubbandTaps) return vspStsRangeErr;
+    if (anyNegative(pStepSize, numSubbands)) return vspStsSizeErr;
+    forBandGroups<F64>(0, numSubbands, [=]<class V>(Vsp32s k) {
+        const Complex<V> scaledErr = scale(loadBands<V>(pErr + k), loadSteps<V>(pStepSize + k));
+        for (Vsp32s t = 0; t < len; t++) addToBands(mulConj(scaledErr, loadBands<V>(ppSrc[t] + k)), ppCoef[t] + k);
+    });
+    return vspStsNoErr;
+}
+
+VspStatus vspsFIRSubbandAPCoeffUpdate_EC_32fc_I(const Vsp64f* const* ppStepSize, const Vsp32fc* const* ppSrc,
+                                                const Vsp32fc* const* ppErr, Vsp32fc* const* ppCoef, Vsp32u len,
+                                                Vsp32u numSubbands, Vsp32u order) {
+    if (anyNull(ppStepSize, ppSrc, ppErr, ppCoef)) return vspStsNullPtrErr;
+    if (numSubbands < 1 || numSubbands > Vsp32u(kMaxSubbands)) return vspStsCountRangeErr;
+    if (len < 1 || len > Vsp32u(kMaxSubbandTaps) || order < 1) return vspStsRangeErr;
+    const Vsp64f g = 1.0f / Vsp32f(order);
+    forBandGroups<F64>(0, Vsp32s(numSubbands), [=]<class V>(Vsp32s k) {
+        constexpr int kTaps = 4;  // at a time, for which errors and step sizes are loaded once
+        Vsp32u t = 0;
+        for (; t + kTaps <= len; t += kTaps) projectTaps<V, kTaps>(ppStepSize, ppSrc + t, ppErr, ppCoef + t, order, g, k);
+        for (; t < len; t++) projectTaps<V, 1>(ppStepSize, ppSrc + t, ppErr, ppCoef + t, order, g, k);
+    });
+    return vspStsNoErr;
+}
+
+}  // namespace vsp::VSP_LEVEL
