@@ -3,6 +3,7 @@
 #include <immintrin.h>
 
 #include "common/tables.h"
+#include "ec/hand_tuned_subband.h"
 #include "support/bench.h"
 
 namespace {
@@ -263,7 +264,7 @@ VspStatus lagScan(const Vsp16s* src, Vsp32s len, Vsp32s lagMin, Vsp32s lagMax, V
 
 }  // namespace
 
-constexpr vsp::Api bench::kApi_handTuned = [] {
+const vsp::Api bench::kApi_handTuned = [] {
     vsp::Api api{};
     api.vspsMulC_NR_16s_Sfs = mulC;
     api.vspsMulC_NR_16s_ISfs = mulCInPlace;
@@ -280,5 +281,6 @@ constexpr vsp::Api bench::kApi_handTuned = [] {
     api.vspsLagWindow_G729_32s_I = lagWindow;
     api.vspsRandomNoiseExcitation_G729B_16s = randomNoise;
     api.vspsAutoCorrLagMax_Inv_16s = lagScan;
+    addHandTunedSubband(api);
     return api;
 }();

@@ -1,6 +1,7 @@
 // Every kernel as its definition reads, sample by sample, with the saturating operators where the definition saturates.
 // Arguments are taken as valid.
 #include "common/basic_ops.h"
+#include "ec/scalar_subband.h"
 #include "g729/scalar_g729.h"
 #include "gsmamr/definitions.h"
 #include "support/bench.h"
@@ -169,6 +170,7 @@ const vsp::Api bench::kApi_scalar = [] {
     api.vspsLagWindow_G729_32s_I = lagWindow;
     api.vspsRandomNoiseExcitation_G729B_16s = randomNoise;
     addScalarG729(api);
+    addScalarSubband(api);
     api.vspsVAD1_GSMAMR_16s = vad1;
     api.vspsVAD2_GSMAMR_16s = vad2;
     api.vspsFFTFwd_RToPerm_GSMAMR_16s_I = fft128;

@@ -8,14 +8,12 @@ namespace vsp::VSP_LEVEL {
 
 template <class V>
 VSP_INLINE V loadBands(const Vsp32sc* p) {
-    V a;
-    __builtin_memcpy(&a, p, sizeof a);
-    return a;
+    return V::load(reinterpret_cast<const Vsp64s*>(p));
 }
 
 template <class V>
 VSP_INLINE void storeBands(V a, Vsp32sc* p) {
-    __builtin_memcpy(p, &a, sizeof a);
+    a.store(reinterpret_cast<Vsp64s*>(p));
 }
 
 // The imaginary parts as lower halves.

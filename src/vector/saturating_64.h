@@ -11,6 +11,12 @@ struct S64_1 {
     static constexpr int width = 1;
     Vsp64s v;
     [[gnu::always_inline]] static S64_1 splat(Vsp64s x) { return {x}; }
+    [[gnu::always_inline]] static S64_1 load(const Vsp64s* p) {
+        S64_1 a;
+        __builtin_memcpy(&a.v, p, sizeof a.v);
+        return a;
+    }
+    [[gnu::always_inline]] void store(Vsp64s* p) const { __builtin_memcpy(p, &v, sizeof v); }
 };
 
 VSP_INLINE S64_1 add(S64_1 a, S64_1 b) { return {Vsp64s(Vsp64u(a.v) + Vsp64u(b.v))}; }

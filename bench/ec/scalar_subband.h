@@ -1,0 +1,10 @@
+#pragma once
+
+#include "core/api.h"
+
+namespace bench {
+
+// Sets the sub-band filters and updates.
+void addScalarSubband(vsp::Api& api);
+
+}  // namespace bench
