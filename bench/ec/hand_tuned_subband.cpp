@@ -21,7 +21,9 @@ struct First {
     __mmask8 lower, upper, all;
     explicit First(int n)
         : lower(__mmask8(n < 4 ? (1 << 2 * n) - 1 : 0xFF)),
-          upper(__mmask8(n < 4 ? 0 : n < 8 ? (1 << 2 * (n - 4)) - 1 : 0xFF)),
+          upper(__mmask8(n < 4   ? 0
+                         : n < 8 ? (1 << 2 * (n - 4)) - 1
+                                 : 0xFF)),
           all(__mmask8(n < 8 ? (1 << n) - 1 : 0xFF)) {}
 
     Complex load(const Vsp32fc* p) const {
@@ -72,57 +74,60 @@ template <class Op>
 
 // A product of two floats is exact in double precision, so that contracted sums of them round as the definition does.
 VspStatus fir32fc(const Vsp32fc* const* src, const Vsp32fc* const* coef, Vsp32fc* dst, Vsp32s len, Vsp32s numSubbands) {
-    forBands(numSubbands, [=](auto bands, int k) __attribute__((always_inline)) {
-        __m256 re = _mm256_setzero_ps(), im = re;
-        for (int t = 0; t < len; t++) {
-            const Complex x = bands.load(src[t] + k), c = bands.load(coef[t] + k);
-            re = _mm256_add_ps(re, _mm512_cvtpd_ps(_mm512_fmsub_pd(x.re, c.re, _mm512_mul_pd(x.im, c.im))));
-            im = _mm256_add_ps(im, _mm512_cvtpd_ps(_mm512_fmadd_pd(x.re, c.im, _mm512_mul_pd(x.im, c.re))));
-        }
-        bands.store(re, im, dst + k);
-    });
+    forBands(
+        numSubbands, [=](auto bands, int k) __attribute__((always_inline)) {
+            __m256 re = _mm256_setzero_ps(), im = re;
+            for (int t = 0; t < len; t++) {
+                const Complex x = bands.load(src[t] + k), c = bands.load(coef[t] + k);
+                re = _mm256_add_ps(re, _mm512_cvtpd_ps(_mm512_fmsub_pd(x.re, c.re, _mm512_mul_pd(x.im, c.im))));
+                im = _mm256_add_ps(im, _mm512_cvtpd_ps(_mm512_fmadd_pd(x.re, c.im, _mm512_mul_pd(x.im, c.re))));
+            }
+            bands.store(re, im, dst + k);
+        });
     return vspStsNoErr;
 }
 
-VspStatus update32fc(const Vsp64f* stepSize, const Vsp32fc* const* src, const Vsp32fc* err, Vsp32fc* const* coef, Vsp32s len,
-                     Vsp32s numSubbands) {
-    forBands(numSubbands, [=](auto bands, int k) __attribute__((always_inline)) {
-        const Complex e = bands.load(err + k);
-        const __m512d step = bands.load(stepSize + k), a = _mm512_mul_pd(e.re, step), b = _mm512_mul_pd(e.im, step);
-        for (int t = 0; t < len; t++) {
-            const Complex x = bands.load(src[t] + k);
-            bands.addTo(coef[t] + k, {_mm512_add_pd(_mm512_mul_pd(x.re, a), _mm512_mul_pd(x.im, b)),
-                                      _mm512_sub_pd(_mm512_mul_pd(x.re, b), _mm512_mul_pd(x.im, a))});
-        }
-    });
+VspStatus update32fc(const Vsp64f* stepSize, const Vsp32fc* const* src, const Vsp32fc* err, Vsp32fc* const* coef,
+                     Vsp32s len, Vsp32s numSubbands) {
+    forBands(
+        numSubbands, [=](auto bands, int k) __attribute__((always_inline)) {
+            const Complex e = bands.load(err + k);
+            const __m512d step = bands.load(stepSize + k), a = _mm512_mul_pd(e.re, step), b = _mm512_mul_pd(e.im, step);
+            for (int t = 0; t < len; t++) {
+                const Complex x = bands.load(src[t] + k);
+                bands.addTo(coef[t] + k, {_mm512_add_pd(_mm512_mul_pd(x.re, a), _mm512_mul_pd(x.im, b)),
+                                          _mm512_sub_pd(_mm512_mul_pd(x.re, b), _mm512_mul_pd(x.im, a))});
+            }
+        });
     return vspStsNoErr;
 }
 
 VspStatus updateProjection(const Vsp64f* const* stepSize, const Vsp32fc* const* src, const Vsp32fc* const* err,
                            Vsp32fc* const* coef, Vsp32u len, Vsp32u numSubbands, Vsp32u order) {
     const __m512d g = _mm512_set1_pd(1.0f / Vsp32f(order));
-    forBands(int(numSubbands), [=](auto bands, int k) __attribute__((always_inline)) {
-        const auto taps = [=](auto count, Vsp32u t) __attribute__((always_inline)) {
-            constexpr int kCount = decltype(count)::value;
-            Complex sum[kCount] = {};
-            for (Vsp32u j = 0; j < order; j++) {
-                const Complex e = bands.load(err[j] + k);
-                const __m512d step = bands.load(stepSize[j] + k);
-                for (int i = 0; i < kCount; i++) {
-                    const Complex x = bands.load(src[t + j + Vsp32u(i)] + k);
-                    const __m512d re = _mm512_fmadd_pd(e.re, x.re, _mm512_mul_pd(e.im, x.im));
-                    const __m512d im = _mm512_fmsub_pd(e.im, x.re, _mm512_mul_pd(e.re, x.im));
-                    sum[i].re = _mm512_add_pd(sum[i].re, _mm512_mul_pd(re, step));
-                    sum[i].im = _mm512_add_pd(sum[i].im, _mm512_mul_pd(im, step));
+    forBands(
+        int(numSubbands), [=](auto bands, int k) __attribute__((always_inline)) {
+            const auto taps = [=](auto count, Vsp32u t) __attribute__((always_inline)) {
+                constexpr int kCount = decltype(count)::value;
+                Complex sum[kCount] = {};
+                for (Vsp32u j = 0; j < order; j++) {
+                    const Complex e = bands.load(err[j] + k);
+                    const __m512d step = bands.load(stepSize[j] + k);
+                    for (int i = 0; i < kCount; i++) {
+                        const Complex x = bands.load(src[t + j + Vsp32u(i)] + k);
+                        const __m512d re = _mm512_fmadd_pd(e.re, x.re, _mm512_mul_pd(e.im, x.im));
+                        const __m512d im = _mm512_fmsub_pd(e.im, x.re, _mm512_mul_pd(e.re, x.im));
+                        sum[i].re = _mm512_add_pd(sum[i].re, _mm512_mul_pd(re, step));
+                        sum[i].im = _mm512_add_pd(sum[i].im, _mm512_mul_pd(im, step));
+                    }
                 }
-            }
-            for (int i = 0; i < kCount; i++)
-                bands.addTo(coef[t + Vsp32u(i)] + k, {_mm512_mul_pd(sum[i].re, g), _mm512_mul_pd(sum[i].im, g)});
-        };
-        Vsp32u t = 0;
-        for (; t + 4 <= len; t += 4) taps(std::integral_constant<int, 4>(), t);
-        for (; t < len; t++) taps(std::integral_constant<int, 1>(), t);
-    });
+                for (int i = 0; i < kCount; i++)
+                    bands.addTo(coef[t + Vsp32u(i)] + k, {_mm512_mul_pd(sum[i].re, g), _mm512_mul_pd(sum[i].im, g)});
+            };
+            Vsp32u t = 0;
+            for (; t + 4 <= len; t += 4) taps(std::integral_constant<int, 4>(), t);
+            for (; t < len; t++) taps(std::integral_constant<int, 1>(), t);
+        });
     return vspStsNoErr;
 }
 
@@ -212,11 +217,12 @@ struct Step {
     }
 };
 
-VspStatus update32sc(const Vsp32sc* stepSize, const Vsp32sc* const* src, const Vsp32sc* err, Vsp32sc* const* coef, Vsp32s len,
-                     Vsp32s numSubbands, Vsp32s scaleFactor) {
+VspStatus update32sc(const Vsp32sc* stepSize, const Vsp32sc* const* src, const Vsp32sc* err, Vsp32sc* const* coef,
+                     Vsp32s len, Vsp32s numSubbands, Vsp32s scaleFactor) {
     for (int k = 0; k < numSubbands; k += 8) {
         const __mmask8 bands = firstBands(numSubbands - k);
-        const Step step(_mm512_maskz_loadu_epi64(bands, err + k), _mm512_maskz_loadu_epi64(bands, stepSize + k), scaleFactor);
+        const Step step(_mm512_maskz_loadu_epi64(bands, err + k), _mm512_maskz_loadu_epi64(bands, stepSize + k),
+                        scaleFactor);
         for (int t = 0; t < len; t++) {
             const __m512i x = _mm512_maskz_loadu_epi64(bands, src[t] + k), c = _mm512_maskz_loadu_epi64(bands, coef[t] + k);
             const __m512i xi = _mm512_max_epi32(_mm512_srli_epi64(x, 32), _mm512_set1_epi64(0x80000001));
@@ -233,12 +239,11 @@ VspStatus update32sc(const Vsp32sc* stepSize, const Vsp32sc* const* src, const V
 
 VspStatus updateLow(const Vsp32sc* const* src, const Vsp32sc* err, Vsp32sc* const* coef, Vsp32s len, Vsp32sc* scratch,
                     const Vsp32sc* stepSize, Vsp32s firstBand, Vsp32s numSubbands, Vsp32s scaleFactor) {
-    const auto pack = [](__m512i re, __m512i im) {
-        return _mm512_mask_mov_epi32(re, 0xAAAA, _mm512_slli_epi64(im, 32));
-    };
+    const auto pack = [](__m512i re, __m512i im) { return _mm512_mask_mov_epi32(re, 0xAAAA, _mm512_slli_epi64(im, 32)); };
     for (int k = firstBand; k < numSubbands; k += 8) {
         const __mmask8 bands = firstBands(numSubbands - k);
-        const Step step(_mm512_maskz_loadu_epi64(bands, err + k), _mm512_maskz_loadu_epi64(bands, stepSize + k), scaleFactor);
+        const Step step(_mm512_maskz_loadu_epi64(bands, err + k), _mm512_maskz_loadu_epi64(bands, stepSize + k),
+                        scaleFactor);
         _mm512_mask_storeu_epi64(scratch + k, bands, pack(step.re, step.im));
         for (int t = 0; t < len; t++) {
             const __m512i x = _mm512_maskz_loadu_epi64(bands, src[t] + k), c = _mm512_maskz_loadu_epi64(bands, coef[t] + k);

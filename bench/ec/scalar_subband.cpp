@@ -59,8 +59,8 @@ VspStatus firLow(const Vsp32sc* const* src, const Vsp32sc* const* coef, Vsp32s l
     return vspStsNoErr;
 }
 
-VspStatus update32fc(const Vsp64f* stepSize, const Vsp32fc* const* src, const Vsp32fc* err, Vsp32fc* const* coef, Vsp32s len,
-                     Vsp32s numSubbands) {
+VspStatus update32fc(const Vsp64f* stepSize, const Vsp32fc* const* src, const Vsp32fc* err, Vsp32fc* const* coef,
+                     Vsp32s len, Vsp32s numSubbands) {
     for (int t = 0; t < len; t++)
         for (int k = 0; k < numSubbands; k++) {
             const double a = err[k].re * stepSize[k], b = err[k].im * stepSize[k];
@@ -103,8 +103,8 @@ Vsp64s shiftedLeft(Vsp64s a, Vsp64s n) {
 
 Vsp32s addSat32(Vsp32s coef, Vsp64s update) { return Cnvrt_64s32s(coef + update); }
 
-VspStatus update32sc(const Vsp32sc* stepSize, const Vsp32sc* const* src, const Vsp32sc* err, Vsp32sc* const* coef, Vsp32s len,
-                     Vsp32s numSubbands, Vsp32s scaleFactor) {
+VspStatus update32sc(const Vsp32sc* stepSize, const Vsp32sc* const* src, const Vsp32sc* err, Vsp32sc* const* coef,
+                     Vsp32s len, Vsp32s numSubbands, Vsp32s scaleFactor) {
     for (int k = 0; k < numSubbands; k++) {
         const Vsp64s re = mulQ31(err[k].re, stepSize[k].re), im = mulQ31(err[k].im, stepSize[k].re);
         const Vsp64s r = Vsp64s(stepSize[k].im) - scaleFactor - 31;
