@@ -155,9 +155,11 @@ double error(T actual, double exact) {
 }  // namespace
 
 template <class F>
+constexpr bool kFixed = std::is_same_v<typename F::Sample, Vsp16s>;
+
+template <class F>
 class RealFft : public ::testing::Test {
   protected:
-    static constexpr bool kFixed = std::is_same_v<typename F::Sample, Vsp16s>;
     void SetUp() override {
         if (bestLevel(readCpuRegisters()) < F::kLevel) GTEST_SKIP() << "the processor lacks the level";
     }
@@ -171,7 +173,7 @@ TYPED_TEST(RealFft, ForwardIsTheDft) {
     for (int order = 1; order <= kMaxOrder; order++) {
         const std::size_t n = std::size_t(1) << order;
         Transform<TypeParam> transform(order, std::size_t(order) * 5);
-        for (const int scaleFactor : this->kFixed ? std::vector{0, 1, order, 17, -1, -9} : std::vector{0})
+        for (const int scaleFactor : kFixed<TypeParam> ? std::vector{0, 1, order, 17, -1, -9} : std::vector{0})
             for (const auto& x : {samples<Sample>(n, unsigned(order)), std::vector<Sample>(n, Sample(-32768))}) {
                 const auto exact = bins(x);
                 const auto actual = transform.forward(x, scaleFactor);
@@ -183,7 +185,7 @@ TYPED_TEST(RealFft, ForwardIsTheDft) {
                 }
                 EXPECT_EQ(0, actual.front().im);
                 EXPECT_EQ(0, actual.back().im);
-                EXPECT_LT(largest, this->kFixed ? 0.51 : 1e-7 * (order + 2) * norm(x)) << "order " << order;
+                EXPECT_LT(largest, kFixed<TypeParam> ? 0.51 : 1e-7 * (order + 2) * norm(x)) << "order " << order;
             }
     }
 }
@@ -193,14 +195,14 @@ TYPED_TEST(RealFft, InverseIsTheDftBack) {
     for (int order = 1; order <= kMaxOrder; order++) {
         const std::size_t n = std::size_t(1) << order;
         Transform<TypeParam> transform(order, std::size_t(order) * 7);
-        for (const int scaleFactor : this->kFixed ? std::vector{0, 12, 16, 20, -3} : std::vector{0}) {
+        for (const int scaleFactor : kFixed<TypeParam> ? std::vector{0, 12, 16, 20, -3} : std::vector{0}) {
             const auto half = randomBins<Bin>(n, unsigned(order));
             const auto exact = signal(half);
             const auto actual = transform.inverse(half, scaleFactor);
             const double factor = std::ldexp(1, -scaleFactor);
             double largest = 0;
             for (std::size_t i = 0; i < n; i++) largest = std::max(largest, error(actual[i], exact[i] * factor));
-            EXPECT_LT(largest, this->kFixed ? 0.51 : 1e-7 * (order + 2) * norm(exact)) << "order " << order;
+            EXPECT_LT(largest, kFixed<TypeParam> ? 0.51 : 1e-7 * (order + 2) * norm(exact)) << "order " << order;
         }
     }
 }
@@ -208,7 +210,7 @@ TYPED_TEST(RealFft, InverseIsTheDftBack) {
 TYPED_TEST(RealFft, LevelsAndWorkBuffersMakeNoDifference) {
     using Sample = typename TypeParam::Sample;
     using Bin = typename TypeParam::Bin;
-    using Baseline = std::conditional_t<this->kFixed, FixedPoint_y8, SinglePrecision_y8>;
+    using Baseline = std::conditional_t<kFixed<TypeParam>, FixedPoint_y8, SinglePrecision_y8>;
     for (int order = 1; order <= kMaxOrder; order++)
         for (unsigned seed = 1; seed <= 3; seed++) {
             const std::size_t n = std::size_t(1) << order;
@@ -222,7 +224,7 @@ TYPED_TEST(RealFft, LevelsAndWorkBuffersMakeNoDifference) {
 }
 
 TYPED_TEST(RealFft, AnyScaleFactorIsTaken) {
-    if constexpr (this->kFixed) {
+    if constexpr (kFixed<TypeParam>) {
         for (const int order : {1, 2, 5, 7, 9}) {
             const std::size_t n = std::size_t(1) << order;
             Transform<TypeParam> transform(order);
