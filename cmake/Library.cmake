@@ -64,6 +64,11 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     set_source_files_properties(src/ec/fir_subband_32fc.cpp src/ec/fir_subband_update_32fc.cpp src/vector/real_fft_16s.cpp
                                 src/vector/real_fft_32f.cpp PROPERTIES COMPILE_OPTIONS "-fno-tree-vectorize")
 endif()
+if(VSPSC_SANITIZE)
+    # The butterflies are long and unrolled: with a check of every reference and scope in them they take minutes to compile.
+    set_property(SOURCE src/vector/real_fft_16s.cpp src/vector/real_fft_32f.cpp APPEND
+                 PROPERTY COMPILE_OPTIONS "-fno-sanitize=null,alignment;-fno-sanitize-address-use-after-scope")
+endif()
 
 function(vspsc_add_objects name)
     add_library(${name} OBJECT ${ARGN})
