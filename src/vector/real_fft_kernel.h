@@ -1,7 +1,7 @@
 // Real transforms over vectors V, float or double. The same butterflies at every width, so the same bits.
 //
-// A source has load<V>(i), a sink store(i, a): the pairs i, i+1, ... of samples, or the bins i, i+1, ...
-// A complex transform with real and imaginary parts exchanged before and after is the inverse one.
+// A source has load<V>(i), a sink store(i, a), for the pairs of samples or the bins i, i+1, ...
+// The inverse complex transform is the forward one with real and imaginary parts exchanged before and after.
 #pragma once
 
 #include "vector/fft_butterflies.h"
@@ -70,7 +70,7 @@ VSP_INLINE Mirror<V> samplesSpectrum(Mirror<V> z, Complex<V> w) {
     return {add(e, o), {sub(e.re, o.re), sub(o.im, e.im)}};
 }
 
-// The way back, times 2 factor.
+// The way back; Z comes out times 2 factor.
 template <class V>
 VSP_INLINE Mirror<V> pairsSpectrum(Mirror<V> x, Complex<V> w, V factor) {
     const Complex<V> sum = {add(x.low.re, x.high.re), sub(x.low.im, x.high.im)};
@@ -296,8 +296,6 @@ template <class V, class Source, class Sink>
 
 // --- By order ----------------------------------------------------------------------------------------------------------
 
-constexpr int kLastSmallFftOrder = 8;
-
 template <class T>
 struct FftVectors;
 template <>
@@ -344,7 +342,7 @@ VSP_INLINE void realFftForward(int order, Source source, Sink sink, const T* tab
     }
 }
 
-// Times 2 factor N.
+// factor is 1/N, times any scaling of the result.
 template <class T, class Source, class Sink>
 VSP_INLINE void realFftInverse(int order, Source source, Sink sink, const T* tables, const Vsp32s* blocks, T* work,
                                T factor) {

@@ -5,8 +5,8 @@
 // last one transforms the blocks that are left and puts everything in order. The spectrum of the samples follows from that
 // of the pairs.
 //
-// Tables and work arrays hold complex numbers in groups of kGroup (fewer where there are not as many): the real parts, then
-// the imaginary ones.
+// Tables and work arrays hold complex numbers in groups of kFftGroup (fewer where there are not as many): the real parts,
+// then the imaginary ones.
 #pragma once
 
 #include "core/inline.h"
@@ -14,7 +14,7 @@
 
 namespace vsp {
 
-constexpr int kMaxFftOrder = 17, kMaxFftPasses = 5, kFftGroup = 8;
+constexpr int kMaxFftOrder = 17, kLastSmallFftOrder = 8, kMaxFftPasses = 5, kFftGroup = 8;  // small: within registers
 
 struct FftPlan {
     int passes;
@@ -41,6 +41,21 @@ constexpr FftPlan kFftPlans[kMaxFftOrder] = {
     {4, {16, 16, 16, 8}},
     {5, {16, 8, 8, 8, 8}},
 };
+
+// The radices make up N/2. Long transforms begin with 8 or 16, so that eight blocks follow each other in the result, and
+// end with 8.
+VSP_INLINE constexpr bool validFftPlans() {
+    for (int order = 1; order <= kMaxFftOrder; order++) {
+        const FftPlan& plan = kFftPlans[order - 1];
+        const int first = plan.radix[0], last = plan.radix[plan.passes - 1];
+        int points = 1;
+        for (int i = 0; i < plan.passes; i++) points *= plan.radix[i];
+        if (points != 1 << (order - 1)) return false;
+        if (order > kLastSmallFftOrder && ((first != 8 && first != 16) || last != 8)) return false;
+    }
+    return true;
+}
+static_assert(validFftPlans());
 
 VSP_INLINE constexpr int smallerOf(int a, int b) { return a < b ? a : b; }
 
