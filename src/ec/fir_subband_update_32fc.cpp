@@ -14,15 +14,18 @@ VSP_INLINE bool anyNegative(const Vsp64f* stepSize, Vsp32s numSubbands) {
     return any;
 }
 
-// Taps t .. t+taps-1 of a group of bands.
+// Some taps of a group of bands. Each vector of the reference is converted once for all of them.
 template <class V, int taps>
 VSP_INLINE void projectTaps(const Vsp64f* const* ppStepSize, const Vsp32fc* const* ppSrc, const Vsp32fc* const* ppErr,
                             Vsp32fc* const* ppCoef, unsigned long order, Vsp64f g, Vsp32s k) {
-    Complex<V> sum[taps] = {};
+    Complex<V> sum[taps] = {}, src[taps] = {};
+    for (int t = 1; t < taps; t++) src[t] = loadBands<V>(ppSrc[t - 1] + k);
     for (unsigned long j = 0; j < order; j++) {
         const Complex<V> err = loadBands<V>(ppErr[j] + k);
         const V stepSize = loadSteps<V>(ppStepSize[j] + k);
-        for (int t = 0; t < taps; t++) sum[t] = add(sum[t], scale(mulConj(err, loadBands<V>(ppSrc[j + t] + k)), stepSize));
+        for (int t = 1; t < taps; t++) src[t - 1] = src[t];
+        src[taps - 1] = loadBands<V>(ppSrc[j + taps - 1] + k);
+        for (int t = 0; t < taps; t++) sum[t] = add(sum[t], scale(mulConj(err, src[t]), stepSize));
     }
     for (int t = 0; t < taps; t++) addToBands(scale(sum[t], V::splat(g)), ppCoef[t] + k);
 }
@@ -50,7 +53,7 @@ VspStatus vspsFIRSubbandAPCoeffUpdate_EC_32fc_I(const Vsp64f* const* ppStepSize,
     if (len < 1 || len > Vsp32u(kMaxSubbandTaps) || order < 1) return vspStsRangeErr;
     const Vsp64f g = 1.0f / Vsp32f(order);
     forBandGroups<F64>(0, Vsp32s(numSubbands), [=]<class V>(Vsp32s k) {
-        constexpr int kTaps = 4;  // at a time, for which errors and step sizes are loaded once
+        constexpr int kTaps = V::width == 8 ? 4 : 2;  // at a time, as the registers allow
         Vsp32u t = 0;
         for (; t + kTaps <= len; t += kTaps) projectTaps<V, kTaps>(ppStepSize, ppSrc + t, ppErr, ppCoef + t, order, g, k);
         for (; t < len; t++) projectTaps<V, 1>(ppStepSize, ppSrc + t, ppErr, ppCoef + t, order, g, k);

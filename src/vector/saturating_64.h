@@ -104,8 +104,9 @@ VSP_INLINE S64_128 maxLo(S64_128 a, S64_128 b) { return {_mm_max_epi32(a.v, b.v)
 VSP_IF_256(VSP_INLINE S64_256 maxLo(S64_256 a, S64_256 b) { return {_mm256_max_epi32(a.v, b.v)}; })
 VSP_IF_512(VSP_INLINE S64_512 maxLo(S64_512 a, S64_512 b) { return {_mm512_max_epi32(a.v, b.v)}; })
 
-// Upper halves h such that |a| <= (h + 1) * 2^32, and a < (h + 1) * 2^32. The lower halves mean nothing.
-VSP_INLINE S64_1 magnitudeHi(S64_1 a) { return {a.v ^ (a.v >> 63)}; }
+// The magnitudes of the upper halves, 2^31 for the lowest value: h such that -(h + 1) * 2^32 <= a < (h + 1) * 2^32. The lower
+// halves mean nothing.
+VSP_INLINE S64_1 magnitudeHi(S64_1 a) { return a.v < 0 ? sub({0}, a) : a; }
 VSP_INLINE S64_128 magnitudeHi(S64_128 a) { return {_mm_abs_epi32(a.v)}; }
 VSP_IF_256(VSP_INLINE S64_256 magnitudeHi(S64_256 a) { return {_mm256_abs_epi32(a.v)}; })
 VSP_IF_512(VSP_INLINE S64_512 magnitudeHi(S64_512 a) { return {_mm512_abs_epi32(a.v)}; })

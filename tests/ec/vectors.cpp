@@ -1,6 +1,7 @@
 // The echo-cancellation functions against recorded calls.
 #include <algorithm>
 
+#include "ec/band_vectors.h"
 #include "support/guarded.h"
 #include "support/level_test.h"
 #include "support/upper_halves.h"
@@ -16,33 +17,6 @@ template <class T>
 Guarded<T> guarded(const Item& item) {
     return Guarded<T>(item.values<T>());
 }
-
-// Vectors of numSubbands values in buffers of their own, and the pointers to them.
-template <class T>
-class BandVectors {
-  public:
-    BandVectors(const Item& item, std::size_t numSubbands) {
-        const auto all = item.values<T>();
-        for (std::size_t i = 0; i < all.size(); i += numSubbands) {
-            const auto begin = all.begin() + std::ptrdiff_t(i);
-            vectors_.push_back(std::make_unique<Guarded<T>>(std::vector<T>(begin, begin + std::ptrdiff_t(numSubbands))));
-            pointers_.push_back(vectors_.back()->data());
-        }
-    }
-    T* const* data() const { return pointers_.data(); }
-    Item item() const {
-        Item all{0, {}};
-        for (const auto& v : vectors_) {
-            const auto* bytes = reinterpret_cast<const std::byte*>(v->data());
-            all.bytes.insert(all.bytes.end(), bytes, bytes + v->size() * sizeof(T));
-        }
-        return all;
-    }
-
-  private:
-    std::vector<std::unique_ptr<Guarded<T>>> vectors_;
-    std::vector<T*> pointers_;
-};
 
 template <class T>
 Item itemOf(const Guarded<T>& values) {
@@ -146,19 +120,22 @@ TEST_P(EcVectors, FullBandNlms) {
 
 TEST_P(EcVectors, SubbandFilters) {
     forEveryCase("fir_subband_32fc", [&](const Items& items, const std::vector<Vsp32s>& p) {
-        const BandVectors<Vsp32fc> src(items[1], std::size_t(p[1])), coef(items[2], std::size_t(p[1]));
+        const BandVectors<Vsp32fc> src(items[1].values<Vsp32fc>(), std::size_t(p[1])),
+            coef(items[2].values<Vsp32fc>(), std::size_t(p[1]));
         Guarded<Vsp32fc> dst{std::size_t(p[1])};
         ASSERT_EQ(vspStsNoErr, api.vspsFIRSubband_EC_32fc(src.data(), coef.data(), dst.data(), p[0], p[1]));
         expectSame<Vsp32f>(items[3], itemOf(dst));
     });
     forEveryCase("fir_subband_32sc", [&](const Items& items, const std::vector<Vsp32s>& p) {
-        const BandVectors<Vsp32sc> src(items[1], std::size_t(p[1])), coef(items[2], std::size_t(p[1]));
+        const BandVectors<Vsp32sc> src(items[1].values<Vsp32sc>(), std::size_t(p[1])),
+            coef(items[2].values<Vsp32sc>(), std::size_t(p[1]));
         Guarded<Vsp32sc> dst{std::size_t(p[1])};
         ASSERT_EQ(vspStsNoErr, api.vspsFIRSubband_EC_32sc_Sfs(src.data(), coef.data(), dst.data(), p[0], p[1], p[2]));
         expectSame<Vsp32s>(items[3], itemOf(dst));
     });
     forEveryCase("fir_subband_low_32sc", [&](const Items& items, const std::vector<Vsp32s>& p) {
-        const BandVectors<Vsp32sc> src(items[1], std::size_t(p[2])), coef(items[2], std::size_t(p[2]));
+        const BandVectors<Vsp32sc> src(items[1].values<Vsp32sc>(), std::size_t(p[2])),
+            coef(items[2].values<Vsp32sc>(), std::size_t(p[2]));
         auto dst = guarded<Vsp32sc>(items[3]);
         ASSERT_EQ(vspStsNoErr,
                   api.vspsFIRSubbandLow_EC_32sc_Sfs(src.data(), coef.data(), p[0], dst.data(), p[1], p[2], p[3]));
@@ -170,34 +147,37 @@ TEST_P(EcVectors, SubbandUpdates) {
     forEveryCase("update_32fc", [&](const Items& items, const std::vector<Vsp32s>& p) {
         const auto steps = guarded<Vsp64f>(items[1]);
         const auto err = guarded<Vsp32fc>(items[3]);
-        const BandVectors<Vsp32fc> src(items[2], std::size_t(p[1])), coef(items[4], std::size_t(p[1]));
+        const BandVectors<Vsp32fc> src(items[2].values<Vsp32fc>(), std::size_t(p[1])),
+            coef(items[4].values<Vsp32fc>(), std::size_t(p[1]));
         ASSERT_EQ(vspStsNoErr,
                   api.vspsFIRSubbandCoeffUpdate_EC_32fc_I(steps.data(), src.data(), err.data(), coef.data(), p[0], p[1]));
-        expectSame<Vsp32f>(items[5], coef.item());
+        expectSameBands(items[5].values<Vsp32fc>(), coef.values());
     });
     forEveryCase("update_32sc", [&](const Items& items, const std::vector<Vsp32s>& p) {
         const auto steps = guarded<Vsp32sc>(items[1]), err = guarded<Vsp32sc>(items[3]);
-        const BandVectors<Vsp32sc> src(items[2], std::size_t(p[1])), coef(items[4], std::size_t(p[1]));
+        const BandVectors<Vsp32sc> src(items[2].values<Vsp32sc>(), std::size_t(p[1])),
+            coef(items[4].values<Vsp32sc>(), std::size_t(p[1]));
         ASSERT_EQ(vspStsNoErr, api.vspsFIRSubbandCoeffUpdate_EC_32sc_I(steps.data(), src.data(), err.data(), coef.data(),
                                                                        p[0], p[1], p[2]));
-        expectSame<Vsp32s>(items[5], coef.item());
+        expectSameBands(items[5].values<Vsp32sc>(), coef.values());
     });
     forEveryCase("update_low_32sc", [&](const Items& items, const std::vector<Vsp32s>& p) {
         const auto steps = guarded<Vsp32sc>(items[1]), err = guarded<Vsp32sc>(items[3]);
-        const BandVectors<Vsp32sc> src(items[2], std::size_t(p[2])), coef(items[4], std::size_t(p[2]));
+        const BandVectors<Vsp32sc> src(items[2].values<Vsp32sc>(), std::size_t(p[2])),
+            coef(items[4].values<Vsp32sc>(), std::size_t(p[2]));
         auto scratch = guarded<Vsp32sc>(items[5]);
         ASSERT_EQ(vspStsNoErr, api.vspsFIRSubbandLowCoeffUpdate_EC_32sc_I(src.data(), err.data(), coef.data(), p[0],
                                                                           scratch.data(), steps.data(), p[1], p[2], p[3]));
-        expectSame<Vsp32s>(items[6], coef.item());
+        expectSameBands(items[6].values<Vsp32sc>(), coef.values());
         expectSame<Vsp32s>(items[7], itemOf(scratch));
     });
     forEveryCase("update_ap_32fc", [&](const Items& items, const std::vector<Vsp32s>& p) {
-        const BandVectors<Vsp64f> steps(items[1], std::size_t(p[1]));
-        const BandVectors<Vsp32fc> src(items[2], std::size_t(p[1])), err(items[3], std::size_t(p[1])),
-            coef(items[4], std::size_t(p[1]));
+        const BandVectors<Vsp64f> steps(items[1].values<Vsp64f>(), std::size_t(p[1]));
+        const BandVectors<Vsp32fc> src(items[2].values<Vsp32fc>(), std::size_t(p[1])),
+            err(items[3].values<Vsp32fc>(), std::size_t(p[1])), coef(items[4].values<Vsp32fc>(), std::size_t(p[1]));
         ASSERT_EQ(vspStsNoErr, api.vspsFIRSubbandAPCoeffUpdate_EC_32fc_I(steps.data(), src.data(), err.data(), coef.data(),
                                                                          Vsp32u(p[0]), Vsp32u(p[1]), Vsp32u(p[2])));
-        expectSame<Vsp32f>(items[5], coef.item());
+        expectSameBands(items[5].values<Vsp32fc>(), coef.values());
     });
 }
 
