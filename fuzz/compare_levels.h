@@ -101,7 +101,7 @@ inline constexpr Array array(0), one(1);
 struct Length : Kind {
     template <class P>
     Drawn<P> draw(Call& call) const {
-        return {call.len};
+        return {P(call.len)};
     }
 };
 inline constexpr Length length;

@@ -3,11 +3,12 @@
 
 #include <immintrin.h>
 
-#include <type_traits>
-
 #include "ec/scalar_subband.h"
 
 namespace {
+
+// For vectors of bands that do not stay in the first-level cache.
+void prefetchNext(const void* bands) { __builtin_prefetch(reinterpret_cast<const char*>(bands) + 128, 0, 2); }
 
 // --- Floating point ----------------------------------------------------------------------------------------------------
 
@@ -74,60 +75,66 @@ template <class Op>
 
 // A product of two floats is exact in double precision, so that contracted sums of them round as the definition does.
 VspStatus fir32fc(const Vsp32fc* const* src, const Vsp32fc* const* coef, Vsp32fc* dst, Vsp32s len, Vsp32s numSubbands) {
-    forBands(
-        numSubbands, [=](auto bands, int k) __attribute__((always_inline)) {
-            __m256 re = _mm256_setzero_ps(), im = re;
-            for (int t = 0; t < len; t++) {
-                const Complex x = bands.load(src[t] + k), c = bands.load(coef[t] + k);
-                re = _mm256_add_ps(re, _mm512_cvtpd_ps(_mm512_fmsub_pd(x.re, c.re, _mm512_mul_pd(x.im, c.im))));
-                im = _mm256_add_ps(im, _mm512_cvtpd_ps(_mm512_fmadd_pd(x.re, c.im, _mm512_mul_pd(x.im, c.re))));
-            }
-            bands.store(re, im, dst + k);
-        });
+    forBands(numSubbands, [=](auto bands, int k) {
+        __m256 re = _mm256_setzero_ps(), im = re;
+        for (int t = 0; t < len; t++) {
+            prefetchNext(src[t] + k);
+            prefetchNext(coef[t] + k);
+            const Complex x = bands.load(src[t] + k), c = bands.load(coef[t] + k);
+            re = _mm256_add_ps(re, _mm512_cvtpd_ps(_mm512_fmsub_pd(x.re, c.re, _mm512_mul_pd(x.im, c.im))));
+            im = _mm256_add_ps(im, _mm512_cvtpd_ps(_mm512_fmadd_pd(x.re, c.im, _mm512_mul_pd(x.im, c.re))));
+        }
+        bands.store(re, im, dst + k);
+    });
     return vspStsNoErr;
 }
 
 VspStatus update32fc(const Vsp64f* stepSize, const Vsp32fc* const* src, const Vsp32fc* err, Vsp32fc* const* coef,
                      Vsp32s len, Vsp32s numSubbands) {
-    forBands(
-        numSubbands, [=](auto bands, int k) __attribute__((always_inline)) {
-            const Complex e = bands.load(err + k);
-            const __m512d step = bands.load(stepSize + k), a = _mm512_mul_pd(e.re, step), b = _mm512_mul_pd(e.im, step);
-            for (int t = 0; t < len; t++) {
-                const Complex x = bands.load(src[t] + k);
-                bands.addTo(coef[t] + k, {_mm512_add_pd(_mm512_mul_pd(x.re, a), _mm512_mul_pd(x.im, b)),
-                                          _mm512_sub_pd(_mm512_mul_pd(x.re, b), _mm512_mul_pd(x.im, a))});
-            }
-        });
+    forBands(numSubbands, [=](auto bands, int k) {
+        const Complex e = bands.load(err + k);
+        const __m512d step = bands.load(stepSize + k), a = _mm512_mul_pd(e.re, step), b = _mm512_mul_pd(e.im, step);
+        for (int t = 0; t < len; t++) {
+            prefetchNext(src[t] + k);
+            prefetchNext(coef[t] + k);
+            const Complex x = bands.load(src[t] + k);
+            bands.addTo(coef[t] + k, {_mm512_add_pd(_mm512_mul_pd(x.re, a), _mm512_mul_pd(x.im, b)),
+                                      _mm512_sub_pd(_mm512_mul_pd(x.re, b), _mm512_mul_pd(x.im, a))});
+        }
+    });
     return vspStsNoErr;
+}
+
+template <int count, class Bands>
+void projectTaps(Bands bands, const Vsp64f* const* stepSize, const Vsp32fc* const* src, const Vsp32fc* const* err,
+                 Vsp32fc* const* coef, Vsp32u order, int k) {
+    const __m512d g = _mm512_set1_pd(1.0f / Vsp32f(order));
+    Complex sum[count] = {};
+    for (Vsp32u j = 0; j < order; j++) {
+        const Complex e = bands.load(err[j] + k);
+        const __m512d step = bands.load(stepSize[j] + k);
+        for (int t = 0; t < count; t++) {
+            const Complex x = bands.load(src[j + Vsp32u(t)] + k);
+            const __m512d re = _mm512_fmadd_pd(e.re, x.re, _mm512_mul_pd(e.im, x.im));
+            const __m512d im = _mm512_fmsub_pd(e.im, x.re, _mm512_mul_pd(e.re, x.im));
+            sum[t].re = _mm512_add_pd(sum[t].re, _mm512_mul_pd(re, step));
+            sum[t].im = _mm512_add_pd(sum[t].im, _mm512_mul_pd(im, step));
+        }
+    }
+    for (int t = 0; t < count; t++) {
+        prefetchNext(src[t] + k);
+        prefetchNext(coef[t] + k);
+        bands.addTo(coef[t] + k, {_mm512_mul_pd(sum[t].re, g), _mm512_mul_pd(sum[t].im, g)});
+    }
 }
 
 VspStatus updateProjection(const Vsp64f* const* stepSize, const Vsp32fc* const* src, const Vsp32fc* const* err,
                            Vsp32fc* const* coef, Vsp32u len, Vsp32u numSubbands, Vsp32u order) {
-    const __m512d g = _mm512_set1_pd(1.0f / Vsp32f(order));
-    forBands(
-        int(numSubbands), [=](auto bands, int k) __attribute__((always_inline)) {
-            const auto taps = [=](auto count, Vsp32u t) __attribute__((always_inline)) {
-                constexpr int kCount = decltype(count)::value;
-                Complex sum[kCount] = {};
-                for (Vsp32u j = 0; j < order; j++) {
-                    const Complex e = bands.load(err[j] + k);
-                    const __m512d step = bands.load(stepSize[j] + k);
-                    for (int i = 0; i < kCount; i++) {
-                        const Complex x = bands.load(src[t + j + Vsp32u(i)] + k);
-                        const __m512d re = _mm512_fmadd_pd(e.re, x.re, _mm512_mul_pd(e.im, x.im));
-                        const __m512d im = _mm512_fmsub_pd(e.im, x.re, _mm512_mul_pd(e.re, x.im));
-                        sum[i].re = _mm512_add_pd(sum[i].re, _mm512_mul_pd(re, step));
-                        sum[i].im = _mm512_add_pd(sum[i].im, _mm512_mul_pd(im, step));
-                    }
-                }
-                for (int i = 0; i < kCount; i++)
-                    bands.addTo(coef[t + Vsp32u(i)] + k, {_mm512_mul_pd(sum[i].re, g), _mm512_mul_pd(sum[i].im, g)});
-            };
-            Vsp32u t = 0;
-            for (; t + 4 <= len; t += 4) taps(std::integral_constant<int, 4>(), t);
-            for (; t < len; t++) taps(std::integral_constant<int, 1>(), t);
-        });
+    forBands(int(numSubbands), [=](auto bands, int k) {
+        Vsp32u t = 0;
+        for (; t + 4 <= len; t += 4) projectTaps<4>(bands, stepSize, src + t, err, coef + t, order, k);
+        for (; t < len; t++) projectTaps<1>(bands, stepSize, src + t, err, coef + t, order, k);
+    });
     return vspStsNoErr;
 }
 
@@ -150,6 +157,8 @@ template <bool check>
                                         __mmask8 bands) {
     Sums s = {};
     for (int t = 0; t < len; t++) {
+        prefetchNext(src[t] + k);
+        prefetchNext(coef[t] + k);
         const __m512i x = _mm512_maskz_loadu_epi64(bands, src[t] + k), c = _mm512_maskz_loadu_epi64(bands, coef[t] + k);
         const __m512i xi = _mm512_srli_epi64(x, 32), ci = _mm512_srli_epi64(c, 32);
         s.re = _mm512_add_epi64(s.re, _mm512_sub_epi64(_mm512_mul_epi32(x, c), _mm512_mul_epi32(xi, ci)));
@@ -224,6 +233,8 @@ VspStatus update32sc(const Vsp32sc* stepSize, const Vsp32sc* const* src, const V
         const Step step(_mm512_maskz_loadu_epi64(bands, err + k), _mm512_maskz_loadu_epi64(bands, stepSize + k),
                         scaleFactor);
         for (int t = 0; t < len; t++) {
+            prefetchNext(src[t] + k);
+            prefetchNext(coef[t] + k);
             const __m512i x = _mm512_maskz_loadu_epi64(bands, src[t] + k), c = _mm512_maskz_loadu_epi64(bands, coef[t] + k);
             const __m512i xi = _mm512_max_epi32(_mm512_srli_epi64(x, 32), _mm512_set1_epi64(0x80000001));
             const __m512i re = _mm512_add_epi64(_mm512_mul_epi32(x, step.re), _mm512_mul_epi32(xi, step.im));
@@ -246,6 +257,8 @@ VspStatus updateLow(const Vsp32sc* const* src, const Vsp32sc* err, Vsp32sc* cons
                         scaleFactor);
         _mm512_mask_storeu_epi64(scratch + k, bands, pack(step.re, step.im));
         for (int t = 0; t < len; t++) {
+            prefetchNext(src[t] + k);
+            prefetchNext(coef[t] + k);
             const __m512i x = _mm512_maskz_loadu_epi64(bands, src[t] + k), c = _mm512_maskz_loadu_epi64(bands, coef[t] + k);
             const __m512i conj = _mm512_sub_epi64(_mm512_setzero_si512(), _mm512_srli_epi64(x, 32));
             const __m512i re = _mm512_sub_epi64(_mm512_mul_epi32(x, step.re), _mm512_mul_epi32(conj, step.im));

@@ -24,6 +24,8 @@ struct Sums {
 template <class V, class Op>
 VSP_INLINE void forProducts(Filters filters, Vsp32s k, Op op) {
     for (Vsp32s t = 0; t < filters.len; t++) {
+        prefetchNext(filters.src[t] + k);
+        prefetchNext(filters.coef[t] + k);
         const V x = loadBands<V>(filters.src[t] + k), c = loadBands<V>(filters.coef[t] + k);
         const V xi = imaginary(x), ci = imaginary(c);
         op(mulLo(x, c), mulLo(xi, ci), mulLo(x, ci), mulLo(xi, c));

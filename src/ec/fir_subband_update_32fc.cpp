@@ -27,7 +27,11 @@ VSP_INLINE void projectTaps(const Vsp64f* const* ppStepSize, const Vsp32fc* cons
         src[taps - 1] = loadBands<V>(ppSrc[j + taps - 1] + k);
         for (int t = 0; t < taps; t++) sum[t] = add(sum[t], scale(mulConj(err, src[t]), stepSize));
     }
-    for (int t = 0; t < taps; t++) addToBands(scale(sum[t], V::splat(g)), ppCoef[t] + k);
+    for (int t = 0; t < taps; t++) {
+        prefetchNext(ppSrc[t] + k);
+        prefetchNext(ppCoef[t] + k);
+        addToBands(scale(sum[t], V::splat(g)), ppCoef[t] + k);
+    }
 }
 
 }  // namespace
@@ -40,7 +44,11 @@ VspStatus vspsFIRSubbandCoeffUpdate_EC_32fc_I(const Vsp64f* pStepSize, const Vsp
     if (anyNegative(pStepSize, numSubbands)) return vspStsSizeErr;
     forBandGroups<F64>(0, numSubbands, [=]<class V>(Vsp32s k) {
         const Complex<V> scaledErr = scale(loadBands<V>(pErr + k), loadSteps<V>(pStepSize + k));
-        for (Vsp32s t = 0; t < len; t++) addToBands(mulConj(scaledErr, loadBands<V>(ppSrc[t] + k)), ppCoef[t] + k);
+        for (Vsp32s t = 0; t < len; t++) {
+            prefetchNext(ppSrc[t] + k);
+            prefetchNext(ppCoef[t] + k);
+            addToBands(mulConj(scaledErr, loadBands<V>(ppSrc[t] + k)), ppCoef[t] + k);
+        }
     });
     return vspStsNoErr;
 }

@@ -99,6 +99,8 @@ template <class Kind, bool someLeft, class V>
 VSP_INLINE void updateTaps(Filters filters, Vsp32s k, Parts<V> me, const Shifts<V>& shifts) {
     for (Vsp32s t = 0; t < filters.len; t++) {
         Vsp32sc* const coef = filters.coef[t] + k;
+        prefetchNext(filters.src[t] + k);
+        prefetchNext(coef);
         const Parts<V> update = Kind::product(loadBands<V>(filters.src[t] + k), me);
         storeBands(Kind::template added<someLeft>(loadBands<V>(coef), update, shifts), coef);
     }

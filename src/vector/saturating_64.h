@@ -104,8 +104,8 @@ VSP_INLINE S64_128 maxLo(S64_128 a, S64_128 b) { return {_mm_max_epi32(a.v, b.v)
 VSP_IF_256(VSP_INLINE S64_256 maxLo(S64_256 a, S64_256 b) { return {_mm256_max_epi32(a.v, b.v)}; })
 VSP_IF_512(VSP_INLINE S64_512 maxLo(S64_512 a, S64_512 b) { return {_mm512_max_epi32(a.v, b.v)}; })
 
-// The magnitudes of the upper halves, 2^31 for the lowest value: h such that -(h + 1) * 2^32 <= a < (h + 1) * 2^32. The lower
-// halves mean nothing.
+// The magnitudes of the upper halves, 2^31 for the lowest value: h such that -(h + 1) * 2^32 <= a < (h + 1) * 2^32. The
+// lower halves mean nothing.
 VSP_INLINE S64_1 magnitudeHi(S64_1 a) { return a.v < 0 ? sub({0}, a) : a; }
 VSP_INLINE S64_128 magnitudeHi(S64_128 a) { return {_mm_abs_epi32(a.v)}; }
 VSP_IF_256(VSP_INLINE S64_256 magnitudeHi(S64_256 a) { return {_mm256_abs_epi32(a.v)}; })
