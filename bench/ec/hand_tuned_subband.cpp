@@ -7,9 +7,6 @@
 
 namespace {
 
-// For vectors of bands that do not stay in the first-level cache.
-void prefetchNext(const void* bands) { __builtin_prefetch(reinterpret_cast<const char*>(bands) + 128, 0, 2); }
-
 // --- Floating point ----------------------------------------------------------------------------------------------------
 
 // Real and imaginary parts of eight bands in double precision, in the order 0, 1, 4, 5, 2, 3, 6, 7.
@@ -78,8 +75,6 @@ VspStatus fir32fc(const Vsp32fc* const* src, const Vsp32fc* const* coef, Vsp32fc
     forBands(numSubbands, [=](auto bands, int k) {
         __m256 re = _mm256_setzero_ps(), im = re;
         for (int t = 0; t < len; t++) {
-            prefetchNext(src[t] + k);
-            prefetchNext(coef[t] + k);
             const Complex x = bands.load(src[t] + k), c = bands.load(coef[t] + k);
             re = _mm256_add_ps(re, _mm512_cvtpd_ps(_mm512_fmsub_pd(x.re, c.re, _mm512_mul_pd(x.im, c.im))));
             im = _mm256_add_ps(im, _mm512_cvtpd_ps(_mm512_fmadd_pd(x.re, c.im, _mm512_mul_pd(x.im, c.re))));
@@ -95,8 +90,6 @@ VspStatus update32fc(const Vsp64f* stepSize, const Vsp32fc* const* src, const Vs
         const Complex e = bands.load(err + k);
         const __m512d step = bands.load(stepSize + k), a = _mm512_mul_pd(e.re, step), b = _mm512_mul_pd(e.im, step);
         for (int t = 0; t < len; t++) {
-            prefetchNext(src[t] + k);
-            prefetchNext(coef[t] + k);
             const Complex x = bands.load(src[t] + k);
             bands.addTo(coef[t] + k, {_mm512_add_pd(_mm512_mul_pd(x.re, a), _mm512_mul_pd(x.im, b)),
                                       _mm512_sub_pd(_mm512_mul_pd(x.re, b), _mm512_mul_pd(x.im, a))});
@@ -122,8 +115,6 @@ void projectTaps(Bands bands, const Vsp64f* const* stepSize, const Vsp32fc* cons
         }
     }
     for (int t = 0; t < count; t++) {
-        prefetchNext(src[t] + k);
-        prefetchNext(coef[t] + k);
         bands.addTo(coef[t] + k, {_mm512_mul_pd(sum[t].re, g), _mm512_mul_pd(sum[t].im, g)});
     }
 }
@@ -157,8 +148,6 @@ template <bool check>
                                         __mmask8 bands) {
     Sums s = {};
     for (int t = 0; t < len; t++) {
-        prefetchNext(src[t] + k);
-        prefetchNext(coef[t] + k);
         const __m512i x = _mm512_maskz_loadu_epi64(bands, src[t] + k), c = _mm512_maskz_loadu_epi64(bands, coef[t] + k);
         const __m512i xi = _mm512_srli_epi64(x, 32), ci = _mm512_srli_epi64(c, 32);
         s.re = _mm512_add_epi64(s.re, _mm512_sub_epi64(_mm512_mul_epi32(x, c), _mm512_mul_epi32(xi, ci)));
@@ -233,8 +222,6 @@ VspStatus update32sc(const Vsp32sc* stepSize, const Vsp32sc* const* src, const V
         const Step step(_mm512_maskz_loadu_epi64(bands, err + k), _mm512_maskz_loadu_epi64(bands, stepSize + k),
                         scaleFactor);
         for (int t = 0; t < len; t++) {
-            prefetchNext(src[t] + k);
-            prefetchNext(coef[t] + k);
             const __m512i x = _mm512_maskz_loadu_epi64(bands, src[t] + k), c = _mm512_maskz_loadu_epi64(bands, coef[t] + k);
             const __m512i xi = _mm512_max_epi32(_mm512_srli_epi64(x, 32), _mm512_set1_epi64(0x80000001));
             const __m512i re = _mm512_add_epi64(_mm512_mul_epi32(x, step.re), _mm512_mul_epi32(xi, step.im));
@@ -257,8 +244,6 @@ VspStatus updateLow(const Vsp32sc* const* src, const Vsp32sc* err, Vsp32sc* cons
                         scaleFactor);
         _mm512_mask_storeu_epi64(scratch + k, bands, pack(step.re, step.im));
         for (int t = 0; t < len; t++) {
-            prefetchNext(src[t] + k);
-            prefetchNext(coef[t] + k);
             const __m512i x = _mm512_maskz_loadu_epi64(bands, src[t] + k), c = _mm512_maskz_loadu_epi64(bands, coef[t] + k);
             const __m512i conj = _mm512_sub_epi64(_mm512_setzero_si512(), _mm512_srli_epi64(x, 32));
             const __m512i re = _mm512_sub_epi64(_mm512_mul_epi32(x, step.re), _mm512_mul_epi32(conj, step.im));

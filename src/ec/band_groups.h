@@ -13,11 +13,19 @@ VSP_INLINE void forBandGroups(Vsp32s first, Vsp32s end, Op op) {
     if constexpr (V::width > 1) forBandGroups<Half<V>>(k, end, op);
 }
 
-// Asks for what follows a group in its vector, without reading it. Vectors of thousands of bands do not stay in the
-// first-level cache, and the groups go through all vectors before they come to the next bands.
+// Whether the taps of so many bands exceed what stays in the caches near the processor.
+VSP_INLINE bool isLarge(Vsp32s len, Vsp32s numSubbands) { return len * numSubbands > 0x8000; }
+
+// Asks for what follows a group in its vector, without reading it: the groups go through all vectors before they come to
+// the next bands.
 VSP_INLINE void prefetchNext(const void* group) {
     constexpr unsigned long kAhead = 128;  // two groups of the widest vectors
     __builtin_prefetch(reinterpret_cast<const void*>(reinterpret_cast<unsigned long>(group) + kAhead), 0, 2);
+}
+VSP_INLINE void prefetchNext(bool large, const void* src, const void* coef) {
+    if (!large) return;
+    prefetchNext(src);
+    prefetchNext(coef);
 }
 
 }  // namespace vsp::VSP_LEVEL

@@ -11,11 +11,11 @@ VspStatus vspsFIRSubband_EC_32fc(const Vsp32fc* const* ppSrc, const Vsp32fc* con
     if (anyNull(ppSrc, ppCoef, pDst)) return vspStsNullPtrErr;
     if (numSubbands < 1 || numSubbands > kMaxSubbands) return vspStsCountRangeErr;
     if (len < 1 || len > kMaxSubbandTaps) return vspStsRangeErr;
+    const bool large = isLarge(len, numSubbands);
     forBandGroups<F64>(0, numSubbands, [=]<class V>(Vsp32s k) {
         NarrowBands<V> sum = {};
         for (Vsp32s t = 0; t < len; t++) {
-            prefetchNext(ppSrc[t] + k);
-            prefetchNext(ppCoef[t] + k);
+            prefetchNext(large, ppSrc[t] + k, ppCoef[t] + k);
             const Complex<V> product = mul(loadBands<V>(ppSrc[t] + k), loadBands<V>(ppCoef[t] + k));
             sum = add(sum, {narrow(product.re), narrow(product.im)});
         }

@@ -12,6 +12,7 @@ struct Filters {
     const Vsp32sc* const* src;
     const Vsp32sc* const* coef;
     Vsp32s len;
+    bool large;
 };
 
 template <class V>
@@ -24,8 +25,7 @@ struct Sums {
 template <class V, class Op>
 VSP_INLINE void forProducts(Filters filters, Vsp32s k, Op op) {
     for (Vsp32s t = 0; t < filters.len; t++) {
-        prefetchNext(filters.src[t] + k);
-        prefetchNext(filters.coef[t] + k);
+        prefetchNext(filters.large, filters.src[t] + k, filters.coef[t] + k);
         const V x = loadBands<V>(filters.src[t] + k), c = loadBands<V>(filters.coef[t] + k);
         const V xi = imaginary(x), ci = imaginary(c);
         op(mulLo(x, c), mulLo(xi, ci), mulLo(x, ci), mulLo(xi, c));
@@ -90,8 +90,9 @@ VspStatus vspsFIRSubband_EC_32sc_Sfs(const Vsp32sc* const* ppSrc, const Vsp32sc*
     if (numSubbands < 1 || numSubbands > kMaxSubbands) return vspStsCountRangeErr;
     if (len < 1 || len > kMaxSubbandTaps) return vspStsRangeErr;
     if (scaleFactor < -kMaxSubbandScale || scaleFactor > kMaxSubbandScale) return vspStsRangeErr;
+    const bool large = isLarge(len, numSubbands);
     forBandGroups<S64>(0, numSubbands, [=]<class V>(Vsp32s k) {
-        const Sums<V> sum = sums<V>({ppSrc, ppCoef, len}, k);
+        const Sums<V> sum = sums<V>({ppSrc, ppCoef, len, large}, k);
         storeBands(scaleFactor > 0 ? packSat(divided(sum.re, scaleFactor), divided(sum.im, scaleFactor))
                                    : packSat(multiplied(sum.re, -scaleFactor), multiplied(sum.im, -scaleFactor)),
                    pDst + k);
@@ -106,8 +107,9 @@ VspStatus vspsFIRSubbandLow_EC_32sc_Sfs(const Vsp32sc* const* ppSrc, const Vsp32
     if (firstBand < 0 || firstBand > numSubbands) return vspStsRangeErr;
     if (numSubbands < 1 || numSubbands > kMaxSubbands) return vspStsCountRangeErr;
     if (scaleFactor < 0 || scaleFactor > kMaxSubbandScale) return vspStsRangeErr;
+    const bool large = isLarge(len, numSubbands);
     forBandGroups<S64>(firstBand, numSubbands, [=]<class V>(Vsp32s k) {
-        const Sums<V> sum = wrappingSums<V>({ppSrc, ppCoef, len}, k);
+        const Sums<V> sum = wrappingSums<V>({ppSrc, ppCoef, len, large}, k);
         storeBands(packLo(shrU(sum.re, scaleFactor), shrU(sum.im, scaleFactor)), pDst + k);
     });
     return vspStsNoErr;

@@ -17,7 +17,7 @@ VSP_INLINE bool anyNegative(const Vsp64f* stepSize, Vsp32s numSubbands) {
 // Some taps of a group of bands. Each vector of the reference is converted once for all of them.
 template <class V, int taps>
 VSP_INLINE void projectTaps(const Vsp64f* const* ppStepSize, const Vsp32fc* const* ppSrc, const Vsp32fc* const* ppErr,
-                            Vsp32fc* const* ppCoef, unsigned long order, Vsp64f g, Vsp32s k) {
+                            Vsp32fc* const* ppCoef, unsigned long order, Vsp64f g, Vsp32s k, bool large) {
     Complex<V> sum[taps] = {}, src[taps] = {};
     for (int t = 1; t < taps; t++) src[t] = loadBands<V>(ppSrc[t - 1] + k);
     for (unsigned long j = 0; j < order; j++) {
@@ -28,8 +28,7 @@ VSP_INLINE void projectTaps(const Vsp64f* const* ppStepSize, const Vsp32fc* cons
         for (int t = 0; t < taps; t++) sum[t] = add(sum[t], scale(mulConj(err, src[t]), stepSize));
     }
     for (int t = 0; t < taps; t++) {
-        prefetchNext(ppSrc[t] + k);
-        prefetchNext(ppCoef[t] + k);
+        prefetchNext(large, ppSrc[t] + k, ppCoef[t] + k);
         addToBands(scale(sum[t], V::splat(g)), ppCoef[t] + k);
     }
 }
@@ -42,11 +41,11 @@ VspStatus vspsFIRSubbandCoeffUpdate_EC_32fc_I(const Vsp64f* pStepSize, const Vsp
     if (numSubbands < 1 || numSubbands > kMaxSubbands) return vspStsCountRangeErr;
     if (len < 1 || len > kMaxSubbandTaps) return vspStsRangeErr;
     if (anyNegative(pStepSize, numSubbands)) return vspStsSizeErr;
+    const bool large = isLarge(len, numSubbands);
     forBandGroups<F64>(0, numSubbands, [=]<class V>(Vsp32s k) {
         const Complex<V> scaledErr = scale(loadBands<V>(pErr + k), loadSteps<V>(pStepSize + k));
         for (Vsp32s t = 0; t < len; t++) {
-            prefetchNext(ppSrc[t] + k);
-            prefetchNext(ppCoef[t] + k);
+            prefetchNext(large, ppSrc[t] + k, ppCoef[t] + k);
             addToBands(mulConj(scaledErr, loadBands<V>(ppSrc[t] + k)), ppCoef[t] + k);
         }
     });
@@ -60,11 +59,13 @@ VspStatus vspsFIRSubbandAPCoeffUpdate_EC_32fc_I(const Vsp64f* const* ppStepSize,
     if (numSubbands < 1 || numSubbands > Vsp32u(kMaxSubbands)) return vspStsCountRangeErr;
     if (len < 1 || len > Vsp32u(kMaxSubbandTaps) || order < 1) return vspStsRangeErr;
     const Vsp64f g = 1.0f / Vsp32f(order);
+    const bool large = isLarge(Vsp32s(len), Vsp32s(numSubbands));
     forBandGroups<F64>(0, Vsp32s(numSubbands), [=]<class V>(Vsp32s k) {
         constexpr int kTaps = V::width == 8 ? 4 : 2;  // at a time, as the registers allow
         Vsp32u t = 0;
-        for (; t + kTaps <= len; t += kTaps) projectTaps<V, kTaps>(ppStepSize, ppSrc + t, ppErr, ppCoef + t, order, g, k);
-        for (; t < len; t++) projectTaps<V, 1>(ppStepSize, ppSrc + t, ppErr, ppCoef + t, order, g, k);
+        for (; t + kTaps <= len; t += kTaps)
+            projectTaps<V, kTaps>(ppStepSize, ppSrc + t, ppErr, ppCoef + t, order, g, k, large);
+        for (; t < len; t++) projectTaps<V, 1>(ppStepSize, ppSrc + t, ppErr, ppCoef + t, order, g, k, large);
     });
     return vspStsNoErr;
 }

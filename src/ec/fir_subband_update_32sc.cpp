@@ -93,14 +93,14 @@ struct Filters {
     const Vsp32sc* const* src;
     Vsp32sc* const* coef;
     Vsp32s len;
+    bool large;
 };
 
 template <class Kind, bool someLeft, class V>
 VSP_INLINE void updateTaps(Filters filters, Vsp32s k, Parts<V> me, const Shifts<V>& shifts) {
     for (Vsp32s t = 0; t < filters.len; t++) {
         Vsp32sc* const coef = filters.coef[t] + k;
-        prefetchNext(filters.src[t] + k);
-        prefetchNext(coef);
+        prefetchNext(filters.large, filters.src[t] + k, coef);
         const Parts<V> update = Kind::product(loadBands<V>(filters.src[t] + k), me);
         storeBands(Kind::template added<someLeft>(loadBands<V>(coef), update, shifts), coef);
     }
@@ -134,10 +134,11 @@ VspStatus vspsFIRSubbandCoeffUpdate_EC_32sc_I(const Vsp32sc* pStepSize, const Vs
     if (len < 1 || len > kMaxSubbandTaps) return vspStsRangeErr;
     if (scaleFactor < 0 || scaleFactor > kMaxSubbandScale) return vspStsRangeErr;
     if (anyNegativeMantissa(pStepSize, numSubbands)) return vspStsSizeErr;
+    const bool large = isLarge(len, numSubbands);
     forBandGroups<S64>(0, numSubbands, [=]<class V>(Vsp32s k) {
         const V err = loadBands<V>(pErr + k), stepSize = loadBands<V>(pStepSize + k);
         const Parts<V> me = {mulQ31(err, stepSize), mulQ31(imaginary(err), stepSize)};
-        update<Full>({ppSrc, ppCoef, len}, k, me, stepSize, scaleFactor);
+        update<Full>({ppSrc, ppCoef, len, large}, k, me, stepSize, scaleFactor);
     });
     return vspStsNoErr;
 }
@@ -150,11 +151,12 @@ VspStatus vspsFIRSubbandLowCoeffUpdate_EC_32sc_I(const Vsp32sc* const* ppSrc, co
     if (firstBand < 0 || firstBand > numSubbands) return vspStsRangeErr;
     if (numSubbands < 1 || numSubbands > kMaxSubbands) return vspStsCountRangeErr;
     if (scaleFactor < 0 || scaleFactor > kMaxSubbandScale) return vspStsRangeErr;
+    const bool large = isLarge(len, numSubbands);
     forBandGroups<S64>(firstBand, numSubbands, [=]<class V>(Vsp32s k) {
         const V err = loadBands<V>(pErr + k), stepSize = loadBands<V>(pStepSize + k);
         const Parts<V> me = {mulQ31(err, stepSize), mulQ31(imaginary(err), stepSize)};
         storeBands(packLo(me.re, me.im), pScratch + k);
-        update<Low>({ppSrc, ppCoef, len}, k, me, stepSize, scaleFactor);
+        update<Low>({ppSrc, ppCoef, len, large}, k, me, stepSize, scaleFactor);
     });
     return vspStsNoErr;
 }
