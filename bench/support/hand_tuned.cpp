@@ -4,6 +4,7 @@
 
 #include "common/tables.h"
 #include "ec/hand_tuned_subband.h"
+#include "ec/hand_tuned_full_band.h"
 #include "support/bench.h"
 
 namespace {
@@ -282,5 +283,6 @@ const vsp::Api bench::kApi_handTuned = [] {
     api.vspsRandomNoiseExcitation_G729B_16s = randomNoise;
     api.vspsAutoCorrLagMax_Inv_16s = lagScan;
     addHandTunedSubband(api);
+    addHandTunedFullBand(api);
     return api;
 }();

@@ -2,6 +2,7 @@
 // Arguments are taken as valid.
 #include "common/basic_ops.h"
 #include "ec/scalar_subband.h"
+#include "ec/scalar_full_band.h"
 #include "g729/scalar_g729.h"
 #include "gsmamr/definitions.h"
 #include "support/bench.h"
@@ -171,6 +172,7 @@ const vsp::Api bench::kApi_scalar = [] {
     api.vspsRandomNoiseExcitation_G729B_16s = randomNoise;
     addScalarG729(api);
     addScalarSubband(api);
+    addScalarFullBand(api);
     api.vspsVAD1_GSMAMR_16s = vad1;
     api.vspsVAD2_GSMAMR_16s = vad2;
     api.vspsFFTFwd_RToPerm_GSMAMR_16s_I = fft128;

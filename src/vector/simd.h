@@ -201,6 +201,20 @@ VSP_SHUFFLE_BYTES(swapInPairs, 2, 3, 0, 1, 6, 7, 4, 5, 10, 11, 8, 9, 14, 15, 12,
 VSP_SHUFFLE_BYTES(pairHalves, 0, 1, 8, 9, 2, 3, 10, 11, 4, 5, 12, 13, 6, 7, 14, 15)   // a[0], a[4], a[1], a[5], ...
 #undef VSP_SHUFFLE_BYTES
 
+// The elements in reverse order.
+VSP_INLINE S16_128 reversed(S16_128 a) {
+    return {_mm_shuffle_epi8(a.v, _mm_setr_epi8(14, 15, 12, 13, 10, 11, 8, 9, 6, 7, 4, 5, 2, 3, 0, 1))};
+}
+VSP_IF_256(VSP_INLINE S16_256 reversed(S16_256 a) {
+    const __m128i lo = reversed(S16_128{_mm256_castsi256_si128(a.v)}).v;
+    const __m128i hi = reversed(S16_128{_mm256_extracti128_si256(a.v, 1)}).v;
+    return {_mm256_inserti128_si256(_mm256_castsi128_si256(hi), lo, 1)};
+})
+VSP_INLINE F32_128 reversed(F32_128 a) { return {_mm_shuffle_ps(a.v, a.v, 0x1B)}; }
+VSP_IF_256(VSP_INLINE F32_256 reversed(F32_256 a) {
+    return {_mm256_permutevar8x32_ps(a.v, _mm256_setr_epi32(7, 6, 5, 4, 3, 2, 1, 0))};
+})
+
 // a[0], b[0], a[1], b[1], ... saturated.
 template <class V32>
 VSP_INLINE auto packSatAlternating(V32 a, V32 b) {
@@ -269,6 +283,16 @@ template <class V>
 VSP_INLINE auto sum(V a) {
     return sum(foldSum(a));
 }
+
+// The sums of four vectors, each of which wraps.
+VSP_INLINE S32_128 sums(S32_128 a, S32_128 b, S32_128 c, S32_128 d) {
+    const __m128i ab = add(zipLo(a, b), zipHi(a, b)).v, cd = add(zipLo(c, d), zipHi(c, d)).v;
+    return {_mm_add_epi32(_mm_unpacklo_epi64(ab, cd), _mm_unpackhi_epi64(ab, cd))};
+}
+VSP_IF_256(VSP_INLINE S32_128 sums(S32_256 a, S32_256 b, S32_256 c, S32_256 d) {
+    const __m256i ab = add(zipLo(a, b), zipHi(a, b)).v, cd = add(zipLo(c, d), zipHi(c, d)).v;
+    return foldSum(S32_256{_mm256_add_epi32(_mm256_unpacklo_epi64(ab, cd), _mm256_unpackhi_epi64(ab, cd))});
+})
 
 VSP_INLINE Vsp16u largestU(S16_128 a) {
     return Vsp16u(~_mm_cvtsi128_si32(_mm_minpos_epu16(_mm_xor_si128(a.v, _mm_set1_epi16(-1)))));
