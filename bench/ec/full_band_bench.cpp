@@ -51,12 +51,14 @@ bool addNlms(const char* name, Function vsp::Api::*member, auto makeSignals) {
 
 void additions(benchmark::State& state, int numTaps) {
     static Signals_32f s = make_32f();
-    for (auto _ : state)
+    Vsp32f y = 0;
+    for (auto _ : state) {
         for (int n = 0; n < kFrame; n++) {
-            Vsp32f y = 0;
             for (int k = 0; k < numTaps; k++) y += s.taps[k];
-            benchmark::DoNotOptimize(y);
+            benchmark::ClobberMemory();
         }
+        benchmark::DoNotOptimize(y);
+    }
 }
 
 bool addBound() {

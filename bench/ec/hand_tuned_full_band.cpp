@@ -61,39 +61,41 @@ VspStatus fir(const Vsp16s* ref, const Vsp16s* near, Vsp16s* dst, Vsp32s len, co
 
 constexpr int kMaxReference = 8192;
 
+Vsp32s sum(__m256i x) {
+    const __m128i half = _mm_add_epi32(_mm256_castsi256_si128(x), _mm256_extracti128_si256(x, 1));
+    const __m128i pair = _mm_add_epi32(half, _mm_unpackhi_epi64(half, half));
+    return _mm_cvtsi128_si32(_mm_add_epi32(pair, _mm_shuffle_epi32(pair, 1)));
+}
+
 // The reference backwards in a scratch array, so that taps and reference run in the same direction. Updates by 16-bit
 // multiplication where they fit. Not for taps of -32768.
 VspStatus nlms(const Vsp16s* ref, const Vsp16s* near, const Vsp32s* step, Vsp16s* dst, Vsp32s len, Vsp16s* taps,
                Vsp32s numTaps, Vsp16s* scaledErr) {
     Vsp16s backwards[kMaxReference];
     for (int i = 0; i < len + numTaps; i++) backwards[i] = ref[len - 1 - i];
-    const __m512i one = _mm512_set1_epi16(1);
+    const auto load = [](const Vsp16s* p) { return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)); };
     Vsp32s w = *scaledErr;
     for (int n = 0; n < len; n++) {
         const Vsp16s* now = backwards + (len - 1 - n);
-        __m512i sums[2] = {_mm512_setzero_si512(), _mm512_setzero_si512()};
-        const auto filter = [&](int k, __m512i tap) {
-            _mm512_storeu_si512(taps + k, tap);
-            const __m512i terms = _mm512_mulhrs_epi16(tap, _mm512_loadu_si512(now + k));
-            sums[k / 32 % 2] = _mm512_add_epi32(sums[k / 32 % 2], _mm512_madd_epi16(terms, one));
+        __m256i y = _mm256_setzero_si256();
+        const auto filter = [&](int k, __m256i tap) {
+            _mm256_storeu_si256(reinterpret_cast<__m256i*>(taps + k), tap);
+            y = _mm256_add_epi32(y, _mm256_madd_epi16(_mm256_mulhrs_epi16(tap, load(now + k)), _mm256_set1_epi16(1)));
         };
         if (w >= -8191 && w <= 8191) {
-            const __m512i factor = _mm512_set1_epi16(Vsp16s(4 * w));
-            for (int k = 0; k < numTaps; k += 32)
-                filter(k, _mm512_adds_epi16(_mm512_loadu_si512(taps + k),
-                                            _mm512_mulhrs_epi16(_mm512_loadu_si512(now + k + 1), factor)));
+            const __m256i factor = _mm256_set1_epi16(Vsp16s(4 * w));
+            for (int k = 0; k < numTaps; k += 32) {
+                filter(k, _mm256_adds_epi16(load(taps + k), _mm256_mulhrs_epi16(load(now + k + 1), factor)));
+                filter(k + 16, _mm256_adds_epi16(load(taps + k + 16), _mm256_mulhrs_epi16(load(now + k + 17), factor)));
+            }
         } else {
-            const auto updated = [&](int k) {
-                const __m512i x = _mm512_cvtepi16_epi32(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(now + k + 1)));
-                const __m512i tap = _mm512_cvtepi16_epi32(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(taps + k)));
-                const __m512i product = _mm512_mullo_epi32(x, _mm512_set1_epi32(w));
-                return _mm512_cvtsepi32_epi16(
-                    _mm512_add_epi32(tap, _mm512_srai_epi32(_mm512_add_epi32(product, _mm512_set1_epi32(4096)), 13)));
-            };
-            for (int k = 0; k < numTaps; k += 32)
-                filter(k, _mm512_inserti64x4(_mm512_castsi256_si512(updated(k)), updated(k + 16), 1));
+            for (int k = 0; k < numTaps; k += 16) {
+                const __m512i product = _mm512_mullo_epi32(_mm512_cvtepi16_epi32(load(now + k + 1)), _mm512_set1_epi32(w));
+                const __m512i update = _mm512_srai_epi32(_mm512_add_epi32(product, _mm512_set1_epi32(4096)), 13);
+                filter(k, _mm512_cvtsepi32_epi16(_mm512_add_epi32(_mm512_cvtepi16_epi32(load(taps + k)), update)));
+            }
         }
-        const Vsp32s e = near[n] - _mm512_reduce_add_epi32(_mm512_add_epi32(sums[0], sums[1]));
+        const Vsp32s e = near[n] - sum(y);
         dst[n] = Vsp16s(e > 32767 ? 32767 : e < -32768 ? -32768 : e);
         w = Vsp32s(Vsp32u(dst[n]) * Vsp32u(step[n]) + 1024) >> 11;
     }

@@ -9,38 +9,6 @@ namespace vsp::VSP_LEVEL {
 
 namespace {
 
-// --- Floating point ------------------------------------------------------------------------------------------------------
-
-// The sum has its order, so one addition waits for the other. Updates and products run ahead of it in vectors.
-constexpr int kAhead = 32;
-
-VSP_INLINE void updateAndMultiply(const Vsp32f* ref, Vsp32f w, Vsp32f* taps, Vsp32f* products) {
-    using V = Sliding32f;
-    const V factor = V::splat(w);
-    for (int k = 0; k < kAhead; k += V::width) {
-        const Vsp32f* oldest = ref - k - V::width;
-        const V tap = add(V::load(taps + k), mul(factor, reversed(V::load(oldest))));
-        tap.store(taps + k);
-        mul(reversed(V::load(oldest + 1)), tap).store(products + k);
-    }
-}
-
-VSP_INLINE Vsp32f updateAndFilter(const Vsp32f* ref, Vsp32f w, Vsp32f* taps, Vsp32s numTaps) {
-    Vsp32f y = 0;
-    Vsp32s k = 0;
-    for (; k + kAhead <= numTaps; k += kAhead) {
-        Vsp32f products[kAhead];
-        updateAndMultiply(ref - k, w, taps + k, products);
-        for (const Vsp32f product : products) y += product;
-    }
-    for (; k < numTaps; k++) {
-        taps[k] += w * ref[-k - 1];
-        y += ref[-k] * taps[k];
-    }
-    return y;
-}
-
-// --- Fixed point ---------------------------------------------------------------------------------------------------------
 // In vectors the taps lie in reverse order, so that they run in the direction of the reference.
 
 void reverse(Vsp16s* x, Vsp32s n) {
@@ -125,7 +93,12 @@ VspStatus vspsNLMS_EC_32f(const Vsp32f* pRef, const Vsp32f* pNear, const Vsp32f*
     if (len < 1 || numTaps < 1) return vspStsBadArgErr;
     Vsp32f w = *pScaledErr;
     for (Vsp32s n = 0; n < len; n++) {
-        pDst[n] = pNear[n] - updateAndFilter(pRef + n, w, pTaps, numTaps);
+        Vsp32f y = 0;  // one addition after the other takes so long that vectors gain nothing
+        for (Vsp32s k = 0; k < numTaps; k++) {
+            pTaps[k] += w * pRef[n - k - 1];
+            y += pRef[n - k] * pTaps[k];
+        }
+        pDst[n] = pNear[n] - y;
         w = pDst[n] * pStepSize[n];
     }
     *pScaledErr = w;

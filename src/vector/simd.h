@@ -210,10 +210,6 @@ VSP_IF_256(VSP_INLINE S16_256 reversed(S16_256 a) {
     const __m128i hi = reversed(S16_128{_mm256_extracti128_si256(a.v, 1)}).v;
     return {_mm256_inserti128_si256(_mm256_castsi128_si256(hi), lo, 1)};
 })
-VSP_INLINE F32_128 reversed(F32_128 a) { return {_mm_shuffle_ps(a.v, a.v, 0x1B)}; }
-VSP_IF_256(VSP_INLINE F32_256 reversed(F32_256 a) {
-    return {_mm256_permutevar8x32_ps(a.v, _mm256_setr_epi32(7, 6, 5, 4, 3, 2, 1, 0))};
-})
 
 // a[0], b[0], a[1], b[1], ... saturated.
 template <class V32>
