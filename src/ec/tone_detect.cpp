@@ -5,6 +5,7 @@
 #include "core/level.h"
 #include "ec/align.h"
 #include "ec/tables.h"
+#include "vector/simd.h"
 
 namespace vsp::VSP_LEVEL {
 
@@ -40,17 +41,167 @@ static_assert(sizeof(State_16s) == 56);
 
 constexpr bool supported(Vsp32s rate) { return rate == 8000 || rate == 16000; }
 
-// A sample at which the power at 2100 Hz is low. Tells whether it is the second or a later reversal.
+// The signal is taken in blocks: what depends on the input alone in vectors, then the recursions sample by sample, then
+// what the powers tell.
+constexpr int kBlock = 32;
+
+#if defined(__AVX2__)
+using Doubles = F64_256;
+#else
+using Doubles = F64_128;
+#endif
+
+// One bit for each sample of a block: the tone is there; it is low; so low that a tone before it may have been reversed.
+struct Classes {
+    Vsp32u tone = 0, low = 0, deep = 0;
+};
+
+VSP_INLINE int lowestOne(Vsp32u bits) { return bits == 0 ? kBlock : __builtin_ctz(bits); }
+
+// Counts some samples at which the tone is low. Tells whether a second or later reversal is among them.
 template <class State>
-VSP_INLINE bool countDip(State& s, bool deep) {
+VSP_INLINE bool countLow(State& s, int samples, Vsp32u deep) {
+    const Vsp32s untilCleared = s.maxDip - s.dip;
+    const Vsp32s reversal = s.minRun < s.run && s.run < s.maxRun ? lowestOne(deep) : kBlock;
     bool flag = false;
-    if (deep && s.minRun < s.run && s.run < s.maxRun) {
-        s.reversals++;
-        flag = s.reversals >= 2;
+    if (reversal < samples && reversal <= untilCleared) {
+        flag = s.reversals >= 1;
+        s.reversals = flag ? 2 : 1;
         s.run = 0;
     }
-    s.dip++;
-    if (s.dip > s.maxDip) s.reversals = s.dip = s.run = 0;
+    s.dip += samples;
+    if (samples > untilCleared) {
+        s.reversals = s.run = 0;
+        s.dip = samples - 1 - untilCleared;
+    }
+    return flag;
+}
+
+// Counts the first samples of a block, stretch by stretch.
+template <class State>
+VSP_INLINE bool countSamples(State& s, const Classes& c, int samples) {
+    bool flag = false;
+    for (int i = 0; i < samples;) {
+        const Vsp32u tone = c.tone >> i, low = c.low >> i;
+        const Vsp32u same = (tone & 1) != 0 ? tone : (low & 1) != 0 ? low : ~(tone | low);
+        const int end = lowestOne(~same), stretch = end < samples - i ? end : samples - i;
+        if ((tone & 1) != 0) {
+            s.run = s.run + stretch < s.maxRun ? s.run + stretch : s.maxRun;  // a longer one counts like this one
+            s.dip = 0;
+        } else if ((low & 1) != 0) {
+            flag |= countLow(s, stretch, c.deep >> i);
+        } else {
+            s.run = s.dip = 0;
+        }
+        i += stretch;
+    }
+    return flag;
+}
+
+VSP_INLINE Classes classify(const Vsp32f* powerIn, const Vsp32f* powerOut) {
+    Classes c;
+    for (int i = 0; i < kBlock; i += Sliding32f::width) {
+        const Sliding32f in = Sliding32f::load(powerIn + i), out = Sliding32f::load(powerOut + i);
+        c.tone |= greater(mul(Sliding32f::splat(10000), in), out) << i;
+        c.low |= greater(in, out) << i;
+    }
+    Vsp32u high = 0, audible = 0;
+    for (int i = 0; i < kBlock; i += Doubles::width) {
+        const Doubles in = loadDouble<Doubles>(powerIn + i), out = loadDouble<Doubles>(powerOut + i);
+        high |= greater(out, mul(Doubles::splat(0.8), in)) << i;
+        audible |= greater(out, mul(Doubles::splat(0.0008), in)) << i;
+        c.deep |= greater(mul(Doubles::splat(0.48), in), out) << i;
+    }
+    c.tone &= high;
+    c.low &= audible & ~c.tone;
+    return c;
+}
+
+// Products of the powers and the Q14 factors are exact.
+VSP_INLINE Classes classify(const Vsp32s* powerIn, const Vsp32s* powerOut) {
+    Classes c;
+    Vsp32u shallow = 0;
+    for (int i = 0; i < kBlock; i += Doubles::width) {
+        const Doubles in = loadDouble<Doubles>(powerIn + i), out = loadDouble<Doubles>(powerOut + i);
+        c.tone |= greater(out, mul(Doubles::splat(13107 / 16384.0), in)) << i;  // out > (13107 in) >> 14
+        shallow |= greater(add(out, Doubles::splat(1)), mul(Doubles::splat(7864 / 16384.0), in)) << i;
+    }
+    c.low = ~c.tone;
+    c.deep = ~shallow;  // out < (7864 in) >> 14
+    return c;
+}
+
+template <class T>
+VSP_INLINE void copy(const T* src, T* dst, int count) {
+    if (count == kBlock)
+        __builtin_memcpy(dst, src, sizeof(T) * kBlock);
+    else
+        for (int i = 0; i < count; i++) dst[i] = src[i];
+}
+
+bool detect(State_32f& s, const Vsp32f* src, Vsp32s len) {
+    const Vsp32f c0 = s.coeffs[0], c1 = s.coeffs[1], c2 = s.coeffs[2], c3 = s.coeffs[3];
+    const Vsp32f alpha = s.alpha, beta = 1 - alpha;
+    Vsp32f x[2 + kBlock] = {}, drive[kBlock], square[kBlock], powerIn[kBlock] = {}, powerOut[kBlock] = {};
+    bool flag = false;
+    for (Vsp32s n = 0; n < len; n += kBlock) {
+        const int count = len - n < kBlock ? len - n : kBlock;
+        x[0] = s.x2;
+        x[1] = s.x1;
+        copy(src + n, x + 2, count);
+        for (int i = 0; i < kBlock; i++) {
+            drive[i] = c0 * x[i + 2] + c1 * x[i];
+            square[i] = beta * (x[i + 2] * x[i + 2]);
+        }
+        for (int i = 0; i < count; i++) {
+            const Vsp32f y = drive[i] - c2 * s.y1 - c3 * s.y2;
+            s.y2 = s.y1;
+            s.y1 = y;
+            s.powerIn = powerIn[i] = alpha * s.powerIn + square[i];
+            s.powerOut = powerOut[i] = alpha * s.powerOut + beta * (y * y);
+        }
+        s.x1 = x[count + 1];
+        s.x2 = x[count];
+        flag |= countSamples(s, classify(powerIn, powerOut), count);
+    }
+    return flag;
+}
+
+bool detect(State_16s& s, const Vsp16s* src, Vsp32s len) {
+    const Vsp32s c0 = s.coeffs[0], c1 = s.coeffs[1], c2 = s.coeffs[2], c3 = s.coeffs[3];
+    const Vsp64s alpha = s.alpha, beta = 16384 - s.alpha;
+    Vsp16s x[2 + kBlock] = {};
+    Vsp32s drive[kBlock], y1 = s.y1, y2 = s.y2, powerIn[kBlock] = {}, powerOut[kBlock] = {};
+    Vsp64s square[kBlock], in = s.powerIn, out = s.powerOut;
+    bool flag = false;
+    for (Vsp32s n = 0; n < len; n += kBlock) {
+        const int count = len - n < kBlock ? len - n : kBlock;
+        x[0] = s.x2;
+        x[1] = s.x1;
+        copy(src + n, x + 2, count);
+        for (int i = 0; i < kBlock; i++) {
+            drive[i] = c0 * x[i + 2] + c1 * x[i] + 2048;
+            square[i] = x[i + 2] * x[i + 2] * beta;
+        }
+        for (int i = 0; i < count; i++) {
+            Vsp32s y = (drive[i] - c3 * y2 - c2 * y1) >> 12;
+            if (y != Vsp16s(y)) [[unlikely]]
+                y = sat_16s(y);
+            y2 = y1;
+            y1 = y;
+            in = (square[i] + in * alpha) >> 14;
+            out = (y * y * beta + out * alpha) >> 14;
+            powerIn[i] = Vsp32s(in);
+            powerOut[i] = Vsp32s(out);
+        }
+        s.x1 = x[count + 1];
+        s.x2 = x[count];
+        flag |= countSamples(s, classify(powerIn, powerOut), count);
+    }
+    s.y1 = Vsp16s(y1);
+    s.y2 = Vsp16s(y2);
+    s.powerIn = Vsp32s(in);
+    s.powerOut = Vsp32s(out);
     return flag;
 }
 
@@ -101,58 +252,14 @@ VspStatus vspsToneDetectInit_EC_16s(VspToneDetectState_EC_16s* pState, Vsp32s ra
 VspStatus vspsToneDetect_EC_32f(const Vsp32f* pSrc, Vsp32s len, Vsp32s* pFlag, VspToneDetectState_EC_32f* pState) {
     if (anyNull(pSrc, pFlag, pState)) return vspStsNullPtrErr;
     if (len < 1) return vspStsBadArgErr;
-    State_32f* const state = aligned<State_32f>(pState);
-    State_32f s = *state;
-    const Vsp32f c0 = s.coeffs[0], c1 = s.coeffs[1], c2 = s.coeffs[2], c3 = s.coeffs[3];
-    bool flag = false;
-    for (Vsp32s n = 0; n < len; n++) {
-        const Vsp32f x = pSrc[n], y = c0 * x + c1 * s.x2 - c2 * s.y1 - c3 * s.y2;
-        s.x2 = s.x1;
-        s.x1 = x;
-        s.y2 = s.y1;
-        s.y1 = y;
-        s.powerIn = s.alpha * s.powerIn + (1 - s.alpha) * (x * x);
-        s.powerOut = s.alpha * s.powerOut + (1 - s.alpha) * (y * y);
-        const Vsp64f in = s.powerIn, out = s.powerOut;
-        if (out > 0.8 * in && 10000 * s.powerIn > s.powerOut) {
-            s.run++;
-            s.dip = 0;
-        } else if (out > 0.0008 * in && in > out) {
-            flag |= countDip(s, out < 0.48 * in);
-        } else {
-            s.run = s.dip = 0;
-        }
-    }
-    *state = s;
-    *pFlag = flag;
+    *pFlag = detect(*aligned<State_32f>(pState), pSrc, len);
     return vspStsNoErr;
 }
 
 VspStatus vspsToneDetect_EC_16s(const Vsp16s* pSrc, Vsp32s len, Vsp32s* pFlag, VspToneDetectState_EC_16s* pState) {
     if (anyNull(pSrc, pFlag, pState)) return vspStsNullPtrErr;
     if (len < 1) return vspStsBadArgErr;
-    State_16s* const state = aligned<State_16s>(pState);
-    State_16s s = *state;
-    const Vsp32s c0 = s.coeffs[0], c1 = s.coeffs[1], c2 = s.coeffs[2], c3 = s.coeffs[3];
-    const Vsp64s alpha = s.alpha, beta = 16384 - s.alpha;
-    bool flag = false;
-    for (Vsp32s n = 0; n < len; n++) {
-        const Vsp16s x = pSrc[n], y = sat_16s((c1 * s.x2 - c2 * s.y1 - c3 * s.y2 + c0 * x + 2048) >> 12);
-        s.x2 = s.x1;
-        s.x1 = x;
-        s.y2 = s.y1;
-        s.y1 = y;
-        s.powerIn = Vsp32s((x * x * beta + s.powerIn * alpha) >> 14);
-        s.powerOut = Vsp32s((y * y * beta + s.powerOut * alpha) >> 14);
-        if (s.powerOut > (Vsp64s(s.powerIn) * 13107) >> 14) {  // 0.8
-            s.run++;
-            s.dip = 0;
-        } else {
-            flag |= countDip(s, s.powerOut < (Vsp64s(s.powerIn) * 7864) >> 14);  // 0.48
-        }
-    }
-    *state = s;
-    *pFlag = flag;
+    *pFlag = detect(*aligned<State_16s>(pState), pSrc, len);
     return vspStsNoErr;
 }
 

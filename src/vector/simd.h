@@ -185,6 +185,23 @@ VSP_INLINE V mulRound(V a, V b) {
     return subSat(add(mulRoundWrap(a, b), minusOne), minusOne);
 }
 
+// As many elements from p as V has, in double precision.
+template <class V>
+VSP_INLINE V loadDouble(const Vsp32f* p) {
+#if defined(__AVX2__)
+    if constexpr (V::width == 4) return {_mm256_cvtps_pd(_mm_loadu_ps(p))};
+#endif
+    if constexpr (V::width == 2)
+        return {_mm_cvtps_pd(_mm_castsi128_ps(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p))))};
+}
+template <class V>
+VSP_INLINE V loadDouble(const Vsp32s* p) {
+#if defined(__AVX2__)
+    if constexpr (V::width == 4) return {_mm256_cvtepi32_pd(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)))};
+#endif
+    if constexpr (V::width == 2) return {_mm_cvtepi32_pd(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)))};
+}
+
 // --- Pairs: 32-bit elements of two 16-bit ones -------------------------------------------------------------------------
 
 // The bytes of a pattern in every 128 bits.
@@ -293,5 +310,15 @@ VSP_IF_256(VSP_INLINE S32_128 sums(S32_256 a, S32_256 b, S32_256 c, S32_256 d) {
 VSP_INLINE Vsp16u largestU(S16_128 a) {
     return Vsp16u(~_mm_cvtsi128_si32(_mm_minpos_epu16(_mm_xor_si128(a.v, _mm_set1_epi16(-1)))));
 }
+
+// Bit i tells whether a[i] > b[i].
+VSP_INLINE unsigned greater(F32_128 a, F32_128 b) { return unsigned(_mm_movemask_ps(_mm_cmpgt_ps(a.v, b.v))); }
+VSP_INLINE unsigned greater(F64_128 a, F64_128 b) { return unsigned(_mm_movemask_pd(_mm_cmpgt_pd(a.v, b.v))); }
+VSP_IF_256(VSP_INLINE unsigned greater(F32_256 a, F32_256 b) {
+    return unsigned(_mm256_movemask_ps(_mm256_cmp_ps(a.v, b.v, _CMP_GT_OS)));
+})
+VSP_IF_256(VSP_INLINE unsigned greater(F64_256 a, F64_256 b) {
+    return unsigned(_mm256_movemask_pd(_mm256_cmp_pd(a.v, b.v, _CMP_GT_OS)));
+})
 
 }  // namespace vsp::VSP_LEVEL
