@@ -41,15 +41,9 @@ static_assert(sizeof(State_16s) == 56);
 
 constexpr bool supported(Vsp32s rate) { return rate == 8000 || rate == 16000; }
 
-// The signal is taken in blocks: what depends on the input alone in vectors, then the recursions sample by sample, then
-// what the powers tell.
-constexpr int kBlock = 32;
-
-#if defined(__AVX2__)
-using Doubles = F64_256;
-#else
-using Doubles = F64_128;
-#endif
+// The signal is taken in blocks, and these in groups: the recursions run sample by sample, what they give is classified a
+// group at a time, and then the stretches of samples of the same class are counted.
+constexpr int kBlock = 32, kGroup = 4;
 
 // One bit for each sample of a block: the tone is there; it is low; so low that a tone before it may have been reversed.
 struct Classes {
@@ -98,110 +92,148 @@ VSP_INLINE bool countSamples(State& s, const Classes& c, int samples) {
     return flag;
 }
 
-VSP_INLINE Classes classify(const Vsp32f* powerIn, const Vsp32f* powerOut) {
-    Classes c;
-    for (int i = 0; i < kBlock; i += Sliding32f::width) {
-        const Sliding32f in = Sliding32f::load(powerIn + i), out = Sliding32f::load(powerOut + i);
-        c.tone |= greater(mul(Sliding32f::splat(10000), in), out) << i;
-        c.low |= greater(in, out) << i;
-    }
-    Vsp32u high = 0, audible = 0;
-    for (int i = 0; i < kBlock; i += Doubles::width) {
-        const Doubles in = loadDouble<Doubles>(powerIn + i), out = loadDouble<Doubles>(powerOut + i);
-        high |= greater(out, mul(Doubles::splat(0.8), in)) << i;
-        audible |= greater(out, mul(Doubles::splat(0.0008), in)) << i;
-        c.deep |= greater(mul(Doubles::splat(0.48), in), out) << i;
-    }
-    c.tone &= high;
-    c.low &= audible & ~c.tone;
-    return c;
-}
+// A resonator and the powers of its input and output, in the registers of a call. filter() takes up to four samples, of
+// which four can be read.
+class Resonator_32f {
+  public:
+    explicit Resonator_32f(const State_32f& s)
+        : c0_(s.coeffs[0]),
+          c1_(s.coeffs[1]),
+          c2_(s.coeffs[2]),
+          c3_(s.coeffs[3]),
+          alpha_(s.alpha),
+          beta_(1 - s.alpha),
+          x1_(s.x1),
+          x2_(s.x2),
+          y1_(s.y1),
+          y2_(s.y2),
+          powerIn_(s.powerIn),
+          powerOut_(s.powerOut) {}
 
-// Products of the powers and the Q14 factors are exact.
-VSP_INLINE Classes classify(const Vsp32s* powerIn, const Vsp32s* powerOut) {
-    Classes c;
-    Vsp32u shallow = 0;
-    for (int i = 0; i < kBlock; i += Doubles::width) {
-        const Doubles in = loadDouble<Doubles>(powerIn + i), out = loadDouble<Doubles>(powerOut + i);
-        c.tone |= greater(out, mul(Doubles::splat(13107 / 16384.0), in)) << i;  // out > (13107 in) >> 14
-        shallow |= greater(add(out, Doubles::splat(1)), mul(Doubles::splat(7864 / 16384.0), in)) << i;
+    [[gnu::always_inline]] void keep(State_32f& s) const {
+        s.x1 = x1_;
+        s.x2 = x2_;
+        s.y1 = y1_;
+        s.y2 = y2_;
+        s.powerIn = powerIn_;
+        s.powerOut = powerOut_;
     }
-    c.low = ~c.tone;
-    c.deep = ~shallow;  // out < (7864 in) >> 14
-    return c;
-}
 
-template <class T>
-VSP_INLINE void copy(const T* src, T* dst, int count) {
-    if (count == kBlock)
-        __builtin_memcpy(dst, src, sizeof(T) * kBlock);
-    else
-        for (int i = 0; i < count; i++) dst[i] = src[i];
-}
+    [[gnu::always_inline]] Classes filter(const Vsp32f* x, int samples) {
+        Vsp32f in[kGroup] = {}, out[kGroup] = {};
+        for (int i = 0; i < samples; i++) {
+            const Vsp32f y = c0_ * x[i] + c1_ * x2_ - c2_ * y1_ - c3_ * y2_;
+            x2_ = x1_;
+            x1_ = x[i];
+            y2_ = y1_;
+            y1_ = y;
+            in[i] = powerIn_ = alpha_ * powerIn_ + beta_ * (x[i] * x[i]);
+            out[i] = powerOut_ = alpha_ * powerOut_ + beta_ * (y * y);
+        }
+        return classify(vectorOf(in), vectorOf(out));
+    }
 
-bool detect(State_32f& s, const Vsp32f* src, Vsp32s len) {
-    const Vsp32f c0 = s.coeffs[0], c1 = s.coeffs[1], c2 = s.coeffs[2], c3 = s.coeffs[3];
-    const Vsp32f alpha = s.alpha, beta = 1 - alpha;
-    Vsp32f x[2 + kBlock] = {}, drive[kBlock], square[kBlock], powerIn[kBlock] = {}, powerOut[kBlock] = {};
+  private:
+    [[gnu::always_inline]] static Classes classify(F32_128 in, F32_128 out) {
+        const FourDoubles wideIn = toDouble(in), wideOut = toDouble(out);
+        const auto part = [wideIn](Vsp64f factor) { return mul(FourDoubles::splat(factor), wideIn); };
+        Classes c;
+        c.tone = greater(wideOut, part(0.8)) & greater(mul(F32_128::splat(10000), in), out);
+        c.low = greater(wideOut, part(0.0008)) & greater(in, out) & ~c.tone;
+        c.deep = greater(part(0.48), wideOut);
+        return c;
+    }
+
+    const Vsp32f c0_, c1_, c2_, c3_, alpha_, beta_;
+    Vsp32f x1_, x2_, y1_, y2_, powerIn_, powerOut_;
+};
+
+class Resonator_16s {
+  public:
+    explicit Resonator_16s(const State_16s& s)
+        : c0_(s.coeffs[0]),
+          c2_(s.coeffs[2]),
+          c3_(s.coeffs[3]),
+          alpha_(S64_128::splat(s.alpha)),
+          beta_(S64_128::splat(16384 - s.alpha)),
+          x1_(s.x1),
+          x2_(s.x2),
+          y1_(s.y1),
+          y2_(s.y2),
+          powers_{_mm_set_epi64x(s.powerOut, s.powerIn)} {}
+
+    [[gnu::always_inline]] void keep(State_16s& s) const {
+        s.x1 = Vsp16s(x1_);
+        s.x2 = Vsp16s(x2_);
+        s.y1 = Vsp16s(y1_);
+        s.y2 = Vsp16s(y2_);
+        s.powerIn = Vsp32s(powers_.v[0]);
+        s.powerOut = Vsp32s(powers_.v[1]);
+    }
+
+    [[gnu::always_inline]] Classes filter(const Vsp16s* x, int samples) {
+        Vsp32s y[kGroup] = {};
+        for (int i = 0; i < samples; i++) {
+            y[i] = (c0_ * (x[i] - x2_) + 2048 - c3_ * y2_ - c2_ * y1_) >> 12;  // c1 is -c0
+            if (y[i] != Vsp16s(y[i])) [[unlikely]]
+                y[i] = sat_16s(y[i]);
+            x2_ = x1_;
+            x1_ = x[i];
+            y2_ = y1_;
+            y1_ = y[i];
+        }
+        const S32_128 wideX = loadFour(x), wideY = vectorOf(y), xx = mulLo(wideX, wideX), yy = mulLo(wideY, wideY);
+        const S64_128 evenX = mulLo(S64_128{xx.v}, beta_), oddX = mulLo(shrU(S64_128{xx.v}, 32), beta_);
+        const S64_128 evenY = mulLo(S64_128{yy.v}, beta_), oddY = mulLo(shrU(S64_128{yy.v}, 32), beta_);
+        S64_128 p[kGroup] = {zipLo(evenX, evenY), zipLo(oddX, oddY), zipHi(evenX, evenY), zipHi(oddX, oddY)};
+        for (int i = 0; i < samples; i++) p[i] = powers_ = shrU(add(p[i], mulLo(powers_, alpha_)), 14);
+        const auto four = [&p](auto zip) {
+            const auto two = [&](int i) { return S64_128{zip(S32_128{p[i].v}, S32_128{p[i + 1].v}).v}; };
+            return toDouble(S32_128{zipLo(two(0), two(2)).v});
+        };
+        return classify(four([](S32_128 a, S32_128 b) { return zipLo(a, b); }),
+                        four([](S32_128 a, S32_128 b) { return zipHi(a, b); }));
+    }
+
+  private:
+    // Products of the powers and the Q14 factors are exact.
+    [[gnu::always_inline]] static Classes classify(FourDoubles in, FourDoubles out) {
+        const auto part = [in](Vsp32s factor) { return mul(FourDoubles::splat(factor / 16384.0), in); };
+        Classes c;
+        c.tone = greater(out, part(13107));  // out > (13107 in) >> 14
+        c.low = ~c.tone & 0xF;
+        c.deep = ~greater(add(out, FourDoubles::splat(1)), part(7864)) & 0xF;  // out < (7864 in) >> 14
+        return c;
+    }
+
+    const Vsp32s c0_, c2_, c3_;
+    const S64_128 alpha_, beta_;
+    Vsp32s x1_, x2_, y1_, y2_;
+    S64_128 powers_;  // of input and output
+};
+
+template <class Resonator, class State, class T>
+bool detect(State& s, const T* src, Vsp32s len) {
+    Resonator resonator(s);
     bool flag = false;
     for (Vsp32s n = 0; n < len; n += kBlock) {
-        const int count = len - n < kBlock ? len - n : kBlock;
-        x[0] = s.x2;
-        x[1] = s.x1;
-        copy(src + n, x + 2, count);
-        for (int i = 0; i < kBlock; i++) {
-            drive[i] = c0 * x[i + 2] + c1 * x[i];
-            square[i] = beta * (x[i + 2] * x[i + 2]);
+        const int count = len - n < kBlock ? len - n : kBlock, whole = count & -kGroup;
+        Classes block;
+        const auto addGroup = [&](int i, const T* x, int samples) {
+            const Classes group = resonator.filter(x, samples);
+            block.tone |= group.tone << i;
+            block.low |= group.low << i;
+            block.deep |= group.deep << i;
+        };
+        for (int i = 0; i < whole; i += kGroup) addGroup(i, src + n + i, kGroup);
+        if (whole < count) {
+            T rest[kGroup] = {};
+            for (int i = whole; i < count; i++) rest[i - whole] = src[n + i];
+            addGroup(whole, rest, count - whole);
         }
-        for (int i = 0; i < count; i++) {
-            const Vsp32f y = drive[i] - c2 * s.y1 - c3 * s.y2;
-            s.y2 = s.y1;
-            s.y1 = y;
-            s.powerIn = powerIn[i] = alpha * s.powerIn + square[i];
-            s.powerOut = powerOut[i] = alpha * s.powerOut + beta * (y * y);
-        }
-        s.x1 = x[count + 1];
-        s.x2 = x[count];
-        flag |= countSamples(s, classify(powerIn, powerOut), count);
+        flag |= countSamples(s, block, count);
     }
-    return flag;
-}
-
-bool detect(State_16s& s, const Vsp16s* src, Vsp32s len) {
-    const Vsp32s c0 = s.coeffs[0], c1 = s.coeffs[1], c2 = s.coeffs[2], c3 = s.coeffs[3];
-    const Vsp64s alpha = s.alpha, beta = 16384 - s.alpha;
-    Vsp16s x[2 + kBlock] = {};
-    Vsp32s drive[kBlock], y1 = s.y1, y2 = s.y2, powerIn[kBlock] = {}, powerOut[kBlock] = {};
-    Vsp64s square[kBlock], in = s.powerIn, out = s.powerOut;
-    bool flag = false;
-    for (Vsp32s n = 0; n < len; n += kBlock) {
-        const int count = len - n < kBlock ? len - n : kBlock;
-        x[0] = s.x2;
-        x[1] = s.x1;
-        copy(src + n, x + 2, count);
-        for (int i = 0; i < kBlock; i++) {
-            drive[i] = c0 * x[i + 2] + c1 * x[i] + 2048;
-            square[i] = x[i + 2] * x[i + 2] * beta;
-        }
-        for (int i = 0; i < count; i++) {
-            Vsp32s y = (drive[i] - c3 * y2 - c2 * y1) >> 12;
-            if (y != Vsp16s(y)) [[unlikely]]
-                y = sat_16s(y);
-            y2 = y1;
-            y1 = y;
-            in = (square[i] + in * alpha) >> 14;
-            out = (y * y * beta + out * alpha) >> 14;
-            powerIn[i] = Vsp32s(in);
-            powerOut[i] = Vsp32s(out);
-        }
-        s.x1 = x[count + 1];
-        s.x2 = x[count];
-        flag |= countSamples(s, classify(powerIn, powerOut), count);
-    }
-    s.y1 = Vsp16s(y1);
-    s.y2 = Vsp16s(y2);
-    s.powerIn = Vsp32s(in);
-    s.powerOut = Vsp32s(out);
+    resonator.keep(s);
     return flag;
 }
 
@@ -252,14 +284,14 @@ VspStatus vspsToneDetectInit_EC_16s(VspToneDetectState_EC_16s* pState, Vsp32s ra
 VspStatus vspsToneDetect_EC_32f(const Vsp32f* pSrc, Vsp32s len, Vsp32s* pFlag, VspToneDetectState_EC_32f* pState) {
     if (anyNull(pSrc, pFlag, pState)) return vspStsNullPtrErr;
     if (len < 1) return vspStsBadArgErr;
-    *pFlag = detect(*aligned<State_32f>(pState), pSrc, len);
+    *pFlag = detect<Resonator_32f>(*aligned<State_32f>(pState), pSrc, len);
     return vspStsNoErr;
 }
 
 VspStatus vspsToneDetect_EC_16s(const Vsp16s* pSrc, Vsp32s len, Vsp32s* pFlag, VspToneDetectState_EC_16s* pState) {
     if (anyNull(pSrc, pFlag, pState)) return vspStsNullPtrErr;
     if (len < 1) return vspStsBadArgErr;
-    *pFlag = detect(*aligned<State_16s>(pState), pSrc, len);
+    *pFlag = detect<Resonator_16s>(*aligned<State_16s>(pState), pSrc, len);
     return vspStsNoErr;
 }
 

@@ -157,9 +157,12 @@ VSP_UNARY(magnitude, S32, S32, abs_epi32)
 VSP_BINARY(zipLo, S32, S32, unpacklo_epi32)
 VSP_BINARY(zipHi, S32, S32, unpackhi_epi32)
 
+VSP_BINARY(mulLo, S32, S32, mullo_epi32)
 VSP_BINARY(add, S64, S64, add_epi64)
 VSP_BINARY(sub, S64, S64, sub_epi64)
 VSP_BINARY(mulLo, S64, S64, mul_epi32)  // the exact product of the signed lower halves
+VSP_BINARY(zipLo, S64, S64, unpacklo_epi64)
+VSP_BINARY(zipHi, S64, S64, unpackhi_epi64)
 VSP_SHIFT(shl, S64, sll_epi64)
 VSP_SHIFT(shrU, S64, srl_epi64)
 
@@ -183,23 +186,6 @@ template <class V>
 VSP_INLINE V mulRound(V a, V b) {
     const V minusOne = V::splat(-1);
     return subSat(add(mulRoundWrap(a, b), minusOne), minusOne);
-}
-
-// As many elements from p as V has, in double precision.
-template <class V>
-VSP_INLINE V loadDouble(const Vsp32f* p) {
-#if defined(__AVX2__)
-    if constexpr (V::width == 4) return {_mm256_cvtps_pd(_mm_loadu_ps(p))};
-#endif
-    if constexpr (V::width == 2)
-        return {_mm_cvtps_pd(_mm_castsi128_ps(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p))))};
-}
-template <class V>
-VSP_INLINE V loadDouble(const Vsp32s* p) {
-#if defined(__AVX2__)
-    if constexpr (V::width == 4) return {_mm256_cvtepi32_pd(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)))};
-#endif
-    if constexpr (V::width == 2) return {_mm_cvtepi32_pd(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)))};
 }
 
 // --- Pairs: 32-bit elements of two 16-bit ones -------------------------------------------------------------------------
@@ -311,14 +297,42 @@ VSP_INLINE Vsp16u largestU(S16_128 a) {
     return Vsp16u(~_mm_cvtsi128_si32(_mm_minpos_epu16(_mm_xor_si128(a.v, _mm_set1_epi16(-1)))));
 }
 
+// --- Four values, from scalars and in double precision -----------------------------------------------------------------
+
+VSP_INLINE F32_128 vectorOf(const Vsp32f (&x)[4]) { return {_mm_setr_ps(x[0], x[1], x[2], x[3])}; }
+VSP_INLINE S32_128 vectorOf(const Vsp32s (&x)[4]) { return {_mm_setr_epi32(x[0], x[1], x[2], x[3])}; }
+
+// Sign-extended.
+VSP_INLINE S32_128 loadFour(const Vsp16s* p) {
+    return {_mm_cvtepi16_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)))};
+}
+
+#if defined(__AVX2__)
+using FourDoubles = F64_256;
+VSP_INLINE FourDoubles toDouble(F32_128 a) { return {_mm256_cvtps_pd(a.v)}; }
+VSP_INLINE FourDoubles toDouble(S32_128 a) { return {_mm256_cvtepi32_pd(a.v)}; }
+#else
+struct FourDoubles {
+    F64_128 lo, hi;
+    [[gnu::always_inline]] static FourDoubles splat(Vsp64f x) { return {F64_128::splat(x), F64_128::splat(x)}; }
+};
+VSP_INLINE FourDoubles add(FourDoubles a, FourDoubles b) { return {add(a.lo, b.lo), add(a.hi, b.hi)}; }
+VSP_INLINE FourDoubles mul(FourDoubles a, FourDoubles b) { return {mul(a.lo, b.lo), mul(a.hi, b.hi)}; }
+VSP_INLINE FourDoubles toDouble(F32_128 a) { return {{_mm_cvtps_pd(a.v)}, {_mm_cvtps_pd(_mm_movehl_ps(a.v, a.v))}}; }
+VSP_INLINE FourDoubles toDouble(S32_128 a) {
+    return {{_mm_cvtepi32_pd(a.v)}, {_mm_cvtepi32_pd(_mm_unpackhi_epi64(a.v, a.v))}};
+}
+#endif
+
 // Bit i tells whether a[i] > b[i].
-VSP_INLINE unsigned greater(F32_128 a, F32_128 b) { return unsigned(_mm_movemask_ps(_mm_cmpgt_ps(a.v, b.v))); }
-VSP_INLINE unsigned greater(F64_128 a, F64_128 b) { return unsigned(_mm_movemask_pd(_mm_cmpgt_pd(a.v, b.v))); }
-VSP_IF_256(VSP_INLINE unsigned greater(F32_256 a, F32_256 b) {
-    return unsigned(_mm256_movemask_ps(_mm256_cmp_ps(a.v, b.v, _CMP_GT_OS)));
-})
-VSP_IF_256(VSP_INLINE unsigned greater(F64_256 a, F64_256 b) {
-    return unsigned(_mm256_movemask_pd(_mm256_cmp_pd(a.v, b.v, _CMP_GT_OS)));
-})
+VSP_INLINE Vsp32u greater(F32_128 a, F32_128 b) { return Vsp32u(_mm_movemask_ps(_mm_cmpgt_ps(a.v, b.v))); }
+VSP_INLINE Vsp32u greater(FourDoubles a, FourDoubles b) {
+#if defined(__AVX2__)
+    return Vsp32u(_mm256_movemask_pd(_mm256_cmp_pd(a.v, b.v, _CMP_GT_OS)));
+#else
+    const __m128 lo = _mm_castpd_ps(_mm_cmpgt_pd(a.lo.v, b.lo.v)), hi = _mm_castpd_ps(_mm_cmpgt_pd(a.hi.v, b.hi.v));
+    return Vsp32u(_mm_movemask_ps(_mm_shuffle_ps(lo, hi, 0x88)));
+#endif
+}
 
 }  // namespace vsp::VSP_LEVEL
