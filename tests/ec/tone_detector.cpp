@@ -1,0 +1,300 @@
+// The detectors of the answer tone with phase reversals against their definition.
+#include <cmath>
+#include <limits>
+#include <random>
+#include <set>
+
+#include "ec/tone_detect_definitions.h"
+#include "support/guarded.h"
+#include "support/level_test.h"
+#include "support/samples.h"
+#include "support/status_order.h"
+#include "support/upper_halves.h"
+
+namespace vsp::test {
+
+namespace {
+
+using Signal = std::vector<double>;
+
+constexpr double kAmplitude = 8000;
+
+// Stretches of the tone of the given lengths, each with the phase reversed.
+Signal tone(Vsp32s rate, const std::vector<int>& stretches, double amplitude = kAmplitude) {
+    Signal signal;
+    double sign = 1;
+    for (const int stretch : stretches) {
+        for (int i = 0; i < stretch; i++)
+            signal.push_back(sign * amplitude * std::sin(2 * 3.14159265358979 * 2100 / rate * double(signal.size())));
+        sign = -sign;
+    }
+    return signal;
+}
+
+Signal noise(std::size_t n, double amplitude) {
+    std::mt19937 random(unsigned(n) + unsigned(amplitude));
+    Signal signal(n);
+    for (double& x : signal) x = amplitude * (double(random()) * 0x1p-31 - 1);
+    return signal;
+}
+
+Signal operator+(Signal a, const Signal& b) {
+    a.insert(a.end(), b.begin(), b.end());
+    return a;
+}
+
+// Mixed with soft noise.
+Signal noisy(Signal signal, double amplitude) {
+    const Signal disturbance = noise(signal.size(), amplitude);
+    for (std::size_t i = 0; i < signal.size(); i++) signal[i] += disturbance[i];
+    return signal;
+}
+
+// Full scale both ways in steps, so that the output of the fixed-point resonator saturates.
+Signal square(Vsp32s rate, int length) {
+    Signal signal = tone(rate, {length});
+    for (double& x : signal) x = x < 0 ? -32768 : 32767;
+    return signal;
+}
+
+template <class T>
+std::vector<T> converted(const Signal& signal) {
+    std::vector<T> x(signal.size());
+    for (std::size_t i = 0; i < x.size(); i++)
+        x[i] = std::is_integral_v<T> ? T(std::lround(std::min(32767.0, std::max(-32768.0, signal[i])))) : T(signal[i]);
+    return x;
+}
+
+}  // namespace
+
+class ToneDetector : public LevelTest {
+  protected:
+    // A detector in memory that ends at an unmapped page, at any address.
+    class Fixed {
+      public:
+        using Sample = Vsp16s;
+        using Plain = plain::ToneDetector_16s;
+
+        Fixed(const Api& functions, Vsp32s rate, std::size_t gap = 0)
+            : api_(functions), memory_(72, Guard::end, gap), state_(reinterpret_cast<State*>(memory_.data())) {
+            EXPECT_EQ(vspStsNoErr, api_.vspsToneDetectInit_EC_16s(state_, rate));
+        }
+        VspStatus detect(const Vsp16s* src, Vsp32s n, Vsp32s* flag) {
+            return api_.vspsToneDetect_EC_16s(src, n, flag, state_);
+        }
+
+      private:
+        using State = VspToneDetectState_EC_16s;
+        const Api& api_;
+        Guarded<Vsp8u> memory_;
+        State* state_;
+    };
+
+    class Floating {
+      public:
+        using Sample = Vsp32f;
+        using Plain = plain::ToneDetector_32f;
+
+        Floating(const Api& functions, Vsp32s rate, std::size_t gap = 0)
+            : api_(functions), memory_(80, Guard::end, gap), state_(reinterpret_cast<State*>(memory_.data())) {
+            EXPECT_EQ(vspStsNoErr, api_.vspsToneDetectInit_EC_32f(state_, rate));
+        }
+        VspStatus detect(const Vsp32f* src, Vsp32s n, Vsp32s* flag) {
+            return api_.vspsToneDetect_EC_32f(src, n, flag, state_);
+        }
+
+      private:
+        using State = VspToneDetectState_EC_32f;
+        const Api& api_;
+        Guarded<Vsp8u> memory_;
+        State* state_;
+    };
+
+    // Compares the flags of calls whose lengths are taken in turn. Returns the samples behind each call with a flag.
+    template <class Detector>
+    std::vector<std::size_t> expectAsDefined(const std::vector<typename Detector::Sample>& x, Vsp32s rate,
+                                             const std::vector<std::size_t>& parts) {
+        Detector detector(api, rate, parts.front() % 7);
+        typename Detector::Plain reference(rate);
+        std::vector<std::size_t> found;
+        for (std::size_t at = 0, call = 0; at < x.size(); call++) {
+            const std::size_t n = std::min(x.size() - at, parts[call % parts.size()]);
+            bool expected = false;
+            for (std::size_t i = at; i < at + n; i++) expected |= reference.sample(x[i]);
+            Vsp32s flag = -1;
+            EXPECT_EQ(vspStsNoErr, detector.detect(&x[at], Vsp32s(n), &flag));
+            EXPECT_EQ(expected ? 1 : 0, flag) << "in the call from sample " << at;
+            at += n;
+            if (flag != 0) found.push_back(at);
+        }
+        EXPECT_FALSE(upperHalvesInUse());
+        return found;
+    }
+
+    // Both detectors with every split.
+    void expectAsDefined(const Signal& signal, Vsp32s rate) {
+        for (const std::vector<std::size_t>& parts : std::vector<std::vector<std::size_t>>{
+                 {1}, {3, 1, 5}, {31}, {32}, {33, 64, 2}, {80}, {1000}, {signal.size()}}) {
+            expectAsDefined<Fixed>(converted<Vsp16s>(signal), rate, parts);
+            expectAsDefined<Floating>(converted<Vsp32f>(signal), rate, parts);
+            ASSERT_FALSE(HasFailure()) << "calls of " << parts.front();
+        }
+    }
+
+    // Calls without a flag, then one with a flag for every reversal of the stretches from the given one on.
+    void expectFlags(const std::vector<int>& stretches, Vsp32s rate, std::size_t first) {
+        const Signal signal = noisy(tone(rate, stretches), 1);
+        std::vector<std::size_t> ends;
+        std::size_t end = 0;
+        for (std::size_t i = 0; i + 1 < stretches.size(); i++) {
+            end += std::size_t(stretches[i]);
+            if (i + 1 >= first) ends.push_back(end);
+        }
+        const auto check = [&](const std::vector<std::size_t>& found) {
+            ASSERT_EQ(ends.size(), found.size());
+            for (std::size_t i = 0; i < ends.size(); i++) {
+                EXPECT_LT(ends[i], found[i]);
+                EXPECT_GT(ends[i] + std::size_t(rate) / 50, found[i]);
+            }
+        };
+        check(expectAsDefined<Fixed>(converted<Vsp16s>(signal), rate, {40}));
+        check(expectAsDefined<Floating>(converted<Vsp32f>(signal), rate, {40}));
+    }
+};
+VSPSC_EVERY_LEVEL(ToneDetector);
+
+TEST_P(ToneDetector, SignalsOfAllKindsGiveTheDefinedFlagsForEverySplit) {
+    for (const Vsp32s rate : {8000, 16000}) {
+        const int ms = rate / 1000;
+        std::vector<int> intervals;
+        for (const int duration : {200, 450, 450, 410, 420, 460, 470, 225, 225, 900, 450, 440, 430})
+            intervals.push_back(duration * ms);
+        const Signal reversals = tone(rate, intervals), silence(std::size_t(rate), 0.0);
+        expectAsDefined(reversals + noise(2000, 3000) + noisy(reversals, 1500), rate);
+        expectAsDefined(silence + tone(rate, intervals, 20) + silence + noisy(silence, 2), rate);
+        expectAsDefined(square(rate, 4000) + noise(3000, 32768) + tone(rate, intervals, 40000) + square(rate, 300), rate);
+        Signal extremes;
+        for (const Vsp16s x : samples<Vsp16s>(6000)) extremes.push_back(x);
+        expectAsDefined(extremes, rate);
+    }
+}
+
+TEST_P(ToneDetector, FlagsTheSecondAndLaterReversalsAndNothingElse) {
+    for (const Vsp32s rate : {8000, 16000}) {
+        const int ms = rate / 1000;
+        expectFlags({5000 * ms}, rate, 2);
+        expectFlags({450 * ms, 450 * ms, 450 * ms, 450 * ms, 2000 * ms}, rate, 2);
+        expectFlags({440 * ms, 450 * ms, 600 * ms}, rate, 2);
+        expectFlags({440 * ms, 600 * ms}, rate, 2);
+    }
+}
+
+// Stretches about as long as a limit, so that runs of exactly the limit and of one sample more and less occur.
+TEST_P(ToneDetector, RunsAreComparedStrictly) {
+    const auto check = [&]<class Detector>(Vsp32s rate, int limit, std::type_identity<Detector>) {
+        using Sample = typename Detector::Sample;
+        // Whether the signal brings the flag, and the longest run of tone at a dip of its second half.
+        const auto reference = [rate](const std::vector<Sample>& x) {
+            typename Detector::Plain plain(rate);
+            std::pair<bool, Vsp32s> result(false, 0);
+            for (std::size_t i = 0; i < x.size(); i++) {
+                const Vsp32s run = plain.runs.run;
+                result.first |= plain.sample(x[i]);
+                if (i > x.size() / 2 && plain.runs.dip == 1) result.second = std::max(result.second, run);
+            }
+            return result;
+        };
+        const auto signal = [rate](int before, int run) {
+            return converted<Sample>(noisy(tone(rate, {rate * 45 / 100 + before, run, rate / 10}), 400));
+        };
+        const int lost = rate * 45 / 100 - reference(signal(0, rate * 45 / 100)).second;  // at the beginning of a stretch
+        std::set<std::pair<bool, Vsp32s>> seen;
+        for (int before = 0; before < 8; before++)
+            for (int run = limit + lost - 5; run <= limit + lost + 5; run++) {
+                const auto x = signal(before, run);
+                seen.insert(reference(x));
+                expectAsDefined<Detector>(x, rate, {x.size()});
+            }
+        const bool lower = limit < rate * 45 / 100;
+        EXPECT_TRUE(seen.contains({!lower, limit - 1}));
+        EXPECT_TRUE(seen.contains({false, limit}));
+        EXPECT_TRUE(seen.contains({lower, limit + 1}));
+    };
+    for (const Vsp32s rate : {8000, 16000})
+        for (const int limit : {rate / 1000 * 413, rate / 1000 * 466}) {
+            check(rate, limit, std::type_identity<Fixed>());
+            check(rate, limit, std::type_identity<Floating>());
+        }
+}
+
+TEST_P(ToneDetector, ADipOfMoreThanTwentyMillisecondsStartsAnew) {
+    for (const Vsp32s rate : {8000, 16000}) {
+        const int ms = rate / 1000;
+        const Signal stretch = tone(rate, {450 * ms});
+        std::size_t withFlag = 0;
+        // At a tenth of the power of the noise the tone is low but not absent.
+        for (int dip = 10 * ms; dip < 30 * ms; dip += ms / 4) {
+            const Signal gap = noisy(tone(rate, {dip}, 300), 3000);
+            const Signal signal = stretch + gap + stretch + tone(rate, {0, 1000});
+            const std::vector<std::size_t> whole = {signal.size()};
+            withFlag += expectAsDefined<Fixed>(converted<Vsp16s>(signal), rate, whole).size();
+            withFlag += expectAsDefined<Floating>(converted<Vsp32f>(signal), rate, whole).size();
+        }
+        EXPECT_TRUE(0 < withFlag && withFlag < 160) << withFlag;
+    }
+}
+
+TEST_P(ToneDetector, PowersFadeThroughDenormalNumbers) {
+    for (const Vsp32s rate : {8000, 16000}) {
+        const int ms = rate / 1000;
+        const Signal silence(std::size_t(rate), 0.0);
+        for (const double amplitude : {8000.0, 1e-3, 1e-15, 1e-20, 1e-22}) {
+            const Signal part = tone(rate, {450 * ms, 450 * ms, 450 * ms}, amplitude);
+            const auto x = converted<Vsp32f>(part + silence + part + silence);
+            for (const std::size_t split : {std::size_t(1), std::size_t(160), x.size()})
+                expectAsDefined<Floating>(x, rate, {split});
+        }
+    }
+}
+
+TEST_P(ToneDetector, InfiniteAndUndefinedSamplesSilenceTheFloatingPointDetector) {
+    constexpr float kInfinity = std::numeric_limits<float>::infinity(), kNan = std::numeric_limits<float>::quiet_NaN();
+    for (const float bad : {kInfinity, -kInfinity, kNan, 1e30f, 3e38f}) {
+        auto x = converted<Vsp32f>(tone(8000, {3600, 3600, 3600, 3600}));
+        x[8000] = bad;
+        for (const std::size_t split : {std::size_t(7), x.size()}) expectAsDefined<Floating>(x, 8000, {split});
+    }
+}
+
+TEST_P(ToneDetector, CountersDoNotOverflow) {  // a tone of any length stays too long
+    const auto x = converted<Vsp16s>(tone(8000, {8000}));
+    Fixed detector(api, 8000);
+    Vsp32s flag = -1;
+    for (int i = 0; i < 100; i++) ASSERT_EQ(vspStsNoErr, detector.detect(x.data(), 8000, &flag));
+    const auto reversed = converted<Vsp16s>(tone(8000, {0, 400, 3600}));
+    ASSERT_EQ(vspStsNoErr, detector.detect(reversed.data(), Vsp32s(reversed.size()), &flag));
+    EXPECT_EQ(0, flag);
+}
+
+TEST_P(ToneDetector, RatesAndPointersAreChecked) {
+    const Choices<Vsp32s> rate{
+        8000, {{0, vspStsRangeErr}, {7999, vspStsRangeErr}, {48000, vspStsRangeErr}, {-1, vspStsRangeErr}}};
+    const Choices<Vsp32s> count{8, {{0, vspStsBadArgErr}, {-1, vspStsBadArgErr}, {kLowest, vspStsBadArgErr}}};
+    const std::vector<VspStatus> rateOrder = {vspStsNullPtrErr, vspStsRangeErr},
+                                 order = {vspStsNullPtrErr, vspStsBadArgErr};
+    expectStatusOrder(api.vspsToneDetectGetStateSize_EC_16s, rateOrder, rate, pointer);
+    expectStatusOrder(api.vspsToneDetectGetStateSize_EC_32f, rateOrder, rate, pointer);
+    expectStatusOrder(api.vspsToneDetectInit_EC_16s, rateOrder, pointer, rate);
+    expectStatusOrder(api.vspsToneDetectInit_EC_32f, rateOrder, pointer, rate);
+    expectStatusOrder(api.vspsToneDetect_EC_16s, order, pointer, count, pointer, pointer);
+    expectStatusOrder(api.vspsToneDetect_EC_32f, order, pointer, count, pointer, pointer);
+    for (const Vsp32s good : {8000, 16000}) {
+        Vsp32s size = 0;
+        EXPECT_EQ(vspStsNoErr, api.vspsToneDetectGetStateSize_EC_16s(good, &size));
+        EXPECT_EQ(72, size);
+        EXPECT_EQ(vspStsNoErr, api.vspsToneDetectGetStateSize_EC_32f(good, &size));
+        EXPECT_EQ(80, size);
+    }
+}
+
+}  // namespace vsp::test
