@@ -171,7 +171,8 @@ TEST_P(ToneDetector, SignalsOfAllKindsGiveTheDefinedFlagsForEverySplit) {
             intervals.push_back(duration * ms);
         const Signal reversals = tone(rate, intervals), silence(std::size_t(rate), 0.0);
         expectAsDefined(reversals + noise(2000, 3000) + noisy(reversals, 1500), rate);
-        expectAsDefined(silence + tone(rate, intervals, 20) + silence + noisy(silence, 2), rate);
+        for (const double amplitude : {2, 3, 4, 5, 6, 20})
+            expectAsDefined(silence + noisy(tone(rate, intervals, amplitude), 1) + noisy(silence, 2), rate);
         expectAsDefined(square(rate, 4000) + noise(3000, 32768) + tone(rate, intervals, 40000) + square(rate, 300), rate);
         Signal extremes;
         for (const Vsp16s x : samples<Vsp16s>(6000)) extremes.push_back(x);
@@ -227,21 +228,47 @@ TEST_P(ToneDetector, RunsAreComparedStrictly) {
         }
 }
 
+// A disturbance grows until the tone is low, and further until that counts as a reversal. It must do so within 20 ms, which
+// it does not if it grows slowly.
 TEST_P(ToneDetector, ADipOfMoreThanTwentyMillisecondsStartsAnew) {
+    std::size_t fixedFlags = 0, floatingFlags = 0;
+    constexpr int kSlopes = 160;
+    for (int i = 0; i < kSlopes; i++) {
+        Signal signal = tone(8000, {3600, 3840});
+        const double samples = 176 + 0.4 * i;  // from 0.8 to 0.48 of the power
+        for (int n = 6960; n < 7440; n++)
+            signal[std::size_t(n)] += kAmplitude * 0.54 / samples * (n - 6960) * std::sin(0.8 * n);
+        fixedFlags += expectAsDefined<Fixed>(converted<Vsp16s>(signal), 8000, {signal.size()}).size();
+        floatingFlags += expectAsDefined<Floating>(converted<Vsp32f>(signal), 8000, {signal.size()}).size();
+    }
+    EXPECT_TRUE(0 < fixedFlags && fixedFlags < kSlopes) << fixedFlags;
+    EXPECT_TRUE(0 < floatingFlags && floatingFlags < kSlopes) << floatingFlags;
+}
+
+// Loud noise after the first reversal. With some tone in it, it is a dip too long; with less of it there is no tone, and
+// the reversal stays counted.
+TEST_P(ToneDetector, FloatingPointDetectorKnowsWhenThereIsNoTone) {
     for (const Vsp32s rate : {8000, 16000}) {
         const int ms = rate / 1000;
-        const Signal stretch = tone(rate, {450 * ms});
-        std::size_t withFlag = 0;
-        // At a tenth of the power of the noise the tone is low but not absent.
-        for (int dip = 10 * ms; dip < 30 * ms; dip += ms / 4) {
-            const Signal gap = noisy(tone(rate, {dip}, 300), 3000);
-            const Signal signal = stretch + gap + stretch + tone(rate, {0, 1000});
-            const std::vector<std::size_t> whole = {signal.size()};
-            withFlag += expectAsDefined<Fixed>(converted<Vsp16s>(signal), rate, whole).size();
-            withFlag += expectAsDefined<Floating>(converted<Vsp32f>(signal), rate, whole).size();
+        std::size_t flags = 0;
+        constexpr int kLevels = 100;
+        for (int i = 0; i < kLevels; i++) {
+            Signal gap = tone(rate, {60 * ms}, 6 * i);
+            for (std::size_t n = 0; n < gap.size(); n++) gap[n] += 10000 * std::sin(0.1 * double(n) * 8000 / rate);
+            const Signal signal = tone(rate, {450 * ms, 15 * ms}, 1000) + gap + tone(rate, {450 * ms, 20 * ms}, 1000);
+            flags += expectAsDefined<Floating>(converted<Vsp32f>(signal), rate, {signal.size()}).size();
         }
-        EXPECT_TRUE(0 < withFlag && withFlag < 160) << withFlag;
+        EXPECT_TRUE(0 < flags && flags < kLevels) << flags;
     }
+    // After a tone the resonator for 16 kHz fades more slowly than the power of the input; far above it there is no tone.
+    std::size_t flags = 0;
+    constexpr std::size_t kLengths = 60;
+    for (std::size_t silence = 180; silence < 180 + kLengths; silence++) {
+        const Signal stretch = tone(16000, {3520}), signal = tone(16000, {7200}) + tone(16000, {0, 3520}) +
+                                                             Signal(silence, 0.0) + stretch + tone(16000, {0, 320});
+        flags += expectAsDefined<Floating>(converted<Vsp32f>(signal), 16000, {signal.size()}).size();
+    }
+    EXPECT_TRUE(0 < flags && flags < kLengths) << flags;
 }
 
 TEST_P(ToneDetector, PowersFadeThroughDenormalNumbers) {
