@@ -3,8 +3,8 @@
 #include <immintrin.h>
 
 #include "common/tables.h"
-#include "ec/hand_tuned_subband.h"
 #include "ec/hand_tuned_full_band.h"
+#include "ec/hand_tuned_subband.h"
 #include "support/bench.h"
 
 namespace {
