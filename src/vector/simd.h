@@ -156,8 +156,8 @@ VSP_SHIFT(shrU, S32, srl_epi32)
 VSP_UNARY(magnitude, S32, S32, abs_epi32)
 VSP_BINARY(zipLo, S32, S32, unpacklo_epi32)
 VSP_BINARY(zipHi, S32, S32, unpackhi_epi32)
-
 VSP_BINARY(mulLo, S32, S32, mullo_epi32)
+
 VSP_BINARY(add, S64, S64, add_epi64)
 VSP_BINARY(sub, S64, S64, sub_epi64)
 VSP_BINARY(mulLo, S64, S64, mul_epi32)  // the exact product of the signed lower halves
