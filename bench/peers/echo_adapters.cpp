@@ -1,0 +1,109 @@
+#include "echo_adapters.h"
+
+#include <speex/speex_echo.h>
+#include <webrtc/modules/audio_processing/include/audio_processing.h>
+#include <webrtc/modules/interface/module_common_types.h>
+
+#include <algorithm>
+#include <stdexcept>
+
+#include "echo/canceller.h"
+
+namespace echo {
+
+namespace {
+
+class Library : public Adapter {
+  public:
+    Library(const std::string& name, double tailMs) {
+        settings_.tailMs = tailMs;
+        settings_.engine = name.starts_with("fullband") ? EchoEngine::fullband : EchoEngine::subband;
+        settings_.fixedPoint = name.ends_with("-fixed");
+    }
+
+    Signal process(const Signal& far, const Signal& near) override {
+        constexpr std::size_t kBlock = 160;
+        const auto canceller = makeEchoCanceller(settings_);
+        const auto latency = static_cast<std::size_t>(canceller->latency());
+        Signal f = far, n = near, out(near.size() + latency);
+        f.resize(out.size());
+        n.resize(out.size());
+        for (std::size_t i = 0; i < out.size(); i += kBlock) {
+            const std::size_t count = std::min(kBlock, out.size() - i);
+            canceller->process({f.data() + i, count}, {n.data() + i, count}, {out.data() + i, count});
+        }
+        out.erase(out.begin(), out.begin() + static_cast<std::ptrdiff_t>(latency));
+        return out;
+    }
+
+  private:
+    EchoCancellerSettings settings_;
+};
+
+class Speex : public Adapter {
+  public:
+    explicit Speex(double tailMs) : tail_(static_cast<int>(tailMs * kRate / 1000)) {}
+
+    Signal process(const Signal& far, const Signal& near) override {
+        constexpr std::size_t kFrame = 160;
+        SpeexEchoState* state = speex_echo_state_init(kFrame, tail_);
+        int rate = kRate;
+        speex_echo_ctl(state, SPEEX_ECHO_SET_SAMPLING_RATE, &rate);
+        Signal result(near.size());
+        spx_int16_t f[kFrame], n[kFrame], out[kFrame];
+        for (std::size_t i = 0; i + kFrame <= near.size(); i += kFrame) {
+            for (std::size_t k = 0; k < kFrame; k++) {
+                f[k] = static_cast<spx_int16_t>(far[i + k]);
+                n[k] = static_cast<spx_int16_t>(near[i + k]);
+            }
+            speex_echo_cancellation(state, n, f, out);
+            std::copy(out, out + kFrame, result.begin() + static_cast<std::ptrdiff_t>(i));
+        }
+        speex_echo_state_destroy(state);
+        return result;
+    }
+
+  private:
+    int tail_;
+};
+
+class Webrtc : public Adapter {
+  public:
+    Signal process(const Signal& far, const Signal& near) override {
+        constexpr std::size_t kFrame = 80;
+        webrtc::Config config;
+        config.Set<webrtc::ExtendedFilter>(new webrtc::ExtendedFilter(true));  // 128 ms instead of 48
+        config.Set<webrtc::DelayAgnostic>(new webrtc::DelayAgnostic(true));
+        const std::unique_ptr<webrtc::AudioProcessing> apm(webrtc::AudioProcessing::Create(config));
+        apm->echo_cancellation()->Enable(true);
+        apm->echo_cancellation()->set_suppression_level(webrtc::EchoCancellation::kLowSuppression);
+        webrtc::AudioFrame reverse, frame;
+        for (webrtc::AudioFrame* f : {&reverse, &frame}) {
+            f->sample_rate_hz_ = kRate;
+            f->num_channels_ = 1;
+            f->samples_per_channel_ = kFrame;
+        }
+        Signal result(near.size());
+        for (std::size_t i = 0; i + kFrame <= near.size(); i += kFrame) {
+            for (std::size_t k = 0; k < kFrame; k++) {
+                reverse.data_[k] = static_cast<int16_t>(far[i + k]);
+                frame.data_[k] = static_cast<int16_t>(near[i + k]);
+            }
+            apm->ProcessReverseStream(&reverse);
+            apm->set_stream_delay_ms(0);
+            if (apm->ProcessStream(&frame) != 0) throw std::runtime_error("webrtc: failed");
+            std::copy(frame.data_, frame.data_ + kFrame, result.begin() + static_cast<std::ptrdiff_t>(i));
+        }
+        return result;
+    }
+};
+
+}  // namespace
+
+std::unique_ptr<Adapter> makeAdapter(const std::string& name, double tailMs) {
+    if (name == "speexdsp") return std::make_unique<Speex>(tailMs);
+    if (name == "webrtc") return std::make_unique<Webrtc>();
+    return std::make_unique<Library>(name, tailMs);
+}
+
+}  // namespace echo

@@ -1,0 +1,21 @@
+// One interface to all echo cancellers that are compared.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "echo_scenario.h"
+
+namespace echo {
+
+class Adapter {
+  public:
+    virtual ~Adapter() = default;
+    // A whole recording from a fresh start; out has the length of near.
+    virtual Signal process(const Signal& far, const Signal& near) = 0;
+};
+
+// name: subband, fullband (with -fixed or without); speexdsp; webrtc. Of webrtc's, the tail is fixed.
+std::unique_ptr<Adapter> makeAdapter(const std::string& name, double tailMs);
+
+}  // namespace echo

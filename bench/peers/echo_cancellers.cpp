@@ -1,0 +1,137 @@
+// Echo cancellers on recorded speech: how much echo they remove, how they bear double talk, and what they cost.
+//
+//     vspsc_bench_echo_cancellers FOLDER [CANCELLER...]
+//
+// FOLDER holds the telephone prompts of Debian's package asterisk-core-sounds-en-wav.
+#include <time.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <exception>
+#include <limits>
+#include <map>
+
+#include "echo_adapters.h"
+#include "echo_scenario.h"
+
+namespace {
+
+using namespace echo;
+
+constexpr double kSeconds = 60, kTail = 256;  // of the recording; ms
+constexpr double kStartOfNear = 30;           // s, in the double-talk run
+
+// The power of what is left, over samples from..to, at the delay of the output that leaves least: webrtc's canceller
+// delays its output without saying by how much.
+double residual(const Signal& out, const Signal& wanted, std::size_t from, std::size_t to) {
+    constexpr std::size_t kMaxDelay = 160;
+    double least = std::numeric_limits<double>::max();
+    for (std::size_t delay = 0; delay <= kMaxDelay; delay++) {
+        double sum = 0;
+        for (std::size_t n = from; n < to - kMaxDelay && sum < least; n++) {
+            const double e = double(out[n + delay]) - wanted[n];
+            sum += e * e;
+        }
+        least = std::min(least, sum);
+    }
+    return least / static_cast<double>(to - kMaxDelay - from);
+}
+
+// s until the ERLE over half a second of far-end speech is 20 dB for the first time; NaN if it never is.
+double timeTo20dB(const Scenario& s, const Signal& out) {
+    constexpr std::size_t kWindow = kRate / 2, kStep = kRate / 100;
+    const double far = power(s.far.data(), s.far.size());
+    for (std::size_t end = kWindow; end <= out.size(); end += kStep) {
+        const std::size_t start = end - kWindow;
+        if (power(s.far.data() + start, kWindow) < 0.1 * far) continue;
+        if (power(s.near.data() + start, kWindow) >= 100 * power(out.data() + start, kWindow))
+            return static_cast<double>(end) / kRate;
+    }
+    return std::numeric_limits<double>::quiet_NaN();
+}
+
+struct Quality {
+    double steady, timeTo20, removed, snr;  // dB, s, dB, dB
+};
+
+Quality measure(Adapter& canceller, const Path& path, const Signal& far, const Signal& nearSpeech) {
+    const std::size_t half = far.size() / 2;
+    Quality q;
+    const Scenario single = makeScenario(path, far, nearSpeech, kSeconds);
+    const Signal alone = canceller.process(single.far, single.near);
+    q.steady = decibels(power(single.near.data() + half, half) /
+                        residual(alone, single.nearSpeech, half, far.size()));
+    q.timeTo20 = timeTo20dB(single, alone);
+
+    const Scenario both = makeScenario(path, far, nearSpeech, kStartOfNear);
+    const Signal out = canceller.process(both.far, both.near);
+    Signal kept(out.size());
+    for (std::size_t n = 0; n < kept.size(); n++) kept[n] = both.nearSpeech[n] + both.noise[n];
+    q.removed = decibels(power(both.echo.data() + half, half) / residual(out, kept, half, far.size()));
+    q.snr = decibels(power(both.nearSpeech.data() + half, half) / residual(out, both.nearSpeech, half, far.size()));
+    return q;
+}
+
+double cpuSeconds() {
+    timespec t;
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &t);
+    return double(t.tv_sec) + 1e-9 * double(t.tv_nsec);
+}
+
+void compareSpeed(const std::vector<std::string>& names, const Scenario& s) {
+    constexpr int kRounds = 7;
+    std::map<std::string, double> best;
+    for (int round = 0; round < kRounds; round++)
+        for (const std::string& name : names) {
+            const auto canceller = makeAdapter(name, kTail);
+            const double start = cpuSeconds();
+            canceller->process(s.far, s.near);
+            const double took = cpuSeconds() - start;
+            best[name] = round == 0 ? took : std::min(best[name], took);
+        }
+    std::printf("\nCPU time per second of audio, tail %.0f ms (webrtc: its own, 128 ms), best of %d interleaved rounds\n", kTail,
+                kRounds);
+    for (const std::string& name : names)
+        std::printf("%-16s %8.3f ms   %6.2f x %s\n", name.c_str(), 1000 * best[name] / (double(s.far.size()) / kRate),
+                    best[name] / best[names[0]], names[0].c_str());
+}
+
+std::vector<std::string> inFolder(const std::string& folder, std::vector<std::string> names) {
+    for (std::string& name : names) name = folder + "/" + name + ".wav";
+    return names;
+}
+
+int run(int argc, char** argv) {
+    if (argc < 2) {
+        std::fprintf(stderr, "usage: %s FOLDER [CANCELLER...]\n", argv[0]);
+        return 2;
+    }
+    std::vector<std::string> names(argv + 2, argv + argc);
+    if (names.empty()) names = {"subband", "subband-fixed", "fullband", "fullband-fixed", "speexdsp", "webrtc"};
+    const Signal far = recordedSpeech(inFolder(argv[1], {"demo-congrats", "demo-moreinfo", "demo-abouttotry"}), kSeconds);
+    const Signal nearSpeech = recordedSpeech(inFolder(argv[1], {"demo-instruct"}), kSeconds);
+
+    std::printf("                                                       double talk\n");
+    std::printf("%-16s %-22s %8s %9s %9s %9s\n", "canceller", "path", "ERLE/dB", "20 dB/s", "echo/dB", "SNR/dB");
+    for (const Path& path : eightPaths())
+        for (const std::string& name : names) {
+            const Quality q = measure(*makeAdapter(name, kTail), path, far, nearSpeech);
+            std::printf("%-16s %s %3.0f ms, ERL %2.0f dB  %8.1f %9.2f %9.1f %9.1f\n", name.c_str(), path.hybrid.c_str(),
+                        path.lengthMs, path.erl, q.steady, q.timeTo20, q.removed, q.snr);
+            std::fflush(stdout);
+        }
+    compareSpeed(names, makeScenario(eightPaths()[3], far, nearSpeech, kStartOfNear));
+    return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return run(argc, argv);
+    } catch (const std::exception& e) {
+        std::fprintf(stderr, "%s\n", e.what());
+        return 1;
+    }
+}

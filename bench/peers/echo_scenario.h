@@ -1,0 +1,40 @@
+// The signals that echo cancellers are compared on: recorded speech through echo paths.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace echo {
+
+constexpr int kRate = 8000;  // Hz
+using Signal = std::vector<float>;  // on the scale of 16-bit samples
+
+// An echo path: a hybrid of ITU-T G.168 Annex D behind a delay, and what a room or a second hybrid adds.
+struct Path {
+    std::string hybrid;  // d2 to d9
+    double delayMs;      // before the hybrid's response
+    double lengthMs;     // from the first sample to where the decaying tail ends, 40 dB below its beginning
+    double erl;          // dB between far-end speech and its echo
+};
+
+// Eight paths of 16 to 128 ms.
+std::vector<Path> eightPaths();
+
+// Recorded prompts, 8 kHz, one after another, cut to the given length or repeated up to it.
+Signal recordedSpeech(const std::vector<std::string>& files, double seconds);
+
+struct Scenario {
+    Signal far;         // recorded speech
+    Signal echo;        // of the far end
+    Signal noise;       // white, -68 dBov
+    Signal nearSpeech;  // recorded speech; may be silent
+    Signal near;        // the sum, rounded to integers
+};
+
+// The near-end speech begins at startOfNear seconds; it has the active level of the far end.
+Scenario makeScenario(const Path& path, const Signal& far, const Signal& nearSpeech, double startOfNear);
+
+double power(const float* x, std::size_t count);  // mean square
+double decibels(double ratio);
+
+}  // namespace echo
