@@ -38,15 +38,16 @@ double residual(const Signal& out, const Signal& wanted, std::size_t from, std::
     return least / static_cast<double>(to - kMaxDelay - from);
 }
 
-// s until the ERLE over half a second of far-end speech is 20 dB for the first time; NaN if it never is.
+// s from the first far-end speech until the ERLE over a quarter of a second of speech is 20 dB; NaN if it never is.
 double timeTo20dB(const Scenario& s, const Signal& out) {
-    constexpr std::size_t kWindow = kRate / 2, kStep = kRate / 100;
+    constexpr std::size_t kWindow = kRate / 4, kStep = kRate / 100;
     const double far = power(s.far.data(), s.far.size());
-    for (std::size_t end = kWindow; end <= out.size(); end += kStep) {
-        const std::size_t start = end - kWindow;
+    std::size_t begin = 0;
+    while (power(s.far.data() + begin, kStep) < 0.01 * far) begin += kStep;
+    for (std::size_t start = begin; start + kWindow <= out.size(); start += kStep) {
         if (power(s.far.data() + start, kWindow) < 0.1 * far) continue;
         if (power(s.near.data() + start, kWindow) >= 100 * power(out.data() + start, kWindow))
-            return static_cast<double>(end) / kRate;
+            return static_cast<double>(start + kWindow - begin) / kRate;
     }
     return std::numeric_limits<double>::quiet_NaN();
 }
@@ -60,8 +61,7 @@ Quality measure(Adapter& canceller, const Path& path, const Signal& far, const S
     Quality q;
     const Scenario single = makeScenario(path, far, nearSpeech, kSeconds);
     const Signal alone = canceller.process(single.far, single.near);
-    q.steady = decibels(power(single.near.data() + half, half) /
-                        residual(alone, single.nearSpeech, half, far.size()));
+    q.steady = decibels(power(single.near.data() + half, half) / residual(alone, single.nearSpeech, half, far.size()));
     q.timeTo20 = timeTo20dB(single, alone);
 
     const Scenario both = makeScenario(path, far, nearSpeech, kStartOfNear);
@@ -90,8 +90,8 @@ void compareSpeed(const std::vector<std::string>& names, const Scenario& s) {
             const double took = cpuSeconds() - start;
             best[name] = round == 0 ? took : std::min(best[name], took);
         }
-    std::printf("\nCPU time per second of audio, tail %.0f ms (webrtc: its own, 128 ms), best of %d interleaved rounds\n", kTail,
-                kRounds);
+    std::printf("\nCPU time per second of audio, tail %.0f ms (webrtc: its own, 128 ms), best of %d interleaved rounds\n",
+                kTail, kRounds);
     for (const std::string& name : names)
         std::printf("%-16s %8.3f ms   %6.2f x %s\n", name.c_str(), 1000 * best[name] / (double(s.far.size()) / kRate),
                     best[name] / best[names[0]], names[0].c_str());
@@ -117,7 +117,7 @@ int run(int argc, char** argv) {
     for (const Path& path : eightPaths())
         for (const std::string& name : names) {
             const Quality q = measure(*makeAdapter(name, kTail), path, far, nearSpeech);
-            std::printf("%-16s %s %3.0f ms, ERL %2.0f dB  %8.1f %9.2f %9.1f %9.1f\n", name.c_str(), path.hybrid.c_str(),
+            std::printf("%-16s %s %3.0f ms, ERL %2.0f dB  %8.2f %9.2f %9.1f %9.1f\n", name.c_str(), path.hybrid.c_str(),
                         path.lengthMs, path.erl, q.steady, q.timeTo20, q.removed, q.snr);
             std::fflush(stdout);
         }

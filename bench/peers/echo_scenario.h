@@ -6,7 +6,7 @@
 
 namespace echo {
 
-constexpr int kRate = 8000;  // Hz
+constexpr int kRate = 8000;         // Hz
 using Signal = std::vector<float>;  // on the scale of 16-bit samples
 
 // An echo path: a hybrid of ITU-T G.168 Annex D behind a delay, and what a room or a second hybrid adds.

@@ -1,93 +1,122 @@
-// The library's sub-band functions in floating and in fixed point under the same names, so that the canceller is written
-// once.
+// The library's functions in floating and in fixed point under the same names, so that the canceller is written once.
 #pragma once
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
-#include <vector>
+#include <cstdint>
+#include <stdexcept>
+#include <string>
 
 #include "echo/prototype_window.h"
-#include "echo/status.h"
 #include "vspsc/ec.h"
+
+// For calls that cannot fail unless the program is wrong.
+inline void check(VspStatus status) {
+    if (status != vspStsNoErr) throw std::logic_error("echo canceller: status " + std::to_string(status));
+}
 
 struct FloatArithmetic {
     using Sample = Vsp32f;
     using Complex = Vsp32fc;
     using Step = Vsp64f;
-    using Window = Vsp32f;
-    using State = VspSubbandProcessState_32f;
+    using WindowValue = Vsp32f;
+    using BankState = VspSubbandProcessState_32f;
+    using ToneState = VspToneDetectState_EC_32f;
 
-    static constexpr double kBandScale = 1, kCoefficientScale = 1;  // integers per unit
+    static constexpr float kBand = 1, kCoefficient = 1;  // what 1 is stored as
 
-    static Window window(double w) { return static_cast<Window>(w); }
+    static WindowValue windowValue(double w) { return static_cast<WindowValue>(w); }
     static Sample sample(float x) { return x; }
-    static Step step(double s) { return s; }
+    static Step step(float s) { return s; }
+    static Complex subtract(Complex a, Complex b) { return {a.re - b.re, a.im - b.im}; }
 
-    static void getSize(const BankShape& s, Vsp32s* state, Vsp32s* init, Vsp32s* work) {
+    static void bankSize(const BankShape& s, Vsp32s* state, Vsp32s* init, Vsp32s* work) {
         check(vspsSubbandProcessGetSize_32f(s.order, s.window, state, init, work));
     }
-    static void init(State* state, const BankShape& s, const Window* window, Vsp8u* buffer) {
+    static void initBank(BankState* state, const BankShape& s, const WindowValue* window, Vsp8u* buffer) {
         check(vspsSubbandProcessInit_32f(state, s.order, s.frame, s.window, window, buffer));
     }
-    static void analyse(const Sample* in, Complex* out, State* state, Vsp8u* work) {
+    static void analyse(const Sample* in, Complex* out, BankState* state, Vsp8u* work) {
         check(vspsSubbandAnalysis_32f32fc(in, out, state, work));
     }
-    static void synthesise(const Complex* in, Sample* out, State* state, Vsp8u* work) {
+    static void synthesise(const Complex* in, Sample* out, BankState* state, Vsp8u* work) {
         check(vspsSubbandSynthesis_32fc32f(in, out, state, work));
     }
     static void filter(const Complex* const* x, const Complex* const* c, Complex* y, int taps, int bands) {
         check(vspsFIRSubband_EC_32fc(x, c, y, taps, bands));
     }
-    static void update(const Step* steps, const Complex* const* x, const Complex* e, Complex* const* c, int taps, int bands) {
+    static void adapt(const Step* steps, const Complex* const* x, const Complex* e, Complex* const* c, int taps,
+                      int bands) {
         check(vspsFIRSubbandCoeffUpdate_EC_32fc_I(steps, x, e, c, taps, bands));
     }
-    static Complex subtract(Complex a, Complex b) { return {a.re - b.re, a.im - b.im}; }
+
+    static void toneSize(int rate, Vsp32s* size) { check(vspsToneDetectGetStateSize_EC_32f(rate, size)); }
+    static void initTone(ToneState* state, int rate) { check(vspsToneDetectInit_EC_32f(state, rate)); }
+    static bool detectTone(const Sample* in, int count, ToneState* state) {
+        Vsp32s found = 0;
+        check(vspsToneDetect_EC_32f(in, count, &found, state));
+        return found != 0;
+    }
 };
 
 struct FixedArithmetic {
     using Sample = Vsp16s;
     using Complex = Vsp32sc;
-    using Step = Vsp32sc;  // mantissa and exponent
-    using Window = Vsp16s;
-    using State = VspSubbandProcessState_16s;
+    using Step = Vsp32sc;  // mantissa, exponent
+    using WindowValue = Vsp16s;
+    using BankState = VspSubbandProcessState_16s;
+    using ToneState = VspToneDetectState_EC_16s;
 
-    // A band is at most transform * 2^15, which leaves 6 more bits for transforms of up to 2^9. Coefficients reach 16.
-    static constexpr int kBandBits = 6, kCoefficientBits = 27, kUpdateScale = 0;
-    static constexpr double kBandScale = 1 << kBandBits, kCoefficientScale = 1 << kCoefficientBits;
+    // A band reaches 2^15 times the transform's length of 2^8 or 2^9, so that 6 more bits fit. Coefficients reach 16.
+    static constexpr int kBandBits = 6, kCoefficientBits = 27;
+    static constexpr float kBand = 1 << kBandBits, kCoefficient = 1 << kCoefficientBits;
 
-    static Window window(double w) { return static_cast<Window>(std::lrint(w * 8192)); }  // Q13
+    static WindowValue windowValue(double w) { return static_cast<WindowValue>(std::lrint(w * 8192)); }  // Q13
     static Sample sample(float x) { return static_cast<Sample>(std::lrint(std::clamp(x, -32768.0f, 32767.0f))); }
 
-    // The update is x * e * mantissa * 2^-exponent for the integers x and e of the bands.
-    static Step step(double s) {
-        int exponent = 0;
-        const double mantissa = std::frexp(s * (kCoefficientScale / (kBandScale * kBandScale)), &exponent);
-        return {static_cast<Vsp32s>(std::min(mantissa * 0x1p31, 0x7fffffffp0)), 31 - exponent + kUpdateScale};
+    // An update is error * reference * mantissa * 2^-exponent, all of them integers. Taken from the bits of a float.
+    static Step step(float s) {
+        constexpr int kMantissaBits = 23, kBias = 127;
+        const auto bits = std::bit_cast<std::uint32_t>(s * (kCoefficient / (kBand * kBand)));
+        const int biased = static_cast<int>(bits >> kMantissaBits);
+        if (biased == 0) return {0, 0};
+        const std::uint32_t mantissa = (bits & ((1u << kMantissaBits) - 1)) | 1u << kMantissaBits;
+        constexpr int kShift = 30 - kMantissaBits;
+        return {static_cast<Vsp32s>(mantissa << kShift), kMantissaBits + kShift + kBias - biased};
     }
+    static Complex subtract(Complex a, Complex b) { return {difference(a.re, b.re), difference(a.im, b.im)}; }
 
-    static void getSize(const BankShape& s, Vsp32s* state, Vsp32s* init, Vsp32s* work) {
+    static void bankSize(const BankShape& s, Vsp32s* state, Vsp32s* init, Vsp32s* work) {
         check(vspsSubbandProcessGetSize_16s(s.order, s.window, state, init, work));
     }
-    static void init(State* state, const BankShape& s, const Window* window, Vsp8u* buffer) {
+    static void initBank(BankState* state, const BankShape& s, const WindowValue* window, Vsp8u* buffer) {
         check(vspsSubbandProcessInit_16s(state, s.order, s.frame, s.window, window, buffer));
     }
-    static void analyse(const Sample* in, Complex* out, State* state, Vsp8u* work) {
+    static void analyse(const Sample* in, Complex* out, BankState* state, Vsp8u* work) {
         check(vspsSubbandAnalysis_16s32sc_Sfs(in, out, state, -kBandBits, work));
     }
-    static void synthesise(const Complex* in, Sample* out, State* state, Vsp8u* work) {
+    static void synthesise(const Complex* in, Sample* out, BankState* state, Vsp8u* work) {
         check(vspsSubbandSynthesis_32sc16s_Sfs(in, out, state, kBandBits, work));
     }
     static void filter(const Complex* const* x, const Complex* const* c, Complex* y, int taps, int bands) {
         check(vspsFIRSubband_EC_32sc_Sfs(x, c, y, taps, bands, kCoefficientBits));
     }
-    static void update(const Step* steps, const Complex* const* x, const Complex* e, Complex* const* c, int taps, int bands) {
-        check(vspsFIRSubbandCoeffUpdate_EC_32sc_I(steps, x, e, c, taps, bands, kUpdateScale));
+    static void adapt(const Step* steps, const Complex* const* x, const Complex* e, Complex* const* c, int taps,
+                      int bands) {
+        check(vspsFIRSubbandCoeffUpdate_EC_32sc_I(steps, x, e, c, taps, bands, 0));
     }
-    static Complex subtract(Complex a, Complex b) { return {difference(a.re, b.re), difference(a.im, b.im)}; }
+
+    static void toneSize(int rate, Vsp32s* size) { check(vspsToneDetectGetStateSize_EC_16s(rate, size)); }
+    static void initTone(ToneState* state, int rate) { check(vspsToneDetectInit_EC_16s(state, rate)); }
+    static bool detectTone(const Sample* in, int count, ToneState* state) {
+        Vsp32s found = 0;
+        check(vspsToneDetect_EC_16s(in, count, &found, state));
+        return found != 0;
+    }
 
   private:
     static Vsp32s difference(Vsp32s a, Vsp32s b) {
-        return static_cast<Vsp32s>(std::clamp(Vsp64s(a) - b, Vsp64s(-0x7fffffff) - 1, Vsp64s(0x7fffffff)));
+        return static_cast<Vsp32s>(std::clamp(Vsp64s(a) - b, -0x80000000LL, 0x7fffffffLL));
     }
 };
-

@@ -6,11 +6,6 @@
 
 namespace {
 
-// Found by search: least echo left after the best filters in the bands, for windows of three transform lengths that move by
-// half a transform.
-constexpr double kBeta = 6;       // of the Kaiser window
-constexpr double kCutoff = 0.75;  // of the low-pass, in units of half the distance between bands
-
 double sinc(double x) { return x == 0 ? 1 : std::sin(std::numbers::pi * x) / (std::numbers::pi * x); }
 
 using Matrix = std::vector<std::vector<double>>;
@@ -40,26 +35,30 @@ std::vector<double> solve(Matrix a, std::vector<double> b) {
     return x;
 }
 
-}  // namespace
-
-std::vector<double> analysisWindow(const BankShape& shape) {
+// The cutoff frequency in units of half the distance between bands, and the shape of the Kaiser window.
+std::vector<double> lowPass(const BankShape& shape, double cutoff, double beta) {
     std::vector<double> w(static_cast<std::size_t>(shape.window));
     double energy = 0;
     for (std::size_t i = 0; i < w.size(); i++) {
         const double t = static_cast<double>(i) - (shape.window - 1) / 2.0;
         const double u = 2 * t / (shape.window - 1);
-        w[i] = sinc(kCutoff * t / shape.transform()) * std::cyl_bessel_i(0.0, kBeta * std::sqrt(1 - u * u));
+        w[i] = sinc(cutoff * t / shape.transform()) * std::cyl_bessel_i(0.0, beta * std::sqrt(1 - u * u));
         energy += w[i] * w[i];
     }
-    // So that a band has the power of the signal in it, as far as analysis and synthesis share the gain evenly.
-    const double scale = std::sqrt(shape.frame / energy);
+    const double scale = std::sqrt(shape.frame / energy);  // about the same gain in analysis and synthesis
     for (double& v : w) v *= scale;
     return w;
 }
 
-// Output sample n of the two together is the sum over j of x[n - delay + j * transform] * (sum of w[i + j * transform] * s[i]),
-// i running over the positions that n has in the frames that reach it. The sums must be 1 for j = 0 and 0 else. With fewer
-// equations than values, s = A^T (A A^T)^-1 b is the shortest solution.
+}  // namespace
+
+std::vector<double> nearWindow(const BankShape& shape) { return lowPass(shape, 0.85, 7.5); }
+
+std::vector<double> farWindow(const BankShape& shape) { return lowPass(shape, 1.25, 8); }
+
+// Output sample n of the two together is the sum over j of x[n - delay + j * transform] * (sum of w[i + j * transform] *
+// s[i]), i running over the positions that n has in the frames that reach it. The sums must be 1 for j = 0 and 0 else. With
+// fewer equations than values, s = A^T (A A^T)^-1 b is the shortest solution.
 std::vector<double> synthesisWindow(const BankShape& shape, const std::vector<double>& analysis) {
     const int length = shape.window, blocks = length / shape.transform();
     std::vector<double> s(analysis.size());

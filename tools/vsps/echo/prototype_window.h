@@ -13,10 +13,16 @@ struct BankShape {
     int bands() const { return transform() / 2 + 1; }
 };
 
-// For the analysis: a low-pass with little beyond half the frame rate, which would alias into the bands and stay in the
-// output as echo that no filter within the bands can remove. A sinc under a Kaiser window.
-std::vector<double> analysisWindow(const BankShape& shape);
+// A low-pass for the analysis of the near end: a sinc under a Kaiser window, with next to nothing beyond half the frame
+// rate. What is there aliases into the band and stays in the output as echo that no filter within the band can remove.
+std::vector<double> nearWindow(const BankShape& shape);
 
-// For the synthesis: the shortest vector (least gain of rounding noise) among the windows with which analysis and synthesis
-// together are a pure delay of window - frame samples. Its values are in the order in which the synthesis adds them.
+// For the far end, a wider one. Filters that work on a reference with empty band edges converge slowly there, just where
+// neighbouring bands overlap (P. L. De Leon, D. M. Etter: Experimental results with increased bandwidth analysis filters in
+// oversampled, subband acoustic echo cancelers, IEEE Signal Processing Letters 2, 1995).
+std::vector<double> farWindow(const BankShape& shape);
+
+// For the synthesis: of all windows that, after an analysis with the given one, give the signal back as it was but for a
+// delay of window - frame samples, the one with the least sum of squares, that is, the least gain of what is not a signal
+// that went through the analysis. In the order in which the synthesis applies its values to a frame.
 std::vector<double> synthesisWindow(const BankShape& shape, const std::vector<double>& analysis);

@@ -5,11 +5,16 @@
 
 namespace {
 
-constexpr double kNoiseTime = 0.02;    // s
-constexpr double kLeakageTime = 0.25;  // s
-constexpr double kDriftTime = 3e4;     // s in which a coefficient becomes another one
-constexpr float kCorrelated = 0.5f;    // how much less a frame tells than the diagonal covariance makes of it
-constexpr float kFloor = 1;            // power in a band that is nothing
+constexpr double kNoiseTime = 0.02;    // s, smoothing of the error power
+constexpr double kLeakageTime = 0.25;  // s, over which error and echo estimate are compared
+constexpr double kDriftTime = 3e5;     // s in which an echo path becomes another one
+constexpr double kPriorDecay = 0.8;    // of the power of an echo path from tap to tap
+constexpr float kCorrelated = 0.4f;    // neighbouring taps are correlated: a frame teaches less than if they were not
+constexpr float kChance = 8;           // leakage that comes about by chance, in units of its expectation
+constexpr double kIdle = 0.001;        // share in what is to be learned below which a group is idle
+constexpr float kNothing = 1;          // power in a band
+constexpr double kFloorTime = 5;       // s, smoothing of the noise floor upwards
+constexpr double kAbove = 10;          // ratio of powers that makes near-end speech
 
 float smoothing(double time, double frameRate) { return static_cast<float>(std::exp(-1 / (time * frameRate))); }
 
@@ -22,75 +27,118 @@ SubbandStepSize::SubbandStepSize(int bands, int taps, double frameRate)
       noiseSmoothing_(smoothing(kNoiseTime, frameRate)),
       leakageSmoothing_(smoothing(kLeakageTime, frameRate)),
       drift_(static_cast<float>(1 / (kDriftTime * frameRate))),
-      uncertainty_(static_cast<std::size_t>(groups_ * bands)),
-      coefficientPower_(uncertainty_.size()),
-      groupPower_(uncertainty_.size()),
-      steps_(uncertainty_.size()),
+      floorRise_(1 - smoothing(kFloorTime, frameRate)),
+      prior_(static_cast<std::size_t>(groups_)),
+      uncertainty_(offset(groups_)),
+      coefficientPower_(offset(groups_)),
+      farPower_(offset(groups_)),
+      steps_(offset(groups_)),
+      groupPredicted_(prior_.size()),
+      adapts_(prior_.size()),
       noise_(static_cast<std::size_t>(bands)),
       predicted_(noise_.size()),
+      pathPower_(noise_.size()),
       gain_(noise_.size()) {
-    // A first guess of the path: as loud as the far end, decaying.
-    double sum = 0;
-    const double decay = 0.93;
-    for (int t = 0; t < taps; t++) sum += std::pow(decay, t);
+    const double sum = (1 - std::pow(kPriorDecay, taps)) / (1 - kPriorDecay);
     for (int g = 0; g < groups_; g++)
-        std::fill_n(row(uncertainty_, g), bands, static_cast<float>(std::pow(decay, g * kGroup) / sum));
+        prior_[static_cast<std::size_t>(g)] = static_cast<float>(std::pow(kPriorDecay, firstTap(g)) / sum);
+    reset();
 }
 
+// The path is thought to be as loud as the far end at most.
+void SubbandStepSize::reset() {
+    for (int g = 0; g < groups_; g++)
+        std::fill_n(uncertainty_.begin() + static_cast<std::ptrdiff_t>(offset(g)), bands_,
+                    prior_[static_cast<std::size_t>(g)]);
+    std::fill(adapts_.begin(), adapts_.end(), char{1});
+    std::fill(groupPredicted_.begin(), groupPredicted_.end(), 1.0);
+}
+
+// The square of the regression coefficient of the error on the estimate, less what it is by chance.
 void SubbandStepSize::measureLeakage(const Frame& frame) {
-    double cross = 0, own = 0, both = 0;
+    float cross = 0, estimate = 0, chance = 0;
     for (int k = 0; k < bands_; k++) {
         cross += frame.correlation[k];
-        own += frame.estimatePower[k];
-        both += double(frame.errorPower[k]) * frame.estimatePower[k];
+        estimate += frame.estimatePower[k];
+        chance += frame.errorPower[k] * frame.estimatePower[k];
     }
-    const auto smooth = [this](float& value, double now) {
-        value = leakageSmoothing_ * value + (1 - leakageSmoothing_) * static_cast<float>(now);
-    };
-    smooth(cross_, cross);
-    smooth(own_, own);
-    smooth(both_, both);
-    // The square of the regression coefficient, less what chance gives it.
-    const float eta2 = cross_ * cross_ / (own_ * own_ + kFloor);
-    const float chance = both_ * (1 - leakageSmoothing_) / (own_ * own_ + kFloor);
-    leakage_ = std::min(1.0f, std::max(0.0f, eta2 - 4 * chance));
+    const float a = leakageSmoothing_;
+    cross_ = a * cross_ + (1 - a) * cross;
+    estimate_ = a * estimate_ + (1 - a) * estimate;
+    chance_ = a * chance_ + (1 - a) * (1 - a) * chance;
+    const float square = cross_ * cross_ - kChance * chance_;
+    leakage_ = square > 0 ? std::min(1.0f, square / (estimate_ * estimate_ + kNothing)) : 0;
+}
+
+// How much of the echo the group may leave, from what is unknown of its coefficients.
+void SubbandStepSize::predict(const Frame& frame, int group) {
+    const auto g = static_cast<std::size_t>(group);
+    float* power = farPower_.data() + offset(group);
+    float* uncertainty = uncertainty_.data() + offset(group);
+    const float* coefficient = coefficientPower_.data() + offset(group);
+    std::fill_n(power, bands_, 0.0f);
+    for (int t = firstTap(group); t < firstTap(group) + taps(group); t++) {
+        const float* tap = frame.farPower[t];
+        for (int k = 0; k < bands_; k++) power[k] += tap[k];
+    }
+    float sum = 0;
+    for (int k = 0; k < bands_; k++) {
+        const float drifted = uncertainty[k] + drift_ * coefficient[k];
+        const float leaked = leakage_ * (coefficient[k] + prior_[g] * pathPower_[static_cast<std::size_t>(k)]);
+        uncertainty[k] = drifted > leaked ? drifted : leaked;
+        const float left = uncertainty[k] * power[k];
+        predicted_[static_cast<std::size_t>(k)] += left;
+        sum += left;
+    }
+    groupPredicted_[g] = sum;
+}
+
+// The steps, and how much they will reduce the uncertainty.
+void SubbandStepSize::correct(int group) {
+    const float* power = farPower_.data() + offset(group);
+    float* uncertainty = uncertainty_.data() + offset(group);
+    float* steps = steps_.data() + offset(group);
+    const float share = kCorrelated / static_cast<float>(taps(group));
+    for (int k = 0; k < bands_; k++) {
+        steps[k] = uncertainty[k] * gain_[static_cast<std::size_t>(k)];
+        uncertainty[k] *= 1 - share * steps[k] * power[k];
+    }
 }
 
 void SubbandStepSize::update(const Frame& frame) {
     measureLeakage(frame);
+    turn_ = (turn_ + 1) % groups_;
+    double total = 0;
+    for (const double p : groupPredicted_) total += p;
     std::fill(predicted_.begin(), predicted_.end(), 0.0f);
-    for (int g = 0; g < groups_; g++) {
-        float* power = row(groupPower_, g);
-        float* uncertainty = row(uncertainty_, g);
-        const float* coefficient = row(coefficientPower_, g);
-        std::fill_n(power, bands_, 0.0f);
-        for (int t = firstTap(g); t < firstTap(g) + tapsOf(g); t++)
-            for (int k = 0; k < bands_; k++) power[k] += frame.farPower[t][k];
-        for (int k = 0; k < bands_; k++) {
-            uncertainty[k] = std::max(uncertainty[k] + drift_ * coefficient[k], leakage_ * coefficient[k]);
-            predicted_[k] += uncertainty[k] * power[k];
-        }
+    if (leakage_ > 0) {
+        std::fill(pathPower_.begin(), pathPower_.end(), 0.0f);
+        for (int g = 0; g < groups_; g++)
+            for (int k = 0; k < bands_; k++)
+                pathPower_[static_cast<std::size_t>(k)] +=
+                    static_cast<float>(taps(g)) * coefficientPower_[offset(g) + static_cast<std::size_t>(k)];
     }
+    for (int g = 0; g < groups_; g++) {
+        const auto i = static_cast<std::size_t>(g);
+        adapts_[i] = leakage_ > 0 || g == turn_ || groupPredicted_[i] >= kIdle * total;
+        if (adapts_[i]) predict(frame, g);
+    }
+
     double error = 0, predicted = 0, noise = 0;
-    for (int k = 0; k < bands_; k++) {
+    for (std::size_t k = 0; k < noise_.size(); k++) {
         noise_[k] = noiseSmoothing_ * noise_[k] + (1 - noiseSmoothing_) * frame.errorPower[k];
-        gain_[k] = 1 / (predicted_[k] + noise_[k] + kFloor);
+        gain_[k] = 1 / (predicted_[k] + noise_[k] + kNothing);
         error += frame.errorPower[k];
         predicted += predicted_[k];
         noise += noise_[k];
     }
-    for (int g = 0; g < groups_; g++) {
-        const float* power = row(groupPower_, g);
-        float* uncertainty = row(uncertainty_, g);
-        float* steps = row(steps_, g);
-        const float share = kCorrelated / static_cast<float>(tapsOf(g));
-        for (int k = 0; k < bands_; k++) {
-            steps[k] = uncertainty[k] * gain_[k];
-            uncertainty[k] *= 1 - share * steps[k] * power[k];
-        }
-    }
-    openness_ = predicted / (predicted + noise + 1);
-    doubleTalk_ = error > 10 * predicted;
+    for (int g = 0; g < groups_; g++)
+        if (adapts(g)) correct(g);
+    observe(error, predicted, noise);
 }
 
-void SubbandStepSize::realign(int) {}
+void SubbandStepSize::observe(double error, double predicted, double noise) {
+    learning_ = predicted / (predicted + noise + kNothing);
+    noiseFloor_ = noise < noiseFloor_ || noiseFloor_ == 0 ? noise : noiseFloor_ + floorRise_ * (noise - noiseFloor_);
+    nearSpeech_ = error > kAbove * (predicted + noiseFloor_);
+}

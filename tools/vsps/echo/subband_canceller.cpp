@@ -1,66 +1,77 @@
 #include "echo/subband_canceller.h"
 
-#include <vector>
 #include <algorithm>
-#include <cstdlib>
+#include <array>
+#include <optional>
+#include <vector>
 
 #include "echo/arithmetic.h"
+#include "echo/bulk_delay.h"
 #include "echo/delay_line.h"
 #include "echo/filter_bank.h"
 #include "echo/step_size.h"
+#include "echo/tone_disabler.h"
 
 namespace {
 
-constexpr int kLookAhead = 2;
-
+// Bands 31.25 Hz apart, 71 frames a second. Longer frames cost less, but more of the echo escapes by aliasing.
 BankShape shapeFor(int rate) {
-    static int o = getenv("ORD") ? atoi(getenv("ORD")) : 7, f = getenv("FR") ? atoi(getenv("FR")) : 64, l = getenv("LN") ? atoi(getenv("LN")) : 3;
-    if (rate == 16000) return {o + 1, 2 * f, l * (2 << o)};
-    return {o, f, l * (1 << o)};
+    if (rate == 8000) return {.order = 8, .frame = 112, .window = 768};
+    return {.order = 9, .frame = 224, .window = 1536};
 }
+
+// Between bands of frames, a path of no delay also looks into the future: the near end waits for so many frames. Into the
+// past it gets as much longer.
+constexpr int kLookAhead = 1, kLookBack = 3;
+
+constexpr double kQuietFar = 32768.0 * 32768.0 * 1e-6;  // -60 dBov
 
 template <class Arithmetic>
 class SubbandCanceller : public EchoCanceller {
     using Sample = typename Arithmetic::Sample;
     using Complex = typename Arithmetic::Complex;
-    using Step = typename Arithmetic::Step;
 
   public:
     explicit SubbandCanceller(const EchoCancellerSettings& s)
         : shape_(shapeFor(s.rate)),
           bands_(shape_.bands()),
-          taps_(static_cast<int>(s.tailMs * s.rate / 1000) / shape_.frame + kLookAhead + 3),
-          window_(analysisWindow(shape_)),
-          farBank_(shape_, window_),
-          nearBank_(shape_, window_),
-          outBank_(shape_, backwards(synthesisWindow(shape_, window_))),
-          far_(taps_, bands_),
-          farPower_(taps_, bands_),
+          frameMs_(1000.0 * shape_.frame / s.rate),
+          taps_(static_cast<int>(s.tailMs / frameMs_) + 1 + kLookAhead + kLookBack),
+          maxDelay_(static_cast<int>(s.maxBulkDelayMs / frameMs_)),
+          farBank_(shape_, farWindow(shape_)),
+          nearBank_(shape_, nearWindow(shape_)),
+          outBank_(shape_, backwards(synthesisWindow(shape_, nearWindow(shape_)))),
+          far_(taps_ + maxDelay_, bands_),
+          farPower_(taps_ + maxDelay_, bands_),
           near_(kLookAhead + 1, bands_),
           coefficients_(taps_, bands_),
-          stepSize_(bands_, taps_, double(s.rate) / shape_.frame),
-          steps_(bands_),
-          error_(bands_),
-          estimate_(bands_),
-          ePower_(bands_),
-          yPower_(bands_),
-          cross_(bands_),
-          farIn_(shape_.frame),
-          nearIn_(shape_.frame),
-          out_(shape_.frame) {}
+          stepSize_(bands_, taps_, 1000 / frameMs_),
+          steps_(static_cast<std::size_t>(bands_)),
+          estimate_(steps_.size()),
+          error_(steps_.size()),
+          errorPower_(steps_.size()),
+          estimatePower_(steps_.size()),
+          correlation_(steps_.size()),
+          farIn_(static_cast<std::size_t>(shape_.frame)),
+          out_(farIn_.size()),
+          nearIn_(static_cast<std::size_t>(latency()) + farIn_.size()) {
+        if (s.toneDisabling) tone_.emplace(s.rate);
+        if (maxDelay_ > 0) bulkDelay_.emplace(maxDelay_, taps_, double(s.rate) / shape_.transform(), 1000 / frameMs_);
+    }
 
+    // Of analysis and synthesis, of the waiting for the future, and of the collecting of a frame.
     int latency() const override { return shape_.window - shape_.frame + kLookAhead * shape_.frame + shape_.frame; }
-    EchoCancellerStatus status() const override { return {}; }
+
+    EchoCancellerStatus status() const override { return status_; }
 
     void process(std::span<const float> far, std::span<const float> near, std::span<float> out) override {
-        for (std::size_t i = 0; i < far.size(); i++) {
+        for (std::size_t i = 0; i < out.size(); i++) {
             farIn_[filled_] = Arithmetic::sample(far[i]);
-            nearIn_[filled_] = Arithmetic::sample(near[i]);
+            newest()[filled_] = Arithmetic::sample(near[i]);
             out[i] = static_cast<float>(out_[filled_]);
-            if (++filled_ == farIn_.size()) {
-                processFrame();
-                filled_ = 0;
-            }
+            if (++filled_ < farIn_.size()) continue;
+            processFrame();
+            filled_ = 0;
         }
     }
 
@@ -69,60 +80,131 @@ class SubbandCanceller : public EchoCanceller {
         std::reverse(w.begin(), w.end());
         return w;
     }
+    // The near end as far back as the output lags; its newest frame comes last.
+    Sample* newest() { return nearIn_.data() + nearIn_.size() - farIn_.size(); }
+    int delay() const { return bulkDelay_ ? bulkDelay_->delay() : 0; }
 
     void processFrame() {
-        constexpr auto unit = static_cast<float>(1 / Arithmetic::kBandScale);
+        if (tone_) tone_->process(farIn_.data(), newest(), shape_.frame);
+        const bool disabled = tone_ && tone_->disabled();
+
         Complex* x = far_.push();
         farBank_.analyse(farIn_.data(), x);
-        float* power = farPower_.push();
-        for (int k = 0; k < bands_; k++) power[k] = unit * unit * (float(x[k].re) * float(x[k].re) + float(x[k].im) * float(x[k].im));
-        nearBank_.analyse(nearIn_.data(), near_.push());
-        const Complex* d = near_.at(kLookAhead)[0];
-        Arithmetic::filter(far_.at(0), coefficients_.at(0), estimate_.data(), taps_, bands_);
+        powers(x, farPower_.push());
+        nearBank_.analyse(newest(), near_.push());
+        if (bulkDelay_ && !disabled) followDelay(x, near_.at(0)[0]);
+        cancel(near_.at(kLookAhead)[0]);
+        if (!disabled) adapt();
+        outBank_.synthesise(error_.data(), out_.data());
+        if (disabled) std::copy_n(nearIn_.begin() + shape_.frame - shape_.frame, out_.size(), out_.begin());
+        observe(disabled);
+        std::copy(nearIn_.begin() + shape_.frame, nearIn_.end(), nearIn_.begin());
+    }
+
+    // |z|^2 of each band.
+    void powers(const Complex* z, float* power) const {
+        constexpr float kUnit = 1 / Arithmetic::kBand;
         for (int k = 0; k < bands_; k++) {
-            error_[k] = Arithmetic::subtract(d[k], estimate_[k]);
-            const float er = unit * float(error_[k].re), ei = unit * float(error_[k].im);
-            const float yr = unit * float(estimate_[k].re), yi = unit * float(estimate_[k].im);
-            ePower_[k] = er * er + ei * ei;
-            yPower_[k] = yr * yr + yi * yi;
-            cross_[k] = er * yr + ei * yi;
+            const float re = kUnit * static_cast<float>(z[k].re), im = kUnit * static_cast<float>(z[k].im);
+            power[k] = re * re + im * im;
         }
-        stepSize_.update({farPower_.at(0), ePower_.data(), yPower_.data(), cross_.data()});
+    }
+
+    void cancel(const Complex* near) {
+        Arithmetic::filter(far_.at(delay()), coefficients_.at(0), estimate_.data(), taps_, bands_);
+        constexpr float kUnit = 1 / Arithmetic::kBand;
+        for (std::size_t k = 0; k < error_.size(); k++) {
+            error_[k] = Arithmetic::subtract(near[k], estimate_[k]);
+            correlation_[k] = kUnit * kUnit *
+                              (static_cast<float>(error_[k].re) * static_cast<float>(estimate_[k].re) +
+                               static_cast<float>(error_[k].im) * static_cast<float>(estimate_[k].im));
+        }
+        powers(error_.data(), errorPower_.data());
+        powers(estimate_.data(), estimatePower_.data());
+    }
+
+    void adapt() {
+        stepSize_.update({farPower_.at(delay()), errorPower_.data(), estimatePower_.data(), correlation_.data()});
         for (int g = 0; g < stepSize_.groups(); g++) {
-            const float* s = stepSize_.steps(g);
-            for (int k = 0; k < bands_; k++) steps_[k] = Arithmetic::step(s[k]);
+            if (!stepSize_.adapts(g)) continue;
+            std::transform(stepSize_.steps(g), stepSize_.steps(g) + bands_, steps_.begin(), Arithmetic::step);
             const int first = stepSize_.firstTap(g);
-            Arithmetic::update(steps_.data(), far_.at(first), error_.data(), coefficients_.at(first), stepSize_.tapsOf(g), bands_);
+            Arithmetic::adapt(steps_.data(), far_.at(delay() + first), error_.data(), coefficients_.at(first),
+                              stepSize_.taps(g), bands_);
         }
         turn_ = (turn_ + 1) % stepSize_.groups();
-        const int first = stepSize_.firstTap(turn_), count = stepSize_.tapsOf(turn_);
-        float* cp = stepSize_.coefficientPower(turn_);
-        constexpr auto cunit = static_cast<float>(1 / Arithmetic::kCoefficientScale);
-        for (int k = 0; k < bands_; k++) {
-            cp[k] = 0;
-            for (int t = 0; t < count; t++) {
-                const Complex c = coefficients_.at(first)[t][k];
-                const float cr = cunit * float(c.re), ci = cunit * float(c.im);
-                cp[k] += (cr * cr + ci * ci) / float(count);
+        measureCoefficients(turn_);
+    }
+
+    void measureCoefficients(int group) {
+        constexpr float kUnit = 1 / Arithmetic::kCoefficient;
+        const float share = kUnit * kUnit / static_cast<float>(stepSize_.taps(group));
+        float* power = stepSize_.coefficientPower(group);
+        std::fill_n(power, bands_, 0.0f);
+        for (int t = 0; t < stepSize_.taps(group); t++) {
+            const Complex* c = coefficients_.at(stepSize_.firstTap(group))[t];
+            for (int k = 0; k < bands_; k++) {
+                const auto re = static_cast<float>(c[k].re), im = static_cast<float>(c[k].im);
+                power[k] += share * (re * re + im * im);
             }
         }
-        outBank_.synthesise(error_.data(), out_.data());
+    }
+
+    // When the bulk delay changes, the coefficients move with it and are adapted anew.
+    void followDelay(const Complex* far, const Complex* near) {
+        std::array<Vsp32fc, BulkDelay::kBands> x, d;
+        for (int i = 0; i < BulkDelay::kBands; i++) {
+            const int k = bulkDelay_->firstBand() + i * BulkDelay::kBandStep;
+            x[static_cast<std::size_t>(i)] = {static_cast<float>(far[k].re), static_cast<float>(far[k].im)};
+            d[static_cast<std::size_t>(i)] = {static_cast<float>(near[k].re), static_cast<float>(near[k].im)};
+        }
+        const int before = delay();
+        if (!bulkDelay_->update(x.data(), d.data())) return;
+        const int shift = delay() - before;
+        const auto moved = [&](int t) { return t + shift >= 0 && t + shift < taps_; };
+        const auto move = [&](int t) {
+            Complex* to = coefficients_.at(0)[t];
+            if (moved(t))
+                std::copy_n(coefficients_.at(0)[t + shift], bands_, to);
+            else
+                std::fill_n(to, bands_, Complex{});
+        };
+        if (shift > 0)
+            for (int t = 0; t < taps_; t++) move(t);
+        else
+            for (int t = taps_ - 1; t >= 0; t--) move(t);
+        stepSize_.reset();
+    }
+
+    void observe(bool disabled) {
+        double power = 0;
+        for (const Sample s : farIn_) power += double(s) * s;
+        farActive_ = power > kQuietFar * shape_.frame ? delay() + taps_ : std::max(farActive_ - 1, 0);
+        status_.bulkDelayMs = delay() * frameMs_;
+        status_.toneDisabled = disabled;
+        status_.farActive = farActive_ > 0;
+        status_.stepSize = disabled ? 0 : stepSize_.learning();
+        status_.doubleTalk = !disabled && status_.farActive && stepSize_.nearSpeech();
     }
 
     BankShape shape_;
-    int bands_, taps_;
-    std::vector<double> window_;
+    int bands_;
+    double frameMs_;
+    int taps_, maxDelay_;
     FilterBank<Arithmetic> farBank_, nearBank_, outBank_;
     DelayLine<Complex> far_;
     DelayLine<float> farPower_;
     DelayLine<Complex> near_, coefficients_;
     SubbandStepSize stepSize_;
-    std::vector<Step> steps_;
-    std::vector<Complex> error_, estimate_;
-    std::vector<float> ePower_, yPower_, cross_;
-    std::vector<Sample> farIn_, nearIn_, out_;
+    std::optional<ToneDisabler<Arithmetic>> tone_;
+    std::optional<BulkDelay> bulkDelay_;
+    std::vector<typename Arithmetic::Step> steps_;
+    std::vector<Complex> estimate_, error_;
+    std::vector<float> errorPower_, estimatePower_, correlation_;
+    std::vector<Sample> farIn_, out_, nearIn_;
     std::size_t filled_ = 0;
-    int turn_ = 0;
+    int turn_ = 0, farActive_ = 0;
+    EchoCancellerStatus status_;
 };
 
 }  // namespace
@@ -131,5 +213,3 @@ std::unique_ptr<EchoCanceller> makeSubbandCanceller(const EchoCancellerSettings&
     if (settings.fixedPoint) return std::make_unique<SubbandCanceller<FixedArithmetic>>(settings);
     return std::make_unique<SubbandCanceller<FloatArithmetic>>(settings);
 }
-
-std::unique_ptr<EchoCanceller> makeEchoCanceller(const EchoCancellerSettings& settings) { return makeSubbandCanceller(settings); }
