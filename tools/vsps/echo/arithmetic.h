@@ -51,6 +51,17 @@ struct FloatArithmetic {
         check(vspsFIRSubbandCoeffUpdate_EC_32fc_I(steps, x, e, c, taps, bands));
     }
 
+    using FullbandStep = Vsp32f;
+    static constexpr float kTap = 1;
+    static FullbandStep fullbandStep(double s, double /*peak*/, double /*refPeak*/) { return static_cast<FullbandStep>(s); }
+    static void filterFullband(const Sample* ref, const Sample* near, Sample* out, int count, const Sample* taps, int length) {
+        check(vspsFIR_EC_32f(ref, near, out, count, taps, length));
+    }
+    static void adaptFullband(const Sample* ref, const Sample* near, const FullbandStep* steps, Sample* out, int count,
+                              Sample* taps, int length, Sample* scaledError) {
+        check(vspsNLMS_EC_32f(ref, near, steps, out, count, taps, length, scaledError));
+    }
+
     static void toneSize(int rate, Vsp32s* size) { check(vspsToneDetectGetStateSize_EC_32f(rate, size)); }
     static void initTone(ToneState* state, int rate) { check(vspsToneDetectInit_EC_32f(state, rate)); }
     static bool detectTone(const Sample* in, int count, ToneState* state) {
@@ -105,6 +116,21 @@ struct FixedArithmetic {
     static void adapt(const Step* steps, const Complex* const* x, const Complex* e, Complex* const* c, int taps,
                       int bands) {
         check(vspsFIRSubbandCoeffUpdate_EC_32sc_I(steps, x, e, c, taps, bands, 0));
+    }
+
+    using FullbandStep = Vsp32s;
+    static constexpr float kTap = 32768;  // Q15
+    // A tap grows by error * step / 2^11 * reference / 2^13 / 2^15. No product may leave 32 bits.
+    static FullbandStep fullbandStep(double s, double peak, double refPeak) {
+        const double most = std::min(0x1p29 / (peak + 1), 0x1p40 / ((peak + 1) * (refPeak + 1)));
+        return static_cast<FullbandStep>(std::min(s * 0x1p39, most) + 0.5);
+    }
+    static void filterFullband(const Sample* ref, const Sample* near, Sample* out, int count, const Sample* taps, int length) {
+        check(vspsFIR_EC_16s(ref, near, out, count, taps, length));
+    }
+    static void adaptFullband(const Sample* ref, const Sample* near, const FullbandStep* steps, Sample* out, int count,
+                              Sample* taps, int length, Sample* scaledError) {
+        check(vspsNLMS_EC_16s(ref, near, steps, out, count, taps, length, scaledError));
     }
 
     static void toneSize(int rate, Vsp32s* size) { check(vspsToneDetectGetStateSize_EC_16s(rate, size)); }

@@ -2,6 +2,7 @@
 
 #include <stdexcept>
 
+#include "echo/fullband_canceller.h"
 #include "echo/subband_canceller.h"
 
 std::unique_ptr<EchoCanceller> makeEchoCanceller(const EchoCancellerSettings& settings) {
@@ -10,5 +11,5 @@ std::unique_ptr<EchoCanceller> makeEchoCanceller(const EchoCancellerSettings& se
     if (!(settings.tailMs >= 1 && settings.tailMs <= kMaxTail)) throw std::invalid_argument("the tail must be 1 to 500 ms");
     if (!(settings.maxBulkDelayMs >= 0 && settings.maxBulkDelayMs <= kMaxDelay))
         throw std::invalid_argument("the bulk delay must be 0 to 1000 ms");
-    return makeSubbandCanceller(settings);
+    return settings.engine == EchoEngine::subband ? makeSubbandCanceller(settings) : makeFullbandCanceller(settings);
 }

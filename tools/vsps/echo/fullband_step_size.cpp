@@ -1,0 +1,47 @@
+#include "echo/fullband_step_size.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include <cstdlib>
+static double env(const char*n,double d){const char*v=getenv(n);return v?atof(v):d;}
+
+namespace {
+
+const double kNoiseTime = env("FNT",0.02);
+const double kLeakageTime = env("FLT",0.25);
+const double kDriftTime = env("FDT",3e4);
+const double kCorrelated = env("FKC",0.05);
+const double kChance = env("FCH",8);
+constexpr double kNothing = 0.1;
+constexpr double kFloorTime = 5;
+constexpr double kAbove = 10;
+
+void smooth(double& value, double now, double time, double rate) { value += (1 - std::exp(-1 / (time * rate))) * (now - value); }
+
+}  // namespace
+
+FullbandStepSize::FullbandStepSize(int taps, double blockRate) : taps_(taps), blockRate_(blockRate) { reset(); }
+
+void FullbandStepSize::reset() { uncertainty_ = 1; }
+
+double FullbandStepSize::leakage(const Block& b) {
+    const double share = 1 - std::exp(-1 / (kLeakageTime * blockRate_));
+    smooth(cross_, b.correlation, kLeakageTime, blockRate_);
+    smooth(estimate_, b.estimatePower, kLeakageTime, blockRate_);
+    smooth(chance_, share * b.errorPower * b.estimatePower, kLeakageTime, blockRate_);
+    const double square = cross_ * cross_ - kChance * chance_;
+    return std::clamp(square / (estimate_ * estimate_ + kNothing), 0.0, 1.0);
+}
+
+double FullbandStepSize::update(const Block& b, double tapEnergy) {
+    uncertainty_ = std::max(uncertainty_ + tapEnergy / (kDriftTime * blockRate_), leakage(b) * tapEnergy);
+    smooth(noise_, b.errorPower, kNoiseTime, blockRate_);
+    noiseFloor_ = noise_ < noiseFloor_ || noiseFloor_ == 0 ? noise_ : noiseFloor_;
+    smooth(noiseFloor_, noise_, kFloorTime, blockRate_);
+    const double predicted = uncertainty_ * b.farEnergy / taps_;
+    const double step = predicted / (predicted + noise_ + kNothing);
+    uncertainty_ *= 1 - std::min(1.0, kCorrelated * step * b.samples / taps_);
+    nearSpeech_ = b.errorPower > kAbove * (predicted + noiseFloor_);
+    return step;
+}
