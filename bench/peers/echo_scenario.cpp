@@ -10,7 +10,7 @@
 #include <stdexcept>
 
 #include "audio/active_level.h"
-#include "echo/g168_paths.h"
+#include "simulate_echo/g168_paths.h"
 
 namespace echo {
 
@@ -28,7 +28,7 @@ std::vector<double> impulseResponse(const Path& path) {
     std::vector<double> h(std::max(length, delay + 1));
     double energy = 0;
     for (std::size_t i = 0; i < model->taps.size() && delay + i < h.size(); i++) {
-        h[delay + i] = model->taps[i] * model->scale;
+        h[delay + i] = model->taps[i] * model->k;
         energy += h[delay + i] * h[delay + i];
     }
     std::mt19937 random(7);

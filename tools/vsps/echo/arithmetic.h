@@ -54,7 +54,8 @@ struct FloatArithmetic {
     using FullbandStep = Vsp32f;
     static constexpr float kTap = 1;
     static FullbandStep fullbandStep(double s, double /*peak*/, double /*refPeak*/) { return static_cast<FullbandStep>(s); }
-    static void filterFullband(const Sample* ref, const Sample* near, Sample* out, int count, const Sample* taps, int length) {
+    static void filterFullband(const Sample* ref, const Sample* near, Sample* out, int count, const Sample* taps,
+                               int length) {
         check(vspsFIR_EC_32f(ref, near, out, count, taps, length));
     }
     static void adaptFullband(const Sample* ref, const Sample* near, const FullbandStep* steps, Sample* out, int count,
@@ -125,7 +126,8 @@ struct FixedArithmetic {
         const double most = std::min(0x1p29 / (peak + 1), 0x1p40 / ((peak + 1) * (refPeak + 1)));
         return static_cast<FullbandStep>(std::min(s * 0x1p39, most) + 0.5);
     }
-    static void filterFullband(const Sample* ref, const Sample* near, Sample* out, int count, const Sample* taps, int length) {
+    static void filterFullband(const Sample* ref, const Sample* near, Sample* out, int count, const Sample* taps,
+                               int length) {
         check(vspsFIR_EC_16s(ref, near, out, count, taps, length));
     }
     static void adaptFullband(const Sample* ref, const Sample* near, const FullbandStep* steps, Sample* out, int count,

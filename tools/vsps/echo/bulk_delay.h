@@ -3,35 +3,67 @@
 
 #include <vector>
 
+#include "echo/arithmetic.h"
 #include "echo/delay_line.h"
-#include "vspsc/types.h"
+#include "echo/filter_bank.h"
 
-// A long adaptive filter in a few bands, rough but enough to see where the echo path lies.
+// Finds the delay with a long adaptive filter in a few bands, which is rough but enough to see where the echo path lies.
 class BulkDelay {
   public:
-    // Delays up to maxFrames are found, for a canceller whose own filter spans so many taps. `spacing` is the distance
-    // between bands in Hz.
-    BulkDelay(int maxFrames, int taps, double spacing, double frameRate);
+    // Delays of up to maxFrames, for a canceller whose own filter covers so many frames more. `spacing` is the distance
+    // between bands, Hz.
+    BulkDelay(int maxFrames, int covered, double spacing, double frameRate);
 
-    // Bands of the newest frame of both signals, the near end not being delayed. True if the delay has changed.
-    bool update(const Vsp32fc* far, const Vsp32fc* near);
-    // Frames.
-    int delay() const { return delay_; }
+    // All bands of the newest frame of both signals. True if the delay has changed.
+    template <class Complex>
+    bool update(const Complex* far, const Complex* near) {
+        pick(far, far_.push());
+        pick(near, error_.data());
+        skip_ = !skip_;
+        if (skip_) return false;  // every other frame is enough
+        adapt();
+        return decide();
+    }
 
-    // The bands that update() looks at are firstBand() + i * kBandStep, and these are all it is given.
-    static constexpr int kBands = 16, kBandStep = 2;
-    int firstBand() const { return firstBand_; }
+    int frames() const { return delay_; }
 
   private:
-    void adapt(const Vsp32fc* near);
+    static constexpr int kBands = 16, kBandStep = 2;
+
+    template <class Complex>
+    void pick(const Complex* all, Vsp32fc* some) const {
+        for (int i = 0; i < kBands; i++) {
+            const Complex z = all[firstBand_ + i * kBandStep];
+            some[i] = {static_cast<float>(z.re), static_cast<float>(z.im)};
+        }
+    }
+    void adapt();
     bool decide();
 
-    int maxFrames_, taps_, firstBand_, length_, hold_;
+    int maxFrames_, covered_, firstBand_, length_, hold_;
+    double noiseShare_;
     DelayLine<Vsp32fc> far_, response_;
-    std::vector<double> farPower_, step_;
-    std::vector<double> errorPower_;
-    std::vector<Vsp32fc> error_;
-    std::vector<double> energy_;  // of the response, at each delay
+    std::vector<Vsp32fc> estimate_, error_;
+    std::vector<double> farPower_, errorPower_, steps_;
+    std::vector<double> energy_;  // of the response at each delay
     int delay_ = 0, candidate_ = 0, held_ = 0;
     bool skip_ = false;
+};
+
+// The same for signals that are not in bands.
+class SignalBulkDelay {
+  public:
+    SignalBulkDelay(const BankShape& shape, int maxFrames, int covered, int rate);
+
+    // A sample of each. True if the delay has changed.
+    bool update(float far, float near);
+    int samples() const { return delay_.frames() * shape_.frame; }
+
+  private:
+    BankShape shape_;
+    FilterBank<FloatArithmetic> farBank_, nearBank_;
+    std::vector<float> farIn_, nearIn_;
+    std::vector<Vsp32fc> far_, near_;
+    BulkDelay delay_;
+    std::size_t filled_ = 0;
 };

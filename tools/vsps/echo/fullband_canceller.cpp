@@ -2,19 +2,24 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 #include <vector>
 
 #include "echo/arithmetic.h"
+#include "echo/bulk_delay.h"
+#include "echo/far_activity.h"
 #include "echo/fullband_step_size.h"
+#include "echo/tone_disabler.h"
 
 namespace {
 
-constexpr int kBlocks = 200;  // a second
-// Speech falls off towards high frequencies, and an NLMS filter learns slowly where there is little power. Both signals go
-// through a filter that evens that out, and the output through its inverse.
-constexpr float kEmphasis = 0.9f, kEmphasisGain = 0.5f;  // the gain keeps the result in 16 bits
+constexpr int kBlockRate = 200;  // blocks a second, for each of which a step size is found
 
-constexpr double kSmallStep = 1e-5;  // not worth the time
+// Speech falls off towards high frequencies, and where there is little power an NLMS filter learns slowly. Both signals go
+// through a first difference that evens that out, and the output through its inverse. The gain keeps it in 16 bits.
+constexpr float kEmphasis = 0.9f, kEmphasisGain = 0.5f;
+
+constexpr double kSmallStep = 1e-5;  // not worth an update
 
 template <class Arithmetic>
 class FullbandCanceller : public EchoCanceller {
@@ -23,38 +28,49 @@ class FullbandCanceller : public EchoCanceller {
   public:
     explicit FullbandCanceller(const EchoCancellerSettings& s)
         : rate_(s.rate),
-          block_(s.rate / kBlocks),
+          block_(s.rate / kBlockRate),
           taps_(std::max(1, static_cast<int>(s.tailMs * s.rate / 1000))),
-          far_(static_cast<std::size_t>(taps_ + block_)),
-          near_(static_cast<std::size_t>(block_)),
-          error_(near_.size()),
-          out_(near_.size()),
-          steps_(near_.size()),
+          maxDelay_(static_cast<int>(s.maxBulkDelayMs * s.rate / 1000)),
+          farIn_(static_cast<std::size_t>(block_)),
+          nearIn_(farIn_.size()),
+          near_(farIn_.size()),
+          error_(farIn_.size()),
+          out_(farIn_.size()),
+          steps_(farIn_.size()),
+          far_(static_cast<std::size_t>(maxDelay_ + taps_ + block_)),
           coefficients_(static_cast<std::size_t>(taps_)),
-          stepSize_(taps_, kBlocks) {}
+          stepSize_(taps_, kBlockRate),
+          farActivity_((maxDelay_ + taps_) / block_ + 1) {
+        const BankShape shape = bankShape(s.rate);
+        if (s.toneDisabling) tone_.emplace(s.rate);
+        if (maxDelay_ >= shape.frame) bulkDelay_.emplace(shape, maxDelay_ / shape.frame, taps_ / shape.frame + 1, s.rate);
+    }
 
     int latency() const override { return block_; }
     EchoCancellerStatus status() const override { return status_; }
 
     void process(std::span<const float> far, std::span<const float> near, std::span<float> out) override {
         for (std::size_t i = 0; i < out.size(); i++) {
-            reference()[filled_] = Arithmetic::sample(emphasise(far[i], lastFar_));
-            near_[static_cast<std::size_t>(filled_)] = Arithmetic::sample(emphasise(near[i], lastNear_));
+            farIn_[filled_] = Arithmetic::sample(far[i]);
+            nearIn_[filled_] = Arithmetic::sample(near[i]);
             out[i] = static_cast<float>(out_[filled_]);
-            if (++filled_ < block_) continue;
+            if (++filled_ < farIn_.size()) continue;
             processBlock();
             filled_ = 0;
         }
     }
 
   private:
-    static float emphasise(float x, float& last) {
-        const float y = kEmphasisGain * (x - kEmphasis * last);
-        last = x;
+    int delay() const { return bulkDelay_ ? bulkDelay_->samples() : 0; }
+    Sample* newest() { return far_.data() + maxDelay_ + taps_; }
+    Sample* reference() { return newest() - delay(); }
+
+    static Sample emphasise(Sample x, float& last) {
+        const auto now = static_cast<float>(x);
+        const Sample y = Arithmetic::sample(kEmphasisGain * (now - kEmphasis * last));
+        last = now;
         return y;
     }
-    Sample* reference() { return far_.data() + taps_; }
-
     static double energy(const Sample* x, int count) {
         double sum = 0;
         for (int i = 0; i < count; i++) sum += double(x[i]) * x[i];
@@ -62,10 +78,35 @@ class FullbandCanceller : public EchoCanceller {
     }
 
     void processBlock() {
-        Arithmetic::filterFullband(reference(), near_.data(), error_.data(), block_, coefficients_.data(), taps_);
+        if (tone_) tone_->process(farIn_.data(), nearIn_.data(), block_);
+        const bool disabled = tone_ && tone_->disabled();
+        std::copy(far_.begin() + block_, far_.end(), far_.begin());
+        for (std::size_t n = 0; n < farIn_.size(); n++) {
+            newest()[n] = emphasise(farIn_[n], lastFar_);
+            near_[n] = emphasise(nearIn_[n], lastNear_);
+        }
+        if (bulkDelay_ && !disabled) followDelay();
+        const double step = cancel(!disabled);
+        for (std::size_t n = 0; n < out_.size(); n++) {
+            lastOut_ = static_cast<float>(error_[n]) / kEmphasisGain + kEmphasis * lastOut_;
+            out_[n] = disabled ? nearIn_[n] : Arithmetic::sample(lastOut_);
+        }
+        farActivity_.update(energy(farIn_.data(), block_) / block_);
+        status_ = {.bulkDelayMs = 1000.0 * delay() / rate_,
+                   .stepSize = step,
+                   .farActive = farActivity_.active(),
+                   .doubleTalk = !disabled && farActivity_.active() && stepSize_.nearSpeech(),
+                   .toneDisabled = disabled};
+    }
+
+    // First with the filter as it is, which shows how far it may be trusted to adapt; then once more, adapting.
+    double cancel(bool mayAdapt) {
+        const Sample* ref = reference();
+        Arithmetic::filterFullband(ref, near_.data(), error_.data(), block_, coefficients_.data(), taps_);
+        if (!mayAdapt) return 0;
         FullbandStepSize::Block b{};
         b.samples = block_;
-        b.farEnergy = energy(reference() - taps_ + block_, taps_);
+        b.farEnergy = energy(ref + block_ - taps_, taps_);
         double peak = 0;
         for (std::size_t n = 0; n < near_.size(); n++) {
             const double e = error_[n], y = double(near_[n]) - e;
@@ -74,34 +115,50 @@ class FullbandCanceller : public EchoCanceller {
             b.correlation += e * y / block_;
             peak = std::max(peak, std::abs(e));
         }
-        const double tapEnergy = energy(coefficients_.data(), taps_) / (Arithmetic::kTap * Arithmetic::kTap);
-        const double step = stepSize_.update(b, tapEnergy);
-        if (step > kSmallStep) {
-            double power = energy(reference() - taps_, taps_);
-            for (int n = 0; n < block_; n++) {
-                const double in = reference()[n], gone = reference()[n - taps_];
-                power += in * in - gone * gone;
-                steps_[static_cast<std::size_t>(n)] = Arithmetic::fullbandStep(step / (power + 1), 2 * peak, std::sqrt(power));
-            }
-            Arithmetic::adaptFullband(reference(), near_.data(), steps_.data(), error_.data(), block_, coefficients_.data(), taps_,
-                                      &scaledError_);
+        const double unit = Arithmetic::kTap;
+        const double step = stepSize_.update(b, energy(coefficients_.data(), taps_) / (unit * unit));
+        if (step < kSmallStep) {
+            scaledError_ = 0;
+            return 0;
         }
-        for (std::size_t n = 0; n < out_.size(); n++) {
-            last_ = static_cast<float>(error_[n]) / kEmphasisGain + kEmphasis * last_;
-            out_[n] = static_cast<float>(Arithmetic::sample(last_));
+        double power = energy(ref - taps_, taps_);
+        for (int n = 0; n < block_; n++) {
+            power += double(ref[n]) * ref[n] - double(ref[n - taps_]) * ref[n - taps_];
+            steps_[static_cast<std::size_t>(n)] = Arithmetic::fullbandStep(step / (power + 1), 2 * peak, std::sqrt(power));
         }
-        std::copy(far_.begin() + block_, far_.end(), far_.begin());
+        Arithmetic::adaptFullband(ref, near_.data(), steps_.data(), error_.data(), block_, coefficients_.data(), taps_,
+                                  &scaledError_);
+        return step;
     }
 
-    int rate_, block_, taps_;
-    std::vector<Sample> far_, near_, error_;
-    std::vector<float> out_;
+    // When the bulk delay changes, the coefficients move with it.
+    void followDelay() {
+        const int before = delay();
+        bool changed = false;
+        for (std::size_t n = 0; n < farIn_.size(); n++)
+            changed |= bulkDelay_->update(static_cast<float>(farIn_[n]), static_cast<float>(nearIn_[n]));
+        if (!changed) return;
+        const int shift = delay() - before;
+        std::vector<Sample> moved(coefficients_.size());
+        for (int t = std::max(0, -shift); t < std::min(taps_, taps_ - shift); t++)
+            moved[static_cast<std::size_t>(t)] = coefficients_[static_cast<std::size_t>(t + shift)];
+        coefficients_ = moved;
+        scaledError_ = 0;
+        stepSize_.reset();
+    }
+
+    int rate_, block_, taps_, maxDelay_;
+    std::vector<Sample> farIn_, nearIn_, near_, error_, out_;
     std::vector<typename Arithmetic::FullbandStep> steps_;
+    std::vector<Sample> far_;  // emphasised, with its past
     std::vector<Sample> coefficients_;
     Sample scaledError_ = 0;
     FullbandStepSize stepSize_;
-    float lastFar_ = 0, lastNear_ = 0, last_ = 0;
-    int filled_ = 0;
+    FarActivity farActivity_;
+    std::optional<ToneDisabler<Arithmetic>> tone_;
+    std::optional<SignalBulkDelay> bulkDelay_;
+    float lastFar_ = 0, lastNear_ = 0, lastOut_ = 0;
+    std::size_t filled_ = 0;
     EchoCancellerStatus status_;
 };
 

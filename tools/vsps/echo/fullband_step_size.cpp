@@ -3,21 +3,20 @@
 #include <algorithm>
 #include <cmath>
 
-#include <cstdlib>
-static double env(const char*n,double d){const char*v=getenv(n);return v?atof(v):d;}
-
 namespace {
 
-const double kNoiseTime = env("FNT",0.02);
-const double kLeakageTime = env("FLT",0.25);
-const double kDriftTime = env("FDT",3e4);
-const double kCorrelated = env("FKC",0.05);
-const double kChance = env("FCH",8);
-constexpr double kNothing = 0.1;
-constexpr double kFloorTime = 5;
-constexpr double kAbove = 10;
+constexpr double kNoiseTime = 0.02;    // s, smoothing of the error power
+constexpr double kLeakageTime = 0.25;  // s, over which error and echo estimate are compared
+constexpr double kDriftTime = 3e4;     // s in which an echo path becomes another one
+constexpr double kCorrelated = 0.15;   // samples are correlated: one teaches less than if they were not
+constexpr double kChance = 8;          // leakage that comes about by chance, in units of its expectation
+constexpr double kNothing = 0.1;       // power of a sample
+constexpr double kFloorTime = 5;       // s, smoothing of the noise floor upwards
+constexpr double kAbove = 10;          // ratio of powers that makes near-end speech
 
-void smooth(double& value, double now, double time, double rate) { value += (1 - std::exp(-1 / (time * rate))) * (now - value); }
+void smooth(double& value, double now, double time, double rate) {
+    value += (1 - std::exp(-1 / (time * rate))) * (now - value);
+}
 
 }  // namespace
 

@@ -52,6 +52,11 @@ std::vector<double> lowPass(const BankShape& shape, double cutoff, double beta) 
 
 }  // namespace
 
+BankShape bankShape(int rate) {
+    if (rate == 8000) return {.order = 8, .frame = 112, .window = 768};
+    return {.order = 9, .frame = 224, .window = 1536};
+}
+
 std::vector<double> nearWindow(const BankShape& shape) { return lowPass(shape, 0.85, 7.5); }
 
 std::vector<double> farWindow(const BankShape& shape) { return lowPass(shape, 1.25, 8); }

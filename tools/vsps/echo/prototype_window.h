@@ -13,6 +13,10 @@ struct BankShape {
     int bands() const { return transform() / 2 + 1; }
 };
 
+// The filter bank of the canceller: bands 31.25 Hz apart, 71 frames a second. Longer frames cost less, but more of the echo
+// escapes by aliasing.
+BankShape bankShape(int rate);
+
 // A low-pass for the analysis of the near end: a sinc under a Kaiser window, with next to nothing beyond half the frame
 // rate. What is there aliases into the band and stays in the output as echo that no filter within the band can remove.
 std::vector<double> nearWindow(const BankShape& shape);

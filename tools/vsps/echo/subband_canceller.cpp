@@ -1,30 +1,22 @@
 #include "echo/subband_canceller.h"
 
 #include <algorithm>
-#include <array>
 #include <optional>
 #include <vector>
 
 #include "echo/arithmetic.h"
 #include "echo/bulk_delay.h"
 #include "echo/delay_line.h"
+#include "echo/far_activity.h"
 #include "echo/filter_bank.h"
 #include "echo/step_size.h"
 #include "echo/tone_disabler.h"
 
 namespace {
 
-// Bands 31.25 Hz apart, 71 frames a second. Longer frames cost less, but more of the echo escapes by aliasing.
-BankShape shapeFor(int rate) {
-    if (rate == 8000) return {.order = 8, .frame = 112, .window = 768};
-    return {.order = 9, .frame = 224, .window = 1536};
-}
-
 // Between bands of frames, a path of no delay also looks into the future: the near end waits for so many frames. Into the
 // past it gets as much longer.
 constexpr int kLookAhead = 1, kLookBack = 3;
-
-constexpr double kQuietFar = 32768.0 * 32768.0 * 1e-6;  // -60 dBov
 
 template <class Arithmetic>
 class SubbandCanceller : public EchoCanceller {
@@ -33,7 +25,7 @@ class SubbandCanceller : public EchoCanceller {
 
   public:
     explicit SubbandCanceller(const EchoCancellerSettings& s)
-        : shape_(shapeFor(s.rate)),
+        : shape_(bankShape(s.rate)),
           bands_(shape_.bands()),
           frameMs_(1000.0 * shape_.frame / s.rate),
           taps_(static_cast<int>(s.tailMs / frameMs_) + 1 + kLookAhead + kLookBack),
@@ -46,6 +38,7 @@ class SubbandCanceller : public EchoCanceller {
           near_(kLookAhead + 1, bands_),
           coefficients_(taps_, bands_),
           stepSize_(bands_, taps_, 1000 / frameMs_),
+          farActivity_(maxDelay_ + taps_),
           steps_(static_cast<std::size_t>(bands_)),
           estimate_(steps_.size()),
           error_(steps_.size()),
@@ -82,7 +75,7 @@ class SubbandCanceller : public EchoCanceller {
     }
     // The near end as far back as the output lags; its newest frame comes last.
     Sample* newest() { return nearIn_.data() + nearIn_.size() - farIn_.size(); }
-    int delay() const { return bulkDelay_ ? bulkDelay_->delay() : 0; }
+    int delay() const { return bulkDelay_ ? bulkDelay_->frames() : 0; }
 
     void processFrame() {
         if (tone_) tone_->process(farIn_.data(), newest(), shape_.frame);
@@ -92,11 +85,12 @@ class SubbandCanceller : public EchoCanceller {
         farBank_.analyse(farIn_.data(), x);
         powers(x, farPower_.push());
         nearBank_.analyse(newest(), near_.push());
-        if (bulkDelay_ && !disabled) followDelay(x, near_.at(0)[0]);
+        const int before = delay();
+        if (bulkDelay_ && !disabled && bulkDelay_->update(x, near_.at(0)[0])) realign(delay() - before);
         cancel(near_.at(kLookAhead)[0]);
         if (!disabled) adapt();
         outBank_.synthesise(error_.data(), out_.data());
-        if (disabled) std::copy_n(nearIn_.begin() + shape_.frame - shape_.frame, out_.size(), out_.begin());
+        if (disabled) std::copy_n(nearIn_.begin(), out_.size(), out_.begin());
         observe(disabled);
         std::copy(nearIn_.begin() + shape_.frame, nearIn_.end(), nearIn_.begin());
     }
@@ -150,41 +144,28 @@ class SubbandCanceller : public EchoCanceller {
         }
     }
 
-    // When the bulk delay changes, the coefficients move with it and are adapted anew.
-    void followDelay(const Complex* far, const Complex* near) {
-        std::array<Vsp32fc, BulkDelay::kBands> x, d;
-        for (int i = 0; i < BulkDelay::kBands; i++) {
-            const int k = bulkDelay_->firstBand() + i * BulkDelay::kBandStep;
-            x[static_cast<std::size_t>(i)] = {static_cast<float>(far[k].re), static_cast<float>(far[k].im)};
-            d[static_cast<std::size_t>(i)] = {static_cast<float>(near[k].re), static_cast<float>(near[k].im)};
-        }
-        const int before = delay();
-        if (!bulkDelay_->update(x.data(), d.data())) return;
-        const int shift = delay() - before;
-        const auto moved = [&](int t) { return t + shift >= 0 && t + shift < taps_; };
+    // When the bulk delay has changed, the coefficients move with it.
+    void realign(int shift) {
+        const auto row = [this](int t) { return coefficients_.at(0)[t]; };
         const auto move = [&](int t) {
-            Complex* to = coefficients_.at(0)[t];
-            if (moved(t))
-                std::copy_n(coefficients_.at(0)[t + shift], bands_, to);
+            if (t + shift >= 0 && t + shift < taps_)
+                std::copy_n(row(t + shift), bands_, row(t));
             else
-                std::fill_n(to, bands_, Complex{});
+                std::fill_n(row(t), bands_, Complex{});
         };
-        if (shift > 0)
-            for (int t = 0; t < taps_; t++) move(t);
-        else
-            for (int t = taps_ - 1; t >= 0; t--) move(t);
+        for (int t = 0; t < taps_; t++) move(shift > 0 ? t : taps_ - 1 - t);
         stepSize_.reset();
     }
 
     void observe(bool disabled) {
         double power = 0;
-        for (const Sample s : farIn_) power += double(s) * s;
-        farActive_ = power > kQuietFar * shape_.frame ? delay() + taps_ : std::max(farActive_ - 1, 0);
-        status_.bulkDelayMs = delay() * frameMs_;
-        status_.toneDisabled = disabled;
-        status_.farActive = farActive_ > 0;
-        status_.stepSize = disabled ? 0 : stepSize_.learning();
-        status_.doubleTalk = !disabled && status_.farActive && stepSize_.nearSpeech();
+        for (const Sample x : farIn_) power += double(x) * x;
+        farActivity_.update(power / shape_.frame);
+        status_ = {.bulkDelayMs = delay() * frameMs_,
+                   .stepSize = disabled ? 0 : stepSize_.learning(),
+                   .farActive = farActivity_.active(),
+                   .doubleTalk = !disabled && farActivity_.active() && stepSize_.nearSpeech(),
+                   .toneDisabled = disabled};
     }
 
     BankShape shape_;
@@ -196,6 +177,7 @@ class SubbandCanceller : public EchoCanceller {
     DelayLine<float> farPower_;
     DelayLine<Complex> near_, coefficients_;
     SubbandStepSize stepSize_;
+    FarActivity farActivity_;
     std::optional<ToneDisabler<Arithmetic>> tone_;
     std::optional<BulkDelay> bulkDelay_;
     std::vector<typename Arithmetic::Step> steps_;
@@ -203,7 +185,7 @@ class SubbandCanceller : public EchoCanceller {
     std::vector<float> errorPower_, estimatePower_, correlation_;
     std::vector<Sample> farIn_, out_, nearIn_;
     std::size_t filled_ = 0;
-    int turn_ = 0, farActive_ = 0;
+    int turn_ = 0;
     EchoCancellerStatus status_;
 };
 

@@ -1,0 +1,131 @@
+/* Removes the echo of a far-end signal from a near-end signal: 16-bit PCM, 8 kHz, mono.
+ *
+ *     echo_canceller far.raw near.raw out.raw
+ *
+ * The smallest canceller that works: no protection against double talk but a careful step. The output lags by 84 samples,
+ * the delay of the filter bank.
+ */
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+#include <vspsc.h>
+
+enum { kOrder = 5, kFrame = 24, kWindow = 128, kBands = 17, kTaps = 43 }; /* 129 ms of echo path */
+
+/* The filter bank of one signal, with the window that the library has for this shape. */
+typedef struct {
+    VspSubbandProcessState_32f* state;
+    Vsp8u* work;
+} Bank;
+
+static int openBank(Bank* bank) {
+    Vsp32s stateSize, initSize, workSize;
+    Vsp8u* init;
+    if (vspsSubbandProcessGetSize_32f(kOrder, kWindow, &stateSize, &initSize, &workSize) != vspStsNoErr) return 0;
+    bank->state = malloc((size_t)stateSize);
+    bank->work = malloc((size_t)workSize);
+    init = malloc((size_t)initSize + 1);
+    if (bank->state == NULL || bank->work == NULL || init == NULL) return 0;
+    vspsSubbandProcessInit_32f(bank->state, kOrder, kFrame, kWindow, NULL, init);
+    free(init);
+    return 1;
+}
+
+static void closeBank(Bank* bank) {
+    free(bank->state);
+    free(bank->work);
+}
+
+/* The adaptive filters: rows of bands, newest first, and rows of coefficients. */
+static Vsp32fc farRows[kTaps][kBands], coefRows[kTaps][kBands];
+static Vsp32fc *far[kTaps], *coef[kTaps];
+
+static Vsp32f power(Vsp32fc z) { return z.re * z.re + z.im * z.im; }
+
+/* Takes the echo out of the bands of a near-end frame and adapts the filters by what is left. */
+static void cancel(Vsp32fc* bands) {
+    static Vsp32f noise[kBands];
+    Vsp32fc echo[kBands];
+    Vsp64f step[kBands];
+    int k, t;
+    vspsFIRSubband_EC_32fc((const Vsp32fc* const*)far, (const Vsp32fc* const*)coef, echo, kTaps, kBands);
+    for (k = 0; k < kBands; k++) {
+        Vsp32f energy = 0;
+        bands[k].re -= echo[k].re;
+        bands[k].im -= echo[k].im;
+        for (t = 0; t < kTaps; t++) energy += power(far[t][k]);
+        /* Normalised, and slower the more is left: it may be near-end speech. */
+        noise[k] += 0.1f * (power(bands[k]) - noise[k]);
+        step[k] = 0.5 / (energy + 10 * noise[k] + 1e4);
+    }
+    vspsFIRSubbandCoeffUpdate_EC_32fc_I(step, (const Vsp32fc* const*)far, bands, coef, kTaps, kBands);
+}
+
+/* One frame; 0 at the end of the input. A last frame that is not whole is filled up with zeros. */
+static size_t readFrame(FILE* file, Vsp32f* frame) {
+    Vsp16s samples[kFrame];
+    const size_t count = fread(samples, sizeof samples[0], kFrame, file);
+    size_t i;
+    for (i = 0; i < kFrame; i++) frame[i] = i < count ? samples[i] : 0.0f;
+    return count;
+}
+
+static size_t writeFrame(FILE* file, const Vsp32f* frame, size_t count) {
+    Vsp16s samples[kFrame];
+    size_t i;
+    for (i = 0; i < count; i++)
+        samples[i] = (Vsp16s)(frame[i] > 32767 ? 32767 : frame[i] < -32768 ? -32768 : frame[i]);
+    return fwrite(samples, sizeof samples[0], count, file);
+}
+
+static int run(FILE* farFile, FILE* nearFile, FILE* outFile) {
+    Bank farBank = {0}, nearBank = {0}, outBank = {0};
+    Vsp32f frame[kFrame];
+    Vsp32fc bands[kBands], *oldest;
+    size_t count;
+    int t, ok = openBank(&farBank) && openBank(&nearBank) && openBank(&outBank);
+
+    for (t = 0; t < kTaps; t++) {
+        far[t] = farRows[t];
+        coef[t] = coefRows[t];
+    }
+    while (ok) {
+        oldest = far[kTaps - 1]; /* becomes the newest */
+        memmove(far + 1, far, (kTaps - 1) * sizeof far[0]);
+        far[0] = oldest;
+        readFrame(farFile, frame);
+        vspsSubbandAnalysis_32f32fc(frame, far[0], farBank.state, farBank.work);
+        count = readFrame(nearFile, frame);
+        vspsSubbandAnalysis_32f32fc(frame, bands, nearBank.state, nearBank.work);
+        if (count == 0) break;
+        cancel(bands);
+        vspsSubbandSynthesis_32fc32f(bands, frame, outBank.state, outBank.work);
+        ok = writeFrame(outFile, frame, count) == count;
+    }
+    closeBank(&farBank);
+    closeBank(&nearBank);
+    closeBank(&outBank);
+    return ok && !ferror(farFile) && !ferror(nearFile) && fflush(outFile) == 0;
+}
+
+int main(int argc, char** argv) {
+    static const char* const mode[] = {"rb", "rb", "wb"};
+    FILE* file[3];
+    int i;
+    if (argc != 4) {
+        fprintf(stderr, "usage: echo_canceller FAR NEAR OUT\n");
+        return EXIT_FAILURE;
+    }
+    for (i = 0; i < 3; i++) {
+        file[i] = fopen(argv[i + 1], mode[i]);
+        if (file[i] == NULL) {
+            perror(argv[i + 1]);
+            return EXIT_FAILURE;
+        }
+    }
+    if (!run(file[0], file[1], file[2])) {
+        fprintf(stderr, "echo_canceller: cannot allocate, read or write\n");
+        return EXIT_FAILURE;
+    }
+    return EXIT_SUCCESS;
+}

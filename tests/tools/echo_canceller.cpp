@@ -1,0 +1,222 @@
+// The echo canceller of the tool on recorded speech through echo paths of ITU-T G.168: what it removes, what it leaves
+// alone, and that nothing depends on how the signals come in blocks.
+#include "echo/canceller.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+#include <random>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "simulate_echo/g168_paths.h"
+#include "support/speech.h"
+
+namespace {
+
+using Signal = std::vector<float>;
+constexpr std::size_t kRate = 8000;
+
+Signal speech(double from, double seconds) {
+    const std::vector<Vsp16s> all = vsp::test::recordedSpeech();
+    const auto begin = all.begin() + static_cast<std::ptrdiff_t>(from * kRate);
+    return {begin, begin + static_cast<std::ptrdiff_t>(seconds * kRate)};
+}
+
+Signal noise(std::size_t length, float level, unsigned seed = 1) {
+    std::mt19937 random(seed);
+    std::normal_distribution<float> gauss(0, level);
+    Signal x(length);
+    for (float& v : x) v = gauss(random);
+    return x;
+}
+
+double power(const Signal& x, std::size_t from = 0, std::size_t to = ~std::size_t{0}) {
+    to = std::min(to, x.size());
+    double sum = 0;
+    for (std::size_t n = from; n < to; n++) sum += double(x[n]) * x[n];
+    return sum / static_cast<double>(to - from);
+}
+
+double decibels(double ratio) { return 10 * std::log10(ratio); }
+
+Signal sum(const Signal& a, const Signal& b) {
+    Signal y(a);
+    for (std::size_t n = 0; n < y.size(); n++) y[n] += b[n];
+    return y;
+}
+
+Signal difference(const Signal& a, const Signal& b) {
+    Signal y(a);
+    for (std::size_t n = 0; n < y.size(); n++) y[n] -= b[n];
+    return y;
+}
+
+// The echo `erl` dB below its cause, by the model 2 to 9 of Annex D.
+Signal echoOf(const Signal& x, int model, double erl, std::size_t delay = 0) {
+    const auto taps = g168Paths()[static_cast<std::size_t>(model - 2)].taps;
+    Signal y(x.size());
+    for (std::size_t n = delay; n < x.size(); n++)
+        for (std::size_t k = 0; k < taps.size() && k + delay <= n; k++)
+            y[n] += static_cast<float>(taps[k]) * x[n - delay - k];
+    const auto gain = static_cast<float>(std::sqrt(power(x) / power(y) * std::pow(10, -erl / 10)));
+    for (float& v : y) v *= gain;
+    return y;
+}
+
+struct Result {
+    Signal out;  // aligned with near
+    std::vector<EchoCancellerStatus> statuses;
+
+    EchoCancellerStatus at(double seconds) const { return statuses[static_cast<std::size_t>(seconds * 100)]; }
+    template <class Predicate>
+    double share(double from, double to, Predicate p) const {
+        const auto begin = statuses.begin() + static_cast<std::ptrdiff_t>(from * 100);
+        const auto end = statuses.begin() + static_cast<std::ptrdiff_t>(to * 100);
+        return static_cast<double>(std::count_if(begin, end, p)) / static_cast<double>(end - begin);
+    }
+};
+
+Result cancel(const EchoCancellerSettings& settings, Signal far, Signal near) {
+    const auto canceller = makeEchoCanceller(settings);
+    const auto latency = static_cast<std::size_t>(canceller->latency()),
+               block = static_cast<std::size_t>(settings.rate / 100);
+    const std::size_t length = near.size();
+    far.resize((length + latency + block - 1) / block * block);
+    near.resize(far.size());
+    Result r{Signal(near.size()), {}};
+    for (std::size_t n = 0; n < near.size(); n += block) {
+        canceller->process({far.data() + n, block}, {near.data() + n, block}, {r.out.data() + n, block});
+        r.statuses.push_back(canceller->status());
+    }
+    r.out.erase(r.out.begin(), r.out.begin() + static_cast<std::ptrdiff_t>(latency));
+    r.out.resize(length);
+    return r;
+}
+
+class Engines : public testing::TestWithParam<EchoCancellerSettings> {
+  protected:
+    EchoCancellerSettings settings() const { return GetParam(); }
+    bool subband() const { return GetParam().engine == EchoEngine::subband; }
+};
+
+std::string name(const testing::TestParamInfo<EchoCancellerSettings>& info) {
+    return std::string(info.param.engine == EchoEngine::subband ? "Subband" : "Fullband") +
+           (info.param.fixedPoint ? "Fixed" : "");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    , Engines,
+    testing::Values(EchoCancellerSettings{.tailMs = 32}, EchoCancellerSettings{.tailMs = 32, .fixedPoint = true},
+                    EchoCancellerSettings{.tailMs = 32, .engine = EchoEngine::fullband},
+                    EchoCancellerSettings{.tailMs = 32, .engine = EchoEngine::fullband, .fixedPoint = true}),
+    name);
+
+}  // namespace
+
+TEST_P(Engines, RemoveTheEchoDownToTheNoise) {
+    const Signal far = speech(0, 12), echo = echoOf(far, 4, 6), near = sum(echo, noise(far.size(), 10));
+    const Result r = cancel(settings(), far, near);
+    EXPECT_GT(decibels(power(near, 2 * kRate, 4 * kRate) / power(r.out, 2 * kRate, 4 * kRate)), 20);
+    EXPECT_GT(decibels(power(near, 8 * kRate) / power(r.out, 8 * kRate)), settings().fixedPoint && !subband() ? 24 : 34);
+    EXPECT_LT(r.share(4, 12, [](const auto& s) { return s.doubleTalk; }), 0.1);
+}
+
+TEST_P(Engines, KeepCancellingWhileBothTalk) {
+    constexpr std::size_t kBoth = 6 * kRate;
+    const Signal far = speech(0, 11), echo = echoOf(far, 5, 8);
+    Signal talk = speech(11, 11);
+    std::fill(talk.begin(), talk.begin() + kBoth, 0.0f);
+    const Signal hiss = noise(far.size(), 10);
+    const Result r = cancel(settings(), far, sum(sum(echo, talk), hiss));
+    const Signal left = difference(difference(r.out, talk), hiss);
+    EXPECT_GT(decibels(power(echo, kBoth) / power(left, kBoth)), 15);
+    EXPECT_GT(decibels(power(talk, kBoth) / power(difference(r.out, talk), kBoth)), 20);
+    EXPECT_GT(r.share(6.5, 11, [](const auto& s) { return s.doubleTalk; }), 0.3);
+}
+
+TEST_P(Engines, FollowANewEchoPath) {
+    constexpr std::size_t kChange = 6 * kRate;
+    const Signal far = speech(0, 16), before = echoOf(far, 2, 10), after = echoOf(far, 6, 6);
+    Signal near = before;
+    std::copy(after.begin() + kChange, after.end(), near.begin() + kChange);
+    const Result r = cancel(settings(), far, near);
+    EXPECT_GT(decibels(power(near, 12 * kRate) / power(r.out, 12 * kRate)), 20);
+}
+
+TEST_P(Engines, FindTheBulkDelay) {
+    const Signal far = speech(0, 14), near = echoOf(far, 2, 6, 300 * kRate / 1000);
+    EchoCancellerSettings s = settings();
+    const Result found = cancel(s, far, near);
+    EXPECT_NEAR(found.at(13).bulkDelayMs, 290, 20);
+    EXPECT_GT(decibels(power(near, 10 * kRate) / power(found.out, 10 * kRate)), 20);
+    s.maxBulkDelayMs = 0;
+    EXPECT_LT(decibels(power(near, 10 * kRate) / power(cancel(s, far, near).out, 10 * kRate)), 6);
+}
+
+TEST_P(Engines, LeaveTheNearEndAloneIfNothingComesFromTheFarEnd) {
+    const Signal near = speech(0, 5), silence(near.size());
+    const Result r = cancel(settings(), silence, near);
+    float worst = 0;
+    for (std::size_t n = 0; n < near.size(); n++) worst = std::max(worst, std::abs(r.out[n] - near[n]));
+    EXPECT_LT(worst, settings().fixedPoint ? 12 : 0.1);
+    EXPECT_FALSE(r.at(4).farActive);
+    EXPECT_FALSE(r.at(4).doubleTalk);
+}
+
+TEST_P(Engines, StepAsideForAModem) {
+    // 3 s of 2100 Hz that changes its sign every 450 ms, from 5 s on; silence; speech again.
+    Signal far = speech(0, 12);
+    constexpr std::size_t kTone = 5 * kRate, kEnd = 8 * kRate, kSpeech = 9 * kRate;
+    for (std::size_t n = kTone; n < kSpeech; n++) {
+        const double sign = (n - kTone) / 3600 % 2 == 0 ? 1 : -1;
+        const double t = static_cast<double>(n) / kRate;
+        far[n] = n < kEnd ? static_cast<float>(6000 * sign * std::sin(2 * std::numbers::pi * 2100 * t)) : 0.0f;
+    }
+    Signal near = echoOf(far, 3, 6);
+    for (float& v : near) v = std::round(v);
+    const Result r = cancel(settings(), far, near);
+    EXPECT_FALSE(r.at(4.9).toneDisabled);
+    EXPECT_TRUE(r.at(7.5).toneDisabled);
+    EXPECT_EQ(Signal(near.begin() + 7 * kRate, near.begin() + kEnd - 1000),
+              Signal(r.out.begin() + 7 * kRate, r.out.begin() + kEnd - 1000));
+    EXPECT_FALSE(r.at(8.5).toneDisabled);
+    EXPECT_GT(decibels(power(near, 10 * kRate) / power(r.out, 10 * kRate)), 20);
+
+    EchoCancellerSettings deaf = settings();
+    deaf.toneDisabling = false;
+    EXPECT_FALSE(cancel(deaf, far, near).at(7.5).toneDisabled);
+}
+
+TEST_P(Engines, DoNotDependOnBlockLengths) {
+    const Signal far = speech(0, 3), near = echoOf(far, 4, 6);
+    const auto whole = makeEchoCanceller(settings()), split = makeEchoCanceller(settings());
+    Signal expected(near.size()), out(near);
+    whole->process(far, near, expected);
+    std::mt19937 random(3);
+    for (std::size_t n = 0, count = 0; n < out.size(); n += count) {
+        count = std::min<std::size_t>(random() % 300, out.size() - n);
+        split->process({far.data() + n, count}, {out.data() + n, count}, {out.data() + n, count});
+    }
+    EXPECT_EQ(expected, out);
+}
+
+TEST_P(Engines, WorkAt16kHz) {
+    EchoCancellerSettings s = settings();
+    s.rate = 16000;
+    s.tailMs = 16;
+    const Signal far = noise(6 * 16000, 2000), near = echoOf(far, 2, 10);
+    const Result r = cancel(s, far, near);
+    EXPECT_GT(decibels(power(near, 5 * 16000) / power(r.out, 5 * 16000)), 25);
+}
+
+TEST(EchoCanceller, RefusesSettingsOutOfRange) {
+    EXPECT_THROW(makeEchoCanceller({.rate = 11025}), std::invalid_argument);
+    EXPECT_THROW(makeEchoCanceller({.tailMs = 0}), std::invalid_argument);
+    EXPECT_THROW(makeEchoCanceller({.tailMs = 501}), std::invalid_argument);
+    EXPECT_THROW(makeEchoCanceller({.tailMs = std::nan("")}), std::invalid_argument);
+    EXPECT_THROW(makeEchoCanceller({.maxBulkDelayMs = -1}), std::invalid_argument);
+}
