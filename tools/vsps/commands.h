@@ -3,6 +3,7 @@
 
 #include <CLI/CLI.hpp>
 
+void addEcho(CLI::App& app);
 void addInfo(CLI::App& app);
 void addLevel(CLI::App& app);
 void addPitch(CLI::App& app);

@@ -18,6 +18,7 @@ int run(int argc, char** argv) {
     app.footer(
         "Exit codes: 0 done, 1 a file that cannot be used (one line says which and why), 2 bad usage.\n"
         "\"vsps COMMAND --help\" explains a command.");
+    addEcho(app);
     addInfo(app);
     addLevel(app);
     addPitch(app);

@@ -5,12 +5,34 @@
 #include <iostream>
 
 #include "audio/audio.h"
+#include "console/error.h"
+#include "console/report_format.h"
 
 inline std::optional<RawInput> rawInput(int rate) { return rate != 0 ? std::optional(RawInput{rate}) : std::nullopt; }
 
 // What reading has to say goes to stderr.
 inline void printNotes(const std::vector<std::string>& notes) {
     for (const std::string& note : notes) std::cerr << "vsps: " << note << '\n';
+}
+
+// A recording of one side of a telephone call.
+inline Samples readOneChannel(const std::string& file, int rawRate) {
+    Recording recording = readAudio(file, rawInput(rawRate));
+    if (recording.channels.size() > 1)
+        throw FileError(file, "has " + std::to_string(recording.channels.size()) + " channels; a telephone line has one");
+    printNotes(recording.notes);
+    return std::move(recording.channels[0]);
+}
+
+// For numbers. NaN is within no bounds, unlike with CLI::Range.
+inline CLI::Validator within(double lowest, double highest) {
+    return CLI::Validator(
+        [=](std::string& text) {
+            double value = 0;
+            if (CLI::detail::lexical_cast(text, value) && value >= lowest && value <= highest) return std::string();
+            return format("'%s' is not a number from %g to %g", text.c_str(), lowest, highest);
+        },
+        "");
 }
 
 struct InputOptions {

@@ -22,14 +22,6 @@ struct Options {
     bool json = false;
 };
 
-Samples readMono(const std::string& file, int rawRate) {
-    Recording recording = readAudio(file, rawInput(rawRate));
-    if (recording.channels.size() > 1)
-        throw FileError(file, "has " + std::to_string(recording.channels.size()) + " channels; a telephone line has one");
-    printNotes(recording.notes);
-    return std::move(recording.channels[0]);
-}
-
 // Both begin at once and are made as long as the longer one.
 void bringToOneLength(const Options& o, Samples& far, Samples& near) {
     const auto say = [](const std::string& file, std::size_t missing) {
@@ -50,9 +42,9 @@ void runSimulateEcho(const Options& o) {
         if (sameFile(o.out, in)) throw FileError(o.out, "is an input and the output at once");
     const EchoPath path = loadEchoPath(s.path, s.echoReturnLoss);
     printNotes(path.notes);
-    Samples far = readMono(o.far, o.rawRate), near;
+    Samples far = readOneChannel(o.far, o.rawRate), near;
     if (o.near != kNobody) {
-        near = readMono(o.near, o.rawRate);
+        near = readOneChannel(o.near, o.rawRate);
         near.insert(near.begin(), std::size_t(std::lround(s.nearAt * kRate)), 0);
     }
     bringToOneLength(o, far, near);
@@ -76,17 +68,6 @@ void runSimulateEcho(const Options& o) {
                                 line.clipped};
     OutputFile(o.out, encodeAudio({line.out}, format, o.out)).commit();
     std::cout << (o.json ? toString(toJson(report)) : toText(report));
-}
-
-// NaN is within no bounds, unlike with CLI::Range.
-CLI::Validator within(double lowest, double highest) {
-    return CLI::Validator(
-        [=](std::string& text) {
-            double value = 0;
-            if (CLI::detail::lexical_cast(text, value) && value >= lowest && value <= highest) return std::string();
-            return format("'%s' is not a number from %g to %g", text.c_str(), lowest, highest);
-        },
-        "");
 }
 
 }  // namespace

@@ -1,0 +1,107 @@
+"""What vsps echo leaves of an echo, and what it says about it."""
+import math
+
+import pytest
+from signals import pcm, read_wav, speech, wav, wav16
+
+PATH = b"0 0 0 0.2 0.4 -0.3 0.15 -0.1 0.05 0 0.03 -0.02"
+
+
+def power(samples):
+    return sum(x * x for x in samples) / len(samples)
+
+
+def line(vsps, far, near=None, delay=0):
+    """far.wav and near.wav, the near end with the echo of the far end at 8 dB."""
+    vsps.put("far.wav", wav16(far))
+    vsps.put("path.txt", PATH)
+    if near is not None:
+        vsps.put("talker.wav", wav16(near))
+    vsps.ok("simulate-echo", "far.wav", "none" if near is None else "talker.wav", "near.wav", "--path", "path.txt",
+            "--erl", 8, "--noise", -72, "--delay", delay)  # fmt: skip
+    return read_wav(vsps.path("near.wav"))[0]
+
+
+def cancel(vsps, *options):
+    report = vsps.json("echo", "--far", "far.wav", "--near", "near.wav", "out.wav", *options)
+    return read_wav(vsps.path("out.wav"))[0], report
+
+
+ENGINES = [[], ["--fixed"], ["--engine", "fullband"], ["--engine", "fullband", "--fixed"]]
+
+
+@pytest.mark.parametrize("engine", ENGINES, ids=lambda e: "-".join(e).replace("--", "") or "default")
+def test_echo_is_removed(vsps, engine):
+    near = line(vsps, speech(8, 12000))
+    out, report = cancel(vsps, *engine)
+    assert len(out) == len(near)
+    removed = 10 * math.log10(power(near[32000:]) / power(out[32000:]))
+    assert removed > 20
+    assert abs(report["erle_db"] - removed) < 3
+    assert report["convergence_to_20_db_s"] < 4
+    assert report["settings"]["fixed_point"] == ("--fixed" in engine)
+    assert report["settings"]["engine"] == ("fullband" if "fullband" in engine else "subband")
+    late = [point["erle_db"] for point in report["erle_over_time"] if point["time_s"] > 4 and point["erle_db"] is not None]
+    assert len(late) >= 4 and min(late) > 15
+
+
+def test_near_end_speech_is_kept_in_time(vsps):
+    """The talker comes out as recorded: without a far end, and over its echo."""
+    talker = [0] * 40000 + speech(3, 9000, seed=5)
+    vsps.put("far.wav", wav16([0] * len(talker)))
+    vsps.put("near.wav", wav16(talker))
+    out, report = cancel(vsps)
+    error = power([a - b for a, b in zip(out, talker)])
+    assert 10 * math.log10(power(talker) / error) > 30
+    assert report["erle_db"] is None and report["double_talk"]["seconds"] == 0
+
+    line(vsps, speech(8, 9000), talker)
+    out, report = cancel(vsps)
+    error = power([a - b for a, b in zip(out[40000:], talker[40000:])])
+    assert 10 * math.log10(power(talker[40000:]) / error) > 18
+    assert report["double_talk"]["seconds"] > 1
+
+
+def test_bulk_delay_is_found(vsps):
+    near = line(vsps, speech(8, 12000), delay=150)
+    out, report = cancel(vsps, "--tail", 32)
+    assert 140 < report["bulk_delay_ms"] < 155
+    assert 10 * math.log10(power(near[32000:]) / power(out[32000:])) > 20
+
+
+def test_text_report_and_plot(vsps):
+    line(vsps, speech(4, 12000))
+    result = vsps.ok("echo", "--far", "far.wav", "--near", "near.wav", "out.flac", "--plot", "echo.png")
+    assert result.stderr == ""
+    assert "near.wav: 4.00 s, subband engine, floating point, tail 128 ms\n" in result.stdout
+    for label in ("active levels", "bulk delay", "ERLE, dB", "convergence", "double talk", "x real time"):
+        assert label in result.stdout
+    assert "written: out.flac" in result.stdout and "plot: echo.png" in result.stdout
+    assert vsps.path("echo.png").read_bytes().startswith(b"\x89PNG")
+
+
+def test_different_lengths_and_rates_are_said(vsps):
+    line(vsps, speech(3, 12000))
+    vsps.put("short.wav", wav16(speech(2, 12000)))
+    vsps.put("fast.raw", pcm([0] * 96000))
+    result = vsps.ok("echo", "--far", "short.wav", "--near", "near.wav", "out.wav")
+    assert result.stderr == "vsps: short.wav: 1.00 s shorter than near.wav, silent from there on\n"
+    assert len(read_wav(vsps.path("out.wav"))[0]) == 24000
+    result = vsps.ok("echo", "--far", "far.wav", "--near", "short.wav", "out.wav")
+    assert result.stderr == "vsps: far.wav: 1.00 s longer than short.wav, the rest is left out\n"
+    vsps.put("fast.wav", wav16([0] * 144000, rate=48000))
+    result = vsps.ok("echo", "--far", "fast.wav", "--near", "near.wav", "out.wav")
+    assert result.stderr == "vsps: fast.wav: resampled from 48000 Hz to 8000 Hz\n"
+
+
+def test_bad_input(vsps):
+    line(vsps, speech(1, 12000))
+    vsps.put("stereo.wav", wav(pcm([0] * 1600), channels=2))
+    vsps.fails("stereo.wav", "has 2 channels", "echo", "--far", "stereo.wav", "--near", "near.wav", "out.wav")
+    vsps.fails("stereo.wav", "has 2 channels", "echo", "--far", "far.wav", "--near", "stereo.wav", "out.wav")
+    vsps.fails("missing.wav", "", "echo", "--far", "missing.wav", "--near", "near.wav", "out.wav")
+    vsps.fails("near.wav", "at once", "echo", "--far", "far.wav", "--near", "near.wav", "near.wav")
+    for options in (["--tail", "0"], ["--tail", "501"], ["--tail", "nan"], ["--engine", "both"]):
+        result = vsps.run("echo", "--far", "far.wav", "--near", "near.wav", "out.wav", *options)
+        assert result.returncode == 2 and options[0] in result.stderr
+    assert vsps.run("echo", "--near", "near.wav", "out.wav").returncode == 2

@@ -1,0 +1,78 @@
+#include "echo/echo_plot.h"
+
+#include <algorithm>
+#include <cmath>
+#include <sstream>
+
+#include "audio/active_level.h"
+#include "echo/echo_report.h"
+
+namespace {
+
+constexpr std::size_t kPoints = 600;  // about as many as the picture can show
+constexpr double kLowest = -90;       // dBov, for digital silence
+constexpr double kFrameSeconds = double(kEchoFrame) / kRate;
+
+// Time and the mean levels of far end, near end and output, for stretches of frames.
+std::string levelData(const std::vector<EchoFrame>& frames) {
+    const std::size_t stretch = std::max<std::size_t>(1, frames.size() / kPoints);
+    const auto level = [](double power) { return std::max(kLowest, toDbov(power)); };
+    std::ostringstream data;
+    for (std::size_t i = 0; i < frames.size(); i += stretch) {
+        const std::size_t count = std::min(stretch, frames.size() - i);
+        double far = 0, near = 0, out = 0;
+        for (std::size_t j = i; j < i + count; j++) {
+            far += frames[j].farPower / double(count);
+            near += frames[j].nearPower / double(count);
+            out += frames[j].outPower / double(count);
+        }
+        data << (double(i) + double(count) / 2) * kFrameSeconds << ' ' << level(far) << ' ' << level(near) << ' '
+             << level(out) << '\n';
+    }
+    return data.str();
+}
+
+// Time and enhancement; an empty line leaves a gap where there is no echo alone.
+std::string erleData(const std::vector<EchoFrame>& frames) {
+    std::ostringstream data;
+    for (const ErlePoint& point : erleOverTime(frames, std::max(0.2, kFrameSeconds * double(frames.size()) / kPoints)))
+        if (point.erle)
+            data << point.seconds << ' ' << *point.erle << '\n';
+        else
+            data << '\n';
+    return data.str();
+}
+
+// Rectangles over the times of double talk.
+std::string shading(const std::vector<EchoFrame>& frames) {
+    std::ostringstream commands;
+    for (std::size_t i = 0; i < frames.size();) {
+        std::size_t end = i;
+        while (end < frames.size() && frames[end].status.doubleTalk) end++;
+        if (end > i)
+            commands << "set object rectangle from " << double(i) * kFrameSeconds << ", graph 0 to "
+                     << double(end) * kFrameSeconds << ", graph 1 fc rgb '#fae5d3' fs solid noborder behind\n";
+        i = std::max(end, i + 1);
+    }
+    return commands.str();
+}
+
+}  // namespace
+
+std::string drawEcho(const Gnuplot& gnuplot, const std::string& title, const std::vector<EchoFrame>& frames) {
+    const std::string erle = erleData(frames);
+    const bool anyErle = erle.find_first_not_of('\n') != std::string::npos;
+    std::ostringstream commands;
+    commands << kPlotStyle << "set xrange [0:" << double(frames.size()) * kFrameSeconds << "]\n"
+             << dataBlock("levels", levelData(frames)) << dataBlock("erle", anyErle ? erle : "0 0\n")
+             << "set multiplot layout 2,1 title " << quoted(title) << " noenhanced\n"
+             << shading(frames) << "set ylabel 'level, dBov'\nset yrange [-80:0]\nset ytics 20\nset mytics 2\n"
+             << "plot $levels using 1:2 with lines lw 1.2 lc rgb '#aab7c4' title 'far end', \\\n"
+             << "  $levels using 1:3 with lines lw 1.6 lc rgb '#c0392b' title 'near end with echo', \\\n"
+             << "  $levels using 1:4 with lines lw 1.6 lc rgb '#0b62a4' title 'output'\n"
+             << "set xlabel 'time, s'\nset ylabel 'ERLE, dB'\nset yrange [-5:50]\nset ytics 10\nset mytics 2\n"
+             << "plot 20 with lines lw 1 dt 2 lc rgb '#888888' notitle";
+    if (anyErle) commands << ", \\\n  $erle using 1:2 with lines lw 1.8 lc rgb '#1e8449' title 'echo removed'";
+    commands << ", \\\n  NaN with filledcurves lc rgb '#fae5d3' title 'double talk'\nunset multiplot\n";
+    return gnuplot.draw(commands.str(), 1200, 700);
+}
