@@ -73,8 +73,7 @@ static size_t readFrame(FILE* file, Vsp32f* frame) {
 static size_t writeFrame(FILE* file, const Vsp32f* frame, size_t count) {
     Vsp16s samples[kFrame];
     size_t i;
-    for (i = 0; i < count; i++)
-        samples[i] = (Vsp16s)(frame[i] > 32767 ? 32767 : frame[i] < -32768 ? -32768 : frame[i]);
+    for (i = 0; i < count; i++) samples[i] = (Vsp16s)(frame[i] > 32767 ? 32767 : frame[i] < -32768 ? -32768 : frame[i]);
     return fwrite(samples, sizeof samples[0], count, file);
 }
 

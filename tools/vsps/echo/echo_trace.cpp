@@ -20,6 +20,17 @@ std::vector<float> padded(const Samples& x, std::size_t length) {
     return signal;
 }
 
+// The canceller tells moments of near-end speech; the syllables between them belong to it.
+void joinDoubleTalk(std::vector<EchoFrame>& frames) {
+    constexpr std::size_t kJoin = 25;  // frames, half a second
+    std::vector<bool> near(frames.size());
+    for (std::size_t i = 0; i < frames.size(); i++)
+        if (frames[i].status.doubleTalk)
+            std::fill(near.begin() + std::ptrdiff_t(i - std::min(i, kJoin)),
+                      near.begin() + std::ptrdiff_t(std::min(i + kJoin + 1, frames.size())), true);
+    for (std::size_t i = 0; i < frames.size(); i++) frames[i].status.doubleTalk = near[i] && frames[i].status.farActive;
+}
+
 }  // namespace
 
 EchoRun cancelEcho(const Samples& far, const Samples& near, const EchoCancellerSettings& settings) {
@@ -46,5 +57,6 @@ EchoRun cancelEcho(const Samples& far, const Samples& near, const EchoCancellerS
         run.frames.push_back(
             {meanSquare(far, at, end), meanSquare(near, at, end), meanSquare(run.out, at, end), statuses[at / kEchoFrame]});
     }
+    joinDoubleTalk(run.frames);
     return run;
 }
