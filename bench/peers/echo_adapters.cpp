@@ -19,6 +19,10 @@ class Library : public Adapter {
         settings_.tailMs = tailMs;
         settings_.engine = name.starts_with("fullband") ? EchoEngine::fullband : EchoEngine::subband;
         settings_.fixedPoint = name.ends_with("-fixed");
+        if (name.ends_with("-bare")) {
+            settings_.maxBulkDelayMs = 0;
+            settings_.toneDisabling = false;
+        }
     }
 
     Signal process(const Signal& far, const Signal& near) override {

@@ -15,7 +15,8 @@ class Adapter {
     virtual Signal process(const Signal& far, const Signal& near) = 0;
 };
 
-// name: subband, fullband (with -fixed or without); speexdsp; webrtc. Of webrtc's, the tail is fixed.
+// name: subband, fullband, each with -fixed or -bare (without tone detector and search of the bulk delay, which speexdsp
+// has not either) or as it is; speexdsp; webrtc, whose tail is fixed.
 std::unique_ptr<Adapter> makeAdapter(const std::string& name, double tailMs);
 
 }  // namespace echo

@@ -2,7 +2,9 @@
 //
 //     vspsc_bench_echo_cancellers FOLDER [CANCELLER...]
 //
-// FOLDER holds the telephone prompts of Debian's package asterisk-core-sounds-en-wav.
+// FOLDER holds the telephone prompts of Debian's package asterisk-core-sounds-en-wav. The limit is the ERLE of a canceller
+// that knows the echo path and leaves nothing but the noise; only webrtc's passes it, which also suppresses what is left,
+// near-end speech included.
 #include <time.h>
 
 #include <algorithm>
@@ -53,7 +55,7 @@ double timeTo20dB(const Scenario& s, const Signal& out) {
 }
 
 struct Quality {
-    double steady, timeTo20, removed, snr;  // dB, s, dB, dB
+    double limit, steady, timeTo20, removed, snr;  // dB, dB, s, dB, dB
 };
 
 Quality measure(Adapter& canceller, const Path& path, const Signal& far, const Signal& nearSpeech) {
@@ -61,6 +63,7 @@ Quality measure(Adapter& canceller, const Path& path, const Signal& far, const S
     Quality q;
     const Scenario single = makeScenario(path, far, nearSpeech, kSeconds);
     const Signal alone = canceller.process(single.far, single.near);
+    q.limit = decibels(power(single.near.data() + half, half) / power(single.noise.data() + half, half));
     q.steady = decibels(power(single.near.data() + half, half) / residual(alone, single.nearSpeech, half, far.size()));
     q.timeTo20 = timeTo20dB(single, alone);
 
@@ -108,17 +111,18 @@ int run(int argc, char** argv) {
         return 2;
     }
     std::vector<std::string> names(argv + 2, argv + argc);
-    if (names.empty()) names = {"subband", "subband-fixed", "fullband", "fullband-fixed", "speexdsp", "webrtc"};
+    if (names.empty())
+        names = {"subband", "subband-bare", "subband-fixed", "fullband", "fullband-fixed", "speexdsp", "webrtc"};
     const Signal far = recordedSpeech(inFolder(argv[1], {"demo-congrats", "demo-moreinfo", "demo-abouttotry"}), kSeconds);
     const Signal nearSpeech = recordedSpeech(inFolder(argv[1], {"demo-instruct"}), kSeconds);
 
-    std::printf("                                                       double talk\n");
-    std::printf("%-16s %-22s %8s %9s %9s %9s\n", "canceller", "path", "ERLE/dB", "20 dB/s", "echo/dB", "SNR/dB");
+    std::printf("%77s\n%-16s %-22s %7s %8s %8s %9s %8s\n", "in double talk", "canceller", "path", "limit", "ERLE/dB",
+                "20 dB/s", "echo/dB", "SNR/dB");
     for (const Path& path : eightPaths())
         for (const std::string& name : names) {
             const Quality q = measure(*makeAdapter(name, kTail), path, far, nearSpeech);
-            std::printf("%-16s %s %3.0f ms, ERL %2.0f dB  %8.2f %9.2f %9.1f %9.1f\n", name.c_str(), path.hybrid.c_str(),
-                        path.lengthMs, path.erl, q.steady, q.timeTo20, q.removed, q.snr);
+            std::printf("%-16s %s %3.0f ms, ERL %2.0f dB  %7.2f %8.2f %8.2f %9.1f %8.1f\n", name.c_str(),
+                        path.hybrid.c_str(), path.lengthMs, path.erl, q.limit, q.steady, q.timeTo20, q.removed, q.snr);
             std::fflush(stdout);
         }
     compareSpeed(names, makeScenario(eightPaths()[3], far, nearSpeech, kStartOfNear));

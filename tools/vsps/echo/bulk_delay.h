@@ -14,21 +14,22 @@ class BulkDelay {
     // between bands, Hz.
     BulkDelay(int maxFrames, int covered, double spacing, double frameRate);
 
-    // All bands of the newest frame of both signals. True if the delay has changed.
+    // All bands of the newest frame of both signals. True if the delay has changed. There is no search while the caller is
+    // satisfied.
     template <class Complex>
-    bool update(const Complex* far, const Complex* near) {
+    bool update(const Complex* far, const Complex* near, bool satisfied = false) {
         pick(far, far_.push());
+        turn_ = (turn_ + 1) % kDecide;
+        if (satisfied || turn_ % kAdapt != 0) return false;
         pick(near, error_.data());
-        skip_ = !skip_;
-        if (skip_) return false;  // every other frame is enough
         adapt();
-        return decide();
+        return turn_ == 0 && decide();
     }
 
     int frames() const { return delay_; }
 
   private:
-    static constexpr int kBands = 16, kBandStep = 2;
+    static constexpr int kBands = 16, kBandStep = 2, kAdapt = 2, kDecide = 8;
 
     template <class Complex>
     void pick(const Complex* all, Vsp32fc* some) const {
@@ -46,8 +47,7 @@ class BulkDelay {
     std::vector<Vsp32fc> estimate_, error_;
     std::vector<double> farPower_, errorPower_, steps_;
     std::vector<double> energy_;  // of the response at each delay
-    int delay_ = 0, candidate_ = 0, held_ = 0;
-    bool skip_ = false;
+    int delay_ = 0, candidate_ = 0, held_ = 0, turn_ = 0;
 };
 
 // The same for signals that are not in bands.

@@ -1,7 +1,9 @@
 #include "echo/step_size.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <span>
 
 namespace {
 
@@ -11,12 +13,24 @@ constexpr double kDriftTime = 3e5;     // s in which an echo path becomes anothe
 constexpr double kPriorDecay = 0.8;    // of the power of an echo path from tap to tap
 constexpr float kCorrelated = 0.4f;    // neighbouring taps are correlated: a frame teaches less than if they were not
 constexpr float kChance = 8;           // leakage that comes about by chance, in units of its expectation
-constexpr double kIdle = 0.001;        // share in what is to be learned below which a group is idle
+constexpr double kIdle = 0.0005;       // share in what is to be learned below which a group is idle
 constexpr float kNothing = 1;          // power in a band
 constexpr double kFloorTime = 5;       // s, smoothing of the noise floor upwards
 constexpr double kAbove = 10;          // ratio of powers that makes near-end speech
 
 float smoothing(double time, double frameRate) { return static_cast<float>(std::exp(-1 / (time * frameRate))); }
+
+// In eight parts, which the compiler adds at once.
+float sum(std::span<const float> x) {
+    std::array<float, 8> part{};
+    std::size_t i = 0;
+    for (; i + part.size() <= x.size(); i += part.size())
+        for (std::size_t j = 0; j < part.size(); j++) part[j] += x[i + j];
+    float all = 0;
+    for (; i < x.size(); i++) all += x[i];
+    for (const float p : part) all += p;
+    return all;
+}
 
 }  // namespace
 
@@ -38,6 +52,8 @@ SubbandStepSize::SubbandStepSize(int bands, int taps, double frameRate)
       noise_(static_cast<std::size_t>(bands)),
       predicted_(noise_.size()),
       pathPower_(noise_.size()),
+      left_(noise_.size()),
+      chancePower_(noise_.size()),
       gain_(noise_.size()) {
     const double sum = (1 - std::pow(kPriorDecay, taps)) / (1 - kPriorDecay);
     for (int g = 0; g < groups_; g++)
@@ -56,12 +72,9 @@ void SubbandStepSize::reset() {
 
 // The square of the regression coefficient of the error on the estimate, less what it is by chance.
 void SubbandStepSize::measureLeakage(const Frame& frame) {
-    float cross = 0, estimate = 0, chance = 0;
-    for (int k = 0; k < bands_; k++) {
-        cross += frame.correlation[k];
-        estimate += frame.estimatePower[k];
-        chance += frame.errorPower[k] * frame.estimatePower[k];
-    }
+    for (std::size_t k = 0; k < chancePower_.size(); k++) chancePower_[k] = frame.errorPower[k] * frame.estimatePower[k];
+    const float cross = sum({frame.correlation, noise_.size()}), estimate = sum({frame.estimatePower, noise_.size()});
+    const float chance = sum(chancePower_);
     const float a = leakageSmoothing_;
     cross_ = a * cross_ + (1 - a) * cross;
     estimate_ = a * estimate_ + (1 - a) * estimate;
@@ -73,31 +86,33 @@ void SubbandStepSize::measureLeakage(const Frame& frame) {
 // How much of the echo the group may leave, from what is unknown of its coefficients.
 void SubbandStepSize::predict(const Frame& frame, int group) {
     const auto g = static_cast<std::size_t>(group);
-    float* power = farPower_.data() + offset(group);
-    float* uncertainty = uncertainty_.data() + offset(group);
+    float* __restrict power = farPower_.data() + offset(group);
+    float* __restrict uncertainty = uncertainty_.data() + offset(group);
     const float* coefficient = coefficientPower_.data() + offset(group);
     std::fill_n(power, bands_, 0.0f);
     for (int t = firstTap(group); t < firstTap(group) + taps(group); t++) {
         const float* tap = frame.farPower[t];
         for (int k = 0; k < bands_; k++) power[k] += tap[k];
     }
-    float sum = 0;
+    float* __restrict left = left_.data();
+    float* __restrict predicted = predicted_.data();
+    const float* path = pathPower_.data();
+    const float leakage = leakage_, drift = drift_, prior = prior_[g];
     for (int k = 0; k < bands_; k++) {
-        const float drifted = uncertainty[k] + drift_ * coefficient[k];
-        const float leaked = leakage_ * (coefficient[k] + prior_[g] * pathPower_[static_cast<std::size_t>(k)]);
+        const float drifted = uncertainty[k] + drift * coefficient[k];
+        const float leaked = leakage * (coefficient[k] + prior * path[k]);
         uncertainty[k] = drifted > leaked ? drifted : leaked;
-        const float left = uncertainty[k] * power[k];
-        predicted_[static_cast<std::size_t>(k)] += left;
-        sum += left;
+        left[k] = uncertainty[k] * power[k];
+        predicted[k] += left[k];
     }
-    groupPredicted_[g] = sum;
+    groupPredicted_[g] = sum(left_);
 }
 
 // The steps, and how much they will reduce the uncertainty.
 void SubbandStepSize::correct(int group) {
     const float* power = farPower_.data() + offset(group);
-    float* uncertainty = uncertainty_.data() + offset(group);
-    float* steps = steps_.data() + offset(group);
+    float* __restrict uncertainty = uncertainty_.data() + offset(group);
+    float* __restrict steps = steps_.data() + offset(group);
     const float share = kCorrelated / static_cast<float>(taps(group));
     for (int k = 0; k < bands_; k++) {
         steps[k] = uncertainty[k] * gain_[static_cast<std::size_t>(k)];
@@ -120,21 +135,18 @@ void SubbandStepSize::update(const Frame& frame) {
     }
     for (int g = 0; g < groups_; g++) {
         const auto i = static_cast<std::size_t>(g);
-        adapts_[i] = leakage_ > 0 || g == turn_ || groupPredicted_[i] >= kIdle * total;
+        adapts_[i] = leakage_ > 0 || g == turn_ || groupPredicted_[i] >= kIdle * (total + noiseSum_);
         if (adapts_[i]) predict(frame, g);
     }
 
-    double error = 0, predicted = 0, noise = 0;
     for (std::size_t k = 0; k < noise_.size(); k++) {
         noise_[k] = noiseSmoothing_ * noise_[k] + (1 - noiseSmoothing_) * frame.errorPower[k];
         gain_[k] = 1 / (predicted_[k] + noise_[k] + kNothing);
-        error += frame.errorPower[k];
-        predicted += predicted_[k];
-        noise += noise_[k];
     }
     for (int g = 0; g < groups_; g++)
         if (adapts(g)) correct(g);
-    observe(error, predicted, noise);
+    noiseSum_ = sum(noise_);
+    observe(sum({frame.errorPower, noise_.size()}), sum(predicted_), noiseSum_);
 }
 
 void SubbandStepSize::observe(double error, double predicted, double noise) {

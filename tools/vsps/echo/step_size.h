@@ -58,17 +58,17 @@ class SubbandStepSize {
 
     int bands_, taps_, groups_;
     float noiseSmoothing_, leakageSmoothing_, drift_, floorRise_;
-    std::vector<float> prior_;                                 // share of a coefficient in the power of a path, [group]
-    std::vector<float> uncertainty_;                           // [group][band]
-    std::vector<float> coefficientPower_;                      // [group][band]
-    std::vector<float> farPower_;                              // of the reference, summed over the group, [group][band]
-    std::vector<float> steps_;                                 // [group][band]
-    std::vector<double> groupPredicted_;                       // of the residual echo, [group]
-    std::vector<char> adapts_;                                 // [group]
-    std::vector<float> noise_, predicted_, pathPower_, gain_;  // [band]
-    float cross_ = 0, estimate_ = 0, chance_ = 0;              // smoothed, for the leakage
+    std::vector<float> prior_;             // share of a coefficient in the power of a path, [group]
+    std::vector<float> uncertainty_;       // [group][band]
+    std::vector<float> coefficientPower_;  // [group][band]
+    std::vector<float> farPower_;          // of the reference, summed over the group, [group][band]
+    std::vector<float> steps_;             // [group][band]
+    std::vector<double> groupPredicted_;   // of the residual echo, [group]
+    std::vector<char> adapts_;             // [group]
+    std::vector<float> noise_, predicted_, pathPower_, left_, chancePower_, gain_;  // [band]
+    float cross_ = 0, estimate_ = 0, chance_ = 0;                                   // smoothed, for the leakage
     float leakage_ = 0;
     int turn_ = 0;
-    double learning_ = 0, noiseFloor_ = 0;
+    double learning_ = 0, noiseFloor_ = 0, noiseSum_ = 0;
     bool nearSpeech_ = false;
 };

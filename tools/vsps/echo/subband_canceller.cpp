@@ -18,6 +18,8 @@ namespace {
 // past it gets as much longer.
 constexpr int kLookAhead = 1, kLookBack = 3;
 
+constexpr float kCancelled = 0.1f, kSlow = 0.95f;  // share of the power left, and smoothing of both from frame to frame
+
 template <class Arithmetic>
 class SubbandCanceller : public EchoCanceller {
     using Sample = typename Arithmetic::Sample;
@@ -58,11 +60,14 @@ class SubbandCanceller : public EchoCanceller {
     EchoCancellerStatus status() const override { return status_; }
 
     void process(std::span<const float> far, std::span<const float> near, std::span<float> out) override {
-        for (std::size_t i = 0; i < out.size(); i++) {
-            farIn_[filled_] = Arithmetic::sample(far[i]);
-            newest()[filled_] = Arithmetic::sample(near[i]);
-            out[i] = static_cast<float>(out_[filled_]);
-            if (++filled_ < farIn_.size()) continue;
+        for (std::size_t i = 0, count = 0; i < out.size(); i += count) {
+            count = std::min(out.size() - i, farIn_.size() - static_cast<std::size_t>(filled_));
+            const auto part = [i, count](auto x) { return x.subspan(i, count); };
+            std::ranges::transform(part(far), farIn_.begin() + filled_, Arithmetic::sample);
+            std::ranges::transform(part(near), newest() + filled_, Arithmetic::sample);
+            std::copy_n(out_.begin() + filled_, count, part(out).begin());
+            filled_ += static_cast<std::ptrdiff_t>(count);
+            if (filled_ < shape_.frame) continue;
             processFrame();
             filled_ = 0;
         }
@@ -72,6 +77,11 @@ class SubbandCanceller : public EchoCanceller {
     static std::vector<double> backwards(std::vector<double> w) {
         std::reverse(w.begin(), w.end());
         return w;
+    }
+    static float meanSquare(std::span<const Sample> x) {
+        float sum = 0;
+        for (const Sample v : x) sum += static_cast<float>(v) * static_cast<float>(v);
+        return sum / static_cast<float>(x.size());
     }
     // The near end as far back as the output lags; its newest frame comes last.
     Sample* newest() { return nearIn_.data() + nearIn_.size() - farIn_.size(); }
@@ -86,7 +96,7 @@ class SubbandCanceller : public EchoCanceller {
         powers(x, farPower_.push());
         nearBank_.analyse(newest(), near_.push());
         const int before = delay();
-        if (bulkDelay_ && !disabled && bulkDelay_->update(x, near_.at(0)[0])) realign(delay() - before);
+        if (bulkDelay_ && !disabled && bulkDelay_->update(x, near_.at(0)[0], cancelling())) realign(delay() - before);
         cancel(near_.at(kLookAhead)[0]);
         if (!disabled) adapt();
         outBank_.synthesise(error_.data(), out_.data());
@@ -107,15 +117,23 @@ class SubbandCanceller : public EchoCanceller {
     void cancel(const Complex* near) {
         Arithmetic::filter(far_.at(delay()), coefficients_.at(0), estimate_.data(), taps_, bands_);
         constexpr float kUnit = 1 / Arithmetic::kBand;
-        for (std::size_t k = 0; k < error_.size(); k++) {
-            error_[k] = Arithmetic::subtract(near[k], estimate_[k]);
-            correlation_[k] = kUnit * kUnit *
-                              (static_cast<float>(error_[k].re) * static_cast<float>(estimate_[k].re) +
-                               static_cast<float>(error_[k].im) * static_cast<float>(estimate_[k].im));
+        const Complex* y = estimate_.data();
+        Complex* __restrict e = error_.data();
+        float* __restrict errorPower = errorPower_.data();
+        float* __restrict estimatePower = estimatePower_.data();
+        float* __restrict correlation = correlation_.data();
+        for (int k = 0; k < bands_; k++) {
+            e[k] = Arithmetic::subtract(near[k], y[k]);
+            const float er = kUnit * static_cast<float>(e[k].re), ei = kUnit * static_cast<float>(e[k].im);
+            const float yr = kUnit * static_cast<float>(y[k].re), yi = kUnit * static_cast<float>(y[k].im);
+            errorPower[k] = er * er + ei * ei;
+            estimatePower[k] = yr * yr + yi * yi;
+            correlation[k] = er * yr + ei * yi;
         }
-        powers(error_.data(), errorPower_.data());
-        powers(estimate_.data(), estimatePower_.data());
     }
+
+    // Most of the near end is echo, and gone.
+    bool cancelling() const { return left_ < kCancelled * heard_; }
 
     void adapt() {
         stepSize_.update({farPower_.at(delay()), errorPower_.data(), estimatePower_.data(), correlation_.data()});
@@ -158,9 +176,9 @@ class SubbandCanceller : public EchoCanceller {
     }
 
     void observe(bool disabled) {
-        double power = 0;
-        for (const Sample x : farIn_) power += double(x) * x;
-        farActivity_.update(power / shape_.frame);
+        farActivity_.update(meanSquare(farIn_));
+        left_ = kSlow * left_ + meanSquare(out_);
+        heard_ = kSlow * heard_ + meanSquare({newest(), farIn_.size()});
         status_ = {.bulkDelayMs = delay() * frameMs_,
                    .stepSize = disabled ? 0 : stepSize_.learning(),
                    .farActive = farActivity_.active(),
@@ -184,8 +202,9 @@ class SubbandCanceller : public EchoCanceller {
     std::vector<Complex> estimate_, error_;
     std::vector<float> errorPower_, estimatePower_, correlation_;
     std::vector<Sample> farIn_, out_, nearIn_;
-    std::size_t filled_ = 0;
+    std::ptrdiff_t filled_ = 0;
     int turn_ = 0;
+    float left_ = 0, heard_ = 0;  // smoothed power of the output and of the near end
     EchoCancellerStatus status_;
 };
 
