@@ -157,7 +157,8 @@ static void forwardSmall(Source source, Sink sink, const typename V::Elem* table
 }
 
 template <class V, int R, int L, class Source, class Sink>
-static void inverseSmall(Source source, Sink sink, const typename V::Elem* tables, V factor) {
+static void inverseSmall(Source source, Sink sink, const typename V::Elem* tables, typename V::Elem oneByN) {
+    const V factor = V::splat(oneByN);
     constexpr int W = V::width, points = R * L, vectors = points / W, group = smallerOf(kFftGroup, points / 2);
     Complex<V> z[vectors], after = middle<V>(source, points / 2, factor);
     unrolled<vectors / 2>([&](auto i) VSP_LAMBDA_INLINE {
@@ -278,7 +279,8 @@ template <class V, class Source, class Sink>
 
 template <class V, class Source, class Sink>
 [[gnu::noinline]] static void inverseLarge(int order, Source source, Sink sink, const typename V::Elem* tables,
-                                           const Vsp32s* blocks, typename V::Elem* work, V factor) {
+                                           const Vsp32s* blocks, typename V::Elem* work, typename V::Elem oneByN) {
+    const V factor = V::splat(oneByN);
     const int points = 1 << (order - 1), columns = points / kFftPlans[order - 1].radix[0];
     const typename V::Elem* passTables = tables + fftSpectrumTableLen(order);
     Complex<V> after = middle<V>(source, points / 2, factor);
@@ -354,14 +356,14 @@ VSP_INLINE void realFftInverse(int order, Source source, Sink sink, const T* tab
             const One a = source.template load<One>(0).re, b = source.template load<One>(1).re;
             return sink.store(0, scale(Complex<One>{add(a, b), sub(a, b)}, One{factor}));
         }
-        case 2: return inverseSmall<One, 1, 2>(source, sink, tables, One{factor});
-        case 3: return inverseSmall<One, 1, 4>(source, sink, tables, One{factor});
-        case 4: return inverseSmall<One, 1, 8>(source, sink, tables, One{factor});
-        case 5: return inverseSmall<Four, 4, 4>(source, sink, tables, Four::splat(factor));
-        case 6: return inverseSmall<Four, 8, 4>(source, sink, tables, Four::splat(factor));
-        case 7: return inverseSmall<Native, 8, 8>(source, sink, tables, Native::splat(factor));
-        case 8: return inverseSmall<Native, 16, 8>(source, sink, tables, Native::splat(factor));
-        default: return inverseLarge<Native>(order, source, sink, tables, blocks, work, Native::splat(factor));
+        case 2: return inverseSmall<One, 1, 2>(source, sink, tables, factor);
+        case 3: return inverseSmall<One, 1, 4>(source, sink, tables, factor);
+        case 4: return inverseSmall<One, 1, 8>(source, sink, tables, factor);
+        case 5: return inverseSmall<Four, 4, 4>(source, sink, tables, factor);
+        case 6: return inverseSmall<Four, 8, 4>(source, sink, tables, factor);
+        case 7: return inverseSmall<Native, 8, 8>(source, sink, tables, factor);
+        case 8: return inverseSmall<Native, 16, 8>(source, sink, tables, factor);
+        default: return inverseLarge<Native>(order, source, sink, tables, blocks, work, factor);
     }
 }
 
