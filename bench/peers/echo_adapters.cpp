@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <stdexcept>
 
-#include "echo/canceller.h"
+#include "echo_canceller/canceller.h"
 
 namespace echo {
 

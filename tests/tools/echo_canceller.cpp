@@ -1,6 +1,6 @@
 // The echo canceller of the tool on recorded speech through echo paths of ITU-T G.168: what it removes, what it leaves
 // alone, and that nothing depends on how the signals come in blocks.
-#include "echo/canceller.h"
+#include "echo_canceller/canceller.h"
 
 #include <gtest/gtest.h>
 

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "audio/audio.h"
-#include "echo/canceller.h"
+#include "echo_canceller/canceller.h"
 
 constexpr std::size_t kEchoFrame = kRate / 50;  // 20 ms
 

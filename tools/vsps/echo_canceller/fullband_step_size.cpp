@@ -1,4 +1,4 @@
-#include "echo/fullband_step_size.h"
+#include "echo_canceller/fullband_step_size.h"
 
 #include <algorithm>
 #include <cmath>

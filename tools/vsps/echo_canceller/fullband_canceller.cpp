@@ -1,15 +1,15 @@
-#include "echo/fullband_canceller.h"
+#include "echo_canceller/fullband_canceller.h"
 
 #include <algorithm>
 #include <cmath>
 #include <optional>
 #include <vector>
 
-#include "echo/arithmetic.h"
-#include "echo/bulk_delay.h"
-#include "echo/far_activity.h"
-#include "echo/fullband_step_size.h"
-#include "echo/tone_disabler.h"
+#include "echo_canceller/arithmetic.h"
+#include "echo_canceller/bulk_delay.h"
+#include "echo_canceller/far_activity.h"
+#include "echo_canceller/fullband_step_size.h"
+#include "echo_canceller/tone_disabler.h"
 
 namespace {
 
@@ -155,7 +155,7 @@ class FullbandCanceller : public EchoCanceller {
     Sample scaledError_ = 0;
     FullbandStepSize stepSize_;
     FarActivity farActivity_;
-    std::optional<ToneDisabler<Arithmetic>> tone_;
+    std::optional<ToneDisabler> tone_;
     std::optional<SignalBulkDelay> bulkDelay_;
     float lastFar_ = 0, lastNear_ = 0, lastOut_ = 0;
     std::size_t filled_ = 0;

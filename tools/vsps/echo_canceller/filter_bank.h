@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <vector>
 
-#include "echo/arithmetic.h"
+#include "echo_canceller/arithmetic.h"
 
 template <class Arithmetic>
 class FilterBank {

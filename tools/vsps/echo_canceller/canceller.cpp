@@ -1,9 +1,9 @@
-#include "echo/canceller.h"
+#include "echo_canceller/canceller.h"
 
 #include <stdexcept>
 
-#include "echo/fullband_canceller.h"
-#include "echo/subband_canceller.h"
+#include "echo_canceller/fullband_canceller.h"
+#include "echo_canceller/subband_canceller.h"
 
 std::unique_ptr<EchoCanceller> makeEchoCanceller(const EchoCancellerSettings& settings) {
     constexpr double kMaxTail = 500, kMaxDelay = 1000;  // ms

@@ -1,4 +1,4 @@
-#include "echo/prototype_window.h"
+#include "echo_canceller/prototype_window.h"
 
 #include <cmath>
 #include <numbers>

@@ -8,7 +8,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "echo/prototype_window.h"
+#include "echo_canceller/prototype_window.h"
 #include "vspsc/ec.h"
 
 // For calls that cannot fail unless the program is wrong.
@@ -22,7 +22,6 @@ struct FloatArithmetic {
     using Step = Vsp64f;
     using WindowValue = Vsp32f;
     using BankState = VspSubbandProcessState_32f;
-    using ToneState = VspToneDetectState_EC_32f;
 
     static constexpr float kBand = 1, kCoefficient = 1;  // what 1 is stored as
 
@@ -62,14 +61,6 @@ struct FloatArithmetic {
                               Sample* taps, int length, Sample* scaledError) {
         check(vspsNLMS_EC_32f(ref, near, steps, out, count, taps, length, scaledError));
     }
-
-    static void toneSize(int rate, Vsp32s* size) { check(vspsToneDetectGetStateSize_EC_32f(rate, size)); }
-    static void initTone(ToneState* state, int rate) { check(vspsToneDetectInit_EC_32f(state, rate)); }
-    static bool detectTone(const Sample* in, int count, ToneState* state) {
-        Vsp32s found = 0;
-        check(vspsToneDetect_EC_32f(in, count, &found, state));
-        return found != 0;
-    }
 };
 
 struct FixedArithmetic {
@@ -78,7 +69,6 @@ struct FixedArithmetic {
     using Step = Vsp32sc;  // mantissa, exponent
     using WindowValue = Vsp16s;
     using BankState = VspSubbandProcessState_16s;
-    using ToneState = VspToneDetectState_EC_16s;
 
     // A band reaches 2^15 times the transform's length of 2^8 or 2^9, so that 6 more bits fit. Coefficients reach 16.
     static constexpr int kBandBits = 6, kCoefficientBits = 27;
@@ -133,14 +123,6 @@ struct FixedArithmetic {
     static void adaptFullband(const Sample* ref, const Sample* near, const FullbandStep* steps, Sample* out, int count,
                               Sample* taps, int length, Sample* scaledError) {
         check(vspsNLMS_EC_16s(ref, near, steps, out, count, taps, length, scaledError));
-    }
-
-    static void toneSize(int rate, Vsp32s* size) { check(vspsToneDetectGetStateSize_EC_16s(rate, size)); }
-    static void initTone(ToneState* state, int rate) { check(vspsToneDetectInit_EC_16s(state, rate)); }
-    static bool detectTone(const Sample* in, int count, ToneState* state) {
-        Vsp32s found = 0;
-        check(vspsToneDetect_EC_16s(in, count, &found, state));
-        return found != 0;
     }
 
   private:

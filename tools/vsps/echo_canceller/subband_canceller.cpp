@@ -1,16 +1,16 @@
-#include "echo/subband_canceller.h"
+#include "echo_canceller/subband_canceller.h"
 
 #include <algorithm>
 #include <optional>
 #include <vector>
 
-#include "echo/arithmetic.h"
-#include "echo/bulk_delay.h"
-#include "echo/delay_line.h"
-#include "echo/far_activity.h"
-#include "echo/filter_bank.h"
-#include "echo/step_size.h"
-#include "echo/tone_disabler.h"
+#include "echo_canceller/arithmetic.h"
+#include "echo_canceller/bulk_delay.h"
+#include "echo_canceller/delay_line.h"
+#include "echo_canceller/far_activity.h"
+#include "echo_canceller/filter_bank.h"
+#include "echo_canceller/step_size.h"
+#include "echo_canceller/tone_disabler.h"
 
 namespace {
 
@@ -196,7 +196,7 @@ class SubbandCanceller : public EchoCanceller {
     DelayLine<Complex> near_, coefficients_;
     SubbandStepSize stepSize_;
     FarActivity farActivity_;
-    std::optional<ToneDisabler<Arithmetic>> tone_;
+    std::optional<ToneDisabler> tone_;
     std::optional<BulkDelay> bulkDelay_;
     std::vector<typename Arithmetic::Step> steps_;
     std::vector<Complex> estimate_, error_;

@@ -1,4 +1,4 @@
-#include "echo/step_size.h"
+#include "echo_canceller/step_size.h"
 
 #include <algorithm>
 #include <array>

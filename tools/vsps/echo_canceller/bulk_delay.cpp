@@ -1,9 +1,9 @@
-#include "echo/bulk_delay.h"
+#include "echo_canceller/bulk_delay.h"
 
 #include <algorithm>
 #include <cmath>
 
-#include "echo/prototype_window.h"
+#include "echo_canceller/prototype_window.h"
 
 namespace {
 

@@ -3,9 +3,9 @@
 
 #include <vector>
 
-#include "echo/arithmetic.h"
-#include "echo/delay_line.h"
-#include "echo/filter_bank.h"
+#include "echo_canceller/arithmetic.h"
+#include "echo_canceller/delay_line.h"
+#include "echo_canceller/filter_bank.h"
 
 // Finds the delay with a long adaptive filter in a few bands, which is rough but enough to see where the echo path lies.
 class BulkDelay {

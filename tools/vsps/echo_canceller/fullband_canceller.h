@@ -1,6 +1,6 @@
 // The full-band engine.
 #pragma once
 
-#include "echo/canceller.h"
+#include "echo_canceller/canceller.h"
 
 std::unique_ptr<EchoCanceller> makeFullbandCanceller(const EchoCancellerSettings& settings);
