@@ -68,7 +68,7 @@ VspStatus vspsFIR_EC_32f(const Vsp32f* pRef, const Vsp32f* pNear, Vsp32f* pDst, 
     return vspStsNoErr;
 }
 
-// --- Fixed point: vectors of taps; the order of a sum that cannot saturate does not matter --------------------------------
+// --- Fixed point: vectors of taps; the order of a sum that cannot saturate does not matter -----------------------------
 
 namespace {
 

@@ -11,8 +11,9 @@ namespace {
 constexpr int kBadFile = 1, kBadUsage = 2;
 
 int run(int argc, char** argv) {
-    CLI::App app{"Speech-coding primitives on recordings: level control, pitch, speech and answer tones, echo paths.",
-                 "vsps"};
+    CLI::App app{
+        "Speech-coding primitives on recordings: level control, echo cancellation, pitch, speech and tone detection.",
+        "vsps"};
     app.set_version_flag("--version", [] { return std::string("vsps ") + vspscGetLibVersion()->Version; });
     app.require_subcommand(1);
     app.footer(
