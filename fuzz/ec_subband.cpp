@@ -87,22 +87,23 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     using vsp::Api;
     Input in(data, size);
     while (!in.empty()) {
-        const int choice = in.take<std::uint8_t>(), taps = in.take<std::uint8_t>() % 9, order = in.take<std::uint8_t>() % 4;
-        const Bands one(1), rows(taps);
+        const int choice = in.take<std::uint8_t>(), taps = in.take<std::uint8_t>() % 9,
+                  projections = in.take<std::uint8_t>() % 4;
+        const Bands row(1), rows(taps);
         const Count len(taps);
         switch (choice % 7) {
-            case 0: VSPSC_COMPARE(in, vspsFIRSubband_EC_32fc, rows, rows, one, len, length); break;
-            case 1: VSPSC_COMPARE(in, vspsFIRSubband_EC_32sc_Sfs, rows, rows, one, len, length, value); break;
-            case 2: VSPSC_COMPARE(in, vspsFIRSubbandLow_EC_32sc_Sfs, rows, rows, len, one, value, length, value); break;
-            case 3: VSPSC_COMPARE(in, vspsFIRSubbandCoeffUpdate_EC_32fc_I, one, rows, one, rows, len, length); break;
-            case 4: VSPSC_COMPARE(in, vspsFIRSubbandCoeffUpdate_EC_32sc_I, one, rows, one, rows, len, length, value); break;
+            case 0: VSPSC_COMPARE(in, vspsFIRSubband_EC_32fc, rows, rows, row, len, length); break;
+            case 1: VSPSC_COMPARE(in, vspsFIRSubband_EC_32sc_Sfs, rows, rows, row, len, length, value); break;
+            case 2: VSPSC_COMPARE(in, vspsFIRSubbandLow_EC_32sc_Sfs, rows, rows, len, row, value, length, value); break;
+            case 3: VSPSC_COMPARE(in, vspsFIRSubbandCoeffUpdate_EC_32fc_I, row, rows, row, rows, len, length); break;
+            case 4: VSPSC_COMPARE(in, vspsFIRSubbandCoeffUpdate_EC_32sc_I, row, rows, row, rows, len, length, value); break;
             case 5:
-                VSPSC_COMPARE(in, vspsFIRSubbandLowCoeffUpdate_EC_32sc_I, rows, one, rows, len, one, one, value, length,
+                VSPSC_COMPARE(in, vspsFIRSubbandLowCoeffUpdate_EC_32sc_I, rows, row, rows, len, row, row, value, length,
                               value);
                 break;
             case 6:
-                VSPSC_COMPARE(in, vspsFIRSubbandAPCoeffUpdate_EC_32fc_I, Bands(order), Bands(taps + order), Bands(order),
-                              rows, len, length, Count(order));
+                VSPSC_COMPARE(in, vspsFIRSubbandAPCoeffUpdate_EC_32fc_I, Bands(projections), Bands(taps + projections),
+                              Bands(projections), rows, len, length, Count(projections));
                 break;
         }
     }

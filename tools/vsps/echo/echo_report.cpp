@@ -32,17 +32,17 @@ std::optional<double> erleOf(Iterator begin, Iterator end) {
     return any ? std::optional(decibelsOf(near, out)) : std::nullopt;
 }
 
-// Seconds of far-end speech until the enhancement over the last frames with echo first reaches the goal.
+// Seconds of far-end speech until the enhancement over the last frames with echo alone reaches the goal.
 std::optional<double> timeToConverge(const Frames& frames) {
-    constexpr auto kWindow = std::ptrdiff_t(kSettlingSeconds / kFrameSeconds);
+    constexpr std::size_t kWindow = std::size_t(kSettlingSeconds / kFrameSeconds);
     Frames echo;
-    std::copy_if(frames.begin(), frames.end(), std::back_inserter(echo),
-                 [](const EchoFrame& f) { return f.measuresCancelling(); });
-    for (auto end = echo.begin(); end != echo.end();) {
-        ++end;
-        const auto begin = end - std::min(kWindow, end - echo.begin());
-        if (end - begin == kWindow && *erleOf(begin, end) >= kConverged)
-            return double(begin - echo.begin()) * kFrameSeconds;
+    int speech = 0;
+    for (const EchoFrame& f : frames) {
+        speech += f.status.farActive;
+        if (!f.measuresCancelling()) continue;
+        echo.push_back(f);
+        if (echo.size() >= kWindow && *erleOf(echo.end() - std::ptrdiff_t(kWindow), echo.end()) >= kConverged)
+            return speech * kFrameSeconds;
     }
     return {};
 }
