@@ -34,7 +34,7 @@ typedef struct VspToneDetectState_EC_16s VspToneDetectState_EC_16s;
 /**
  * Sizes for the floating-point filter bank. Any address will do: the functions align the memory themselves.
  *
- * @param[in]  order         N = 2^order is the length of the transform, order 1 to 15
+ * @param[in]  order         N = 2^order is the length of the transform, order 1 to 17
  * @param[in]  windowLen     length L of the prototype window, a multiple of N
  * @param[out] pStateSize    bytes of the state
  * @param[out] pInitBufSize  bytes that vspsSubbandProcessInit_32f needs while it runs; may be 0
@@ -49,7 +49,7 @@ VspStatus vspsSubbandProcessGetSize_32f(Vsp32s order, Vsp32s windowLen, Vsp32s* 
 /**
  * Sizes for the fixed-point filter bank. Any address will do: the functions align the memory themselves.
  *
- * @param[in]  order         N = 2^order is the length of the transform, order 1 to 15
+ * @param[in]  order         N = 2^order is the length of the transform, order 1 to 17
  * @param[in]  windowLen     length L of the prototype window, a multiple of N
  * @param[out] pStateSize    bytes of the state
  * @param[out] pInitBufSize  bytes that vspsSubbandProcessInit_16s needs while it runs; may be 0
