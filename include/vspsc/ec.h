@@ -398,8 +398,9 @@ VspStatus vspsToneDetectInit_EC_32f(VspToneDetectState_EC_32f* pState, Vsp32s ra
  * Looks for the 2100 Hz answer tone with phase reversals that disables echo cancellers (ITU-T G.168, V.25).
  *
  * A tone is there while the power at 2100 Hz is above 0.8 of the whole power; a reversal is a dip of it after
- * 413 to 466 ms of tone. A dip of more than 20 ms starts the count anew. Digital silence after a tone counts as tone until
- * the powers underflow, so denormal numbers must be on.
+ * 413 to 466 ms of tone. A dip of more than 20 ms starts the count anew. Digital silence after a tone counts as tone,
+ * since both powers end at the same few units of the last denormal place (denormal numbers must be on); initialise the
+ * state to hear a new tone after it.
  * The flag marks calls in which the second or a later reversal came; it does not latch. How a signal is split into calls
  * makes no other difference.
  *
