@@ -5,9 +5,8 @@
 
 #include "commands.h"
 #include "console/error.h"
-#include "console/in_order.h"
 #include "console/input_options.h"
-#include "console/progress.h"
+#include "console/many_files.h"
 #include "console/report_format.h"
 #include "tone/tone_report.h"
 
@@ -40,30 +39,18 @@ Result process(const Options& o, const std::string& file) try {
 }
 
 void runTone(const Options& o) {
-    std::unique_ptr<Progress> progress;  // over the files; a single one has its own
-    if (o.files.size() > 1) progress = std::make_unique<Progress>("detecting tones", o.files.size());
     nlohmann::ordered_json json{{"variant", o.fixedPoint ? "fixed" : "float"}, {"files", nlohmann::ordered_json::array()}};
-    bool failed = false;
     const auto work = [&](std::size_t i) { return process(o, o.files[i]); };
-    const auto report = [&](std::size_t, std::future<Result>& future) {
-        try {
-            const Result result = future.get();
-            if (progress) progress->hide();
-            printNotes(result.notes);
-            if (o.json)
-                json["files"].push_back(toJson(result.report));
-            else
-                std::cout << toText(result.report) << std::flush;
-        } catch (const std::exception& e) {
-            if (progress) progress->hide();
-            std::cerr << "vsps: " << e.what() << '\n';
-            failed = true;
-        }
-        if (progress) progress->advance(1);
+    const auto show = [&](const Result& result) {
+        printNotes(result.notes);
+        if (o.json)
+            json["files"].push_back(toJson(result.report));
+        else
+            std::cout << toText(result.report) << std::flush;
     };
-    inOrder(o.files.size(), o.jobs, work, report);
+    const bool good = processFiles(o.files.size(), o.jobs, "detecting tones", work, show);
     if (o.json) std::cout << toString(json);
-    if (failed) throw ErrorsReported();
+    if (!good) throw ErrorsReported();
 }
 
 }  // namespace

@@ -7,10 +7,9 @@
 
 #include "commands.h"
 #include "console/error.h"
-#include "console/in_order.h"
 #include "console/input_options.h"
+#include "console/many_files.h"
 #include "console/output_file.h"
-#include "console/progress.h"
 #include "console/report_format.h"
 #include "vad/vad_plot.h"
 
@@ -96,32 +95,19 @@ void write(const Result& r) {
 void runVad(const Options& o) {
     if (!o.outputs.plot.empty()) Gnuplot(o.outputs.plot);  // ends here if there is none
     const std::vector<VadOutputs> outputs = placeOutputs(o);
-    std::unique_ptr<Progress> progress;  // over the files; a single one has its own
-    if (o.files.size() > 1) progress = std::make_unique<Progress>("detecting speech", o.files.size());
-
     nlohmann::ordered_json json{{"option", o.option}, {"files", nlohmann::ordered_json::array()}};
-    bool failed = false;
     const auto work = [&](std::size_t i) { return process(o, o.files[i], outputs[i]); };
-    const auto report = [&](std::size_t, std::future<Result>& future) {
-        try {
-            const Result result = future.get();
-            if (progress) progress->hide();
-            printNotes(result.notes);
-            write(result);
-            if (o.json)
-                json["files"].push_back(toJson(result.report));
-            else
-                std::cout << toText(result.report) << std::flush;
-        } catch (const std::exception& e) {
-            if (progress) progress->hide();
-            std::cerr << "vsps: " << e.what() << '\n';
-            failed = true;
-        }
-        if (progress) progress->advance(1);
+    const auto show = [&](const Result& result) {
+        printNotes(result.notes);
+        write(result);
+        if (o.json)
+            json["files"].push_back(toJson(result.report));
+        else
+            std::cout << toText(result.report) << std::flush;
     };
-    inOrder(o.files.size(), o.jobs, work, report);
+    const bool good = processFiles(o.files.size(), o.jobs, "detecting speech", work, show);
     if (o.json) std::cout << toString(json);
-    if (failed) throw ErrorsReported();
+    if (!good) throw ErrorsReported();
 }
 
 void checkPatterns(const Options& o) {
