@@ -3,13 +3,12 @@
 
 #include <cstddef>
 #include <cstring>
-#include <fstream>
-#include <iterator>
 #include <stdexcept>
 #include <string>
 #include <type_traits>
 #include <vector>
 
+#include "support/test_data.h"
 #include "vspsc/types.h"
 
 namespace vsp::test {
@@ -38,9 +37,7 @@ class Record {
 // records.
 class RecordedCalls {
   public:
-    RecordedCalls(const std::string& name, int kind, std::size_t size) : size_(size) {
-        std::ifstream file(VSPSC_TEST_DATA "/vad/" + name, std::ios::binary);
-        bytes_.assign(std::istreambuf_iterator<char>(file), {});
+    RecordedCalls(const std::string& name, int kind, std::size_t size) : size_(size), bytes_(testData("vad/" + name)) {
         if (bytes_.size() <= kHeader || bytes_.compare(0, 4, "VADV") != 0) throw std::runtime_error(name + ": no vectors");
         const Record header(bytes_.data());
         if (header.at<Vsp16u>(4) != 1 || header.at<Vsp16u>(6) != kind || header.at<Vsp32u>(12) != size ||

@@ -1,15 +1,14 @@
 #include "support/speech.h"
 
-#include <fstream>
+#include <cstring>
 #include <stdexcept>
 
-#include "support/vector_case.h"
+#include "support/test_data.h"
 
 namespace vsp::test {
 
 std::vector<Vsp16s> recordedSpeech() {
-    std::ifstream file(VSPSC_TEST_DATA "/speech/demo-echotest.wav", std::ios::binary);
-    const std::string bytes(std::istreambuf_iterator<char>(file), {});
+    const std::string bytes = testData("speech/demo-echotest.wav");
     constexpr std::size_t kHeader = 44;
     if (bytes.size() <= kHeader || bytes.substr(36, 4) != "data") throw std::runtime_error("the recording is missing");
     std::vector<Vsp16s> speech((bytes.size() - kHeader) / sizeof(Vsp16s));

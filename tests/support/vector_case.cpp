@@ -1,7 +1,8 @@
 #include "support/vector_case.h"
 
-#include <fstream>
 #include <stdexcept>
+
+#include "support/test_data.h"
 
 namespace vsp::test {
 
@@ -9,7 +10,7 @@ namespace {
 
 class Reader {
   public:
-    explicit Reader(const std::string& file) : name_(file), stream_(VSPSC_TEST_DATA "/" + file, std::ios::binary) {
+    explicit Reader(const std::string& file) : name_(file), bytes_(testData(file)) {
         if (text(4) != "VEC1") throw std::runtime_error(file + ": not a vector file");
     }
 
@@ -35,17 +36,18 @@ class Reader {
     }
 
     void expectEnd() {
-        if (stream_.peek() != std::ifstream::traits_type::eof()) throw std::runtime_error(name_ + ": data after the end");
+        if (position_ != bytes_.size()) throw std::runtime_error(name_ + ": data after the end");
     }
 
   private:
     void read(void* to, std::size_t size) {
-        if (!stream_.read(static_cast<char*>(to), std::streamsize(size)) && size > 0)
-            throw std::runtime_error(name_ + ": missing or truncated");
+        if (bytes_.size() - position_ < size) throw std::runtime_error(name_ + ": truncated");
+        if (size > 0) std::memcpy(to, bytes_.data() + position_, size);
+        position_ += size;
     }
 
-    std::string name_;
-    std::ifstream stream_;
+    std::string name_, bytes_;
+    std::size_t position_ = 0;
 };
 
 std::size_t sizeOf(char type) { return type == 'h' ? 2 : type == 'd' ? 8 : 4; }
