@@ -89,8 +89,8 @@ VspStatus vspsAdaptiveCodebookSearch_G729_16s(Vsp16s lag, const Vsp16s* pTarget,
  *
  * The target is correlated with the impulse response once (vspsCrossCorr_NormM_16s). The integer lag has the largest
  * product of the result with the past excitation, doubled and saturated to 32 bits; of equal ones the shortest. Unless it
- * is above 84 in subframe 0, the vectors at the fractions 0, -1 and 1 are compared in this order in the same way. Ranges as
- * in vspsAdaptiveCodebookSearch_G729_16s.
+ * is above 84 in subframe 0, the vectors at the fractions 0, -1 and 1 are compared in this order by the same product,
+ * saturated but not doubled. Ranges as in vspsAdaptiveCodebookSearch_G729_16s.
  *
  * @param[in]     lag          open-loop lag in subframe 0, integer lag of subframe 0 in subframe 1; 18 .. 145
  * @param[in]     pTarget      target, 40 samples

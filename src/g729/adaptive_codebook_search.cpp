@@ -96,8 +96,9 @@ Delay searchG729D(const Vsp16s* excitation, const Vsp16s* target, const Vsp16s* 
     }
 }
 
-// Annex A compares doubled dot products that saturate at the end only.
-Vsp32s product(const Vsp16s* d, const Vsp16s* vector) { return Cnvrt_64s32s(2 * dot(d, vector, kL_subfr)); }
+// What Annex A compares, saturated at the end only: doubled sums for the integer lags, plain ones for the fractions.
+Vsp32s lagProduct(const Vsp16s* d, const Vsp16s* vector) { return Cnvrt_64s32s(2 * dot(d, vector, kL_subfr)); }
+Vsp32s fractionProduct(const Vsp16s* d, const Vsp16s* vector) { return Cnvrt_64s32s(dot(d, vector, kL_subfr)); }
 
 // G.729A Pitch_fr3_fast; leaves the vector at the delay found in excitation[0 .. 39].
 Delay searchG729A(Vsp16s* excitation, const Vsp16s* target, const Vsp16s* impulse, Vsp16s lag, Vsp16s subframe) {
@@ -105,9 +106,9 @@ Delay searchG729A(Vsp16s* excitation, const Vsp16s* target, const Vsp16s* impuls
     vspsCrossCorr_NormM_16s(target, impulse, kL_subfr, d);
     const Range range = searchRange(lag, subframe);
     int best = range.t_min;
-    Vsp32s max = product(d, excitation - best);
+    Vsp32s max = lagProduct(d, excitation - best);
     for (int k = range.t_min + 1; k <= range.t_max; k++) {
-        const Vsp32s value = product(d, excitation - k);
+        const Vsp32s value = lagProduct(d, excitation - k);
         if (value > max) {
             max = value;
             best = k;
@@ -118,11 +119,11 @@ Delay searchG729A(Vsp16s* excitation, const Vsp16s* target, const Vsp16s* impuls
     if (subframe == 0 && best > kLongestFractional) return {best, 0};
     Vsp16s kept[kL_subfr];
     copySubframe(excitation, kept);
-    max = product(d, excitation);
+    max = fractionProduct(d, excitation);
     int fraction = 0;
     for (int f = -1; f <= 1; f += 2) {
         ownPred_lt_3(excitation, best, f);
-        const Vsp32s value = product(d, excitation);
+        const Vsp32s value = fractionProduct(d, excitation);
         if (value > max) {
             max = value;
             fraction = f;

@@ -223,16 +223,17 @@ inline Delay Pitch_fr3(const Api& api, const Signal& excitation, const Signal& x
 // Leaves the vector in the excitation.
 inline Delay Pitch_fr3_fast(Signal& excitation, const Signal& x, const Signal& h, int lag, int subframe) {
     const Signal d = Cor_h_X(x.data(), h.data(), 40);
-    const auto product = [&](const Vsp16s* v) {
+    const auto sum = [&](const Vsp16s* v) {
         long long s = 0;
-        for (std::size_t i = 0; i < 40; i++) s += 2LL * d[i] * v[i];
-        return sat32(s);
+        for (std::size_t i = 0; i < 40; i++) s += 1LL * d[i] * v[i];
+        return s;
     };
+    const auto doubled = [&](int k) { return sat32(2 * sum(&excitation[154] - k)); };
+    const auto plain = [&](const Signal& candidate) { return sat32(sum(&candidate[154])); };
     const auto [t_min, t_max] = range(lag, subframe);
-    const Vsp16s* const u = excitation.data() + 154;
     int best = t_min;
     for (int k = t_min; k <= t_max; k++)
-        if (product(u - k) > product(u - best)) best = k;
+        if (doubled(k) > doubled(best)) best = k;
     int fraction = 0;
     Signal kept = excitation;
     Pred_lt_3(kept, best, 0);
@@ -240,7 +241,7 @@ inline Delay Pitch_fr3_fast(Signal& excitation, const Signal& x, const Signal& h
         for (const int f : {-1, 1}) {
             Signal candidate = excitation;
             Pred_lt_3(candidate, best, f);
-            if (product(&candidate[154]) > product(&kept[154])) {
+            if (plain(candidate) > plain(kept)) {
                 fraction = f;
                 kept = candidate;
             }
