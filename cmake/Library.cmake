@@ -2,6 +2,7 @@
 
 set(vspsc_level_sources
     src/alc/alc.cpp
+    src/amrwb/state_sizes.cpp
     src/common/auto_scale.cpp
     src/common/convolution.cpp
     src/common/correlation.cpp
@@ -13,37 +14,43 @@ set(vspsc_level_sources
     src/common/random_noise.cpp
     src/common/scaling.cpp
     src/common/synthesis_filter.cpp
-    src/core/state_sizes.cpp
-    src/core/version.cpp
     src/ec/fir.cpp
     src/ec/fir_subband_32fc.cpp
     src/ec/fir_subband_32sc.cpp
     src/ec/fir_subband_update_32fc.cpp
     src/ec/fir_subband_update_32sc.cpp
     src/ec/nlms.cpp
+    src/ec/state_sizes.cpp
     src/ec/subband_process.cpp
     src/ec/subband_setup.cpp
     src/ec/tone_detect.cpp
+    src/g722/state_sizes.cpp
+    src/g726/state_sizes.cpp
+    src/g728/state_sizes.cpp
     src/g729/adaptive_codebook_gain.cpp
     src/g729/adaptive_codebook_search.cpp
     src/g729/adaptive_vector.cpp
     src/g729/norm_corr.cpp
     src/g729/open_loop_pitch.cpp
     src/g729/pitch_32f.cpp
+    src/g729/state_sizes.cpp
+    src/g7291/state_sizes.cpp
     src/gsmamr/fft128.cpp
     src/gsmamr/vad1.cpp
     src/gsmamr/vad2.cpp
+    src/rta/state_sizes.cpp
     src/vector/real_fft_16s.cpp
-    src/vector/real_fft_32f.cpp)
+    src/vector/real_fft_32f.cpp
+    src/version/version.cpp)
 set(vspsc_common_sources
     src/common/tables.cpp
     src/core/api.cpp
-    src/core/version_records.cpp
     src/ec/subband_windows.cpp
     src/ec/tables.cpp
     src/g729/tables.cpp
     src/gsmamr/tables.cpp
-    src/vector/real_fft_plan.cpp)
+    src/vector/real_fft_plan.cpp
+    src/version/version_records.cpp)
 
 # -O3 because -O2 leaves small constant loops rolled. No contraction: every level gives the same floating-point bits.
 add_library(vspsc_library_options INTERFACE)
@@ -94,13 +101,17 @@ target_sources(vspsc_levels INTERFACE $<TARGET_OBJECTS:vspsc_common> $<TARGET_OB
                                       $<TARGET_OBJECTS:vspsc_v4>)
 target_include_directories(vspsc_levels INTERFACE ${PROJECT_SOURCE_DIR}/include ${PROJECT_SOURCE_DIR}/src)
 
-# The names that the linker exports, from the same list as the dispatcher.
-set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS src/core/exports.def)
-file(STRINGS src/core/exports.def exports REGEX "^VSPSC_EXPORT")
+# The names that the linker exports, from the same lists as the dispatcher.
+file(STRINGS src/core/exports.def export_lists REGEX "^#include")
+list(TRANSFORM export_lists REPLACE "^#include \"(.+)\"$" "src/\\1")
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS src/core/exports.def ${export_lists})
 set(export_map "{\n    global:\n")
-foreach(export ${exports})
-    string(REGEX REPLACE "^VSPSC_EXPORT\\([A-Za-z0-9]+, ([A-Za-z0-9_]+)\\)$" "\\1" name "${export}")
-    string(APPEND export_map "        ${name};\n")
+foreach(export_list ${export_lists})
+    file(STRINGS ${export_list} exports REGEX "^VSPSC_EXPORT")
+    foreach(export ${exports})
+        string(REGEX REPLACE "^VSPSC_EXPORT\\([A-Za-z0-9]+, ([A-Za-z0-9_]+)\\)$" "        \\1;\n" line "${export}")
+        string(APPEND export_map "${line}")
+    endforeach()
 endforeach()
 string(APPEND export_map "    local: *;\n};\n")
 file(CONFIGURE OUTPUT exports.map CONTENT "${export_map}" @ONLY)

@@ -3,8 +3,8 @@
 
 #include "alc/alc_state.h"
 #include "alc/blocks.h"
+#include "alc/exports.h"
 #include "core/checks.h"
-#include "core/level.h"
 
 namespace vsp::VSP_LEVEL {
 

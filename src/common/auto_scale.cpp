@@ -1,7 +1,7 @@
 // Block scaling to a requested headroom.
 #include "common/basic_ops.h"
+#include "common/exports.h"
 #include "core/checks.h"
-#include "core/level.h"
 #include "vector/magnitude.h"
 #include "vector/map.h"
 

@@ -1,7 +1,7 @@
 // Partial convolution (G.729 Convolve).
 #include "common/basic_ops.h"
+#include "common/exports.h"
 #include "core/checks.h"
-#include "core/level.h"
 #include "vector/correlate.h"
 #include "vector/dot.h"
 

@@ -1,7 +1,7 @@
 // Normalised cross-correlation of a target with an impulse response (G.729 Cor_h_X).
 #include "common/basic_ops.h"
+#include "common/exports.h"
 #include "core/checks.h"
-#include "core/level.h"
 #include "vector/correlate.h"
 #include "vector/dot.h"
 

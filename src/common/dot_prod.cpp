@@ -1,7 +1,7 @@
 // Exact dot products.
 #include "common/basic_ops.h"
+#include "common/exports.h"
 #include "core/checks.h"
-#include "core/level.h"
 #include "vector/dot.h"
 
 namespace vsp::VSP_LEVEL {

@@ -1,7 +1,7 @@
 // Weighted sums of two vectors.
 #include "common/basic_ops.h"
+#include "common/exports.h"
 #include "core/checks.h"
-#include "core/level.h"
 #include "vector/map.h"
 
 namespace vsp::VSP_LEVEL {

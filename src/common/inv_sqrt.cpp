@@ -1,5 +1,6 @@
 #include "common/inv_sqrt.h"
 
+#include "common/exports.h"
 #include "core/checks.h"
 
 namespace vsp::VSP_LEVEL {

@@ -2,6 +2,7 @@
 #include "common/lag_max.h"
 
 #include "common/basic_ops.h"
+#include "common/exports.h"
 #include "core/checks.h"
 #include "vector/correlate.h"
 #include "vector/dot.h"

@@ -1,6 +1,6 @@
 #include "common/basic_ops.h"
+#include "common/exports.h"
 #include "core/checks.h"
-#include "core/level.h"
 
 namespace vsp::VSP_LEVEL {
 

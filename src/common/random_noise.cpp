@@ -1,7 +1,7 @@
 // Comfort-noise excitation of G.729 Annex B (B.4.4).
 #include "common/basic_ops.h"
+#include "common/exports.h"
 #include "core/checks.h"
-#include "core/level.h"
 #include "vector/simd.h"
 
 namespace vsp::VSP_LEVEL {

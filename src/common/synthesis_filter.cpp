@@ -1,7 +1,7 @@
 // LP synthesis filter 1/A(z) (G.729 Syn_filt).
 #include "common/basic_ops.h"
+#include "common/exports.h"
 #include "core/checks.h"
-#include "core/level.h"
 #include "vector/magnitude.h"
 
 namespace vsp::VSP_LEVEL {

@@ -1,8 +1,8 @@
 // Echo estimate by a full-band FIR filter, subtracted from the near-end signal.
 #include "common/basic_ops.h"
 #include "core/checks.h"
-#include "core/level.h"
 #include "ec/echo_terms.h"
+#include "ec/exports.h"
 #include "vector/magnitude.h"
 #include "vector/simd.h"
 

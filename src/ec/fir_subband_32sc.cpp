@@ -1,7 +1,7 @@
 // Complex FIR filters, one per sub-band, fixed point.
 #include "core/checks.h"
-#include "core/level.h"
 #include "ec/bands_32sc.h"
+#include "ec/exports.h"
 #include "ec/subband_limits.h"
 
 namespace vsp::VSP_LEVEL {

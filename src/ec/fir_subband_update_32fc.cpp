@@ -1,7 +1,7 @@
 // Adaptation of the sub-band filters, floating point: NLMS and affine projection.
 #include "core/checks.h"
-#include "core/level.h"
 #include "ec/bands_32fc.h"
+#include "ec/exports.h"
 #include "ec/subband_limits.h"
 
 namespace vsp::VSP_LEVEL {

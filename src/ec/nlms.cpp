@@ -1,8 +1,8 @@
 // Full-band NLMS: each sample's pass updates the taps by the error of the sample before and filters with them.
 #include "common/basic_ops.h"
 #include "core/checks.h"
-#include "core/level.h"
 #include "ec/echo_terms.h"
+#include "ec/exports.h"
 #include "vector/simd.h"
 
 namespace vsp::VSP_LEVEL {

@@ -1,8 +1,8 @@
 // The filter bank: analysis splits a signal into the bands of a uniform DFT, synthesis joins them (weighted overlap-add).
 #include "common/basic_ops.h"
 #include "core/checks.h"
-#include "core/level.h"
 #include "ec/align.h"
+#include "ec/exports.h"
 #include "ec/subband_state.h"
 
 namespace vsp::VSP_LEVEL {

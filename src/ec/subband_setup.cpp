@@ -1,7 +1,7 @@
 // Sizes and states of the filter bank.
 #include "core/checks.h"
-#include "core/level.h"
 #include "ec/align.h"
+#include "ec/exports.h"
 #include "ec/subband_state.h"
 #include "ec/tables.h"
 

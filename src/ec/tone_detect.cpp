@@ -2,8 +2,8 @@
 // the input. A reversal makes the output collapse for a moment.
 #include "common/basic_ops.h"
 #include "core/checks.h"
-#include "core/level.h"
 #include "ec/align.h"
+#include "ec/exports.h"
 #include "ec/tables.h"
 #include "vector/simd.h"
 

@@ -1,8 +1,9 @@
 // The adaptive-codebook gain and the removal of its contribution from the target (G.729 3.7.3 and A.3.7).
 #include "common/basic_ops.h"
+#include "common/exports.h"
 #include "core/checks.h"
-#include "core/level.h"
 #include "g729/constants.h"
+#include "g729/exports.h"
 #include "vector/dot.h"
 #include "vector/map.h"
 

@@ -1,8 +1,10 @@
 // The closed-loop pitch searches of G.729 (3.7), its Annex A (A.3.7) and its Annex D.
 #include "common/basic_ops.h"
+#include "common/exports.h"
 #include "core/checks.h"
 #include "g729/adaptive_vector.h"
 #include "g729/constants.h"
+#include "g729/exports.h"
 #include "g729/norm_corr.h"
 #include "vector/dot.h"
 

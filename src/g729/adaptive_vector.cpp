@@ -3,6 +3,7 @@
 #include "common/basic_ops.h"
 #include "core/checks.h"
 #include "g729/constants.h"
+#include "g729/exports.h"
 #include "g729/tables.h"
 #include "vector/correlate.h"
 #include "vector/magnitude.h"

@@ -5,6 +5,7 @@
 #include "core/checks.h"
 #include "g729/constants.h"
 #include "g729/decimated_signal.h"
+#include "g729/exports.h"
 #include "vector/correlate.h"
 #include "vector/dot.h"
 #include "vector/map.h"

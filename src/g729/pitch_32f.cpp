@@ -2,9 +2,9 @@
 #include <math.h>
 
 #include "core/checks.h"
-#include "core/level.h"
 #include "g729/constants.h"
 #include "g729/decimated_signal.h"
+#include "g729/exports.h"
 #include "g729/tables.h"
 #include "vector/simd.h"
 

@@ -5,7 +5,7 @@
 // of one. In that order the first three stages combine rows with rows, and the last three do so after a transposition.
 #include "common/basic_ops.h"
 #include "core/checks.h"
-#include "core/level.h"
+#include "gsmamr/exports.h"
 #include "gsmamr/tables.h"
 #include "vector/simd.h"
 

@@ -1,7 +1,7 @@
 // The estimate of the background noise in every band (3GPP TS 26.094, option 1), for detectors of any number of bands.
 #pragma once
 
-#include "core/level.h"
+#include "gsmamr/exports.h"
 #include "gsmamr/fixed_point.h"
 
 namespace vsp::VSP_LEVEL {

@@ -1,5 +1,6 @@
 // Voice activity detection, option 1 (3GPP TS 26.094).
 #include "core/checks.h"
+#include "gsmamr/exports.h"
 #include "gsmamr/noise_estimate.h"
 #include "gsmamr/vad1_filter_bank.h"
 #include "vector/dot.h"

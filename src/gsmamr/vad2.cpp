@@ -1,5 +1,6 @@
 // Voice activity detection, option 2 (3GPP TS 26.094).
 #include "core/checks.h"
+#include "gsmamr/exports.h"
 #include "gsmamr/vad2_channels.h"
 
 static_assert(sizeof(VspGSMAMRVad2State) == 188 && alignof(VspGSMAMRVad2State) == 4);

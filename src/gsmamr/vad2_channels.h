@@ -3,8 +3,8 @@
 
 #include <utility>
 
-#include "core/level.h"
 #include "gsmamr/decibels.h"
+#include "gsmamr/exports.h"
 #include "gsmamr/fixed_point.h"
 #include "gsmamr/tables.h"
 #include "vector/magnitude.h"

@@ -8,6 +8,8 @@ import re
 import subprocess
 import sys
 
+from exports import exported_names
+
 source, c_compiler, cxx_compiler = pathlib.Path(sys.argv[1]), sys.argv[2], sys.argv[3]
 problems = []
 
@@ -51,9 +53,9 @@ for header in headers:
         if any("*" in p for p in parameters.split(",")) and "@retval vspStsNullPtrErr" not in comment:
             problems.append(f"{name}: the comment does not mention null pointers")
 
-exports = re.findall(r"^VSPSC_EXPORT\(\w+, (\w+)\)$", (source / "src/core/exports.def").read_text(), re.M)
+exports = exported_names(source)
 if len(exports) != len(set(exports)):
-    problems.append("exports.def lists a name twice")
+    problems.append("a name is listed twice")
 problems += [f"{name} is declared but not exported" for name in declared if name not in exports]
 problems += [f"{name} is exported but not declared" for name in exports if name not in declared]
 

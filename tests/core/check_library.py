@@ -1,6 +1,6 @@
 """Checks the built shared library: names, dependencies, protection of its data, instructions of each level.
 
-Usage: check_library.py LIBRARY EXPORTS_DEF
+Usage: check_library.py LIBRARY SOURCE_DIR
 """
 
 import pathlib
@@ -9,6 +9,7 @@ import subprocess
 import sys
 
 from elftools.elf.elffile import ELFFile
+from exports import exported_names
 
 SONAME = "libvspscy8.so.6.1"
 NEEDED = {"libc.so.6", "libm.so.6"}
@@ -16,7 +17,7 @@ NEEDED = {"libc.so.6", "libm.so.6"}
 IMPORTS = {"memcpy", "memmove", "memset", "memcmp", "pow", "sqrt", "exp", "log", "log10", "cos", "sin", "sincos", "__stack_chk_fail"}
 
 path = pathlib.Path(sys.argv[1])
-exports = set(re.findall(r"^VSPSC_EXPORT\(\w+, (\w+)\)$", pathlib.Path(sys.argv[2]).read_text(), re.M))
+exports = set(exported_names(pathlib.Path(sys.argv[2])))
 problems = []
 
 
@@ -80,6 +81,7 @@ for line in listing.splitlines():
     elif instruction := re.match(r"\s+[0-9a-f]+:\t([0-9a-f]{2}) ", line):
         check(instruction.group(1) not in FORBIDDEN[level], f"{function}: {line.strip()}")
         check(not re.search(r"\tvfn?m(add|sub)", line), f"{function}: a contraction rounds once: {line.strip()}")
+        check(not re.search(r"<vsps\w+(@plt)?>$", line), f"{function}: a call leaves its level: {line.strip()}")
 check(all(functions.values()), f"no code found of a level: {functions}")
 
 print(f"{len(exports)} exports, {functions} functions")

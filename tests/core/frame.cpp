@@ -2,10 +2,10 @@
 #include <cstring>
 
 #include "core/cpu.h"
-#include "core/version.h"
 #include "support/guarded.h"
 #include "support/level_test.h"
 #include "support/status_order.h"
+#include "version/version_records.h"
 
 namespace vsp::test {
 

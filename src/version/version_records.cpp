@@ -1,4 +1,4 @@
-#include "core/version.h"
+#include "version/version_records.h"
 
 namespace vsp {
 

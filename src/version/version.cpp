@@ -1,7 +1,7 @@
-#include "core/version.h"
+#include "version/version_records.h"
 
 #include "core/cpu.h"
-#include "core/level.h"
+#include "version/exports.h"
 
 namespace vsp::VSP_LEVEL {
 
