@@ -1,7 +1,7 @@
 // The sub-band filters and updates as their definitions read. Arguments are taken as valid.
 #include "ec/scalar_subband.h"
 
-#include "common/basic_ops.h"
+#include "arithmetic/basic_ops.h"
 
 namespace {
 

@@ -1,10 +1,11 @@
 // The pitch search and adaptive codebook as the standard's routines read: one saturating operation after the other.
 // Arguments are taken as valid.
 #include "g729/scalar_g729.h"
+#include "common/tables.h"
 
 #include <initializer_list>
 
-#include "common/basic_ops.h"
+#include "arithmetic/basic_ops.h"
 #include "g729/tables.h"
 
 namespace {

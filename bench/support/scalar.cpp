@@ -1,6 +1,7 @@
 // Every kernel as its definition reads, sample by sample, with the saturating operators where the definition saturates.
 // Arguments are taken as valid.
-#include "common/basic_ops.h"
+#include "arithmetic/basic_ops.h"
+#include "common/tables.h"
 #include "ec/scalar_full_band.h"
 #include "ec/scalar_subband.h"
 #include "g729/scalar_g729.h"

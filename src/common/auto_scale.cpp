@@ -1,5 +1,5 @@
 // Block scaling to a requested headroom.
-#include "common/basic_ops.h"
+#include "arithmetic/basic_ops.h"
 #include "common/exports.h"
 #include "core/checks.h"
 #include "vector/magnitude.h"

@@ -1,6 +1,7 @@
 // Partial convolution (G.729 Convolve).
-#include "common/basic_ops.h"
+#include "arithmetic/basic_ops.h"
 #include "common/exports.h"
+#include "common/lengths.h"
 #include "core/checks.h"
 #include "vector/correlate.h"
 #include "vector/dot.h"
@@ -8,9 +9,6 @@
 namespace vsp::VSP_LEVEL {
 
 namespace {
-
-constexpr int kSubframe = 40;  // of G.729: a length with code of its own
-constexpr int kMaxFast = 256;  // samples of the longest vectors for which there is room on the stack
 
 // Every partial sum saturates. From the end, so that pDst may be a source.
 void convolveSaturating(const Vsp16s* pSrc1, const Vsp16s* pSrc2, Vsp16s* pDst, int len, int shift) {
@@ -65,8 +63,8 @@ VspStatus vspsConvPartial_16s_Sfs(const Vsp16s* pSrc1, const Vsp16s* pSrc2, Vsp1
         convolveSaturating(pSrc1, pSrc2, pDst, len, shift);
         return vspStsNoErr;
     }
-    if (len == kSubframe)
-        convolveExact(pSrc1, pSrc2, pDst, kSubframe, shift);
+    if (len == kL_subfr)
+        convolveExact(pSrc1, pSrc2, pDst, kL_subfr, shift);
     else
         convolveExact(pSrc1, pSrc2, pDst, len, shift);
     return vspStsNoErr;

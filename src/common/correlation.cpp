@@ -1,6 +1,7 @@
 // Normalised cross-correlation of a target with an impulse response (G.729 Cor_h_X).
-#include "common/basic_ops.h"
+#include "arithmetic/basic_ops.h"
 #include "common/exports.h"
+#include "common/lengths.h"
 #include "core/checks.h"
 #include "vector/correlate.h"
 #include "vector/dot.h"
@@ -8,8 +9,6 @@
 namespace vsp::VSP_LEVEL {
 
 namespace {
-
-constexpr int kMaxFast = 256;  // samples of the longest vectors for which there is room on the stack
 
 // out[n] = sum of target[n + i] * impulse[i] from output `first` on; target is followed by V::width zeros.
 template <class V = Sliding16>

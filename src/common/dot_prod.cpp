@@ -1,5 +1,5 @@
 // Exact dot products.
-#include "common/basic_ops.h"
+#include "arithmetic/basic_ops.h"
 #include "common/exports.h"
 #include "core/checks.h"
 #include "vector/dot.h"

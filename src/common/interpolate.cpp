@@ -1,5 +1,5 @@
 // Weighted sums of two vectors.
-#include "common/basic_ops.h"
+#include "arithmetic/basic_ops.h"
 #include "common/exports.h"
 #include "core/checks.h"
 #include "vector/map.h"

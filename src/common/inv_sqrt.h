@@ -1,6 +1,7 @@
 #pragma once
 
-#include "common/basic_ops.h"
+#include "arithmetic/basic_ops.h"
+#include "common/tables.h"
 #include "core/level.h"
 
 namespace vsp::VSP_LEVEL {

@@ -1,7 +1,7 @@
 // The correlation scan over lags (G.729 3.4, Lag_max).
 #include "common/lag_max.h"
 
-#include "common/basic_ops.h"
+#include "arithmetic/basic_ops.h"
 #include "common/exports.h"
 #include "core/checks.h"
 #include "vector/correlate.h"

@@ -1,5 +1,6 @@
-#include "common/basic_ops.h"
+#include "arithmetic/basic_ops.h"
 #include "common/exports.h"
+#include "common/tables.h"
 #include "core/checks.h"
 
 namespace vsp::VSP_LEVEL {

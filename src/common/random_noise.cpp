@@ -1,5 +1,5 @@
 // Comfort-noise excitation of G.729 Annex B (B.4.4).
-#include "common/basic_ops.h"
+#include "arithmetic/basic_ops.h"
 #include "common/exports.h"
 #include "core/checks.h"
 #include "vector/simd.h"

@@ -1,5 +1,5 @@
 // Element-wise rounded products and scaling.
-#include "common/basic_ops.h"
+#include "arithmetic/basic_ops.h"
 #include "common/exports.h"
 #include "core/checks.h"
 #include "vector/map.h"

@@ -1,5 +1,5 @@
 // LP synthesis filter 1/A(z) (G.729 Syn_filt).
-#include "common/basic_ops.h"
+#include "arithmetic/basic_ops.h"
 #include "common/exports.h"
 #include "core/checks.h"
 #include "vector/magnitude.h"

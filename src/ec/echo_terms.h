@@ -1,7 +1,7 @@
 // The terms (ref * tap + 2^14) >> 15 of a 16-bit echo estimate.
 #pragma once
 
-#include "common/basic_ops.h"
+#include "arithmetic/basic_ops.h"
 #include "vector/simd.h"
 
 namespace vsp::VSP_LEVEL {

@@ -1,5 +1,5 @@
 // Echo estimate by a full-band FIR filter, subtracted from the near-end signal.
-#include "common/basic_ops.h"
+#include "arithmetic/basic_ops.h"
 #include "core/checks.h"
 #include "ec/echo_terms.h"
 #include "ec/exports.h"

@@ -1,5 +1,5 @@
 // Full-band NLMS: each sample's pass updates the taps by the error of the sample before and filters with them.
-#include "common/basic_ops.h"
+#include "arithmetic/basic_ops.h"
 #include "core/checks.h"
 #include "ec/echo_terms.h"
 #include "ec/exports.h"

@@ -1,5 +1,5 @@
 // The filter bank: analysis splits a signal into the bands of a uniform DFT, synthesis joins them (weighted overlap-add).
-#include "common/basic_ops.h"
+#include "arithmetic/basic_ops.h"
 #include "core/checks.h"
 #include "ec/align.h"
 #include "ec/exports.h"

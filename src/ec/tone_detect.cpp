@@ -1,6 +1,6 @@
 // The 2100 Hz answer tone with phase reversals (ITU-T G.168, V.25): a resonator whose output power is compared with that of
 // the input. A reversal makes the output collapse for a moment.
-#include "common/basic_ops.h"
+#include "arithmetic/basic_ops.h"
 #include "core/checks.h"
 #include "ec/align.h"
 #include "ec/exports.h"

@@ -1,5 +1,5 @@
 // The adaptive-codebook gain and the removal of its contribution from the target (G.729 3.7.3 and A.3.7).
-#include "common/basic_ops.h"
+#include "arithmetic/basic_ops.h"
 #include "common/exports.h"
 #include "core/checks.h"
 #include "g729/constants.h"

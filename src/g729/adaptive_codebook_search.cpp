@@ -1,5 +1,5 @@
 // The closed-loop pitch searches of G.729 (3.7), its Annex A (A.3.7) and its Annex D.
-#include "common/basic_ops.h"
+#include "arithmetic/basic_ops.h"
 #include "common/exports.h"
 #include "core/checks.h"
 #include "g729/adaptive_vector.h"

@@ -1,6 +1,6 @@
 #include "g729/adaptive_vector.h"
 
-#include "common/basic_ops.h"
+#include "arithmetic/basic_ops.h"
 #include "core/checks.h"
 #include "g729/constants.h"
 #include "g729/exports.h"

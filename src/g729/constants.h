@@ -1,9 +1,11 @@
 // Frame constants under the standard's names.
 #pragma once
 
+#include "common/lengths.h"
+
 namespace vsp {
 
 constexpr int kPitMin = 20, kPitMax = 143;  // lags
-constexpr int kL_frame = 80, kL_subfr = 40;
+constexpr int kL_frame = 80;
 
 }  // namespace vsp

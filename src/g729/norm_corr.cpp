@@ -1,6 +1,6 @@
 #include "g729/norm_corr.h"
 
-#include "common/basic_ops.h"
+#include "arithmetic/basic_ops.h"
 #include "common/exports.h"
 #include "common/inv_sqrt.h"
 #include "g729/constants.h"

@@ -1,5 +1,5 @@
 // The open-loop pitch searches of G.729 (3.4, Pitch_ol) and its Annex A (A.3.4, Pitch_ol_fast).
-#include "common/basic_ops.h"
+#include "arithmetic/basic_ops.h"
 #include "common/inv_sqrt.h"
 #include "common/lag_max.h"
 #include "core/checks.h"

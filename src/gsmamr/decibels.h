@@ -2,7 +2,7 @@
 #pragma once
 
 #include "core/level.h"
-#include "gsmamr/fixed_point.h"
+#include "gsmamr/sum_of_positive.h"
 #include "gsmamr/tables.h"
 
 namespace vsp::VSP_LEVEL {

@@ -3,7 +3,7 @@
 //
 // The points stay in the order of the signal, as a matrix of 8 x 8 complex values of which a vector holds one row or half
 // of one. In that order the first three stages combine rows with rows, and the last three do so after a transposition.
-#include "common/basic_ops.h"
+#include "arithmetic/basic_ops.h"
 #include "core/checks.h"
 #include "gsmamr/exports.h"
 #include "gsmamr/tables.h"

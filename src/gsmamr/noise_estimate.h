@@ -1,8 +1,8 @@
 // The estimate of the background noise in every band (3GPP TS 26.094, option 1), for detectors of any number of bands.
 #pragma once
 
+#include "arithmetic/basic_ops.h"
 #include "gsmamr/exports.h"
-#include "gsmamr/fixed_point.h"
 
 namespace vsp::VSP_LEVEL {
 

@@ -1,7 +1,7 @@
 // The level of a signal in one band.
 #pragma once
 
-#include "common/basic_ops.h"
+#include "arithmetic/basic_ops.h"
 #include "core/level.h"
 
 namespace vsp::VSP_LEVEL {

@@ -1,6 +1,6 @@
 #include "gsmamr/tables.h"
 
-#include "common/tables.h"
+#include "arithmetic/log_tables.h"
 
 namespace vsp {
 

@@ -2,6 +2,7 @@
 #include "core/checks.h"
 #include "gsmamr/exports.h"
 #include "gsmamr/noise_estimate.h"
+#include "gsmamr/sum_of_positive.h"
 #include "gsmamr/vad1_filter_bank.h"
 #include "vector/dot.h"
 

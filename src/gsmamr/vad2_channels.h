@@ -5,7 +5,7 @@
 
 #include "gsmamr/decibels.h"
 #include "gsmamr/exports.h"
-#include "gsmamr/fixed_point.h"
+#include "gsmamr/sum_of_positive.h"
 #include "gsmamr/tables.h"
 #include "vector/magnitude.h"
 

@@ -1,5 +1,5 @@
 // Computed in double precision: 16-bit samples times the length of the longest transform need more than 24 bits.
-#include "common/basic_ops.h"
+#include "arithmetic/basic_ops.h"
 #include "vector/real_fft.h"
 #include "vector/real_fft_spec.h"
 

@@ -2,7 +2,7 @@
 // with the same operations.
 #pragma once
 
-#include "common/basic_ops.h"
+#include "arithmetic/basic_ops.h"
 #include "vector/simd.h"
 
 namespace vsp::VSP_LEVEL {

@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <cstdlib>
 
-#include "common/basic_ops.h"
+#include "arithmetic/basic_ops.h"
 #include "gsmamr/tables.h"
 #include "vspsc/gsmamr.h"
 

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <cstdlib>
 
-#include "gsmamr/fixed_point.h"
+#include "arithmetic/basic_ops.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // The saturating operators and the logarithm and power of two.
-#include "common/basic_ops.h"
+#include "arithmetic/basic_ops.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // The saturating fixed-point operators on which every 16-bit kernel is built. Right shifts of signed values are arithmetic.
 #pragma once
 
-#include "common/tables.h"
+#include "arithmetic/log_tables.h"
 #include "core/inline.h"
 #include "vspsc/types.h"
 
@@ -62,6 +62,10 @@ static_assert(Mul4_32s(-0x20000000) == kMin32 && Mul4_32s(-0x20000001) == kMin32
 VSP_INLINE constexpr Vsp32s Mul_16s_Sfs(Vsp16s a, Vsp16s b, int s) { return (a * b) >> s; }
 static_assert(Mul_16s_Sfs(kMin16, kMin16, 0) == 0x40000000 && Mul_16s_Sfs(-1, 1, 15) == -1);
 
+/// Q15 product, rounded and saturated (mult_r).
+VSP_INLINE constexpr Vsp16s mulRound_16s(Vsp16s a, Vsp16s b) { return sat_16s((a * b + 0x4000) >> 15); }
+static_assert(mulRound_16s(kMin16, kMin16) == kMax16 && mulRound_16s(32767, 16385) == 16384);
+
 /// Fractional 32 x 32 product of operands split at bit 15, not saturated. (Mpy_32 splits at bit 16.)
 VSP_INLINE constexpr Vsp32s Mul_32s(Vsp32s a, Vsp32s b) {
     const Vsp32s h1 = Vsp16s(a >> 15), l1 = a & 0x7FFF;
@@ -81,6 +85,13 @@ VSP_INLINE constexpr Vsp32s Mpy_32(Vsp32s a, Vsp32s b) {
 }
 static_assert(Mpy_32(0x10000, 0x10000) == 2 && Mpy_32(kMin32, kMin32) == kMin32 && Mpy_32(0xFFFF, 0xFFFF) == 0);
 
+/// Fractional 32 x 16 product in split form, not saturated (Mpy_32_16).
+VSP_INLINE constexpr Vsp32s mul_32s16s(Vsp32s a, Vsp16s b) {
+    const Vsp32s product = (a >> 16) * b + ((((a >> 1) & 0x7FFF) * b) >> 15);
+    return wrapAdd_32s(product, product);
+}
+static_assert(mul_32s16s(0x10000, 16384) == 0x8000 && mul_32s16s(kMin32, kMin16) == kMin32 && mul_32s16s(3, -1) == -2);
+
 /// Adds the doubled product of a and b; both the product and the sum saturate (L_mac of the standards).
 VSP_INLINE constexpr Vsp32s mac_32s(Vsp32s sum, Vsp16s a, Vsp16s b) { return Add_32s(sum, Mul2_32s(a * b)); }
 static_assert(mac_32s(0, kMin16, kMin16) == kMax32 && mac_32s(kMin32, kMin16, kMin16) == -1);
@@ -91,6 +102,13 @@ VSP_INLINE constexpr Vsp32s dotSaturating(const Vsp16s* a, const Vsp16s* b, int 
     for (int i = 0; i < n; i++) sum = mac_32s(sum, a[i], b[i]);
     return sum;
 }
+
+/// integer.
+VSP_INLINE constexpr Vsp32s div_16s(Vsp32s a, Vsp32s b) {
+    const Vsp32s q = Vsp32s(Vsp64f(a * 32768) / b);
+    return q < kMax16 ? q : kMax16;
+}
+static_assert(div_16s(1, 3) == 10922 && div_16s(32766, 32767) == 32766 && div_16s(5, 5) == 32767 && div_16s(0, 1) == 0);
 
 // --- Shifts and normalisation ------------------------------------------------------------------------------------------
 
@@ -104,6 +122,10 @@ static_assert(ShiftL_16s(1, 16) == kMax16 && ShiftL_16s(0, 31) == 0 && ShiftL_16
 /// Left shifts that bring a positive value to 0x4000 or above, -1 for 0x8000 and above; 15 for 0.
 VSP_INLINE constexpr int Exp_16s_Pos(Vsp16u a) { return __builtin_clz((Vsp32u(a) << 16) | 0x8000) - 1; }
 static_assert(Exp_16s_Pos(0) == 15 && Exp_16s_Pos(1) == 14 && Exp_16s_Pos(0x4000) == 0 && Exp_16s_Pos(0x8000) == -1);
+
+/// Left shifts that normalise a value of either sign, 0 for 0 (norm_s).
+VSP_INLINE constexpr int norm_16s(Vsp16s a) { return a == 0 ? 0 : Exp_16s_Pos(Vsp16u(a < 0 ? ~a : a)); }
+static_assert(norm_16s(0) == 0 && norm_16s(1) == 14 && norm_16s(-1) == 15 && norm_16s(kMin16) == 0);
 
 /// Shifts a value that is not negative left until it is 0x40000000 or above; returns the count, 0 for 0.
 VSP_INLINE constexpr int Norm_32s_Pos_I(Vsp32s* a) {
