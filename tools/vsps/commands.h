@@ -1,12 +1,12 @@
 // The subcommands of vsps: each adds itself to the command line, with its options, help and action.
 #pragma once
 
-#include <CLI/CLI.hpp>
+#include "console/options.h"
 
-void addEcho(CLI::App& app);
-void addInfo(CLI::App& app);
-void addLevel(CLI::App& app);
-void addPitch(CLI::App& app);
-void addSimulateEcho(CLI::App& app);
-void addTone(CLI::App& app);
-void addVad(CLI::App& app);
+void addEcho(CommandLine& vsps);
+void addInfo(CommandLine& vsps);
+void addLevel(CommandLine& vsps);
+void addPitch(CommandLine& vsps);
+void addSimulateEcho(CommandLine& vsps);
+void addTone(CommandLine& vsps);
+void addVad(CommandLine& vsps);

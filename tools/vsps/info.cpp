@@ -2,9 +2,9 @@
 #include <iostream>
 #include <map>
 #include <memory>
-#include <nlohmann/json.hpp>
 
 #include "commands.h"
+#include "console/json.h"
 #include "core/cpu.h"
 #include "vspsc.h"
 
@@ -39,21 +39,21 @@ std::string targetCpu(const VspLibraryVersion& v) {
 }
 
 void printJson(const VspLibraryVersion& v) {
-    const nlohmann::ordered_json result = {
-        {"library",
-         {{"name", v.Name},
-          {"version", v.Version},
-          {"build_date", v.BuildDate},
-          {"major", v.major},
-          {"minor", v.minor},
-          {"major_build", v.majorBuild},
-          {"build", v.build},
-          {"target_cpu", targetCpu(v)}}},
-        {"level", std::string(levelName()).substr(0, 2)},
-        {"exported_functions", std::size(kExports)},
-        {"families", familyCounts()},
-    };
-    std::cout << result.dump(2) << '\n';
+    Json families{};
+    for (const auto& [family, count] : familyCounts()) families.add(family, count);
+    const Json result{{"library",
+                       {{"name", v.Name},
+                        {"version", v.Version},
+                        {"build_date", v.BuildDate},
+                        {"major", v.major},
+                        {"minor", v.minor},
+                        {"major_build", v.majorBuild},
+                        {"build", v.build},
+                        {"target_cpu", targetCpu(v)}}},
+                      {"level", std::string(levelName()).substr(0, 2)},
+                      {"exported_functions", std::size(kExports)},
+                      {"families", families}};
+    std::cout << result.text();
 }
 
 void printText(const VspLibraryVersion& v) {
@@ -70,12 +70,12 @@ void printText(const VspLibraryVersion& v) {
 
 }  // namespace
 
-void addInfo(CLI::App& app) {
-    CLI::App* command =
-        app.add_subcommand("info", "Version of the library, instruction-set level in use, exported functions by family.");
+void addInfo(CommandLine& vsps) {
+    Command command =
+        vsps.add("info", "Version of the library, instruction-set level in use, exported functions by family.");
     const auto json = std::make_shared<bool>(false);
-    command->add_flag("--json", *json, "Print a JSON object instead of text.");
-    command->callback([json] {
+    command.flag("--json", *json, "Print a JSON object instead of text.");
+    command.run([json] {
         const VspLibraryVersion& version = *vspscGetLibVersion();
         if (*json)
             printJson(version);

@@ -11,26 +11,21 @@ namespace {
 constexpr int kBadFile = 1, kBadUsage = 2;
 
 int run(int argc, char** argv) {
-    CLI::App app{
+    CommandLine vsps(
+        "vsps",
         "Speech-coding primitives on recordings: level control, echo cancellation, pitch, speech and tone detection.",
-        "vsps"};
-    app.set_version_flag("--version", [] { return std::string("vsps ") + vspscGetLibVersion()->Version; });
-    app.require_subcommand(1);
-    app.footer(
+        std::string("vsps ") + vspscGetLibVersion()->Version);
+    vsps.footer(
         "Exit codes: 0 done, 1 a file that cannot be used (one line says which and why), 2 bad usage.\n"
         "\"vsps COMMAND --help\" explains a command.");
-    addEcho(app);
-    addInfo(app);
-    addLevel(app);
-    addPitch(app);
-    addSimulateEcho(app);
-    addTone(app);
-    addVad(app);
-    try {
-        app.parse(argc, argv);
-    } catch (const CLI::ParseError& e) {
-        if (app.exit(e, std::cout, std::cerr) != 0) return kBadUsage;
-    }
+    addEcho(vsps);
+    addInfo(vsps);
+    addLevel(vsps);
+    addPitch(vsps);
+    addSimulateEcho(vsps);
+    addTone(vsps);
+    addVad(vsps);
+    if (!vsps.run(argc, argv)) return kBadUsage;
     std::cout.flush();
     if (!std::cout) throw FileError("standard output", "cannot be written");
     return 0;

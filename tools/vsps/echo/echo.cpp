@@ -4,9 +4,9 @@
 #include <memory>
 #include <new>
 
+#include "audio/input_options.h"
 #include "commands.h"
 #include "console/error.h"
-#include "console/input_options.h"
 #include "console/output_file.h"
 #include "console/report_format.h"
 #include "echo/echo_plot.h"
@@ -52,37 +52,33 @@ void runEcho(Options& o) {
         picture = std::make_unique<OutputFile>(o.plot, drawEcho(*gnuplot, "Echo cancelled in " + o.near, run.frames));
     audio.commit();
     if (picture) picture->commit();
-    std::cout << (o.json ? toString(toJson(report)) : toText(report));
+    std::cout << (o.json ? toJson(report).text() : toText(report));
 }
 
 }  // namespace
 
-void addEcho(CLI::App& app) {
-    CLI::App* command = app.add_subcommand("echo", "Removes the echo of the far end from a recording of the near end.");
+void addEcho(CommandLine& vsps) {
+    Command command = vsps.add("echo", "Removes the echo of the far end from a recording of the near end.");
     const auto o = std::make_shared<Options>();
-    command->add_option("--far", o->far, "Recording of what the far end says, the reference; one channel, any rate")
-        ->required();
-    command->add_option("--near", o->near, "Recording of the near end with the echo, begun at the same time")->required();
-    command->add_option("OUT", o->out, "Near end without echo, at 8000 Hz; the extension says how: " + outputExtensions())
-        ->required();
-    command->add_option("--tail", o->settings.tailMs, "Longest echo path that can be cancelled, besides its bulk delay")
-        ->type_name("ms")
-        ->check(within(1, 500))
-        ->capture_default_str();
+    command.option("--far", o->far, "Recording of what the far end says, the reference; one channel, any rate").required();
+    command.option("--near", o->near, "Recording of the near end with the echo, begun at the same time").required();
+    command.option("OUT", o->out, "Near end without echo, at 8000 Hz; the extension says how: " + outputExtensions())
+        .required();
+    command.option("--tail", o->settings.tailMs, "Longest echo path that can be cancelled, besides its bulk delay")
+        .takes("ms")
+        .within(1, 500)
+        .showDefault();
     command
-        ->add_option("--engine", o->engine,
-                     "subband: a short complex filter in each band; fullband: one long filter of the signal")
-        ->type_name("subband|fullband")
-        ->check(CLI::IsMember({"subband", "fullband"}).description(""))
-        ->capture_default_str();
-    command->add_flag("--fixed", o->settings.fixedPoint, "Use the fixed-point functions of the library");
-    command->add_option("--raw", o->rawRate, "FAR and NEAR have no header: see vsps level --help")
-        ->type_name("RATE")
-        ->check(CLI::Range(1000, 768000));
-    command->add_option("--plot", o->plot, "Draw levels and echo removed over time; needs gnuplot")
-        ->type_name("FILE.png|svg|pdf");
-    command->add_flag("--json", o->json, "Print a JSON object instead of text");
-    command->footer(
+        .option("--engine", o->engine,
+                "subband: a short complex filter in each band; fullband: one long filter of the signal")
+        .takes("subband|fullband")
+        .oneOf({"subband", "fullband"})
+        .showDefault();
+    command.flag("--fixed", o->settings.fixedPoint, "Use the fixed-point functions of the library");
+    addRaw(command, o->rawRate, "FAR and NEAR have no header: see vsps level --help");
+    command.option("--plot", o->plot, "Draw levels and echo removed over time; needs gnuplot").takes("FILE.png|svg|pdf");
+    command.flag("--json", o->json, "Print a JSON object instead of text");
+    command.footer(
         "ERLE (echo return loss enhancement) is the power of the near end over that of the output, where there is echo\n"
         "alone. Noise and near-end speech stay in the output, so ERLE cannot pass the echo-to-noise ratio. At the answer\n"
         "tone of a modem (2100 Hz with phase reversals, ITU-T G.168) the canceller steps aside.\n\n"
@@ -90,7 +86,7 @@ void addEcho(CLI::App& app) {
         "  vsps simulate-echo far.wav near.wav line.wav --near-at 8\n"
         "  vsps echo --far far.wav --near line.wav clean.wav --plot echo.png\n"
         "  vsps echo --far far.wav --near room.wav clean.wav --tail 256 --json");
-    command->callback([o] {
+    command.run([o] {
         try {
             runEcho(*o);
         } catch (const std::bad_alloc&) {

@@ -7,7 +7,6 @@
 
 namespace {
 
-using Json = nlohmann::ordered_json;
 using Frames = std::vector<EchoFrame>;
 
 constexpr double kFrameSeconds = double(kEchoFrame) / kRate;
@@ -138,7 +137,7 @@ std::string toText(const EchoReport& r) {
 Json toJson(const EchoReport& r) {
     Json erle = Json::array();
     for (const ErlePoint& point : r.erle)
-        erle.push_back({{"time_s", number(point.seconds)}, {"erle_db", numberOrNull(point.erle)}});
+        erle.append({{"time_s", number(point.seconds)}, {"erle_db", numberOrNull(point.erle)}});
     return {
         {"far", {{"file", r.farFile}, {"active_level_dbov", levelJson(r.farLevel)}}},
         {"near", {{"file", r.nearFile}, {"active_level_dbov", levelJson(r.nearLevel)}}},

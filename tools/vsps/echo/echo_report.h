@@ -1,11 +1,11 @@
 // What vsps echo has to say about a run.
 #pragma once
 
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 
 #include "audio/active_level.h"
+#include "console/json.h"
 #include "echo/echo_trace.h"
 
 // A stretch of the recording. Echo return loss enhancement: power of the near end over that of the output, over the frames
@@ -39,4 +39,4 @@ struct EchoReport {
 void measureEcho(const Samples& far, const Samples& near, const EchoRun& run, EchoReport& report);
 
 std::string toText(const EchoReport& report);
-nlohmann::ordered_json toJson(const EchoReport& report);
+Json toJson(const EchoReport& report);

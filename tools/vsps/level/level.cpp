@@ -5,9 +5,9 @@
 #include <memory>
 #include <new>
 
+#include "audio/input_options.h"
 #include "commands.h"
 #include "console/error.h"
-#include "console/input_options.h"
 #include "console/output_file.h"
 #include "console/report_format.h"
 #include "level/level_plot.h"
@@ -57,40 +57,36 @@ void runLevel(const Options& o) {
     audio.commit();
     if (picture) picture->commit();
     if (o.json)
-        std::cout << toString(toJson(report));
+        std::cout << toJson(report).text();
     else
         std::cout << toText(report);
 }
 
-// NaN and infinity are no decibels.
-const CLI::Validator kDecibels(
-    [](std::string& text) {
-        double value = 0;
-        const bool valid = CLI::detail::lexical_cast(text, value) && std::isfinite(value) && value >= 0 && value <= 200;
-        return valid ? std::string() : "'" + text + "' is not a number of decibels from 0 to 200";
-    },
-    "dB");
-
 }  // namespace
 
-void addLevel(CLI::App& app) {
-    CLI::App* command = app.add_subcommand(
-        "level", "Brings the speech in a recording to an even level (automatic level control after ITU-T G.169).");
+void addLevel(CommandLine& vsps) {
+    Command command =
+        vsps.add("level", "Brings the speech in a recording to an even level (automatic level control after ITU-T G.169).");
     const auto o = std::make_shared<Options>();
-    addInput(*command, o->in);
-    command->add_option("OUT", o->out, "Result at 8000 Hz; the extension says how: " + outputExtensions())->required();
-    command->add_option("--target", o->settings.target, "Level of the speech, dB below full scale")
-        ->check(kDecibels)
-        ->capture_default_str();
-    command->add_option("--limit", o->settings.limit, "Highest peak, dB below full scale")
-        ->check(kDecibels)
-        ->capture_default_str();
-    command->add_option("--max-gain", o->settings.maxGain, "Highest gain, dB")->check(kDecibels)->capture_default_str();
-    command->add_flag("--two-pass", o->settings.twoPass,
-                      "Hear the whole recording first, so that its start comes out right too");
-    command->add_option("--plot", o->plot, "Draw levels and gain over time; needs gnuplot")->type_name("FILE.png|svg|pdf");
-    command->add_flag("--json", o->json, "Print a JSON object instead of text");
-    command->footer(
+    addInput(command, o->in);
+    command.option("OUT", o->out, "Result at 8000 Hz; the extension says how: " + outputExtensions()).required();
+    command.option("--target", o->settings.target, "Level of the speech, dB below full scale")
+        .takes("FLOAT:dB")
+        .within(0, 200, "a number of decibels")
+        .showDefault();
+    command.option("--limit", o->settings.limit, "Highest peak, dB below full scale")
+        .takes("FLOAT:dB")
+        .within(0, 200, "a number of decibels")
+        .showDefault();
+    command.option("--max-gain", o->settings.maxGain, "Highest gain, dB")
+        .takes("FLOAT:dB")
+        .within(0, 200, "a number of decibels")
+        .showDefault();
+    command.flag("--two-pass", o->settings.twoPass,
+                 "Hear the whole recording first, so that its start comes out right too");
+    command.option("--plot", o->plot, "Draw levels and gain over time; needs gnuplot").takes("FILE.png|svg|pdf");
+    command.flag("--json", o->json, "Print a JSON object instead of text");
+    command.footer(
         "The report gives active speech levels (ITU-T P.56) in dBov, that is, dB relative to full scale: a full-scale\n"
         "sine is at -3 dBov. The gain begins at -30 dB and rises with the first speech: without --two-pass the first\n"
         "words come out attenuated.\n\n"
@@ -98,7 +94,7 @@ void addLevel(CLI::App& app) {
         "  vsps level call.wav even.wav\n"
         "  vsps level --two-pass --target 23 --plot even.png call.flac even.wav\n"
         "  vsps level --raw 8000 --json trunk.al even.au");
-    command->callback([o] {
+    command.run([o] {
         try {
             runLevel(*o);
         } catch (const std::bad_alloc&) {

@@ -7,8 +7,6 @@
 
 namespace {
 
-using Json = nlohmann::ordered_json;
-
 double peakDbov(const Samples& x) {
     double peak = 0;
     for (const std::int16_t sample : x) peak = std::max(peak, std::abs(double(sample)));
@@ -103,7 +101,7 @@ std::string toText(const LevelReport& r) {
 
 Json toJson(const LevelReport& r) {
     Json channels = Json::array();
-    for (const ChannelReport& c : r.channels) channels.push_back(channelJson(c));
+    for (const ChannelReport& c : r.channels) channels.append(channelJson(c));
     return {
         {"input", {{"file", r.inFile}, {"rate_hz", r.inRate}, {"channels", r.channels.size()}}},
         {"output", {{"file", r.outFile}, {"rate_hz", kRate}, {"samples", r.samples}, {"duration_s", number(r.seconds())}}},

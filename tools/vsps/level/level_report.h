@@ -1,10 +1,10 @@
 // What vsps level has to say about a run.
 #pragma once
 
-#include <nlohmann/json.hpp>
 #include <optional>
 
 #include "audio/active_level.h"
+#include "console/json.h"
 #include "level/gain_trace.h"
 #include "level/level_control.h"
 
@@ -31,4 +31,4 @@ struct LevelReport {
 };
 
 std::string toText(const LevelReport& report);
-nlohmann::ordered_json toJson(const LevelReport& report);
+Json toJson(const LevelReport& report);

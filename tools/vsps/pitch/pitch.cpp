@@ -5,9 +5,9 @@
 #include <memory>
 #include <new>
 
+#include "audio/input_options.h"
 #include "commands.h"
 #include "console/error.h"
-#include "console/input_options.h"
 #include "console/output_file.h"
 #include "console/report_format.h"
 #include "pitch/pitch_plot.h"
@@ -59,24 +59,23 @@ void runPitch(const Options& o) {
             o.plot, drawPitch(*gnuplot, "Pitch of " + o.in.file, recording.channels, report.channels));
     if (table) table->commit();
     if (picture) picture->commit();
-    std::cout << (o.json ? toString(toJson(report)) : toText(report));
+    std::cout << (o.json ? toJson(report).text() : toText(report));
 }
 
 }  // namespace
 
-void addPitch(CLI::App& app) {
-    CLI::App* command = app.add_subcommand("pitch", "Finds the pitch of speech as an ITU-T G.729 encoder does.");
+void addPitch(CommandLine& vsps) {
+    Command command = vsps.add("pitch", "Finds the pitch of speech as an ITU-T G.729 encoder does.");
     const auto o = std::make_shared<Options>();
-    addInput(*command, o->in);
-    command->add_option("--search", o->search, "Whose search: of G.729 (main), its Annex A (a, fast) or D (d, 6.4 kbit/s)")
-        ->type_name("main|a|d")
-        ->check(CLI::IsMember({"main", "a", "d"}).description(""))
-        ->capture_default_str();
-    command->add_option("--csv", o->csv, "Write a table with a line for every 5 ms")->type_name("FILE");
-    command->add_option("--plot", o->plot, "Draw the waveform with the F0 contour; needs gnuplot")
-        ->type_name("FILE.png|svg|pdf");
-    command->add_flag("--json", o->json, "Print a JSON object instead of text");
-    command->footer(
+    addInput(command, o->in);
+    command.option("--search", o->search, "Whose search: of G.729 (main), its Annex A (a, fast) or D (d, 6.4 kbit/s)")
+        .takes("main|a|d")
+        .oneOf({"main", "a", "d"})
+        .showDefault();
+    command.option("--csv", o->csv, "Write a table with a line for every 5 ms").takes("FILE");
+    command.option("--plot", o->plot, "Draw the waveform with the F0 contour; needs gnuplot").takes("FILE.png|svg|pdf");
+    command.flag("--json", o->json, "Print a JSON object instead of text");
+    command.footer(
         "For every frame of 10 ms the open-loop lag is searched in the weighted speech, for every subframe of 5 ms the\n"
         "lag, in thirds of a sample, with which the past excitation predicts the target best. Lags are samples at\n"
         "8000 Hz, F0 is 8000 / lag, from 56 to 400 Hz; a pitch outside comes out as a multiple or a fraction.\n\n"
@@ -90,7 +89,7 @@ void addPitch(CLI::App& app) {
         "  vsps pitch call.wav\n"
         "  vsps pitch --plot pitch.png --csv pitch.csv call.flac\n"
         "  vsps pitch --search a --raw 8000 --json trunk.al");
-    command->callback([o] {
+    command.run([o] {
         try {
             runPitch(*o);
         } catch (const std::bad_alloc&) {

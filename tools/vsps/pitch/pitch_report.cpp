@@ -6,8 +6,6 @@
 
 namespace {
 
-using Json = nlohmann::ordered_json;
-
 struct Summary {
     std::size_t frames, voicedFrames;                  // a voiced frame has two voiced subframes
     double lowF0 = NAN, medianF0 = NAN, highF0 = NAN;  // Hz, 5, 50 and 95 % of the voiced subframes; NaN if there are none
@@ -70,7 +68,7 @@ std::string toText(const PitchReport& r) {
 
 Json toJson(const PitchReport& r) {
     Json channels = Json::array();
-    for (const PitchTrack& track : r.channels) channels.push_back(channelJson(summarise(track)));
+    for (const PitchTrack& track : r.channels) channels.append(channelJson(summarise(track)));
     return {
         {"input",
          {{"file", r.inFile}, {"rate_hz", r.inRate}, {"channels", r.channels.size()}, {"duration_s", number(r.seconds())}}},

@@ -1,9 +1,9 @@
 // What vsps pitch has to say about a run.
 #pragma once
 
-#include <nlohmann/json.hpp>
 #include <string>
 
+#include "console/json.h"
 #include "pitch/pitch_track.h"
 
 struct PitchReport {
@@ -19,6 +19,6 @@ struct PitchReport {
 };
 
 std::string toText(const PitchReport& report);
-nlohmann::ordered_json toJson(const PitchReport& report);
+Json toJson(const PitchReport& report);
 // A table with one line for each subframe.
 std::string toCsv(const std::vector<PitchTrack>& channels);

@@ -4,9 +4,9 @@
 #include <memory>
 #include <new>
 
+#include "audio/input_options.h"
 #include "commands.h"
 #include "console/error.h"
-#include "console/input_options.h"
 #include "console/output_file.h"
 #include "console/report_format.h"
 #include "simulate_echo/simulate_report.h"
@@ -67,44 +67,34 @@ void runSimulateEcho(const Options& o) {
                                 loss,
                                 line.clipped};
     OutputFile(o.out, encodeAudio({line.out}, format, o.out)).commit();
-    std::cout << (o.json ? toString(toJson(report)) : toText(report));
+    std::cout << (o.json ? toJson(report).text() : toText(report));
 }
 
 }  // namespace
 
-void addSimulateEcho(CLI::App& app) {
-    CLI::App* command =
-        app.add_subcommand("simulate-echo", "Makes the recording of a near end that sends back an echo of the far end.");
+void addSimulateEcho(CommandLine& vsps) {
+    Command command =
+        vsps.add("simulate-echo", "Makes the recording of a near end that sends back an echo of the far end.");
     const auto o = std::make_shared<Options>();
     SimulateSettings& s = o->settings;
-    command->add_option("FAR", o->far, "Recording of what the far end says; one channel, any rate")->required();
-    command->add_option("NEAR", o->near, "Recording of the near-end talker; \"none\" if nobody talks")->required();
-    command
-        ->add_option("OUT", o->out,
-                     "Near end with echo and noise, at 8000 Hz; the extension says how: " + outputExtensions())
-        ->required();
-    command->add_option("--path", s.path, "Echo path: a model of ITU-T G.168 Annex D, or a file with an impulse response")
-        ->type_name("d2..d9|FILE")
-        ->capture_default_str();
-    command->add_option("--erl", s.echoReturnLoss, "Echo return loss")
-        ->type_name("dB")
-        ->check(within(-20, 100))
-        ->capture_default_str();
-    command->add_option("--delay", s.delay, "Delay of the echo besides that of the path")
-        ->type_name("ms")
-        ->check(within(0, 5000))
-        ->capture_default_str();
-    command->add_option("--noise", s.noise, "Add white noise of this level")->type_name("dBov")->check(within(-120, 0));
-    command->add_option("--seed", s.seed, "Which noise")->type_name("N")->capture_default_str();
-    command->add_option("--near-at", s.nearAt, "When NEAR begins")
-        ->type_name("s")
-        ->check(within(0, 36000))
-        ->capture_default_str();
-    command->add_option("--raw", o->rawRate, "FAR and NEAR have no header: see vsps level --help")
-        ->type_name("RATE")
-        ->check(CLI::Range(1000, 768000));
-    command->add_flag("--json", o->json, "Print a JSON object instead of text");
-    command->footer(
+    command.option("FAR", o->far, "Recording of what the far end says; one channel, any rate").required();
+    command.option("NEAR", o->near, "Recording of the near-end talker; \"none\" if nobody talks").required();
+    command.option("OUT", o->out, "Near end with echo and noise, at 8000 Hz; the extension says how: " + outputExtensions())
+        .required();
+    command.option("--path", s.path, "Echo path: a model of ITU-T G.168 Annex D, or a file with an impulse response")
+        .takes("d2..d9|FILE")
+        .showDefault();
+    command.option("--erl", s.echoReturnLoss, "Echo return loss").takes("dB").within(-20, 100).showDefault();
+    command.option("--delay", s.delay, "Delay of the echo besides that of the path")
+        .takes("ms")
+        .within(0, 5000)
+        .showDefault();
+    command.option("--noise", s.noise, "Add white noise of this level").takes("dBov").within(-120, 0);
+    command.option("--seed", s.seed, "Which noise").takes("N").showDefault();
+    command.option("--near-at", s.nearAt, "When NEAR begins").takes("s").within(0, 36000).showDefault();
+    addRaw(command, o->rawRate, "FAR and NEAR have no header: see vsps level --help");
+    command.flag("--json", o->json, "Print a JSON object instead of text");
+    command.footer(
         "OUT is NEAR + echo of FAR + noise, rounded once, at 8000 Hz and as long as the longer recording. FAR is the\n"
         "reference for an echo canceller, OUT its input.\n\n"
         "With a model the impulse response is h[n] = tap[n] K 10^(-ERL/20), with taps and K as published; the loss of a\n"
@@ -117,7 +107,7 @@ void addSimulateEcho(CLI::App& app) {
         "  vsps simulate-echo far.wav none line.wav\n"
         "  vsps simulate-echo far.wav near.wav line.wav --near-at 8 --path d4 --erl 10 --noise -68\n"
         "  vsps simulate-echo far.flac near.flac room.wav --path kitchen.wav --erl 6 --delay 40");
-    command->callback([o] {
+    command.run([o] {
         try {
             runSimulateEcho(*o);
         } catch (const std::bad_alloc&) {

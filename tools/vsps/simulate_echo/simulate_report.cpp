@@ -6,8 +6,6 @@
 
 namespace {
 
-using Json = nlohmann::ordered_json;
-
 std::string row(const char* label, const SignalLevel& s) {
     return format("  %-17s %12s %12s\n", label, s.active ? decibels(s.active->dbov, "dBov").c_str() : "-",
                   decibels(s.level, "dBov").c_str());

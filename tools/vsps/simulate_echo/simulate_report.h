@@ -1,11 +1,11 @@
 // What vsps simulate-echo has to say about a run.
 #pragma once
 
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 
 #include "audio/active_level.h"
+#include "console/json.h"
 #include "simulate_echo/simulation.h"
 
 struct SimulateSettings {
@@ -34,4 +34,4 @@ struct SimulateReport {
 };
 
 std::string toText(const SimulateReport& report);
-nlohmann::ordered_json toJson(const SimulateReport& report);
+Json toJson(const SimulateReport& report);

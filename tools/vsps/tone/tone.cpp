@@ -3,9 +3,9 @@
 #include <memory>
 #include <new>
 
+#include "audio/input_options.h"
 #include "commands.h"
 #include "console/error.h"
-#include "console/input_options.h"
 #include "console/many_files.h"
 #include "console/report_format.h"
 #include "tone/tone_report.h"
@@ -39,34 +39,31 @@ Result process(const Options& o, const std::string& file) try {
 }
 
 void runTone(const Options& o) {
-    nlohmann::ordered_json json{{"variant", o.fixedPoint ? "fixed" : "float"}, {"files", nlohmann::ordered_json::array()}};
+    Json files = Json::array();
     const auto work = [&](std::size_t i) { return process(o, o.files[i]); };
     const auto show = [&](const Result& result) {
         printNotes(result.notes);
         if (o.json)
-            json["files"].push_back(toJson(result.report));
+            files.append(toJson(result.report));
         else
             std::cout << toText(result.report) << std::flush;
     };
     const bool good = processFiles(o.files.size(), o.jobs, "detecting tones", work, show);
-    if (o.json) std::cout << toString(json);
+    if (o.json) std::cout << Json{{"variant", o.fixedPoint ? "fixed" : "float"}, {"files", files}}.text();
     if (!good) throw ErrorsReported();
 }
 
 }  // namespace
 
-void addTone(CLI::App& app) {
-    CLI::App* command =
-        app.add_subcommand("tone", "Finds the answer tones with which modems and fax machines disable echo cancellers.");
+void addTone(CommandLine& vsps) {
+    Command command =
+        vsps.add("tone", "Finds the answer tones with which modems and fax machines disable echo cancellers.");
     const auto o = std::make_shared<Options>();
-    addInput(*command, o->files, o->rawRate);
-    command->add_flag("--fixed", o->fixedPoint, "Use the fixed-point detector instead of the floating-point one");
-    command->add_flag("--json", o->json, "Print a JSON object instead of text");
-    command->add_option("--jobs", o->jobs, "Recordings processed at a time")
-        ->type_name("N")
-        ->check(CLI::Range(1, 1024).description(""))
-        ->capture_default_str();
-    command->footer(
+    addInput(command, o->files, o->rawRate);
+    command.flag("--fixed", o->fixedPoint, "Use the fixed-point detector instead of the floating-point one");
+    command.flag("--json", o->json, "Print a JSON object instead of text");
+    command.option("--jobs", o->jobs, "Recordings processed at a time").takes("N").within(1, 1024).showDefault();
+    command.footer(
         "The tone has 2100 Hz and a phase reversal every 450 ms (ITU-T V.25). The detector reports a reversal if the one\n"
         "before it was 413 to 466 ms earlier: the second reversal of a tone is the first that it reports, and a tone\n"
         "without reversals is none. It begins anew after 50 ms of digital silence. Recordings at 8000 and 16000 Hz are\n"
@@ -78,5 +75,5 @@ void addTone(CLI::App& app) {
         "  vsps tone fax.wav\n"
         "  vsps tone --fixed --raw 8000 trunk.al\n"
         "  vsps tone --jobs 4 --json calls/*.wav");
-    command->callback([o] { runTone(*o); });
+    command.run([o] { runTone(*o); });
 }

@@ -5,8 +5,6 @@
 
 namespace {
 
-using Json = nlohmann::ordered_json;
-
 std::string channelText(const std::vector<AnswerTone>& tones) {
     if (tones.empty()) return "  no answer tone with phase reversals\n";
     std::string text;
@@ -19,7 +17,7 @@ std::string channelText(const std::vector<AnswerTone>& tones) {
 
 Json toneJson(const AnswerTone& t) {
     Json reversals = Json::array();
-    for (const double time : t.reversals) reversals.push_back(number(time));
+    for (const double time : t.reversals) reversals.append(number(time));
     return {{"start_s", number(t.start)},
             {"end_s", number(t.end)},
             {"level_dbov", number(toDbov(t.power))},
@@ -43,8 +41,8 @@ Json toJson(const ToneReport& r) {
     Json channels = Json::array();
     for (const std::vector<AnswerTone>& tones : r.channels) {
         Json list = Json::array();
-        for (const AnswerTone& t : tones) list.push_back(toneJson(t));
-        channels.push_back({{"tones", list}});
+        for (const AnswerTone& t : tones) list.append(toneJson(t));
+        channels.append({{"tones", list}});
     }
     return {
         {"input",

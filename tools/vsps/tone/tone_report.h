@@ -1,9 +1,9 @@
 // What vsps tone has to say about a recording.
 #pragma once
 
-#include <nlohmann/json.hpp>
 #include <string>
 
+#include "console/json.h"
 #include "tone/answer_tone.h"
 
 struct ToneReport {
@@ -14,4 +14,4 @@ struct ToneReport {
 };
 
 std::string toText(const ToneReport& report);
-nlohmann::ordered_json toJson(const ToneReport& report);
+Json toJson(const ToneReport& report);

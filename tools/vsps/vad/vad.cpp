@@ -5,9 +5,9 @@
 #include <memory>
 #include <new>
 
+#include "audio/input_options.h"
 #include "commands.h"
 #include "console/error.h"
-#include "console/input_options.h"
 #include "console/many_files.h"
 #include "console/output_file.h"
 #include "console/report_format.h"
@@ -95,18 +95,18 @@ void write(const Result& r) {
 void runVad(const Options& o) {
     if (!o.outputs.plot.empty()) Gnuplot(o.outputs.plot);  // ends here if there is none
     const std::vector<VadOutputs> outputs = placeOutputs(o);
-    nlohmann::ordered_json json{{"option", o.option}, {"files", nlohmann::ordered_json::array()}};
+    Json files = Json::array();
     const auto work = [&](std::size_t i) { return process(o, o.files[i], outputs[i]); };
     const auto show = [&](const Result& result) {
         printNotes(result.notes);
         write(result);
         if (o.json)
-            json["files"].push_back(toJson(result.report));
+            files.append(toJson(result.report));
         else
             std::cout << toText(result.report) << std::flush;
     };
     const bool good = processFiles(o.files.size(), o.jobs, "detecting speech", work, show);
-    if (o.json) std::cout << toString(json);
+    if (o.json) std::cout << Json{{"option", o.option}, {"files", files}}.text();
     if (!good) throw ErrorsReported();
 }
 
@@ -115,30 +115,26 @@ void checkPatterns(const Options& o) {
     for (const auto& [option, pattern] :
          {std::pair("--csv", o.outputs.csv), std::pair("--labels", o.outputs.labels), std::pair("--plot", o.outputs.plot)})
         if (!pattern.empty() && pattern.find(kPlace) == std::string::npos)
-            throw CLI::ValidationError(option, "with several inputs FILE needs a {}, which stands for the input's name");
+            throw UsageError{option, "with several inputs FILE needs a {}, which stands for the input's name"};
 }
 
 }  // namespace
 
-void addVad(CLI::App& app) {
-    CLI::App* command = app.add_subcommand("vad", "Finds the speech in recordings as a GSM-AMR encoder does.");
+void addVad(CommandLine& vsps) {
+    Command command = vsps.add("vad", "Finds the speech in recordings as a GSM-AMR encoder does.");
     const auto o = std::make_shared<Options>();
-    addInput(*command, o->files, o->rawRate);
-    command->add_option("--option", o->option, "Which detector of the standard: 1 (nine bands) or 2 (sixteen channels)")
-        ->type_name("1|2")
-        ->check(CLI::IsMember({1, 2}).description(""))
-        ->capture_default_str();
-    command->add_option("--csv", o->outputs.csv, "Write a table with a line for every 20 ms")->type_name("FILE");
-    command->add_option("--labels", o->outputs.labels, "Write the segments as a label track for Audacity")
-        ->type_name("FILE");
-    command->add_option("--plot", o->outputs.plot, "Draw the waveform with the speech shaded; needs gnuplot")
-        ->type_name("FILE.png|svg|pdf");
-    command->add_flag("--json", o->json, "Print a JSON object instead of text");
-    command->add_option("--jobs", o->jobs, "Recordings processed at a time")
-        ->type_name("N")
-        ->check(CLI::Range(1, 1024).description(""))
-        ->capture_default_str();
-    command->footer(
+    addInput(command, o->files, o->rawRate);
+    command.option("--option", o->option, "Which detector of the standard: 1 (nine bands) or 2 (sixteen channels)")
+        .takes("1|2")
+        .oneOf({"1", "2"})
+        .showDefault();
+    command.option("--csv", o->outputs.csv, "Write a table with a line for every 20 ms").takes("FILE");
+    command.option("--labels", o->outputs.labels, "Write the segments as a label track for Audacity").takes("FILE");
+    command.option("--plot", o->outputs.plot, "Draw the waveform with the speech shaded; needs gnuplot")
+        .takes("FILE.png|svg|pdf");
+    command.flag("--json", o->json, "Print a JSON object instead of text");
+    command.option("--jobs", o->jobs, "Recordings processed at a time").takes("N").within(1, 1024).showDefault();
+    command.footer(
         "With several inputs, {} in the name of an output stands for the input's name without folder and extension. An\n"
         "input that cannot be used is reported, the others are still processed, and the exit code is 1.\n\n"
         "The detectors of 3GPP TS 26.094 decide for every frame of 20 ms, and extend speech by some frames of hangover.\n"
@@ -152,7 +148,7 @@ void addVad(CLI::App& app) {
         "  vsps vad call.wav\n"
         "  vsps vad --option 2 --plot speech.png --labels speech.txt call.flac\n"
         "  vsps vad --jobs 4 --csv 'tables/{}.csv' --json calls/*.wav");
-    command->callback([o] {
+    command.run([o] {
         checkPatterns(*o);
         runVad(*o);
     });

@@ -5,8 +5,6 @@
 
 namespace {
 
-using Json = nlohmann::ordered_json;
-
 struct Summary {
     std::vector<Segment> segments;
     double speech = 0;                           // s
@@ -44,7 +42,7 @@ std::string channelText(const Summary& s, double seconds) {
 Json channelJson(const ActivityTrack& track, const Summary& s, double seconds) {
     Json segments = Json::array();
     for (const Segment& segment : s.segments)
-        segments.push_back({{"start_s", number(segment.start)}, {"end_s", number(segment.end)}});
+        segments.append({{"start_s", number(segment.start)}, {"end_s", number(segment.end)}});
     return {{"frames", track.size()},
             {"speech_s", number(s.speech)},
             {"speech_share", number(s.speech / seconds)},
@@ -71,7 +69,7 @@ std::string toText(const VadReport& r) {
 Json toJson(const VadReport& r) {
     Json channels = Json::array();
     for (std::size_t i = 0; i < r.channels.size(); i++)
-        channels.push_back(channelJson(r.channels[i], summarise(r, i), r.seconds()));
+        channels.append(channelJson(r.channels[i], summarise(r, i), r.seconds()));
     return {
         {"input",
          {{"file", r.inFile}, {"rate_hz", r.inRate}, {"channels", r.channels.size()}, {"duration_s", number(r.seconds())}}},

@@ -1,9 +1,9 @@
 // What vsps vad has to say about a recording.
 #pragma once
 
-#include <nlohmann/json.hpp>
 #include <string>
 
+#include "console/json.h"
 #include "vad/voice_activity.h"
 
 struct VadOutputs {  // names of files; empty where there is none
@@ -23,7 +23,7 @@ struct VadReport {
 };
 
 std::string toText(const VadReport& report);
-nlohmann::ordered_json toJson(const VadReport& report);
+Json toJson(const VadReport& report);
 // A table with one line for each frame.
 std::string toCsv(const VadReport& report);
 // The segments as a label track of the editor Audacity.

@@ -1,0 +1,103 @@
+#include "console/options.h"
+
+#include <CLI/CLI.hpp>
+#include <iostream>
+
+#include "console/report_format.h"
+
+Option& Option::required() {
+    option_->required();
+    return *this;
+}
+
+Option& Option::takes(const std::string& value) {
+    option_->type_name(value);
+    return *this;
+}
+
+// NaN is within no bounds, unlike with CLI::Range.
+Option& Option::within(double lowest, double highest, const std::string& what) {
+    option_->check(
+        [=](const std::string& text) {
+            double value = 0;
+            if (CLI::detail::lexical_cast(text, value) && value >= lowest && value <= highest) return std::string();
+            return "'" + text + "' is not " + what + format(" from %g to %g", lowest, highest);
+        },
+        "");
+    return *this;
+}
+
+Option& Option::oneOf(const std::vector<std::string>& values) {
+    option_->check(CLI::IsMember(values).description(""));
+    return *this;
+}
+
+Option& Option::showDefault() {
+    option_->capture_default_str();
+    return *this;
+}
+
+Option Command::option(const std::string& name, std::string& value, const std::string& help) {
+    return Option(app_->add_option(name, value, help));
+}
+
+Option Command::option(const std::string& name, std::vector<std::string>& values, const std::string& help) {
+    return Option(app_->add_option(name, values, help));
+}
+
+Option Command::option(const std::string& name, int& value, const std::string& help) {
+    return Option(app_->add_option(name, value, help));
+}
+
+Option Command::option(const std::string& name, unsigned& value, const std::string& help) {
+    return Option(app_->add_option(name, value, help));
+}
+
+Option Command::option(const std::string& name, std::size_t& value, const std::string& help) {
+    return Option(app_->add_option(name, value, help));
+}
+
+Option Command::option(const std::string& name, double& value, const std::string& help) {
+    return Option(app_->add_option(name, value, help));
+}
+
+Option Command::option(const std::string& name, std::optional<double>& value, const std::string& help) {
+    return Option(app_->add_option(name, value, help));
+}
+
+void Command::flag(const std::string& name, bool& value, const std::string& help) { app_->add_flag(name, value, help); }
+
+void Command::footer(const std::string& text) { app_->footer(text); }
+
+void Command::run(std::function<void()> action) {
+    app_->callback([action = std::move(action)] {
+        try {
+            action();
+        } catch (const UsageError& e) {
+            throw CLI::ValidationError(e.option, e.reason);
+        }
+    });
+}
+
+CommandLine::CommandLine(const std::string& name, const std::string& description, const std::string& version)
+    : app_(std::make_unique<CLI::App>(description, name)) {
+    app_->set_version_flag("--version", version);
+    app_->require_subcommand(1);
+}
+
+CommandLine::~CommandLine() = default;
+
+Command CommandLine::add(const std::string& name, const std::string& description) {
+    return Command(app_->add_subcommand(name, description));
+}
+
+void CommandLine::footer(const std::string& text) { app_->footer(text); }
+
+bool CommandLine::run(int argc, char** argv) {
+    try {
+        app_->parse(argc, argv);
+    } catch (const CLI::ParseError& e) {
+        return app_->exit(e, std::cout, std::cerr) == 0;
+    }
+    return true;
+}

@@ -1,0 +1,66 @@
+// Commands and their options on the command line. Only options.cpp includes the library that parses them.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace CLI {
+class App;
+class Option;
+}  // namespace CLI
+
+// Options that do not fit together; ends the program like any other bad usage.
+struct UsageError {
+    std::string option, reason;
+};
+
+class Option {
+  public:
+    explicit Option(CLI::Option* option) : option_(option) {}
+
+    Option& required();
+    Option& takes(const std::string& value);  // how the help calls its value
+    Option& within(double lowest, double highest, const std::string& what = "a number");
+    Option& oneOf(const std::vector<std::string>& values);
+    Option& showDefault();  // the variable's value so far, in the help
+
+  private:
+    CLI::Option* option_;
+};
+
+class Command {
+  public:
+    explicit Command(CLI::App* app) : app_(app) {}
+
+    // The variables have to live until the command has run. A name that begins with no hyphen is that of an argument.
+    Option option(const std::string& name, std::string& value, const std::string& help);
+    Option option(const std::string& name, std::vector<std::string>& values, const std::string& help);
+    Option option(const std::string& name, int& value, const std::string& help);
+    Option option(const std::string& name, unsigned& value, const std::string& help);
+    Option option(const std::string& name, std::size_t& value, const std::string& help);
+    Option option(const std::string& name, double& value, const std::string& help);
+    Option option(const std::string& name, std::optional<double>& value, const std::string& help);
+    void flag(const std::string& name, bool& value, const std::string& help);
+    void footer(const std::string& text);
+    void run(std::function<void()> action);
+
+  private:
+    CLI::App* app_;
+};
+
+class CommandLine {
+  public:
+    CommandLine(const std::string& name, const std::string& description, const std::string& version);
+    ~CommandLine();
+
+    Command add(const std::string& name, const std::string& description);
+    void footer(const std::string& text);
+    // Runs the command that is asked for, or prints help; false after bad usage, which has been reported.
+    bool run(int argc, char** argv);
+
+  private:
+    std::unique_ptr<CLI::App> app_;
+};
