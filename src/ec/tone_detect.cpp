@@ -5,39 +5,14 @@
 #include "ec/align.h"
 #include "ec/exports.h"
 #include "ec/tables.h"
+#include "ec/tone_detect_state.h"
 #include "vector/simd.h"
 
 namespace vsp::VSP_LEVEL {
 
 namespace {
 
-// Counts in samples.
-struct RunLimits {
-    Vsp32s minRun, maxRun, maxDip;
-};
-constexpr RunLimits runLimits(Vsp32s rate) { return {rate / 1000 * 413, rate / 1000 * 466, rate / 100 * 2}; }
-
-struct State_32f {
-    const Vsp32f* coeffs;
-    Vsp32f powerOut, powerIn;
-    Vsp32f x1, x2, y1, y2;
-    Vsp32f alpha;
-    Vsp32s run, minRun, maxRun;
-    Vsp32s dip, maxDip;
-    Vsp32s reversals;
-};
-static_assert(sizeof(State_32f) == 64);
-
-struct State_16s {
-    const Vsp16s* coeffs;  // Q12
-    Vsp32s powerOut, powerIn;
-    Vsp16s x1, x2, y1, y2;
-    Vsp32s run, minRun, maxRun;
-    Vsp32s dip, maxDip;
-    Vsp32s reversals;
-    Vsp16s alpha;  // Q14
-};
-static_assert(sizeof(State_16s) == 56);
+constexpr ToneCounts initialCounts(Vsp32s rate) { return {0, rate / 1000 * 413, rate / 1000 * 466, 0, rate / 100 * 2, 0}; }
 
 constexpr bool supported(Vsp32s rate) { return rate == 8000 || rate == 16000; }
 
@@ -53,39 +28,37 @@ struct Classes {
 VSP_INLINE int lowestOne(Vsp32u bits) { return bits == 0 ? kBlock : __builtin_ctz(bits); }
 
 // Counts some samples at which the tone is low. Tells whether a second or later reversal is among them.
-template <class State>
-VSP_INLINE bool countLow(State& s, int samples, Vsp32u deep) {
-    const Vsp32s untilCleared = s.maxDip - s.dip;
-    const Vsp32s reversal = s.minRun < s.run && s.run < s.maxRun ? lowestOne(deep) : kBlock;
+VSP_INLINE bool countLow(ToneCounts& c, int samples, Vsp32u deep) {
+    const Vsp32s untilCleared = c.maxDip - c.dip;
+    const Vsp32s reversal = c.minRun < c.run && c.run < c.maxRun ? lowestOne(deep) : kBlock;
     bool flag = false;
     if (reversal < samples && reversal <= untilCleared) {
-        flag = s.reversals >= 1;
-        s.reversals = flag ? 2 : 1;
-        s.run = 0;
+        flag = c.reversals >= 1;
+        c.reversals = Add_32s(c.reversals, 1);
+        c.run = 0;
     }
-    s.dip += samples;
+    c.dip += samples;
     if (samples > untilCleared) {
-        s.reversals = s.run = 0;
-        s.dip = samples - 1 - untilCleared;
+        c.reversals = c.run = 0;
+        c.dip = samples - 1 - untilCleared;
     }
     return flag;
 }
 
 // Counts the first samples of a block, stretch by stretch.
-template <class State>
-VSP_INLINE bool countSamples(State& s, const Classes& c, int samples) {
+VSP_INLINE bool countSamples(ToneCounts& c, const Classes& classes, int samples) {
     bool flag = false;
     for (int i = 0; i < samples;) {
-        const Vsp32u tone = c.tone >> i, low = c.low >> i;
+        const Vsp32u tone = classes.tone >> i, low = classes.low >> i;
         const Vsp32u same = (tone & 1) != 0 ? tone : (low & 1) != 0 ? low : ~(tone | low);
         const int end = lowestOne(~same), stretch = end < samples - i ? end : samples - i;
         if ((tone & 1) != 0) {
-            s.run = s.run + stretch < s.maxRun ? s.run + stretch : s.maxRun;  // a longer one counts like this one
-            s.dip = 0;
+            c.run = Add_32s(c.run, stretch);
+            c.dip = 0;
         } else if ((low & 1) != 0) {
-            flag |= countLow(s, stretch, c.deep >> i);
+            flag |= countLow(c, stretch, classes.deep >> i);
         } else {
-            s.run = s.dip = 0;
+            c.run = c.dip = 0;
         }
         i += stretch;
     }
@@ -96,7 +69,7 @@ VSP_INLINE bool countSamples(State& s, const Classes& c, int samples) {
 // which four can be read.
 class Resonator_32f {
   public:
-    explicit Resonator_32f(const State_32f& s)
+    explicit Resonator_32f(const ToneDetectState_32f& s)
         : c0_(s.coeffs[0]),
           c1_(s.coeffs[1]),
           c2_(s.coeffs[2]),
@@ -110,7 +83,7 @@ class Resonator_32f {
           powerIn_(s.powerIn),
           powerOut_(s.powerOut) {}
 
-    [[gnu::always_inline]] void keep(State_32f& s) const {
+    [[gnu::always_inline]] void keep(ToneDetectState_32f& s) const {
         s.x1 = x1_;
         s.x2 = x2_;
         s.y1 = y1_;
@@ -150,7 +123,7 @@ class Resonator_32f {
 
 class Resonator_16s {
   public:
-    explicit Resonator_16s(const State_16s& s)
+    explicit Resonator_16s(const ToneDetectState_16s& s)
         : c0_(s.coeffs[0]),
           c2_(s.coeffs[2]),
           c3_(s.coeffs[3]),
@@ -162,7 +135,7 @@ class Resonator_16s {
           y2_(s.y2),
           powers_{_mm_set_epi64x(s.powerOut, s.powerIn)} {}
 
-    [[gnu::always_inline]] void keep(State_16s& s) const {
+    [[gnu::always_inline]] void keep(ToneDetectState_16s& s) const {
         s.x1 = Vsp16s(x1_);
         s.x2 = Vsp16s(x2_);
         s.y1 = Vsp16s(y1_);
@@ -231,7 +204,7 @@ bool detect(State& s, const T* src, Vsp32s len) {
             for (int i = whole; i < count; i++) rest[i - whole] = src[n + i];
             addGroup(whole, rest, count - whole);
         }
-        flag |= countSamples(s, block, count);
+        flag |= countSamples(s.counts, block, count);
     }
     resonator.keep(s);
     return flag;
@@ -242,56 +215,50 @@ bool detect(State& s, const T* src, Vsp32s len) {
 VspStatus vspsToneDetectGetStateSize_EC_32f(Vsp32s rate, Vsp32s* pSize) {
     if (anyNull(pSize)) return vspStsNullPtrErr;
     if (!supported(rate)) return vspStsRangeErr;
-    *pSize = sizeof(State_32f) + kAlignment;
+    *pSize = sizeof(ToneDetectState_32f) + kAlignment;
     return vspStsNoErr;
 }
 
 VspStatus vspsToneDetectGetStateSize_EC_16s(Vsp32s rate, Vsp32s* pSize) {
     if (anyNull(pSize)) return vspStsNullPtrErr;
     if (!supported(rate)) return vspStsRangeErr;
-    *pSize = sizeof(State_16s) + kAlignment;
+    *pSize = sizeof(ToneDetectState_16s) + kAlignment;
     return vspStsNoErr;
 }
 
 VspStatus vspsToneDetectInit_EC_32f(VspToneDetectState_EC_32f* pState, Vsp32s rate) {
     if (anyNull(pState)) return vspStsNullPtrErr;
     if (!supported(rate)) return vspStsRangeErr;
-    const RunLimits limits = runLimits(rate);
-    State_32f& s = *aligned<State_32f>(pState);
+    ToneDetectState_32f& s = *aligned<ToneDetectState_32f>(pState);
     s = {};
     s.coeffs = rate == 8000 ? td_iir_coeffs_8_32f : td_iir_coeffs_16_32f;
     s.alpha = rate == 8000 ? 0.96f : 0.92f;
-    s.minRun = limits.minRun;
-    s.maxRun = limits.maxRun;
-    s.maxDip = limits.maxDip;
+    s.counts = initialCounts(rate);
     return vspStsNoErr;
 }
 
 VspStatus vspsToneDetectInit_EC_16s(VspToneDetectState_EC_16s* pState, Vsp32s rate) {
     if (anyNull(pState)) return vspStsNullPtrErr;
     if (!supported(rate)) return vspStsRangeErr;
-    const RunLimits limits = runLimits(rate);
-    State_16s& s = *aligned<State_16s>(pState);
+    ToneDetectState_16s& s = *aligned<ToneDetectState_16s>(pState);
     s = {};
     s.coeffs = rate == 8000 ? td_iir_coeffs_8_16s : td_iir_coeffs_16_16s;
     s.alpha = rate == 8000 ? 15728 : 15073;
-    s.minRun = limits.minRun;
-    s.maxRun = limits.maxRun;
-    s.maxDip = limits.maxDip;
+    s.counts = initialCounts(rate);
     return vspStsNoErr;
 }
 
 VspStatus vspsToneDetect_EC_32f(const Vsp32f* pSrc, Vsp32s len, Vsp32s* pFlag, VspToneDetectState_EC_32f* pState) {
     if (anyNull(pSrc, pFlag, pState)) return vspStsNullPtrErr;
     if (len < 1) return vspStsBadArgErr;
-    *pFlag = detect<Resonator_32f>(*aligned<State_32f>(pState), pSrc, len);
+    *pFlag = detect<Resonator_32f>(*aligned<ToneDetectState_32f>(pState), pSrc, len);
     return vspStsNoErr;
 }
 
 VspStatus vspsToneDetect_EC_16s(const Vsp16s* pSrc, Vsp32s len, Vsp32s* pFlag, VspToneDetectState_EC_16s* pState) {
     if (anyNull(pSrc, pFlag, pState)) return vspStsNullPtrErr;
     if (len < 1) return vspStsBadArgErr;
-    *pFlag = detect<Resonator_16s>(*aligned<State_16s>(pState), pSrc, len);
+    *pFlag = detect<Resonator_16s>(*aligned<ToneDetectState_16s>(pState), pSrc, len);
     return vspStsNoErr;
 }
 

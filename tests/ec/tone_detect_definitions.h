@@ -5,8 +5,9 @@
 
 namespace vsp::plain {
 
-// The counters, in samples.
+// The counters, in samples. They stay at the largest value that they can have.
 struct ToneRuns {
+    static constexpr Vsp32s kMost = 0x7FFFFFFF;
     Vsp32s minRun, maxRun, maxDip;
     Vsp32s run = 0, dip = 0, reversals = 0;
 
@@ -14,14 +15,15 @@ struct ToneRuns {
         : minRun(rate == 8000 ? 3304 : 6608), maxRun(rate == 8000 ? 3728 : 7456), maxDip(rate == 8000 ? 160 : 320) {}
 
     void tone() {
-        run++;
+        if (run < kMost) run++;
         dip = 0;
     }
     void nothing() { run = dip = 0; }
     bool low(bool deep) {
         bool found = false;
         if (deep && minRun < run && run < maxRun) {
-            found = ++reversals >= 2;
+            if (reversals < kMost) reversals++;
+            found = reversals >= 2;
             run = 0;
         }
         if (++dip > maxDip) reversals = dip = run = 0;

@@ -1,10 +1,13 @@
 // The detectors of the answer tone with phase reversals against their definition.
+#include <array>
 #include <cmath>
 #include <limits>
 #include <random>
 #include <set>
 
+#include "ec/align.h"
 #include "ec/tone_detect_definitions.h"
+#include "ec/tone_detect_state.h"
 #include "support/guarded.h"
 #include "support/level_test.h"
 #include "support/samples.h"
@@ -82,6 +85,7 @@ class ToneDetector : public LevelTest {
         VspStatus detect(const Vsp16s* src, Vsp32s n, Vsp32s* flag) {
             return api_.vspsToneDetect_EC_16s(src, n, flag, state_);
         }
+        ToneCounts& counts() { return aligned<ToneDetectState_16s>(state_)->counts; }
 
       private:
         using State = VspToneDetectState_EC_16s;
@@ -102,6 +106,7 @@ class ToneDetector : public LevelTest {
         VspStatus detect(const Vsp32f* src, Vsp32s n, Vsp32s* flag) {
             return api_.vspsToneDetect_EC_32f(src, n, flag, state_);
         }
+        ToneCounts& counts() { return aligned<ToneDetectState_32f>(state_)->counts; }
 
       private:
         using State = VspToneDetectState_EC_32f;
@@ -110,7 +115,12 @@ class ToneDetector : public LevelTest {
         State* state_;
     };
 
-    // Compares the flags of calls whose lengths are taken in turn. Returns the samples behind each call with a flag.
+    static void expectCounts(const plain::ToneRuns& expected, const ToneCounts& c) {
+        EXPECT_EQ((std::array{expected.run, expected.dip, expected.reversals}), (std::array{c.run, c.dip, c.reversals}));
+    }
+
+    // Compares flags and counters of calls whose lengths are taken in turn. Returns the samples behind each call with a
+    // flag.
     template <class Detector>
     std::vector<std::size_t> expectAsDefined(const std::vector<typename Detector::Sample>& x, Vsp32s rate,
                                              const std::vector<std::size_t>& parts) {
@@ -124,6 +134,7 @@ class ToneDetector : public LevelTest {
             Vsp32s flag = -1;
             EXPECT_EQ(vspStsNoErr, detector.detect(&x[at], Vsp32s(n), &flag));
             EXPECT_EQ(expected ? 1 : 0, flag) << "in the call from sample " << at;
+            expectCounts(reference.runs, detector.counts());
             at += n;
             if (flag != 0) found.push_back(at);
         }
@@ -293,14 +304,37 @@ TEST_P(ToneDetector, InfiniteAndUndefinedSamplesSilenceTheFloatingPointDetector)
     }
 }
 
-TEST_P(ToneDetector, CountersDoNotOverflow) {  // a tone of any length stays too long
-    const auto x = converted<Vsp16s>(tone(8000, {8000}));
-    Fixed detector(api, 8000);
-    Vsp32s flag = -1;
-    for (int i = 0; i < 100; i++) ASSERT_EQ(vspStsNoErr, detector.detect(x.data(), 8000, &flag));
-    const auto reversed = converted<Vsp16s>(tone(8000, {0, 400, 3600}));
-    ASSERT_EQ(vspStsNoErr, detector.detect(reversed.data(), Vsp32s(reversed.size()), &flag));
-    EXPECT_EQ(0, flag);
+// A tone of any length stays too long, and any number of reversals enough. The counters are set while the tone is there.
+TEST_P(ToneDetector, CountersStayAtTheLargestValue) {
+    constexpr Vsp32s kMost = plain::ToneRuns::kMost;
+    const auto check = [&]<class Detector>(Vsp32s run, Vsp32s reversals, std::type_identity<Detector>) {
+        const auto x = converted<typename Detector::Sample>(tone(8000, {3600, 3600, 3600, 400}));
+        Detector detector(api, 8000);
+        typename Detector::Plain reference(8000);
+        Vsp32s mostReversals = 0, flags = 0;
+        for (std::size_t at = 0; at < x.size(); at += 100) {
+            if (at == 3000) {
+                if (run != 0) reference.runs.run = detector.counts().run = run;
+                reference.runs.reversals = detector.counts().reversals = reversals;
+            }
+            bool expected = false;
+            for (std::size_t i = at; i < at + 100; i++) expected |= reference.sample(x[i]);
+            Vsp32s flag = -1;
+            EXPECT_EQ(vspStsNoErr, detector.detect(&x[at], 100, &flag));
+            EXPECT_EQ(expected ? 1 : 0, flag);
+            flags += flag;
+            expectCounts(reference.runs, detector.counts());
+            mostReversals = std::max(mostReversals, detector.counts().reversals);
+        }
+        EXPECT_EQ(run != 0 ? 0 : 3, flags);
+        EXPECT_EQ(kMost, run != 0 ? detector.counts().run : mostReversals);
+    };
+    const auto both = [&](Vsp32s run, Vsp32s reversals) {
+        check(run, reversals, std::type_identity<Fixed>());
+        check(run, reversals, std::type_identity<Floating>());
+    };
+    for (const Vsp32s left : {0, 1, 31, 1000}) both(kMost - left, 0);
+    for (const Vsp32s left : {0, 1, 2}) both(0, kMost - left);
 }
 
 TEST_P(ToneDetector, RatesAndPointersAreChecked) {
