@@ -102,7 +102,7 @@ class LevelControl : public LevelTest {
 VSPSC_EVERY_LEVEL(LevelControl);
 
 TEST_P(LevelControl, RecordedResultsHoldForEverySplitIntoCalls) {
-    const auto cases = readItemCases("ec/alc_16s.vec");
+    const auto cases = readItemCases("alc/alc_16s.vec");
     for (std::size_t number = 0; number < cases.size(); number++) {
         const auto settings = cases[number][0].values<Vsp32f>();
         const Signal input = cases[number][1].values<Vsp16s>(), expected = cases[number][2].values<Vsp16s>();

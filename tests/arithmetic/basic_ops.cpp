@@ -111,37 +111,37 @@ TEST(BasicOps, LogarithmAndPowerOfTwoAreCloseToTheExactOnes) {
 
 TEST(BasicOps, RecordedValues) {
     runVectors(
-        "g729/Exp_16s_Pos.vec", +[](Vsp16s x, Vsp32s* count) -> VspStatus {
+        "arithmetic/Exp_16s_Pos.vec", +[](Vsp16s x, Vsp32s* count) -> VspStatus {
             *count = Exp_16s_Pos(Vsp16u(x));
             return 0;
         });
     runVectors(
-        "g729/Norm_32s_Pos_I.vec", +[](Vsp32s* x, Vsp32s* count) -> VspStatus {
+        "arithmetic/Norm_32s_Pos_I.vec", +[](Vsp32s* x, Vsp32s* count) -> VspStatus {
             *count = Norm_32s_Pos_I(x);
             return 0;
         });
     runVectors(
-        "g729/ShiftL_16s.vec", +[](Vsp16s x, Vsp32s n, Vsp16s* result) -> VspStatus {
+        "arithmetic/ShiftL_16s.vec", +[](Vsp16s x, Vsp32s n, Vsp16s* result) -> VspStatus {
             *result = ShiftL_16s(x, n);
             return 0;
         });
     runVectors(
-        "g729/Mul_32s.vec", +[](Vsp32s a, Vsp32s b, Vsp32s* result) -> VspStatus {
+        "arithmetic/Mul_32s.vec", +[](Vsp32s a, Vsp32s b, Vsp32s* result) -> VspStatus {
             *result = Mul_32s(a, b);
             return 0;
         });
     runVectors(
-        "g729/ownLog2.vec", +[](Vsp32s x, Vsp16s* exponent, Vsp16s* fraction) -> VspStatus {
+        "arithmetic/ownLog2.vec", +[](Vsp32s x, Vsp16s* exponent, Vsp16s* fraction) -> VspStatus {
             ownLog2(x, exponent, fraction);
             return 0;
         });
     runVectors(
-        "g729/ownPow2.vec", +[](Vsp16s exponent, Vsp16s fraction, Vsp32s* result) -> VspStatus {
+        "arithmetic/ownPow2.vec", +[](Vsp16s exponent, Vsp16s fraction, Vsp32s* result) -> VspStatus {
             *result = ownPow2(exponent, fraction);
             return 0;
         });
     runVectors(
-        "g729/saturating_operators.vec",
+        "arithmetic/saturating_operators.vec",
         +[](Vsp32s a, Vsp32s b, Vsp32s* sum, Vsp32s* difference, Vsp32s* magnitude, Vsp32s* twice,
             Vsp32s* fourTimes) -> VspStatus {
             *sum = Add_32s(a, b);

@@ -10,9 +10,7 @@ VSPSC_EVERY_LEVEL(Correlation);
 
 // One kernel each, under names of its own.
 TEST_P(Correlation, RecordedResults) {
-    const auto cases = [](const char* kernel) {
-        return readVectorCases(std::string("g729/internal/kernel_") + kernel + ".vec");
-    };
+    const auto cases = [](const char* kernel) { return readVectorCases(std::string("common/kernel_") + kernel + ".vec"); };
     const auto input = [](const VectorCase& c, std::size_t i) { return c.arguments[i].inputs<Vsp16s>(); };
     Guarded<Vsp16s> out(40);
     for (const VectorCase& c : cases("convolve")) {

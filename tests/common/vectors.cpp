@@ -8,7 +8,7 @@ class CommonVectors : public LevelTest {};
 VSPSC_EVERY_LEVEL(CommonVectors);
 
 #define VSPSC_VECTORS(function) \
-    TEST_P(CommonVectors, function) { runVectors("g729/" #function ".vec", api.function); }
+    TEST_P(CommonVectors, function) { runVectors("common/" #function ".vec", api.function); }
 VSPSC_VECTORS(vspsMulC_NR_16s_Sfs)
 VSPSC_VECTORS(vspsMulC_NR_16s_ISfs)
 VSPSC_VECTORS(vspsMul_NR_16s_Sfs)

@@ -37,7 +37,7 @@ INSTANTIATE_TEST_SUITE_P(, PitchInternals, ::testing::Values("y8", "v3", "v4"),
                          [](const auto& test) { return test.param; });
 
 TEST_P(PitchInternals, NormCorrMatchesItsVectorsAndTheDefinition) {
-    for (const VectorCase& c : readVectorCases("g729/internal/kernel_norm_corr.vec")) {
+    for (const VectorCase& c : readVectorCases("g729/kernel_norm_corr.vec")) {
         const auto input = [&](std::size_t i) { return Guarded<Vsp16s>(c.arguments[i].inputs<Vsp16s>()); };
         const auto excitation = input(0), target = input(1), impulse = input(2);
         const auto expected = c.arguments[5].outputs<Vsp16s>();
@@ -57,7 +57,7 @@ TEST_P(PitchInternals, NormCorrMatchesItsVectorsAndTheDefinition) {
 }
 
 TEST_P(PitchInternals, Interpol3MatchesItsVectors) {
-    for (const VectorCase& c : readVectorCases("g729/internal/kernel_interpol_3.vec")) {
+    for (const VectorCase& c : readVectorCases("g729/kernel_interpol_3.vec")) {
         const Guarded<Vsp16s> corr(c.arguments[0].inputs<Vsp16s>());
         EXPECT_EQ(c.arguments[2].outputs<Vsp32s>()[0], interpol3(corr.data() + 4, c.arguments[1].inputs<Vsp32s>()[0]));
     }

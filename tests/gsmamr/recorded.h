@@ -1,4 +1,4 @@
-// The recorded calls under tests/data/vad.
+// The recorded calls in tests/gsmamr/data.
 #pragma once
 
 #include <cstddef>
@@ -37,7 +37,7 @@ class Record {
 // records.
 class RecordedCalls {
   public:
-    RecordedCalls(const std::string& name, int kind, std::size_t size) : size_(size), bytes_(testData("vad/" + name)) {
+    RecordedCalls(const std::string& name, int kind, std::size_t size) : size_(size), bytes_(testData("gsmamr/" + name)) {
         if (bytes_.size() <= kHeader || bytes_.compare(0, 4, "VADV") != 0) throw std::runtime_error(name + ": no vectors");
         const Record header(bytes_.data());
         if (header.at<Vsp16u>(4) != 1 || header.at<Vsp16u>(6) != kind || header.at<Vsp32u>(12) != size ||

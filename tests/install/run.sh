@@ -65,7 +65,7 @@ if "$tmp/outside/build/level_control" <"$tmp/in" >/dev/full 2>"$tmp/err"; then f
 grep -q "cannot write" "$tmp/err" || fail "no message about a full disk"
 
 # Echo canceller: removes a signal that is the far end itself, and keeps its length.
-speech=$source/tests/data/speech/demo-echotest.wav
+speech=$source/tests/support/data/demo-echotest.wav
 "$tmp/outside/build/echo_canceller" "$speech" "$speech" "$tmp/out"
 [[ $(stat -c %s "$tmp/out") == $(stat -L -c %s "$speech") ]] || fail "echo_canceller changed the length"
 energy() { tail -c 32000 "$1" | od -An -v -td2 | awk '{ for (i = 1; i <= NF; i++) sum += $i * $i } END { printf "%.0f", sum }'; }

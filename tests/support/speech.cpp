@@ -8,7 +8,7 @@
 namespace vsp::test {
 
 std::vector<Vsp16s> recordedSpeech() {
-    const std::string bytes = testData("speech/demo-echotest.wav");
+    const std::string bytes = testData("support/demo-echotest.wav");
     constexpr std::size_t kHeader = 44;
     if (bytes.size() <= kHeader || bytes.substr(36, 4) != "data") throw std::runtime_error("the recording is missing");
     std::vector<Vsp16s> speech((bytes.size() - kHeader) / sizeof(Vsp16s));

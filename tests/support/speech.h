@@ -7,7 +7,7 @@
 
 namespace vsp::test {
 
-// The recorded telephone prompt under tests/data/speech, 8 kHz.
+// The recorded telephone prompt in tests/support/data, 8 kHz.
 std::vector<Vsp16s> recordedSpeech();
 
 }  // namespace vsp::test

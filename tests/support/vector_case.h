@@ -1,4 +1,4 @@
-// Conformance data: the two binary layouts that tests/data/README.md describes.
+// Conformance data: the two binary layouts that tests/README.md describes.
 #pragma once
 
 #include <cstddef>
@@ -55,7 +55,7 @@ struct Item {
     }
 };
 
-// Files are given relative to tests/data. A missing or truncated one throws.
+// Files are named as for testData. A missing or truncated one throws.
 std::vector<VectorCase> readVectorCases(const std::string& file);
 std::vector<std::vector<Item>> readItemCases(const std::string& file);
 

@@ -6,7 +6,7 @@ import random
 import pytest
 from signals import interleave, pcm, read_wav, speech, tone, voice, wav, wav16
 
-RECORDING = pathlib.Path(__file__).parents[1] / "data/speech/demo-echotest.wav"
+RECORDING = pathlib.Path(__file__).parents[1] / "support/data/demo-echotest.wav"
 VARIANTS = ([], ["--fixed"])
 PERIOD = 0.45
 

@@ -7,7 +7,7 @@ import random
 import pytest
 from signals import interleave, pcm, read_wav, speech, tone, voice, wav, wav16
 
-RECORDING = pathlib.Path(__file__).parents[1] / "data/speech/demo-echotest.wav"
+RECORDING = pathlib.Path(__file__).parents[1] / "support/data/demo-echotest.wav"
 OPTIONS = (1, 2)
 LAST_COLUMN = {1: "threshold_db", 2: "long_term_snr_db"}
 
