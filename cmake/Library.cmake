@@ -132,3 +132,5 @@ if(NOT VSPSC_SANITIZE)
     target_link_options(vspscy8 PRIVATE -nostartfiles -nodefaultlibs -Wl,-z,defs)
     target_link_libraries(vspscy8 PRIVATE m c)
 endif()
+
+vspsc_expect_all_listed(${PROJECT_SOURCE_DIR}/src/*.cpp)

@@ -2,7 +2,15 @@
 
 #include <random>
 
+#include "common/hand_tuned_common.h"
+#include "common/scalar_common.h"
 #include "core/cpu.h"
+#include "ec/hand_tuned_full_band.h"
+#include "ec/hand_tuned_subband.h"
+#include "ec/scalar_full_band.h"
+#include "ec/scalar_subband.h"
+#include "g729/scalar_g729.h"
+#include "gsmamr/scalar_gsmamr.h"
 
 namespace bench {
 
@@ -12,13 +20,23 @@ static constexpr vsp::Api kApi_library = {
 #undef VSPSC_EXPORT
 };
 
+template <class... Add>
+static vsp::Api apiOf(Add... add) {
+    vsp::Api api{};
+    (add(api), ...);
+    return api;
+}
+
 std::vector<Implementation> implementations() {
+    static const vsp::Api scalar =
+        apiOf(addScalarCommon, addScalarG729, addScalarGsmamr, addScalarSubband, addScalarFullBand);
+    static const vsp::Api handTuned = apiOf(addHandTunedCommon, addHandTunedSubband, addHandTunedFullBand);
     const vsp::Level level = vsp::bestLevel(vsp::readCpuRegisters());
     std::vector<Implementation> all = {{"library", &kApi_library}, {"y8", &vsp::kApi_y8}};
     if (level >= vsp::Level::v3) all.push_back({"v3", &vsp::kApi_v3});
     if (level >= vsp::Level::v4) all.push_back({"v4", &vsp::kApi_v4});
-    all.push_back({"scalar", &kApi_scalar});
-    if (level >= vsp::Level::v4) all.push_back({"hand-tuned", &kApi_handTuned});
+    all.push_back({"scalar", &scalar});
+    if (level >= vsp::Level::v4) all.push_back({"hand-tuned", &handTuned});
     return all;
 }
 

@@ -19,8 +19,6 @@ struct Implementation {
 // Those that this processor can run.
 std::vector<Implementation> implementations();
 
-extern const vsp::Api kApi_scalar, kApi_handTuned;
-
 inline const std::vector<int> kFrameLengths = {40, 80, 240, 1024};
 
 // An array at the start of a cache line with a free line after it, so that no masked or wide access of a neighbour meets

@@ -1,4 +1,5 @@
-"""Checks the public headers: C89, C11 and C++ clean, each one self-contained, every function documented and exported.
+"""Checks the public headers: C89, C11 and C++ clean, each one self-contained, every function documented,
+exported and tested.
 
 Usage: check_interface.py SOURCE_DIR C_COMPILER CXX_COMPILER
 """
@@ -58,6 +59,9 @@ if len(exports) != len(set(exports)):
     problems.append("a name is listed twice")
 problems += [f"{name} is declared but not exported" for name in declared if name not in exports]
 problems += [f"{name} is exported but not declared" for name in exports if name not in declared]
+tested = {word for file in (source / "tests").rglob("*") if file.suffix in (".c", ".cpp", ".h") and "tools" not in file.parts
+          for word in re.findall(r"\bvsps\w+", file.read_text())}  # fmt: skip
+problems += [f"{name} is exported but not tested" for name in exports if name not in tested]
 
 print(f"{len(headers)} headers, {len(declared)} functions")
 sys.exit("\n".join(problems) if problems else 0)

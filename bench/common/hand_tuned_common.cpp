@@ -1,11 +1,10 @@
 // Loops for AVX-512 written by hand, without checks and dispatch: they stand for what the machine can do. Each keeps to the
 // limit of two vector loads a cycle from the first-level cache as closely as its arithmetic allows; tails are masked.
+#include "common/hand_tuned_common.h"
+
 #include <immintrin.h>
 
 #include "common/tables.h"
-#include "ec/hand_tuned_full_band.h"
-#include "ec/hand_tuned_subband.h"
-#include "support/bench.h"
 
 namespace {
 
@@ -265,8 +264,7 @@ VspStatus lagScan(const Vsp16s* src, Vsp32s len, Vsp32s lagMin, Vsp32s lagMax, V
 
 }  // namespace
 
-const vsp::Api bench::kApi_handTuned = [] {
-    vsp::Api api{};
+void bench::addHandTunedCommon(vsp::Api& api) {
     api.vspsMulC_NR_16s_Sfs = mulC;
     api.vspsMulC_NR_16s_ISfs = mulCInPlace;
     api.vspsMul_NR_16s_Sfs = mul;
@@ -282,7 +280,4 @@ const vsp::Api bench::kApi_handTuned = [] {
     api.vspsLagWindow_G729_32s_I = lagWindow;
     api.vspsRandomNoiseExcitation_G729B_16s = randomNoise;
     api.vspsAutoCorrLagMax_Inv_16s = lagScan;
-    addHandTunedSubband(api);
-    addHandTunedFullBand(api);
-    return api;
-}();
+}

@@ -1,12 +1,9 @@
 // Every kernel as its definition reads, sample by sample, with the saturating operators where the definition saturates.
 // Arguments are taken as valid.
+#include "common/scalar_common.h"
+
 #include "arithmetic/basic_ops.h"
 #include "common/tables.h"
-#include "ec/scalar_full_band.h"
-#include "ec/scalar_subband.h"
-#include "g729/scalar_g729.h"
-#include "gsmamr/definitions.h"
-#include "support/bench.h"
 
 namespace {
 
@@ -136,25 +133,9 @@ VspStatus randomNoise(Vsp16s* seed, Vsp16s* dst, Vsp32s len) {
     return vspStsNoErr;
 }
 
-VspStatus vad1(const Vsp16s* src, VspGSMAMRVad1State* state, Vsp16s* flag, Vsp16s bestCorrHp, Vsp16s toneFlags) {
-    *flag = plain::vad1(src, *state, bestCorrHp, toneFlags);
-    return vspStsNoErr;
-}
-
-VspStatus vad2(const Vsp16s* src, VspGSMAMRVad2State* state, Vsp16s* flag, Vsp32s ltpFlag) {
-    *flag = plain::vad2(src, *state, ltpFlag);
-    return vspStsNoErr;
-}
-
-VspStatus fft128(Vsp16s* srcDst) {
-    plain::fft128(srcDst);
-    return vspStsNoErr;
-}
-
 }  // namespace
 
-const vsp::Api bench::kApi_scalar = [] {
-    vsp::Api api{};
+void bench::addScalarCommon(vsp::Api& api) {
     api.vspsMulC_NR_16s_Sfs = mulC;
     api.vspsMulC_NR_16s_ISfs = mulCInPlace;
     api.vspsMul_NR_16s_Sfs = mul;
@@ -171,11 +152,4 @@ const vsp::Api bench::kApi_scalar = [] {
     api.vspsInvSqrt_32s_I = invSqrt;
     api.vspsLagWindow_G729_32s_I = lagWindow;
     api.vspsRandomNoiseExcitation_G729B_16s = randomNoise;
-    addScalarG729(api);
-    addScalarSubband(api);
-    addScalarFullBand(api);
-    api.vspsVAD1_GSMAMR_16s = vad1;
-    api.vspsVAD2_GSMAMR_16s = vad2;
-    api.vspsFFTFwd_RToPerm_GSMAMR_16s_I = fft128;
-    return api;
-}();
+}
