@@ -1,6 +1,6 @@
 /**
  * @file
- * AMR-WB: sizes of the state objects.
+ * AMR-WB: sizes of the state objects; so far the library only answers how large they will be.
  */
 #ifndef VSPSC_AMRWB_H
 #define VSPSC_AMRWB_H

@@ -1,6 +1,6 @@
 /**
  * @file
- * G.726: sizes of the state objects.
+ * G.726: sizes of the state objects; so far the library only answers how large they will be.
  */
 #ifndef VSPSC_G726_H
 #define VSPSC_G726_H

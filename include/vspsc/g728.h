@@ -1,6 +1,6 @@
 /**
  * @file
- * G.728: sizes of the state objects.
+ * G.728: sizes of the state objects; so far the library only answers how large they will be.
  */
 #ifndef VSPSC_G728_H
 #define VSPSC_G728_H

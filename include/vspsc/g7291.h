@@ -1,6 +1,6 @@
 /**
  * @file
- * G.729.1: sizes of the state objects.
+ * G.729.1: sizes of the state objects; so far the library only answers how large they will be.
  */
 #ifndef VSPSC_G7291_H
 #define VSPSC_G7291_H

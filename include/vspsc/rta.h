@@ -1,6 +1,6 @@
 /**
  * @file
- * RTA: sizes of the state objects.
+ * RTA: sizes of the state objects; so far the library only answers how large they will be.
  */
 #ifndef VSPSC_RTA_H
 #define VSPSC_RTA_H

@@ -1,5 +1,6 @@
 import json
 import os
+import pathlib
 import subprocess
 
 
@@ -26,7 +27,18 @@ def test_text_says_the_same(vsps):
     for value in (info["library"]["name"], info["library"]["version"], f"{info['level']} (x86-64"):
         assert value in text
     for family, count in info["families"].items():
-        assert [family, str(count)] in [line.split() for line in text.split("\n")]
+        assert [family, str(count)] in [line.split()[:2] for line in text.split("\n")]
+
+
+def test_tells_families_that_only_answer_sizes_from_built_ones(vsps):
+    info = vsps.json("info")
+    unbuilt = info["families_of_sizes_only"]
+    marked = [line.split()[0] for line in vsps.ok("info").stdout.split("\n") if line.endswith("sizes of its states only")]
+    assert marked == unbuilt
+    assert "RTA" in unbuilt and not {"EC", "G729", "GSMAMR", "Version"} & set(unbuilt)
+    headers = pathlib.Path(__file__).parents[2] / "include/vspsc"
+    for header in headers.glob("*.h"):  # says so, too
+        assert ("so far the library only answers" in header.read_text()) == (header.stem.upper() in unbuilt), header
 
 
 def test_help_and_version(vsps):

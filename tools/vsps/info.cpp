@@ -5,6 +5,7 @@
 
 #include "commands.h"
 #include "console/json.h"
+#include "console/report_format.h"
 #include "core/cpu.h"
 #include "vspsc.h"
 
@@ -28,10 +29,24 @@ const char* levelName() {
     }
 }
 
-std::map<std::string, int> familyCounts() {
-    std::map<std::string, int> counts;
-    for (const Export& e : kExports) counts[e.family]++;
-    return counts;
+struct Family {
+    std::size_t functions = 0, sizeQueries = 0;
+
+    // What the states of a codec will need is known before the codec is there.
+    bool isBuilt() const { return sizeQueries < functions; }
+};
+
+// vspsEncodeGetStateSize_G726_16s8u
+bool isSizeQuery(const std::string& name) { return name.find("Size_") != std::string::npos; }
+
+std::map<std::string, Family> families() {
+    std::map<std::string, Family> all;
+    for (const Export& e : kExports) {
+        Family& family = all[e.family];
+        family.functions++;
+        family.sizeQueries += isSizeQuery(e.name);
+    }
+    return all;
 }
 
 std::string targetCpu(const VspLibraryVersion& v) {
@@ -39,8 +54,11 @@ std::string targetCpu(const VspLibraryVersion& v) {
 }
 
 void printJson(const VspLibraryVersion& v) {
-    Json families{};
-    for (const auto& [family, count] : familyCounts()) families.add(family, count);
+    Json counts{}, unbuilt = Json::array();
+    for (const auto& [name, family] : families()) {
+        counts.add(name, family.functions);
+        if (!family.isBuilt()) unbuilt.append(name);
+    }
     const Json result{{"library",
                        {{"name", v.Name},
                         {"version", v.Version},
@@ -52,7 +70,8 @@ void printJson(const VspLibraryVersion& v) {
                         {"target_cpu", targetCpu(v)}}},
                       {"level", std::string(levelName()).substr(0, 2)},
                       {"exported_functions", std::size(kExports)},
-                      {"families", families}};
+                      {"families", counts},
+                      {"families_of_sizes_only", unbuilt}};
     std::cout << result.text();
 }
 
@@ -64,8 +83,9 @@ void printText(const VspLibraryVersion& v) {
               << "baseline processor  " << targetCpu(v) << '\n'
               << "level in use        " << levelName() << '\n'
               << "exported functions  " << std::size(kExports) << '\n';
-    for (const auto& [family, count] : familyCounts())
-        std::cout << "  " << family << std::string(18 - family.size(), ' ') << count << '\n';
+    for (const auto& [name, family] : families())
+        std::cout << format("  %-18s%zu", name.c_str(), family.functions)
+                  << (family.isBuilt() ? "" : "  not built yet: tells the sizes of its states only") << '\n';
 }
 
 }  // namespace
