@@ -1,6 +1,7 @@
 // vsps: what the library can do, on recordings. Exit codes: 0 done, 1 a file that cannot be used, 2 bad usage.
 #include <csignal>
 #include <iostream>
+#include <new>
 
 #include "commands.h"
 #include "console/error.h"
@@ -39,6 +40,8 @@ int main(int argc, char** argv) {
     try {
         return run(argc, argv);
     } catch (const ErrorsReported&) {
+    } catch (const std::bad_alloc&) {
+        std::cerr << "vsps: out of memory\n";
     } catch (const std::exception& e) {
         std::cerr << "vsps: " << e.what() << '\n';
     }

@@ -1,11 +1,13 @@
+#include "audio/audio_format.h"
+
 #include <sndfile.h>
 
 #include <algorithm>
 #include <filesystem>
 
-#include "audio/audio.h"
 #include "audio/extension.h"
 #include "console/error.h"
+#include "console/standard_streams.h"
 
 namespace {
 
@@ -14,15 +16,17 @@ struct Format {
     int format;
 };
 
+constexpr int kWav = SF_FORMAT_WAV | SF_FORMAT_PCM_16, kRaw = SF_FORMAT_RAW | SF_FORMAT_PCM_16 | SF_ENDIAN_LITTLE;
+
 constexpr Format kFormats[] = {
-    {".wav", SF_FORMAT_WAV | SF_FORMAT_PCM_16},
+    {".wav", kWav},
     {".flac", SF_FORMAT_FLAC | SF_FORMAT_PCM_16},
     {".au", SF_FORMAT_AU | SF_FORMAT_PCM_16},
     {".snd", SF_FORMAT_AU | SF_FORMAT_PCM_16},
     {".aiff", SF_FORMAT_AIFF | SF_FORMAT_PCM_16},
-    {".raw", SF_FORMAT_RAW | SF_FORMAT_PCM_16 | SF_ENDIAN_LITTLE},
-    {".pcm", SF_FORMAT_RAW | SF_FORMAT_PCM_16 | SF_ENDIAN_LITTLE},
-    {".sln", SF_FORMAT_RAW | SF_FORMAT_PCM_16 | SF_ENDIAN_LITTLE},
+    {".raw", kRaw},
+    {".pcm", kRaw},
+    {".sln", kRaw},
     {".al", SF_FORMAT_RAW | SF_FORMAT_ALAW},
     {".alaw", SF_FORMAT_RAW | SF_FORMAT_ALAW},
     {".ul", SF_FORMAT_RAW | SF_FORMAT_ULAW},
@@ -38,20 +42,20 @@ const Format* find(const std::string& file) {
 
 }  // namespace
 
-int outputFormat(const std::string& file) {
+int outputFormat(const std::string& file, bool raw) {
+    const int stream = raw ? kRaw : kWav;
+    if (file == kStandardStream) return stream;
     std::error_code error;
     const auto status = std::filesystem::status(file, error);
     if (is_directory(status)) throw FileError(file, "is a directory");
     if (const Format* f = find(file)) return f->format;
-    if (is_other(status)) return SF_FORMAT_AU | SF_FORMAT_PCM_16;  // a device such as /dev/stdout has no extension
+    if (is_other(status)) return stream;  // a device such as /dev/stdout has no extension
     throw FileError(file, "unknown extension; use one of " + outputExtensions());
 }
 
 int rawFormat(const std::string& file) {
     const Format* f = find(file);
-    return f != nullptr && (f->format & SF_FORMAT_TYPEMASK) == SF_FORMAT_RAW
-               ? f->format
-               : SF_FORMAT_RAW | SF_FORMAT_PCM_16 | SF_ENDIAN_LITTLE;
+    return f != nullptr && (f->format & SF_FORMAT_TYPEMASK) == SF_FORMAT_RAW ? f->format : kRaw;
 }
 
 std::string outputExtensions() {

@@ -5,41 +5,51 @@
 #include "console/error.h"
 
 namespace {
-constexpr const char* kInput = "Recording: WAV, FLAC, AU, AIFF, ...; 16-bit, A-law, mu-law, float; any rate, any channels";
+
+constexpr const char* kInput =
+    "Recording: WAV, FLAC, AU, AIFF, ...; 16-bit, A-law, mu-law, float; any rate, any channels; - is standard input";
 constexpr const char* kRaw =
     "IN has no header: one channel at RATE Hz, A-law in .al, mu-law in .ul, else 16-bit little-endian";
+
+void addSettings(Command& command, InputSettings& settings) {
+    addRaw(command, settings.rawRate, kRaw);
+    command.option("--channel", settings.channel, "Only channel N of IN, from 1")
+        .takes("N")
+        .within(1, 1024, "the number of a channel");
+}
+
 }  // namespace
 
-std::optional<RawInput> rawInput(int rate) { return rate != 0 ? std::optional(RawInput{rate}) : std::nullopt; }
-
-void printNotes(const std::vector<std::string>& notes) {
-    for (const std::string& note : notes) std::cerr << "vsps: " << note << '\n';
+void addInput(Command& command, std::string& file, InputSettings& settings) {
+    command.option("IN", file, kInput).required();
+    addSettings(command, settings);
 }
 
-Samples readOneChannel(const std::string& file, int rawRate) {
-    Recording recording = readAudio(file, rawInput(rawRate));
-    if (recording.channels.size() > 1)
-        throw FileError(file, "has " + std::to_string(recording.channels.size()) + " channels; a telephone line has one");
-    printNotes(recording.notes);
-    return std::move(recording.channels[0]);
-}
-
-Recording InputOptions::read() const {
-    Recording recording = readAudio(file, rawInput(rawRate));
-    printNotes(recording.notes);
-    return recording;
-}
-
-void addInput(Command& command, InputOptions& in) {
-    command.option("IN", in.file, kInput).required();
-    addRaw(command, in.rawRate, kRaw);
-}
-
-void addInput(Command& command, std::vector<std::string>& files, int& rawRate) {
+void addInput(Command& command, std::vector<std::string>& files, InputSettings& settings) {
     command.option("IN", files, kInput).required();
-    addRaw(command, rawRate, kRaw);
+    addSettings(command, settings);
 }
 
 void addRaw(Command& command, int& rawRate, const std::string& help) {
     command.option("--raw", rawRate, help).takes("RATE:INT in [1000 - 768000]").within(1000, 768000);
+}
+
+AudioReader openInput(const std::string& file, const InputSettings& settings) {
+    AudioReader in({file, settings.rawRate});
+    if (settings.channel != 0) in.select(settings.channel);
+    return in;
+}
+
+AudioReader openOneChannel(const std::string& file, const InputSettings& settings) {
+    AudioReader in({file, settings.rawRate});
+    if (in.channels() == 1) return in;
+    if (settings.channel == 0)
+        throw FileError(in.name(), "has " + std::to_string(in.channels()) +
+                                       " channels; a telephone line has one: choose it with --channel N");
+    in.select(settings.channel);
+    return in;
+}
+
+void printNotes(const std::vector<std::string>& notes) {
+    for (const std::string& note : notes) std::cerr << "vsps: " << note << '\n';
 }

@@ -10,13 +10,16 @@
 #include <csignal>
 #include <cstring>
 #include <filesystem>
+#include <optional>
+#include <utility>
 
 #include "console/error.h"
+#include "console/standard_streams.h"
 
 namespace {
 
 // The temporaries that an interrupt has to remove.
-std::array<std::atomic<const char*>, 4> g_temporaries;
+std::array<std::atomic<const char*>, 64> g_temporaries;
 
 extern "C" void removeAllAndDie(int number) {
     for (const auto& temporary : g_temporaries)
@@ -35,77 +38,114 @@ void watchInterrupts() {
         if (std::signal(number, removeAllAndDie) == SIG_IGN) std::signal(number, SIG_IGN);
 }
 
+// What tells one file from another, if it is there.
+std::optional<struct stat> statusOf(const std::string& file, int standardStream) {
+    struct stat status {};
+    const int result = file == kStandardStream ? fstat(standardStream, &status) : stat(file.c_str(), &status);
+    return result == 0 ? std::optional(status) : std::nullopt;
+}
+
+bool same(const std::string& a, int streamOfA, const std::string& b, int streamOfB) {
+    const auto first = statusOf(a, streamOfA), second = statusOf(b, streamOfB);
+    if (first && second) return first->st_dev == second->st_dev && first->st_ino == second->st_ino;
+    if (first || second || a == kStandardStream || b == kStandardStream) return false;
+    std::error_code error;
+    return std::filesystem::weakly_canonical(a, error) == std::filesystem::weakly_canonical(b, error);
+}
+
+bool isDeviceOrPipe(const std::string& file) {
+    const auto status = statusOf(file, STDOUT_FILENO);
+    return status && !S_ISREG(status->st_mode) && !S_ISDIR(status->st_mode);
+}
+
 }  // namespace
 
-OutputFile::OutputFile(std::string file, std::string content) : file_(std::move(file)), content_(std::move(content)) {
+OutputFile::OutputFile(const std::string& file) : file_(file) {
+    if (file == kStandardStream) {
+        descriptor_ = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 0);
+        if (descriptor_ < 0) fail(errno);
+        return;
+    }
     std::error_code error;
     target_ = std::filesystem::weakly_canonical(file_, error);
-    struct stat status {};
-    const bool exists = stat(file_.c_str(), &status) == 0;
-    if (exists && S_ISDIR(status.st_mode)) throw FileError(file_, "is a directory");
-    if (exists && access(file_.c_str(), W_OK) != 0) fail();
-    if (exists && !S_ISREG(status.st_mode)) return;
-    writeTemporary();
-    if (exists) chmod(temporary_.c_str(), status.st_mode & 07777);
+    const auto status = statusOf(file_, -1);
+    if (status && S_ISDIR(status->st_mode)) throw FileError(file_, "is a directory");
+    if (status && access(file_.c_str(), W_OK) != 0) fail(errno);
+    if (status && !S_ISREG(status->st_mode)) {
+        descriptor_ = open(file_.c_str(), O_WRONLY | O_CLOEXEC);
+        if (descriptor_ < 0) fail(errno);
+        return;
+    }
+    openTemporary();
+    if (status) fchmod(descriptor_, status->st_mode & 07777);
 }
 
 OutputFile::~OutputFile() {
-    if (temporary_.empty()) return;
-    unlink(temporary_.c_str());
-    swapTemporary(temporary_.c_str(), nullptr);
+    if (descriptor_ >= 0) close(descriptor_);
+    removeTemporary();
 }
 
-void OutputFile::commit() {
-    if (temporary_.empty()) return writeInPlace();
-    if (rename(temporary_.c_str(), target_.c_str()) != 0) fail();
+void OutputFile::openTemporary() {
+    watchInterrupts();
+    temporary_ = target_ + ".part" + std::to_string(getpid());
+    swapTemporary(nullptr, temporary_.c_str());
+    descriptor_ = open(temporary_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    if (descriptor_ >= 0) return;
+    const int reason = errno;
+    swapTemporary(temporary_.c_str(), nullptr);
+    temporary_.clear();
+    fail(reason);
+}
+
+void OutputFile::removeTemporary() {
+    if (temporary_.empty()) return;
+    unlink(temporary_.c_str());
     swapTemporary(temporary_.c_str(), nullptr);
     temporary_.clear();
 }
 
-void OutputFile::writeTemporary() {
-    watchInterrupts();
-    temporary_ = target_ + ".part" + std::to_string(getpid());
-    const int descriptor = open(temporary_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-    if (descriptor < 0) {
-        temporary_.clear();
-        fail();
-    }
-    swapTemporary(nullptr, temporary_.c_str());
-    try {
-        write(descriptor);
-    } catch (...) {
-        unlink(temporary_.c_str());
-        swapTemporary(temporary_.c_str(), nullptr);
-        throw;
-    }
-}
-
-void OutputFile::writeInPlace() const {
-    const int descriptor = open(file_.c_str(), O_WRONLY | O_CLOEXEC);
-    if (descriptor < 0) fail();
-    write(descriptor);
-}
-
-// Writes the content and closes the descriptor.
-void OutputFile::write(int descriptor) const {
-    std::size_t done = 0;
-    while (done < content_.size()) {
-        const ssize_t count = ::write(descriptor, content_.data() + done, content_.size() - done);
+void OutputFile::write(std::string_view bytes) {
+    while (!bytes.empty()) {
+        const ssize_t count = ::write(descriptor_, bytes.data(), bytes.size());
         if (count < 0 && errno == EINTR) continue;
-        if (count < 0) {
-            const int reason = errno;
-            close(descriptor);
-            errno = reason;
-            fail();
-        }
-        done += static_cast<std::size_t>(count);
+        if (count < 0) fail(errno);
+        bytes.remove_prefix(static_cast<std::size_t>(count));
     }
-    if (close(descriptor) != 0) fail();
 }
 
-void OutputFile::fail() const { throw FileError(file_, std::string("cannot be written: ") + std::strerror(errno)); }
+void OutputFile::commit() {
+    const int descriptor = std::exchange(descriptor_, -1);
+    if (close(descriptor) != 0) fail(errno);
+    if (temporary_.empty()) return;
+    if (rename(temporary_.c_str(), target_.c_str()) != 0) fail(errno);
+    swapTemporary(temporary_.c_str(), nullptr);
+    temporary_.clear();
+}
 
-bool sameFile(const std::string& a, const std::string& b) {
-    std::error_code error;
-    return std::filesystem::weakly_canonical(a, error) == std::filesystem::weakly_canonical(b, error);
+void OutputFile::fail(int reason) const {
+    throw FileError(outputName(file_), std::string("cannot be written: ") + std::strerror(reason));
+}
+
+bool sameFile(const std::string& a, const std::string& b) { return same(a, STDOUT_FILENO, b, STDOUT_FILENO); }
+
+void refuseSameFiles(const std::vector<std::string>& inputs, const std::vector<std::string>& outputs) {
+    int pipes = 0;
+    for (const std::string& in : inputs) pipes += in == kStandardStream;
+    if (pipes > 1) throw FileError(inputName(kStandardStream), "can be only one of the inputs");
+    for (auto out = outputs.begin(); out != outputs.end(); ++out) {
+        if (out->empty() || isDeviceOrPipe(*out)) continue;
+        for (const std::string& in : inputs)
+            if (!in.empty() && same(in, STDIN_FILENO, *out, STDOUT_FILENO))
+                throw FileError(outputName(*out), "is an input and an output at once");
+        for (auto other = outputs.begin(); other != out; ++other)
+            if (!other->empty() && sameFile(*other, *out)) throw FileError(outputName(*out), "is two outputs at once");
+    }
+}
+
+bool isStandardOutput(const std::string& file) {
+    if (file == kStandardStream) return true;
+    struct stat status {
+    }, standard{};
+    return stat(file.c_str(), &status) == 0 && fstat(STDOUT_FILENO, &standard) == 0 && !S_ISCHR(status.st_mode) &&
+           status.st_dev == standard.st_dev && status.st_ino == standard.st_ino;
 }

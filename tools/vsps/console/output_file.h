@@ -3,29 +3,42 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
-// A file whose whole content goes to a temporary beside it, which commit() puts in its place. Without commit(), after an
-// error or on an interrupt, the temporary is removed and what was there before stays. A target that is not a regular file
-// (a device, a pipe) gets the content in commit().
+// A file that grows as a temporary beside its final name, where commit() puts it. Without commit(), after an error or on
+// an interrupt, the temporary is removed and what was there before stays. Standard output ("-") and a target that is not a
+// regular file (a device, a pipe) get what is written as it comes.
 class OutputFile {
   public:
-    OutputFile(std::string file, std::string content);
+    explicit OutputFile(const std::string& file);
+    OutputFile(const std::string& file, std::string_view content) : OutputFile(file) { write(content); }
     ~OutputFile();
     OutputFile(const OutputFile&) = delete;
     OutputFile& operator=(const OutputFile&) = delete;
 
+    void write(std::string_view bytes);
     void commit();
 
-  private:
-    void write(int descriptor) const;
-    void writeTemporary();
-    void writeInPlace() const;
-    [[noreturn]] void fail() const;  // with the reason in errno
+    int descriptor() const { return descriptor_; }
+    bool isStream() const { return temporary_.empty(); }
+    [[noreturn]] void fail(int reason) const;  // that it cannot be written; reason is a value of errno
 
-    std::string file_, content_;
+  private:
+    void openTemporary();
+    void removeTemporary();
+
+    std::string file_;
     std::string target_;     // file_ with symbolic links resolved
     std::string temporary_;  // empty if there is none
+    int descriptor_ = -1;
 };
 
-// True if both names lead to one file, which need not exist.
+// True if both names lead to one file, also by links, which need not exist. "-" in a list of outputs is standard output.
 bool sameFile(const std::string& a, const std::string& b);
+
+// Ends with a FileError if an output is one of the inputs or another output. Empty names are left out, "-" is standard
+// input among the inputs, which can be there once, and standard output among the outputs. Devices and pipes may be both.
+void refuseSameFiles(const std::vector<std::string>& inputs, const std::vector<std::string>& outputs);
+
+// True if what is written to the file goes to standard output: reports go to standard error then.
+bool isStandardOutput(const std::string& file);

@@ -4,7 +4,10 @@
 #include <memory>
 #include <new>
 
+#include "audio/audio_format.h"
+#include "audio/audio_writer.h"
 #include "audio/input_options.h"
+#include "audio/recording.h"
 #include "commands.h"
 #include "console/error.h"
 #include "console/output_file.h"
@@ -21,9 +24,15 @@ struct Options {
     bool json = false;
 };
 
+Samples readOneChannel(const std::string& file, int rawRate) {
+    Recording recording = readRecording(openOneChannel(file, {rawRate, 0}));
+    printNotes(recording.notes);
+    return std::move(recording.channels[0]);
+}
+
 void runEcho(Options& o) {
     o.settings.engine = o.engine == "subband" ? EchoEngine::subband : EchoEngine::fullband;
-    const int format = outputFormat(o.out);
+    const int format = outputFormat(o.out, o.rawRate != 0);
     for (const std::string& other : {o.far, o.near, o.plot})
         if (!other.empty() && sameFile(o.out, other)) throw FileError(o.out, "is the output and another file at once");
     std::unique_ptr<Gnuplot> gnuplot;
@@ -46,7 +55,8 @@ void runEcho(Options& o) {
     report.settings = o.settings;
     measureEcho(far, near, run, report);
 
-    OutputFile audio(o.out, encodeAudio({run.out}, format, o.out));
+    AudioWriter audio(o.out, format, kRate, 1);
+    audio.write(run.out);
     std::unique_ptr<OutputFile> picture;
     if (gnuplot)
         picture = std::make_unique<OutputFile>(o.plot, drawEcho(*gnuplot, "Echo cancelled in " + o.near, run.frames));

@@ -1,14 +1,31 @@
-// The level control of the library, run over a recording.
+// The level control of the library.
 #pragma once
 
-#include "audio/audio.h"
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "vspsc.h"
 
 struct LevelSettings {
     double target = 26.1;   // dB below full scale that active speech is brought to
     double limit = 0;       // dB below full scale that no output sample exceeds
     double maxGain = 11.6;  // dB
     bool twoPass = false;   // learn the level over the whole recording first
+
+    double highestSample() const;  // that the limit allows
 };
 
-// One channel at 8000 Hz, block by block; the result has as many samples.
-Samples controlLevel(const Samples& in, const LevelSettings& settings);
+// One channel at 8000 Hz.
+class LevelControl {
+  public:
+    explicit LevelControl(const LevelSettings& settings);
+
+    // in and out are of one length, a multiple of 160 but for the last block. out may be in.
+    void process(std::span<const std::int16_t> in, std::span<std::int16_t> out);
+
+  private:
+    VspALCState_G169_16s* state();
+
+    std::vector<double> memory_;
+};

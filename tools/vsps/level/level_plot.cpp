@@ -13,31 +13,28 @@ constexpr std::size_t kPoints = 600;  // about as many as the picture can show
 constexpr std::size_t kChannels = 8;  // more do not fit a picture
 constexpr double kLowest = -90;       // dBov, for digital silence
 
-double timeOf(double frame) { return frame * double(kFrame) / kRate; }
-
-// Time and the mean levels before and after, for stretches of frames.
-std::string levelData(const GainTrace& trace) {
-    const std::size_t stretch = std::max<std::size_t>(1, trace.size() / kPoints);
+// Time and the mean levels before and after, for stretches of the trace.
+std::string levelData(const BoundedTrace<LevelPoint>& trace) {
+    const auto& points = trace.points();
+    const std::size_t stretch = std::max<std::size_t>(1, points.size() / kPoints);
     std::ostringstream data;
-    for (std::size_t i = 0; i < trace.size(); i += stretch) {
-        const std::size_t count = std::min(stretch, trace.size() - i);
-        double in = 0, out = 0;
-        for (std::size_t j = i; j < i + count; j++) {
-            in += trace[j].inPower / double(count);
-            out += trace[j].outPower / double(count);
-        }
-        data << timeOf(double(i) + double(count) / 2) << ' ' << std::max(kLowest, toDbov(in)) << ' '
-             << std::max(kLowest, toDbov(out)) << '\n';
+    for (std::size_t i = 0; i < points.size(); i += stretch) {
+        LevelPoint sum;
+        for (std::size_t j = i; j < std::min(i + stretch, points.size()); j++) sum += points[j];
+        const double begin = double(i) * double(trace.unitsPerPoint()) * kFrameSeconds;
+        data << begin + sum.samples / kRate / 2 << ' ' << std::max(kLowest, toDbov(sum.inPower())) << ' '
+             << std::max(kLowest, toDbov(sum.outPower())) << '\n';
     }
     return data.str();
 }
 
 // Time and gain. It is plotted more finely than the levels, because its first rise takes a fraction of a second.
-std::string gainData(const GainTrace& trace) {
-    const std::size_t step = std::max<std::size_t>(1, trace.size() / (4 * kPoints));
+std::string gainData(const BoundedTrace<LevelPoint>& trace) {
+    const auto& points = trace.points();
+    const std::size_t step = std::max<std::size_t>(1, points.size() / (4 * kPoints));
     std::ostringstream data;
-    for (std::size_t i = 0; i < trace.size(); i += step)
-        data << timeOf(double(i)) << ' ' << 20 * std::log10(trace[i].gain) << '\n';
+    for (std::size_t i = 0; i < points.size(); i += step)
+        data << double(i) * double(trace.unitsPerPoint()) * kFrameSeconds << ' ' << 20 * std::log10(points[i].gain) << '\n';
     return data.str();
 }
 
@@ -62,15 +59,15 @@ std::string gainPanel(const std::string& data, double maxGain) {
 
 }  // namespace
 
-std::string drawLevels(const Gnuplot& gnuplot, const std::string& title, const std::vector<GainTrace>& channels,
+std::string drawLevels(const Gnuplot& gnuplot, const std::string& title, const std::vector<ChannelMeter>& channels,
                        const LevelSettings& settings) {
     const std::size_t count = std::min(channels.size(), kChannels);
     if (count < channels.size()) std::cerr << "vsps: the plot shows the first " << kChannels << " channels\n";
     std::ostringstream commands;
-    commands << kPlotStyle << "set xrange [0:" << timeOf(double(channels.front().size())) << "]\n";
+    commands << kPlotStyle << "set xrange [0:" << kFrameSeconds * double(channels.front().trace().trace().units()) << "]\n";
     for (std::size_t i = 0; i < count; i++)
-        commands << dataBlock("levels" + std::to_string(i), levelData(channels[i]))
-                 << dataBlock("gains" + std::to_string(i), gainData(channels[i]));
+        commands << dataBlock("levels" + std::to_string(i), levelData(channels[i].trace().trace()))
+                 << dataBlock("gains" + std::to_string(i), gainData(channels[i].trace().trace()));
     commands << "set multiplot layout " << 2 * count << ",1 title " << quoted(title) << " noenhanced\n";
     for (std::size_t i = 0; i < count; i++) {
         if (channels.size() > 1) commands << "set title 'channel " << i + 1 << "' left offset 2,0\n";

@@ -1,10 +1,9 @@
 // The picture of a run of vsps level.
 #pragma once
 
-#include "level/gain_trace.h"
-#include "level/level_control.h"
+#include "level/level_report.h"
 #include "plot/gnuplot.h"
 
 // Levels and gain over time, two panels for every channel. Returns the bytes of the picture.
-std::string drawLevels(const Gnuplot& gnuplot, const std::string& title, const std::vector<GainTrace>& channels,
+std::string drawLevels(const Gnuplot& gnuplot, const std::string& title, const std::vector<ChannelMeter>& channels,
                        const LevelSettings& settings);

@@ -4,24 +4,11 @@
 #include <cmath>
 
 #include "console/report_format.h"
+#include "console/standard_streams.h"
 
 namespace {
 
-double peakDbov(const Samples& x) {
-    double peak = 0;
-    for (const std::int16_t sample : x) peak = std::max(peak, std::abs(double(sample)));
-    return toDbov(peak * peak);
-}
-
 double toDb(double gain) { return 20 * std::log10(gain); }
-
-// The limit acts on the gain and the product is truncated: a limited sample is at the limit or one unit below.
-std::size_t countLimited(const Samples& in, const Samples& out, double limitDb) {
-    const double limit = std::min(32767.0, std::floor(32768 / std::pow(10, limitDb / 20)));
-    std::size_t count = 0;
-    for (std::size_t i = 0; i < out.size(); i++) count += in[i] != 0 && std::abs(double(out[i])) >= limit - 1;
-    return count;
-}
 
 std::string row(const char* label, const std::string& in, const std::string& out) {
     return format("  %-17s %12s %12s\n", label, in.c_str(), out.c_str());
@@ -65,36 +52,42 @@ Json channelJson(const ChannelReport& c) {
 
 }  // namespace
 
-ChannelReport measureChannel(const Samples& in, const Samples& out, const GainTrace& trace, const LevelSettings& settings) {
-    const auto known = std::find_if(trace.begin(), trace.end(), [](const Frame& f) { return !std::isnan(f.gain); });
-    ChannelReport c{activeLevel(in),
-                    activeLevel(out),
-                    peakDbov(in),
-                    peakDbov(out),
-                    NAN,
-                    toDb(trace.back().gain),
-                    NAN,
-                    countLimited(in, out, settings.limit),
-                    {}};
-    if (known != trace.end()) {
-        c.firstGain = toDb(known->gain);
-        c.highestGain = toDb(
-            std::max_element(known, trace.end(), [](const Frame& a, const Frame& b) { return a.gain < b.gain; })->gain);
-    }
-    if (!settings.twoPass) c.attenuatedUntil = attenuatedUntil(trace, c.inLevel);
-    if (c.attenuatedUntil) c.attenuatedUntil = std::min(*c.attenuatedUntil, double(in.size()) / kRate);
-    return c;
+// The limit acts on the gain and the product is truncated: a limited sample is at the limit or one unit below.
+void ChannelMeter::process(std::span<const std::int16_t> in, std::span<const std::int16_t> out) {
+    const double limited = settings_.highestSample() - 1;
+    for (std::size_t i = 0; i < out.size(); i++) limited_ += in[i] != 0 && std::abs(double(out[i])) >= limited;
+    samples_ += in.size();
+    in_.process(in);
+    out_.process(out);
+    gain_.process(in, out);
+}
+
+ChannelReport ChannelMeter::finish() {
+    gain_.finish();
+    const auto inLevel = in_.activeLevel();
+    auto attenuated = settings_.twoPass ? std::nullopt : gain_.attenuatedUntil(inLevel);
+    if (attenuated) attenuated = std::min(*attenuated, double(samples_) / kRate);
+    return {inLevel,
+            out_.activeLevel(),
+            in_.peakDbov(),
+            out_.peakDbov(),
+            toDb(gain_.firstGain()),
+            toDb(gain_.lastGain()),
+            toDb(gain_.highestGain()),
+            limited_,
+            attenuated};
 }
 
 std::string toText(const LevelReport& r) {
-    std::string text = r.inFile + format(": %.2f s, %d Hz, %zu channel%s, %s\n", r.seconds(), r.inRate, r.channels.size(),
-                                         r.channels.size() == 1 ? "" : "s", r.settings.twoPass ? "two passes" : "one pass");
+    std::string text =
+        inputName(r.inFile) + format(": %.2f s, %d Hz, %zu channel%s, %s\n", r.seconds(), r.inRate, r.channels.size(),
+                                     r.channels.size() == 1 ? "" : "s", r.settings.twoPass ? "two passes" : "one pass");
     for (std::size_t i = 0; i < r.channels.size(); i++) {
         if (r.channels.size() > 1) text += format(" channel %zu\n", i + 1);
         text += channelText(r.channels[i], r);
     }
     text += format("  speed             %.0f x real time\n", r.timesRealTime());
-    text += "written: " + r.outFile + format(" (%d Hz, %zu samples)\n", kRate, r.samples);
+    text += "written: " + outputName(r.outFile) + format(" (%d Hz, %zu samples)\n", kRate, r.samples);
     if (!r.plotFile.empty()) text += "plot: " + r.plotFile + '\n';
     return text;
 }
@@ -105,7 +98,7 @@ Json toJson(const LevelReport& r) {
     return {
         {"input", {{"file", r.inFile}, {"rate_hz", r.inRate}, {"channels", r.channels.size()}}},
         {"output", {{"file", r.outFile}, {"rate_hz", kRate}, {"samples", r.samples}, {"duration_s", number(r.seconds())}}},
-        {"plot", r.plotFile.empty() ? Json(nullptr) : Json(r.plotFile)},
+        {"plot", nameOrNull(r.plotFile)},
         {"settings",
          {{"target_db", r.settings.target},
           {"limit_db", r.settings.limit},

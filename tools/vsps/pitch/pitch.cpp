@@ -6,6 +6,7 @@
 #include <new>
 
 #include "audio/input_options.h"
+#include "audio/recording.h"
 #include "commands.h"
 #include "console/error.h"
 #include "console/output_file.h"
@@ -17,7 +18,8 @@
 namespace {
 
 struct Options {
-    InputOptions in;
+    std::string in;
+    InputSettings input;
     std::string search = "main", csv, plot;
     bool json = false;
 };
@@ -27,7 +29,7 @@ const std::map<std::string, PitchSearch> kSearches = {
 
 void checkNames(const Options& o) {
     for (const std::string& out : {o.csv, o.plot})
-        if (!out.empty() && sameFile(out, o.in.file)) throw FileError(out, "is the input and an output at once");
+        if (!out.empty() && sameFile(out, o.in)) throw FileError(out, "is the input and an output at once");
     if (!o.csv.empty() && !o.plot.empty() && sameFile(o.csv, o.plot))
         throw FileError(o.csv, "is the table and the plot at once");
 }
@@ -44,19 +46,20 @@ void runPitch(const Options& o) {
     std::unique_ptr<Gnuplot> gnuplot;
     if (!o.plot.empty()) gnuplot = std::make_unique<Gnuplot>(o.plot);
     checkNames(o);
-    const Recording recording = o.in.read();
-    if (recording.length() < kPitchFrame) throw FileError(o.in.file, "too short: the pitch search needs a frame of 10 ms");
+    const Recording recording = readRecording(openInput(o.in, o.input));
+    printNotes(recording.notes);
+    if (recording.length() < kPitchFrame) throw FileError(o.in, "too short: the pitch search needs a frame of 10 ms");
     if (recording.channels.size() > 1)
-        std::cerr << "vsps: " << o.in.file << ": " << recording.channels.size() << " channels, each searched by itself\n";
+        std::cerr << "vsps: " << o.in << ": " << recording.channels.size() << " channels, each searched by itself\n";
 
-    PitchReport report{o.in.file, o.csv, o.plot, recording.fileRate, recording.length(), o.search, 0, {}};
+    PitchReport report{o.in, o.csv, o.plot, recording.fileRate, recording.length(), o.search, 0, {}};
     searchPitch(recording, report);
 
     std::unique_ptr<OutputFile> table, picture;
     if (!o.csv.empty()) table = std::make_unique<OutputFile>(o.csv, toCsv(report.channels));
     if (gnuplot)
         picture = std::make_unique<OutputFile>(
-            o.plot, drawPitch(*gnuplot, "Pitch of " + o.in.file, recording.channels, report.channels));
+            o.plot, drawPitch(*gnuplot, "Pitch of " + o.in, recording.channels, report.channels));
     if (table) table->commit();
     if (picture) picture->commit();
     std::cout << (o.json ? toJson(report).text() : toText(report));
@@ -67,7 +70,7 @@ void runPitch(const Options& o) {
 void addPitch(CommandLine& vsps) {
     Command command = vsps.add("pitch", "Finds the pitch of speech as an ITU-T G.729 encoder does.");
     const auto o = std::make_shared<Options>();
-    addInput(command, o->in);
+    addInput(command, o->in, o->input);
     command.option("--search", o->search, "Whose search: of G.729 (main), its Annex A (a, fast) or D (d, 6.4 kbit/s)")
         .takes("main|a|d")
         .oneOf({"main", "a", "d"})
@@ -93,7 +96,7 @@ void addPitch(CommandLine& vsps) {
         try {
             runPitch(*o);
         } catch (const std::bad_alloc&) {
-            throw FileError(o->in.file, "too long for the memory of this machine");
+            throw FileError(o->in, "too long for the memory of this machine");
         }
     });
 }

@@ -9,8 +9,8 @@
 #include <iterator>
 #include <numeric>
 
-#include "audio/audio.h"
 #include "audio/extension.h"
+#include "audio/recording.h"
 #include "console/error.h"
 #include "console/progress.h"
 #include "simulate_echo/g168_paths.h"
@@ -49,7 +49,7 @@ void readFile(const std::string& file, EchoPath& path) {
     if (extension == ".txt" || extension == ".csv") {
         path.response = readNumbers(file);
     } else {
-        const Recording recording = readAudio(file, {});
+        const Recording recording = readRecording(AudioReader({file}));
         if (recording.channels.size() > 1)
             throw FileError(file, "has " + std::to_string(recording.channels.size()) + " channels; an echo path has one");
         path.response.assign(recording.channels[0].begin(), recording.channels[0].end());

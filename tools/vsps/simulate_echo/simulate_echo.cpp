@@ -4,7 +4,10 @@
 #include <memory>
 #include <new>
 
+#include "audio/audio_format.h"
+#include "audio/audio_writer.h"
 #include "audio/input_options.h"
+#include "audio/recording.h"
 #include "commands.h"
 #include "console/error.h"
 #include "console/output_file.h"
@@ -35,9 +38,15 @@ void bringToOneLength(const Options& o, Samples& far, Samples& near) {
     near.resize(length);
 }
 
+Samples readOneChannel(const std::string& file, int rawRate) {
+    Recording recording = readRecording(openOneChannel(file, {rawRate, 0}));
+    printNotes(recording.notes);
+    return std::move(recording.channels[0]);
+}
+
 void runSimulateEcho(const Options& o) {
     const SimulateSettings& s = o.settings;
-    const int format = outputFormat(o.out);
+    const int format = outputFormat(o.out, o.rawRate != 0);
     for (const std::string& in : {o.far, o.near, s.path})
         if (sameFile(o.out, in)) throw FileError(o.out, "is an input and the output at once");
     const EchoPath path = loadEchoPath(s.path, s.echoReturnLoss);
@@ -66,7 +75,9 @@ void runSimulateEcho(const Options& o) {
                                 measure(line.out),
                                 loss,
                                 line.clipped};
-    OutputFile(o.out, encodeAudio({line.out}, format, o.out)).commit();
+    AudioWriter out(o.out, format, kRate, 1);
+    out.write(line.out);
+    out.commit();
     std::cout << (o.json ? toJson(report).text() : toText(report));
 }
 

@@ -4,6 +4,7 @@
 #include <new>
 
 #include "audio/input_options.h"
+#include "audio/recording.h"
 #include "commands.h"
 #include "console/error.h"
 #include "console/many_files.h"
@@ -16,7 +17,7 @@ constexpr int kWideband = 16000;  // Hz, the detector's other rate
 
 struct Options {
     std::vector<std::string> files;
-    int rawRate = 0;
+    InputSettings input;
     std::size_t jobs = 1;
     bool fixedPoint = false, json = false;
 };
@@ -27,7 +28,9 @@ struct Result {
 };
 
 Result process(const Options& o, const std::string& file) try {
-    Recording recording = readAudio(file, rawInput(o.rawRate), kWideband);
+    AudioReader in = openInput(file, o.input);
+    if (in.fileRate() == kWideband) in.convertTo(kWideband);
+    Recording recording = readRecording(std::move(in));
     Result result{std::move(recording.notes), {file, recording.fileRate, recording.rate, recording.seconds(), {}}};
     if (recording.channels.size() > 1)
         result.notes.push_back(file + ": " + std::to_string(recording.channels.size()) + " channels, each heard by itself");
@@ -59,7 +62,7 @@ void addTone(CommandLine& vsps) {
     Command command =
         vsps.add("tone", "Finds the answer tones with which modems and fax machines disable echo cancellers.");
     const auto o = std::make_shared<Options>();
-    addInput(command, o->files, o->rawRate);
+    addInput(command, o->files, o->input);
     command.flag("--fixed", o->fixedPoint, "Use the fixed-point detector instead of the floating-point one");
     command.flag("--json", o->json, "Print a JSON object instead of text");
     command.option("--jobs", o->jobs, "Recordings processed at a time").takes("N").within(1, 1024).showDefault();

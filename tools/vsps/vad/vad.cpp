@@ -6,6 +6,7 @@
 #include <new>
 
 #include "audio/input_options.h"
+#include "audio/recording.h"
 #include "commands.h"
 #include "console/error.h"
 #include "console/many_files.h"
@@ -19,7 +20,8 @@ constexpr const char* kPlace = "{}";  // what stands for the name of the input i
 
 struct Options {
     std::vector<std::string> files;
-    int rawRate = 0, option = 1;
+    InputSettings input;
+    int option = 1;
     std::size_t jobs = 1;
     VadOutputs outputs;  // patterns
     bool json = false;
@@ -63,7 +65,7 @@ std::vector<VadOutputs> placeOutputs(const Options& o) {
 }
 
 Result process(const Options& o, const std::string& file, const VadOutputs& outputs) try {
-    Recording recording = readAudio(file, rawInput(o.rawRate));
+    Recording recording = readRecording(openInput(file, o.input));
     Result result{
         std::move(recording.notes), {file, outputs, recording.fileRate, recording.length(), o.option, {}}, {}, {}, {}};
     const std::size_t channels = recording.channels.size();
@@ -123,7 +125,7 @@ void checkPatterns(const Options& o) {
 void addVad(CommandLine& vsps) {
     Command command = vsps.add("vad", "Finds the speech in recordings as a GSM-AMR encoder does.");
     const auto o = std::make_shared<Options>();
-    addInput(command, o->files, o->rawRate);
+    addInput(command, o->files, o->input);
     command.option("--option", o->option, "Which detector of the standard: 1 (nine bands) or 2 (sixteen channels)")
         .takes("1|2")
         .oneOf({"1", "2"})

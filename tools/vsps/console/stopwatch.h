@@ -1,0 +1,13 @@
+// How long a command has taken.
+#pragma once
+
+#include <chrono>
+
+class Stopwatch {
+  public:
+    double seconds() const { return std::chrono::duration<double>(Clock::now() - begin_).count(); }
+
+  private:
+    using Clock = std::chrono::steady_clock;
+    Clock::time_point begin_ = Clock::now();
+};
