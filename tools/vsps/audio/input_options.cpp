@@ -8,14 +8,22 @@ namespace {
 
 constexpr const char* kInput =
     "Recording: WAV, FLAC, AU, AIFF, ...; 16-bit, A-law, mu-law, float; any rate, any channels; - is standard input";
-constexpr const char* kRaw =
-    "IN has no header: one channel at RATE Hz, A-law in .al, mu-law in .ul, else 16-bit little-endian";
+
+void addRaw(Command& command, int& rawRate, const std::string& inputs) {
+    command
+        .option("--raw", rawRate,
+                inputs + " no header: one channel at RATE Hz, A-law in .al, mu-law in .ul, else 16-bit little-endian")
+        .takes("RATE:INT in [1000 - 768000]")
+        .within(1000, 768000);
+}
+
+void addChannel(Command& command, int& channel, const std::string& help) {
+    command.option("--channel", channel, help).takes("N").within(1, 1024, "the number of a channel");
+}
 
 void addSettings(Command& command, InputSettings& settings) {
-    addRaw(command, settings.rawRate, kRaw);
-    command.option("--channel", settings.channel, "Only channel N of IN, from 1")
-        .takes("N")
-        .within(1, 1024, "the number of a channel");
+    addRaw(command, settings.rawRate, "IN has");
+    addChannel(command, settings.channel, "Only channel N of IN, from 1");
 }
 
 }  // namespace
@@ -30,8 +38,9 @@ void addInput(Command& command, std::vector<std::string>& files, InputSettings& 
     addSettings(command, settings);
 }
 
-void addRaw(Command& command, int& rawRate, const std::string& help) {
-    command.option("--raw", rawRate, help).takes("RATE:INT in [1000 - 768000]").within(1000, 768000);
+void addInputSettings(Command& command, InputSettings& settings, const std::string& inputs) {
+    addRaw(command, settings.rawRate, inputs + " have");
+    addChannel(command, settings.channel, "Of " + inputs + " with several channels, take channel N, from 1");
 }
 
 AudioReader openInput(const std::string& file, const InputSettings& settings) {

@@ -15,8 +15,8 @@ struct InputSettings {
 // The input, or several into a vector, --raw and --channel.
 void addInput(Command& command, std::string& file, InputSettings& settings);
 void addInput(Command& command, std::vector<std::string>& files, InputSettings& settings);
-// For a command that names its inputs itself: whether they have no header.
-void addRaw(Command& command, int& rawRate, const std::string& help);
+// For a command that names its inputs itself, which have one channel; "inputs" is what its help calls them.
+void addInputSettings(Command& command, InputSettings& settings, const std::string& inputs);
 
 AudioReader openInput(const std::string& file, const InputSettings& settings);
 // A recording of one side of a telephone call: of several channels one has to be chosen.

@@ -1,68 +1,87 @@
 // vsps echo: cancels the echo in a recording of a call's near end.
-#include <algorithm>
 #include <iostream>
 #include <memory>
-#include <new>
 
 #include "audio/audio_format.h"
 #include "audio/audio_writer.h"
-#include "audio/input_options.h"
-#include "audio/recording.h"
 #include "commands.h"
-#include "console/error.h"
 #include "console/output_file.h"
-#include "console/report_format.h"
+#include "console/progress.h"
+#include "console/standard_streams.h"
+#include "console/stopwatch.h"
+#include "echo/call_reader.h"
 #include "echo/echo_plot.h"
 #include "echo/echo_report.h"
 
 namespace {
 
 struct Options {
-    std::string far, near, out, plot, engine = "subband";
-    int rawRate = 0;
+    CallFiles call;
+    std::string out, plot, engine = "subband";
     EchoCancellerSettings settings;
     bool json = false;
 };
 
-Samples readOneChannel(const std::string& file, int rawRate) {
-    Recording recording = readRecording(openOneChannel(file, {rawRate, 0}));
-    printNotes(recording.notes);
-    return std::move(recording.channels[0]);
+void checkUsage(const CallFiles& call) {
+    const bool two = !call.far.empty() || !call.near.empty();
+    if (two && !call.both.empty()) throw UsageError{"--far-near", "excludes --far and --near"};
+    if (call.both.empty() && call.far.empty()) throw UsageError{"--far", "is required, or --far-near"};
+    if (call.both.empty() && call.near.empty()) throw UsageError{"--near", "is required, or --far-near"};
+    if (call.swap && call.both.empty()) throw UsageError{"--swap", "needs --far-near"};
+    if (call.input.channel != 0 && !call.both.empty()) throw UsageError{"--channel", "excludes --far-near"};
+}
+
+void cancelEcho(CallReader& in, const EchoCancellerSettings& settings, AudioWriter& out, EchoMeter& meter) {
+    TracedCanceller canceller(settings);
+    Progress progress("cancelling echo", in.expected());
+    const auto passOn = [&] {
+        out.write(canceller.out());
+        meter.addOutput(canceller.out(), canceller.frames());
+    };
+    for (Samples far, near; in.read(kBlockLength, far, near);) {
+        canceller.process(far, near);
+        meter.addInput(far, near);
+        passOn();
+        progress.advance(near.size());
+    }
+    canceller.finish();
+    passOn();
 }
 
 void runEcho(Options& o) {
+    const Stopwatch stopwatch;
+    checkUsage(o.call);
     o.settings.engine = o.engine == "subband" ? EchoEngine::subband : EchoEngine::fullband;
-    const int format = outputFormat(o.out, o.rawRate != 0);
-    for (const std::string& other : {o.far, o.near, o.plot})
-        if (!other.empty() && sameFile(o.out, other)) throw FileError(o.out, "is the output and another file at once");
+    const int format = outputFormat(o.out, o.call.input.rawRate != 0);
+    refuseSameFiles({o.call.far, o.call.near, o.call.both}, {o.out, o.plot});
     std::unique_ptr<Gnuplot> gnuplot;
     if (!o.plot.empty()) gnuplot = std::make_unique<Gnuplot>(o.plot);
-    Samples far = readOneChannel(o.far, o.rawRate);
-    const Samples near = readOneChannel(o.near, o.rawRate);
-    if (far.size() != near.size())
-        std::cerr << "vsps: " << o.far
-                  << ::format(": %.2f s %s than %s, %s\n", std::abs(double(far.size()) - double(near.size())) / kRate,
-                              far.size() < near.size() ? "shorter" : "longer", o.near.c_str(),
-                              far.size() < near.size() ? "silent from there on" : "the rest is left out");
-    far.resize(near.size());
+    CallReader in(o.call);
+    o.settings.rate = in.rate();
+    AudioWriter out(o.out, format, in.rate(), 1);
 
-    const EchoRun run = cancelEcho(far, near, o.settings);
-    EchoReport report{};
-    report.farFile = o.far;
-    report.nearFile = o.near;
-    report.outFile = o.out;
-    report.plotFile = o.plot;
-    report.settings = o.settings;
-    measureEcho(far, near, run, report);
+    EchoMeter meter(in.rate());
+    cancelEcho(in, o.settings, out, meter);
+    printNotes(in.notes());
+    const bool two = o.call.both.empty();
+    EchoReport report{two ? o.call.far : o.call.both,
+                      two ? o.call.near : o.call.both,
+                      o.out,
+                      o.plot,
+                      o.settings,
+                      in.nearFileRate(),
+                      in.length(),
+                      0,
+                      meter.finish()};
 
-    AudioWriter audio(o.out, format, kRate, 1);
-    audio.write(run.out);
     std::unique_ptr<OutputFile> picture;
     if (gnuplot)
-        picture = std::make_unique<OutputFile>(o.plot, drawEcho(*gnuplot, "Echo cancelled in " + o.near, run.frames));
-    audio.commit();
+        picture =
+            std::make_unique<OutputFile>(o.plot, drawEcho(*gnuplot, "Echo cancelled in " + in.nearName(), meter.trace()));
+    out.commit();
     if (picture) picture->commit();
-    std::cout << (o.json ? toJson(report).text() : toText(report));
+    report.elapsedSeconds = stopwatch.seconds();
+    (isStandardOutput(o.out) ? std::cerr : std::cout) << (o.json ? toJson(report).text() : toText(report));
 }
 
 }  // namespace
@@ -70,9 +89,17 @@ void runEcho(Options& o) {
 void addEcho(CommandLine& vsps) {
     Command command = vsps.add("echo", "Removes the echo of the far end from a recording of the near end.");
     const auto o = std::make_shared<Options>();
-    command.option("--far", o->far, "Recording of what the far end says, the reference; one channel, any rate").required();
-    command.option("--near", o->near, "Recording of the near end with the echo, begun at the same time").required();
-    command.option("OUT", o->out, "Near end without echo, at 8000 Hz; the extension says how: " + outputExtensions())
+    command.option("--far", o->call.far, "Recording of what the far end says, the reference; one channel, any rate")
+        .takes("FAR");
+    command.option("--near", o->call.near, "Recording of the near end with the echo, begun at the same time").takes("NEAR");
+    command.option("--far-near", o->call.both, "Instead of both: one recording with the far end left, the near end right")
+        .takes("FILE");
+    command.flag("--swap", o->call.swap, "In FILE the near end is left, the far end right");
+    command
+        .option("OUT", o->out,
+                "Near end without echo, at 16000 Hz if NEAR has that rate or a higher one, else at 8000 Hz; the extension "
+                "says how: " +
+                    outputExtensions())
         .required();
     command.option("--tail", o->settings.tailMs, "Longest echo path that can be cancelled, besides its bulk delay")
         .takes("ms")
@@ -85,22 +112,19 @@ void addEcho(CommandLine& vsps) {
         .oneOf({"subband", "fullband"})
         .showDefault();
     command.flag("--fixed", o->settings.fixedPoint, "Use the fixed-point functions of the library");
-    addRaw(command, o->rawRate, "FAR and NEAR have no header: see vsps level --help");
+    addInputSettings(command, o->call.input, "FAR and NEAR");
     command.option("--plot", o->plot, "Draw levels and echo removed over time; needs gnuplot").takes("FILE.png|svg|pdf");
     command.flag("--json", o->json, "Print a JSON object instead of text");
     command.footer(
         "ERLE (echo return loss enhancement) is the power of the near end over that of the output, where there is echo\n"
         "alone. Noise and near-end speech stay in the output, so ERLE cannot pass the echo-to-noise ratio. At the answer\n"
         "tone of a modem (2100 Hz with phase reversals, ITU-T G.168) the canceller steps aside.\n\n"
+        "One of FAR, NEAR and FILE can be - for standard input. OUT can be - for standard output, a WAV file or, with\n"
+        "--raw, 16-bit little-endian samples without a header; the report goes to standard error then.\n\n"
         "Examples:\n"
         "  vsps simulate-echo far.wav near.wav line.wav --near-at 8\n"
         "  vsps echo --far far.wav --near line.wav clean.wav --plot echo.png\n"
+        "  vsps echo --far-near call.wav --swap clean.wav\n"
         "  vsps echo --far far.wav --near room.wav clean.wav --tail 256 --json");
-    command.run([o] {
-        try {
-            runEcho(*o);
-        } catch (const std::bad_alloc&) {
-            throw FileError(o->near, "too long for the memory of this machine");
-        }
-    });
+    command.run([o] { runEcho(*o); });
 }

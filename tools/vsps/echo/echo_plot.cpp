@@ -5,37 +5,37 @@
 #include <sstream>
 
 #include "audio/active_level.h"
-#include "echo/echo_report.h"
 
 namespace {
 
 constexpr std::size_t kPoints = 600;  // about as many as the picture can show
 constexpr double kLowest = -90;       // dBov, for digital silence
-constexpr double kFrameSeconds = double(kEchoFrame) / kRate;
 
-// Time and the mean levels of far end, near end and output, for stretches of frames.
-std::string levelData(const std::vector<EchoFrame>& frames) {
-    const std::size_t stretch = std::max<std::size_t>(1, frames.size() / kPoints);
+double timeOf(const EchoTrace& trace, std::size_t point) {
+    return double(point) * double(trace.unitsPerPoint()) * kEchoFrameSeconds;
+}
+
+double secondsOf(const EchoTrace& trace) { return double(trace.units()) * kEchoFrameSeconds; }
+
+// Time and the mean levels of far end, near end and output, for stretches of the trace.
+std::string levelData(const EchoTrace& trace) {
+    const auto& points = trace.points();
+    const std::size_t stretch = std::max<std::size_t>(1, points.size() / kPoints);
     const auto level = [](double power) { return std::max(kLowest, toDbov(power)); };
     std::ostringstream data;
-    for (std::size_t i = 0; i < frames.size(); i += stretch) {
-        const std::size_t count = std::min(stretch, frames.size() - i);
-        double far = 0, near = 0, out = 0;
-        for (std::size_t j = i; j < i + count; j++) {
-            far += frames[j].farPower / double(count);
-            near += frames[j].nearPower / double(count);
-            out += frames[j].outPower / double(count);
-        }
-        data << (double(i) + double(count) / 2) * kFrameSeconds << ' ' << level(far) << ' ' << level(near) << ' '
-             << level(out) << '\n';
+    for (std::size_t i = 0; i < points.size(); i += stretch) {
+        EchoPoint sum;
+        for (std::size_t j = i; j < std::min(i + stretch, points.size()); j++) sum += points[j];
+        data << timeOf(trace, i) + sum.frames / 2 * kEchoFrameSeconds << ' ' << level(sum.farPower / sum.frames) << ' '
+             << level(sum.nearPower / sum.frames) << ' ' << level(sum.outPower / sum.frames) << '\n';
     }
     return data.str();
 }
 
 // Time and enhancement; an empty line leaves a gap where there is no echo alone.
-std::string erleData(const std::vector<EchoFrame>& frames) {
+std::string erleData(const EchoTrace& trace) {
     std::ostringstream data;
-    for (const ErlePoint& point : erleOverTime(frames, std::max(0.2, kFrameSeconds * double(frames.size()) / kPoints)))
+    for (const ErlePoint& point : erleOverTime(trace, std::max(0.2, secondsOf(trace) / kPoints)))
         if (point.erle)
             data << point.seconds << ' ' << *point.erle << '\n';
         else
@@ -44,14 +44,16 @@ std::string erleData(const std::vector<EchoFrame>& frames) {
 }
 
 // Rectangles over the times of double talk.
-std::string shading(const std::vector<EchoFrame>& frames) {
+std::string shading(const EchoTrace& trace) {
+    const auto& points = trace.points();
+    const auto isDoubleTalk = [&](std::size_t i) { return 2 * points[i].doubleTalk > points[i].frames; };
     std::ostringstream commands;
-    for (std::size_t i = 0; i < frames.size();) {
+    for (std::size_t i = 0; i < points.size();) {
         std::size_t end = i;
-        while (end < frames.size() && frames[end].status.doubleTalk) end++;
+        while (end < points.size() && isDoubleTalk(end)) end++;
         if (end > i)
-            commands << "set object rectangle from " << double(i) * kFrameSeconds << ", graph 0 to "
-                     << double(end) * kFrameSeconds << ", graph 1 fc rgb '#fae5d3' fs solid noborder behind\n";
+            commands << "set object rectangle from " << timeOf(trace, i) << ", graph 0 to " << timeOf(trace, end)
+                     << ", graph 1 fc rgb '#fae5d3' fs solid noborder behind\n";
         i = std::max(end, i + 1);
     }
     return commands.str();
@@ -59,14 +61,14 @@ std::string shading(const std::vector<EchoFrame>& frames) {
 
 }  // namespace
 
-std::string drawEcho(const Gnuplot& gnuplot, const std::string& title, const std::vector<EchoFrame>& frames) {
-    const std::string erle = erleData(frames);
+std::string drawEcho(const Gnuplot& gnuplot, const std::string& title, const EchoTrace& trace) {
+    const std::string erle = erleData(trace);
     const bool anyErle = erle.find_first_not_of('\n') != std::string::npos;
     std::ostringstream commands;
-    commands << kPlotStyle << "set xrange [0:" << double(frames.size()) * kFrameSeconds << "]\n"
-             << dataBlock("levels", levelData(frames)) << dataBlock("erle", anyErle ? erle : "0 0\n")
+    commands << kPlotStyle << "set xrange [0:" << secondsOf(trace) << "]\n"
+             << dataBlock("levels", levelData(trace)) << dataBlock("erle", anyErle ? erle : "0 0\n")
              << "set multiplot layout 2,1 title " << quoted(title) << " noenhanced\n"
-             << shading(frames) << "set ylabel 'level, dBov'\nset yrange [-80:0]\nset ytics 20\nset mytics 2\n"
+             << shading(trace) << "set ylabel 'level, dBov'\nset yrange [-80:0]\nset ytics 20\nset mytics 2\n"
              << "plot $levels using 1:2 with lines lw 1.2 lc rgb '#aab7c4' title 'far end', \\\n"
              << "  $levels using 1:3 with lines lw 1.6 lc rgb '#c0392b' title 'near end with echo', \\\n"
              << "  $levels using 1:4 with lines lw 1.6 lc rgb '#0b62a4' title 'output'\n"

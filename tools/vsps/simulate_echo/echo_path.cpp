@@ -10,14 +10,15 @@
 #include <numeric>
 
 #include "audio/extension.h"
+#include "audio/input_options.h"
 #include "audio/recording.h"
+#include "audio/resampler.h"
 #include "console/error.h"
-#include "console/progress.h"
 #include "simulate_echo/g168_paths.h"
 
 namespace {
 
-constexpr std::size_t kLongest = 4 * kRate;  // samples; a longer file is taken for a mistake
+constexpr double kLongest = 4;  // s; a longer file is taken for a mistake
 
 bool isSeparator(char c) { return std::strchr(" \t\r\n,;", c) != nullptr && c != '\0'; }
 
@@ -42,34 +43,47 @@ std::vector<double> readNumbers(const std::string& file) {
     return numbers;
 }
 
-void readFile(const std::string& file, EchoPath& path) {
+// The same echo at another rate.
+std::vector<double> resampled(const std::vector<double>& response, int rate) {
+    if (rate == kRate) return response;
+    Resampler resampler(kRate, rate, 1);
+    std::vector<double> result;
+    const auto append = [&](const std::vector<float>& taps) {
+        for (const float tap : taps) result.push_back(double(tap) * kRate / rate);
+    };
+    append(resampler.process(std::vector<float>(response.begin(), response.end())));
+    append(resampler.finish());
+    return result;
+}
+
+void readFile(const std::string& file, int rate, EchoPath& path) {
     std::error_code error;
     if (!std::filesystem::exists(file, error)) throw FileError(file, "is neither an echo path from d2 to d9 nor a file");
     const std::string extension = extensionOf(file);
     if (extension == ".txt" || extension == ".csv") {
-        path.response = readNumbers(file);
+        path.response = resampled(readNumbers(file), rate);
     } else {
-        const Recording recording = readRecording(AudioReader({file}));
-        if (recording.channels.size() > 1)
-            throw FileError(file, "has " + std::to_string(recording.channels.size()) + " channels; an echo path has one");
+        AudioReader in = openOneChannel(file, {});
+        in.convertTo(rate);
+        const Recording recording = readRecording(std::move(in));
         path.response.assign(recording.channels[0].begin(), recording.channels[0].end());
         path.notes = recording.notes;
     }
-    if (path.response.size() > kLongest) throw FileError(file, "too long for an echo path: more than 4 s");
+    if (double(path.response.size()) > kLongest * rate) throw FileError(file, "too long for an echo path: more than 4 s");
 }
 
 }  // namespace
 
-EchoPath loadEchoPath(const std::string& nameOrFile, double echoReturnLoss) {
+EchoPath loadEchoPath(const std::string& nameOrFile, double echoReturnLoss, int rate) {
     EchoPath path{nameOrFile, {}, {}};
     double scale = std::pow(10, -echoReturnLoss / 20);
     const auto models = g168Paths();
     const auto model = std::find_if(models.begin(), models.end(), [&](const G168Path& m) { return nameOrFile == m.name; });
     if (model != models.end()) {
-        path.response.assign(model->taps.begin(), model->taps.end());
+        path.response = resampled({model->taps.begin(), model->taps.end()}, rate);
         scale *= model->k;
     } else {
-        readFile(nameOrFile, path);
+        readFile(nameOrFile, rate, path);
         const auto& h = path.response;
         const double energy = std::inner_product(h.begin(), h.end(), h.begin(), 0.0);
         if (!std::isnormal(energy)) throw FileError(nameOrFile, "an impulse response without energy or out of range");
@@ -77,19 +91,4 @@ EchoPath loadEchoPath(const std::string& nameOrFile, double echoReturnLoss) {
     }
     for (double& tap : path.response) tap *= scale;
     return path;
-}
-
-std::vector<double> echoOf(const std::vector<double>& x, const EchoPath& path, std::size_t delay) {
-    constexpr std::size_t kBlock = 4096;
-    std::vector<double> echo(x.size());
-    Progress progress("making the echo", x.size());
-    for (std::size_t begin = 0; begin < x.size(); begin += kBlock) {
-        const std::size_t end = std::min(begin + kBlock, x.size());
-        for (std::size_t k = 0; k < path.response.size() && k + delay < end; k++) {
-            const double tap = path.response[k];
-            for (std::size_t n = std::max(begin, k + delay); n < end; n++) echo[n] += tap * x[n - k - delay];
-        }
-        progress.advance(end - begin);
-    }
-    return echo;
 }

@@ -2,83 +2,135 @@
 #include <cmath>
 #include <iostream>
 #include <memory>
-#include <new>
+#include <optional>
 
 #include "audio/audio_format.h"
 #include "audio/audio_writer.h"
 #include "audio/input_options.h"
-#include "audio/recording.h"
 #include "commands.h"
-#include "console/error.h"
 #include "console/output_file.h"
+#include "console/progress.h"
 #include "console/report_format.h"
+#include "simulate_echo/echo_path.h"
 #include "simulate_echo/simulate_report.h"
+#include "simulate_echo/simulation.h"
 
 namespace {
 
 constexpr const char* kNobody = "none";  // as the name of NEAR
+constexpr int kWideband = 16000;         // Hz, the highest rate of an echo canceller
 
 struct Options {
     std::string far, near, out;
-    int rawRate = 0;
+    InputSettings input;
     SimulateSettings settings;
     bool json = false;
 };
 
-// Both begin at once and are made as long as the longer one.
-void bringToOneLength(const Options& o, Samples& far, Samples& near) {
-    const auto say = [](const std::string& file, std::size_t missing) {
-        std::cerr << "vsps: " << file << format(": ends %.2f s early, silent from there on\n", double(missing) / kRate);
-    };
-    if (o.near == kNobody) near.clear();
-    if (far.size() < near.size()) say(o.far, near.size() - far.size());
-    if (near.size() < far.size() && o.near != kNobody) say(o.near, far.size() - near.size());
-    const std::size_t length = std::max(far.size(), near.size());
-    far.resize(length);
-    near.resize(length);
-}
+// A recording that begins some time after the simulation.
+class Talker {
+  public:
+    Talker(AudioReader in, double beginSeconds) : in_(std::move(in)), seconds_(beginSeconds) {}
 
-Samples readOneChannel(const std::string& file, int rawRate) {
-    Recording recording = readRecording(openOneChannel(file, {rawRate, 0}));
-    printNotes(recording.notes);
-    return std::move(recording.channels[0]);
+    void convertTo(int rate) {
+        in_.convertTo(rate);
+        begin_ = waiting_ = std::size_t(std::lround(seconds_ * rate));
+    }
+
+    // The next samples: so many, or fewer at the end.
+    void read(std::size_t count, Samples& samples) {
+        const std::size_t silent = std::min(waiting_, count);
+        waiting_ -= silent;
+        samples.assign(silent, 0);
+        if (silent == count) return;
+        if (in_.read(count - silent, block_)) samples.insert(samples.end(), block_[0].begin(), block_[0].end());
+    }
+
+    const AudioReader& recording() const { return in_; }
+    std::size_t length() const { return begin_ + in_.length(); }
+    std::size_t expected() const { return in_.expected() == 0 ? 0 : begin_ + in_.expected(); }
+
+    void printNotes(std::size_t length) const {
+        ::printNotes(in_.notes());
+        if (this->length() < length)
+            std::cerr << "vsps: " << in_.name()
+                      << format(": ends %.2f s early, silent from there on\n",
+                                double(length - this->length()) / in_.rate());
+    }
+
+  private:
+    AudioReader in_;
+    double seconds_;
+    std::size_t begin_ = 0, waiting_ = 0;  // samples of silence before it: all, and still to come
+    Block block_;
+};
+
+struct Meters {
+    explicit Meters(int rate) : far(rate), near(rate), echo(rate), noise(rate), out(rate) {}
+    LevelMeter far, near, echo, noise, out;
+};
+
+// Both begin at once, and the line is as long as the longer one. Returns its length.
+std::size_t simulate(Talker& far, Talker* near, LineSimulation& line, AudioWriter& out, Meters& meters) {
+    Progress progress("making the echo", std::max(far.expected(), near != nullptr ? near->expected() : 0));
+    std::size_t length = 0;
+    for (Samples farEnd, nearEnd;;) {
+        far.read(kBlockLength, farEnd);
+        nearEnd.clear();
+        if (near != nullptr) near->read(kBlockLength, nearEnd);
+        const std::size_t count = std::max(farEnd.size(), nearEnd.size());
+        if (count == 0) return length;
+        farEnd.resize(count);
+        nearEnd.resize(count);
+        line.process(farEnd, nearEnd);
+        out.write(line.out());
+        meters.far.process(farEnd);
+        meters.near.process(nearEnd);
+        meters.echo.process(line.echo());
+        meters.noise.process(line.noise());
+        meters.out.process(line.out());
+        progress.advance(count);
+        length += count;
+    }
 }
 
 void runSimulateEcho(const Options& o) {
     const SimulateSettings& s = o.settings;
-    const int format = outputFormat(o.out, o.rawRate != 0);
-    for (const std::string& in : {o.far, o.near, s.path})
-        if (sameFile(o.out, in)) throw FileError(o.out, "is an input and the output at once");
-    const EchoPath path = loadEchoPath(s.path, s.echoReturnLoss);
+    const bool nobody = o.near == kNobody;
+    const int format = outputFormat(o.out, o.input.rawRate != 0);
+    refuseSameFiles({o.far, nobody ? "" : o.near, s.path}, {o.out});
+    Talker far(openOneChannel(o.far, o.input), 0);
+    std::optional<Talker> near;
+    if (!nobody) near.emplace(openOneChannel(o.near, o.input), s.nearAt);
+    const int rate = far.recording().fileRate() >= kWideband ? kWideband : kRate;
+    far.convertTo(rate);
+    if (near) near->convertTo(rate);
+    const EchoPath path = loadEchoPath(s.path, s.echoReturnLoss, rate);
     printNotes(path.notes);
-    Samples far = readOneChannel(o.far, o.rawRate), near;
-    if (o.near != kNobody) {
-        near = readOneChannel(o.near, o.rawRate);
-        near.insert(near.begin(), std::size_t(std::lround(s.nearAt * kRate)), 0);
-    }
-    bringToOneLength(o, far, near);
 
-    const auto delay = std::size_t(std::lround(s.delay * kRate / 1000));
-    const auto noise = s.noise ? std::optional(NoiseSettings{*s.noise, s.seed}) : std::nullopt;
-    const LineSignals line = simulateLine(far, near, path, delay, noise);
-    const double loss = 10 * std::log10(line.farPower / line.echoPower);
+    const EchoFilter filter(path.response, std::size_t(std::lround(s.delay * rate / 1000)));
+    LineSimulation line(filter, s.noise ? std::optional(NoiseSettings{*s.noise, s.seed}) : std::nullopt);
+    AudioWriter out(o.out, format, rate, 1);
+    Meters meters(rate);
+    const std::size_t length = simulate(far, near ? &*near : nullptr, line, out, meters);
+    far.printNotes(length);
+    if (near) near->printNotes(length);
     const SimulateReport report{o.far,
-                                o.near == kNobody ? "" : o.near,
+                                nobody ? "" : o.near,
                                 o.out,
                                 s,
+                                rate,
                                 path.response.size(),
-                                far.size(),
-                                measure(far),
-                                measure(near),
-                                measure(line.echo),
-                                measure(line.noise),
-                                measure(line.out),
-                                loss,
-                                line.clipped};
-    AudioWriter out(o.out, format, kRate, 1);
-    out.write(line.out);
+                                length,
+                                measured(meters.far),
+                                measured(meters.near),
+                                measured(meters.echo),
+                                measured(meters.noise),
+                                measured(meters.out),
+                                10 * std::log10(line.farEnergy() / line.echoEnergy()),
+                                line.clipped()};
     out.commit();
-    std::cout << (o.json ? toJson(report).text() : toText(report));
+    (isStandardOutput(o.out) ? std::cerr : std::cout) << (o.json ? toJson(report).text() : toText(report));
 }
 
 }  // namespace
@@ -90,7 +142,11 @@ void addSimulateEcho(CommandLine& vsps) {
     SimulateSettings& s = o->settings;
     command.option("FAR", o->far, "Recording of what the far end says; one channel, any rate").required();
     command.option("NEAR", o->near, "Recording of the near-end talker; \"none\" if nobody talks").required();
-    command.option("OUT", o->out, "Near end with echo and noise, at 8000 Hz; the extension says how: " + outputExtensions())
+    command
+        .option("OUT", o->out,
+                "Near end with echo and noise, at 16000 Hz if FAR has that rate or a higher one, else at 8000 Hz; the "
+                "extension says how: " +
+                    outputExtensions())
         .required();
     command.option("--path", s.path, "Echo path: a model of ITU-T G.168 Annex D, or a file with an impulse response")
         .takes("d2..d9|FILE")
@@ -103,26 +159,24 @@ void addSimulateEcho(CommandLine& vsps) {
     command.option("--noise", s.noise, "Add white noise of this level").takes("dBov").within(-120, 0);
     command.option("--seed", s.seed, "Which noise").takes("N").showDefault();
     command.option("--near-at", s.nearAt, "When NEAR begins").takes("s").within(0, 36000).showDefault();
-    addRaw(command, o->rawRate, "FAR and NEAR have no header: see vsps level --help");
+    addInputSettings(command, o->input, "FAR and NEAR");
     command.flag("--json", o->json, "Print a JSON object instead of text");
     command.footer(
-        "OUT is NEAR + echo of FAR + noise, rounded once, at 8000 Hz and as long as the longer recording. FAR is the\n"
-        "reference for an echo canceller, OUT its input.\n\n"
+        "OUT is NEAR + echo of FAR + noise, rounded once, and as long as the longer recording. FAR is the reference for "
+        "an\n"
+        "echo canceller, OUT its input. One of FAR and NEAR can be - for standard input. OUT can be - for standard "
+        "output,\n"
+        "a WAV file or, with --raw, 16-bit little-endian samples without a header; the report goes to standard error "
+        "then.\n\n"
         "With a model the impulse response is h[n] = tap[n] K 10^(-ERL/20), with taps and K as published; the loss of a\n"
         "particular signal is some decibels more or less, and is reported. A FILE is scaled so that white noise has that\n"
         "loss: a .txt or .csv lists the taps at 8000 Hz, between blanks, commas or line ends, # begins a comment; any\n"
-        "other is a recording of one channel, converted to 8000 Hz. At most 4 s.\n\n"
+        "other is a recording of one channel. At most 4 s; all are converted to the rate of the line.\n\n"
         "Levels are active speech levels (ITU-T P.56) and mean levels, dB relative to full scale: a full-scale sine is\n"
         "at -3 dBov.\n\n"
         "Examples:\n"
         "  vsps simulate-echo far.wav none line.wav\n"
         "  vsps simulate-echo far.wav near.wav line.wav --near-at 8 --path d4 --erl 10 --noise -68\n"
         "  vsps simulate-echo far.flac near.flac room.wav --path kitchen.wav --erl 6 --delay 40");
-    command.run([o] {
-        try {
-            runSimulateEcho(*o);
-        } catch (const std::bad_alloc&) {
-            throw FileError(o->far, "too long for the memory of this machine");
-        }
-    });
+    command.run([o] { runSimulateEcho(*o); });
 }

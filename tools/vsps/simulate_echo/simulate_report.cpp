@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "console/report_format.h"
+#include "console/standard_streams.h"
 
 namespace {
 
@@ -17,16 +18,12 @@ Json levelJson(const SignalLevel& s) {
 
 }  // namespace
 
-SignalLevel measure(const Samples& x) {
-    double energy = 0;
-    for (const std::int16_t sample : x) energy += double(sample) * sample;
-    return {toDbov(energy / double(x.size())), activeLevel(x)};
-}
+SignalLevel measured(const LevelMeter& meter) { return {meter.meanDbov(), meter.activeLevel()}; }
 
 std::string toText(const SimulateReport& r) {
     const SimulateSettings& s = r.settings;
-    std::string text = r.farFile + format(": %.2f s, echo path ", r.seconds()) + s.path +
-                       format(" of %zu taps (%.1f ms), %g ms late\n", r.taps, 1000.0 * double(r.taps) / kRate, s.delay);
+    std::string text = inputName(r.farFile) + format(": %.2f s, echo path ", r.seconds()) + s.path +
+                       format(" of %zu taps (%.1f ms), %g ms late\n", r.taps, 1000.0 * double(r.taps) / r.rate, s.delay);
     text += format("  %-17s %12s %12s\n", "", "active level", "level");
     text += row("far end", r.far);
     text += row("echo", r.echo);
@@ -36,7 +33,7 @@ std::string toText(const SimulateReport& r) {
     text += format("  echo return loss  %.1f dB as set, ", s.echoReturnLoss) + decibels(r.measuredLoss, "dB") +
             " for this far end\n";
     text += format("  samples clipped   %zu (%.2f %%)\n", r.clipped, 100.0 * double(r.clipped) / double(r.samples));
-    text += "written: " + r.outFile + format(" (%d Hz, %zu samples)\n", kRate, r.samples);
+    text += "written: " + outputName(r.outFile) + format(" (%d Hz, %zu samples)\n", r.rate, r.samples);
     return text;
 }
 
@@ -49,7 +46,7 @@ Json toJson(const SimulateReport& r) {
                      : Json{{"file", r.nearFile}, {"begins_s", number(s.nearAt)}, {"level", levelJson(r.near)}}},
         {"output",
          {{"file", r.outFile},
-          {"rate_hz", kRate},
+          {"rate_hz", r.rate},
           {"samples", r.samples},
           {"duration_s", number(r.seconds())},
           {"level", levelJson(r.out)},

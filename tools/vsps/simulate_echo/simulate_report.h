@@ -6,7 +6,6 @@
 
 #include "audio/active_level.h"
 #include "console/json.h"
-#include "simulate_echo/simulation.h"
 
 struct SimulateSettings {
     std::string path = "d2";
@@ -20,17 +19,18 @@ struct SignalLevel {
     std::optional<ActiveLevel> active;
 };
 
-SignalLevel measure(const Samples& x);
+SignalLevel measured(const LevelMeter& meter);
 
 struct SimulateReport {
-    std::string farFile, nearFile, outFile;  // nearFile is empty if nobody talks
+    std::string farFile, nearFile, outFile;  // as they were named; nearFile is empty if nobody talks
     SimulateSettings settings;
+    int rate;  // Hz
     std::size_t taps, samples;
     SignalLevel far, near, echo, noise, out;
     double measuredLoss;  // dB, from the far end to its echo; NaN if one is silent
     std::size_t clipped;
 
-    double seconds() const { return double(samples) / kRate; }
+    double seconds() const { return double(samples) / rate; }
 };
 
 std::string toText(const SimulateReport& report);

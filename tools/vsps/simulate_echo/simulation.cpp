@@ -1,55 +1,58 @@
 #include "simulate_echo/simulation.h"
 
+#include <algorithm>
 #include <cmath>
 #include <numbers>
-#include <random>
+#include <utility>
 
 namespace {
 
-// White and Gaussian (Box and Muller), the same on every system.
-std::vector<double> makeNoise(std::size_t count, const NoiseSettings& settings) {
-    std::mt19937_64 source(settings.seed);
-    const auto uniform = [&] { return (double(source() >> 11) + 0.5) * 0x1p-53; };
-    const double amplitude = 32768 * std::pow(10, settings.level / 20);
-    std::vector<double> noise(count);
-    for (double& x : noise) {
-        const double radius = std::sqrt(-2 * std::log(uniform()));
-        x = amplitude * radius * std::cos(2 * std::numbers::pi * uniform());
-    }
-    return noise;
-}
-
-std::int16_t toPcm(double x, std::size_t& clipped) {
-    const double rounded = std::nearbyint(x);
-    if (rounded >= -32768 && rounded <= 32767) return static_cast<std::int16_t>(rounded);
-    clipped++;
-    return rounded < 0 ? -32768 : 32767;
-}
-
-Samples toPcm(const std::vector<double>& x) {
-    std::size_t ignored = 0;
-    Samples samples;
-    samples.reserve(x.size());
-    for (const double value : x) samples.push_back(toPcm(value, ignored));
-    return samples;
-}
-
-double power(const std::vector<double>& x) {
-    double sum = 0;
-    for (const double value : x) sum += value * value;
-    return sum / double(x.size());
-}
+std::int16_t toPcm(double x) { return static_cast<std::int16_t>(std::clamp(std::nearbyint(x), -32768.0, 32767.0)); }
 
 }  // namespace
 
-LineSignals simulateLine(const Samples& far, const Samples& near, const EchoPath& path, std::size_t delay,
-                         const std::optional<NoiseSettings>& noise) {
-    const std::vector<double> farEnd(far.begin(), far.end());
-    const std::vector<double> echo = echoOf(farEnd, path, delay);
-    const std::vector<double> noiseOnLine = noise ? makeNoise(far.size(), *noise) : std::vector<double>(far.size());
-    LineSignals line{toPcm(echo), toPcm(noiseOnLine), {}, power(farEnd), power(echo), 0};
-    line.out.reserve(far.size());
-    for (std::size_t i = 0; i < far.size(); i++)
-        line.out.push_back(toPcm(near[i] + echo[i] + noiseOnLine[i], line.clipped));
-    return line;
+NoiseSource::NoiseSource(const NoiseSettings& settings)
+    : source_(settings.seed), amplitude_(32768 * std::pow(10, settings.level / 20)) {}
+
+// Box and Muller.
+double NoiseSource::next() {
+    const auto uniform = [&] { return (double(source_() >> 11) + 0.5) * 0x1p-53; };
+    const double radius = std::sqrt(-2 * std::log(uniform()));
+    return amplitude_ * radius * std::cos(2 * std::numbers::pi * uniform());
+}
+
+EchoFilter::EchoFilter(std::vector<double> response, std::size_t delay)
+    : response_(std::move(response)), past_(response_.size() + delay), history_(past_) {}
+
+const std::vector<double>& EchoFilter::process(std::span<const std::int16_t> far) {
+    history_.insert(history_.end(), far.begin(), far.end());
+    echo_.assign(far.size(), 0);
+    const std::size_t delay = past_ - response_.size();
+    for (std::size_t k = 0; k < response_.size(); k++) {
+        const double tap = response_[k];
+        const double* x = history_.data() + past_ - k - delay;
+        for (std::size_t n = 0; n < far.size(); n++) echo_[n] += tap * x[n];
+    }
+    history_.erase(history_.begin(), history_.begin() + std::ptrdiff_t(far.size()));
+    return echo_;
+}
+
+LineSimulation::LineSimulation(const EchoFilter& filter, const std::optional<NoiseSettings>& noise) : filter_(filter) {
+    if (noise) source_.emplace(*noise);
+}
+
+void LineSimulation::process(const Samples& far, const Samples& near) {
+    const std::vector<double>& echo = filter_.process(far);
+    echo_.clear();
+    noise_.clear();
+    out_.clear();
+    for (std::size_t i = 0; i < far.size(); i++) {
+        const double noise = source_ ? source_->next() : 0, sum = near[i] + echo[i] + noise;
+        echo_.push_back(toPcm(echo[i]));
+        noise_.push_back(toPcm(noise));
+        out_.push_back(toPcm(sum));
+        farEnergy_ += double(far[i]) * far[i];
+        echoEnergy_ += echo[i] * echo[i];
+        clipped_ += std::nearbyint(sum) < -32768 || std::nearbyint(sum) > 32767;
+    }
 }

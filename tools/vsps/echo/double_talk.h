@@ -1,0 +1,22 @@
+// The stretches of double talk in what the canceller told of its frames.
+#pragma once
+
+#include <deque>
+#include <limits>
+
+#include "echo/traced_canceller.h"
+
+// The canceller tells moments of near-end speech; the syllables between them belong to it.
+class DoubleTalkJoiner {
+  public:
+    void add(const EchoFrame& frame);
+    void finish() { ended_ = true; }  // when there are no more
+
+    // Takes the next frame out, with the double talk that there is; false as long as the frames after it may change that.
+    bool take(EchoFrame& frame);
+
+  private:
+    std::deque<EchoFrame> frames_;
+    long taken_ = 0, latest_ = std::numeric_limits<long>::min() / 2;  // frames; the latest with near-end speech
+    bool ended_ = false;
+};
