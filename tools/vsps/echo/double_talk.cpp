@@ -1,19 +1,18 @@
 #include "echo/double_talk.h"
 
-namespace {
-constexpr long kJoin = 25;  // frames, half a second
-}
+#include <algorithm>
 
-void DoubleTalkJoiner::add(const EchoFrame& frame) {
-    if (frame.status.doubleTalk) latest_ = taken_ + long(frames_.size());
-    frames_.push_back(frame);
+namespace {
+constexpr std::size_t kJoin = 25;  // frames, half a second
 }
 
 bool DoubleTalkJoiner::take(EchoFrame& frame) {
-    if (frames_.empty() || (!ended_ && long(frames_.size()) <= kJoin)) return false;
+    if (frames_.empty() || (!ended_ && frames_.size() <= kJoin)) return false;
     frame = frames_.front();
+    const auto end = frames_.begin() + std::ptrdiff_t(std::min(frames_.size(), kJoin + 1));
+    const bool follows = std::any_of(frames_.begin(), end, [](const EchoFrame& f) { return f.status.doubleTalk; });
+    sinceNear_ = frame.status.doubleTalk ? 0 : sinceNear_ + 1;
     frames_.pop_front();
-    frame.status.doubleTalk = latest_ >= taken_ - kJoin && frame.status.farActive;
-    taken_++;
+    frame.status.doubleTalk = frame.status.farActive && (follows || sinceNear_ <= kJoin);
     return true;
 }

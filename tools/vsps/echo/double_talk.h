@@ -9,7 +9,7 @@
 // The canceller tells moments of near-end speech; the syllables between them belong to it.
 class DoubleTalkJoiner {
   public:
-    void add(const EchoFrame& frame);
+    void add(const EchoFrame& frame) { frames_.push_back(frame); }
     void finish() { ended_ = true; }  // when there are no more
 
     // Takes the next frame out, with the double talk that there is; false as long as the frames after it may change that.
@@ -17,6 +17,6 @@ class DoubleTalkJoiner {
 
   private:
     std::deque<EchoFrame> frames_;
-    long taken_ = 0, latest_ = std::numeric_limits<long>::min() / 2;  // frames; the latest with near-end speech
+    std::size_t sinceNear_ = std::numeric_limits<std::size_t>::max() / 2;  // frames, since near-end speech
     bool ended_ = false;
 };
