@@ -116,7 +116,7 @@ def test_channels_are_searched_by_themselves(vsps):
     alone = [pitch(vsps, wav16(samples)) for samples in voices]
     report, rows = pitch(vsps, wav(pcm(interleave(voices)), channels=2), "--plot", "plot.png")
     assert [report["channels"][c] for c in (0, 1)] == [alone[c][0]["channels"][0] for c in (0, 1)]
-    assert rows == [{**row, "channel": c + 1} for c in (0, 1) for row in alone[c][1]]
+    assert rows == [{**row, "channel": c + 1} for both in zip(alone[0][1], alone[1][1]) for c, row in enumerate(both)]
     result = vsps.ok("pitch", "in.wav")
     assert result.stderr == "vsps: in.wav: 2 channels, each searched by itself\n"
     assert " channel 2\n" in result.stdout
@@ -153,7 +153,7 @@ def test_files_that_cannot_be_used(vsps):
     vsps.fails("missing/plot.png", "No such file", "pitch", "in.wav", "--csv", "out.csv", "--plot", "missing/plot.png")
     vsps.fails("missing/out.csv", "No such file", "pitch", "in.wav", "--csv", "missing/out.csv", "--plot", "plot.png")
     vsps.fails("./in.wav", "input and an output", "pitch", "in.wav", "--csv", "./in.wav")
-    vsps.fails("same.png", "table and the plot", "pitch", "in.wav", "--csv", "same.png", "--plot", "same.png")
+    vsps.fails("same.png", "is two outputs at once", "pitch", "in.wav", "--csv", "same.png", "--plot", "same.png")
     assert vsps.ok("pitch", "in.wav").stderr == ""  # the shortest one that is long enough comes next
     vsps.put("frame.wav", wav16(tone(1, 3000)[:80]))
     assert vsps.json("pitch", "frame.wav")["channels"][0]["frames"] == 1

@@ -204,9 +204,9 @@ def test_files_that_cannot_be_used(vsps):
     vsps.fails("missing.wav", "No such file", "vad", "missing.wav", "--csv", "out.csv")
     vsps.fails("no/out.csv", "No such file", "vad", "in.wav", "--labels", "out.txt", "--csv", "no/out.csv")
     vsps.fails("plot.bmp", "unknown extension", "vad", "in.wav", "--csv", "out.csv", "--plot", "plot.bmp")
-    vsps.fails("./in.wav", "is the input in.wav and the table", "vad", "in.wav", "--csv", "./{}.wav")
-    vsps.fails("out", "the labels of in.wav at once", "vad", "in.wav", "--csv", "out", "--labels", "out")
-    vsps.fails("in.csv", "the table of in.wav and the table of in.au", "vad", "in.wav", "in.au", "--csv", "{}.csv")
+    vsps.fails("./in.wav", "is an input and an output at once", "vad", "in.wav", "--csv", "./{}.wav")
+    vsps.fails("out", "is two outputs at once", "vad", "in.wav", "--csv", "out", "--labels", "out")
+    vsps.fails("in.csv", "is two outputs at once", "vad", "in.wav", "in.au", "--csv", "{}.csv")
 
 
 @pytest.mark.parametrize("kind, magic", [("png", b"\x89PNG"), ("svg", b"<?xml"), ("pdf", b"%PDF")])

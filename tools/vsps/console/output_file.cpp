@@ -4,13 +4,16 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <cstring>
 #include <filesystem>
+#include <iostream>
 #include <optional>
+#include <set>
 #include <utility>
 
 #include "console/error.h"
@@ -19,7 +22,7 @@
 namespace {
 
 // The temporaries that an interrupt has to remove.
-std::array<std::atomic<const char*>, 64> g_temporaries;
+std::array<std::atomic<const char*>, 4096> g_temporaries;
 
 extern "C" void removeAllAndDie(int number) {
     for (const auto& temporary : g_temporaries)
@@ -45,12 +48,13 @@ std::optional<struct stat> statusOf(const std::string& file, int standardStream)
     return result == 0 ? std::optional(status) : std::nullopt;
 }
 
-bool same(const std::string& a, int streamOfA, const std::string& b, int streamOfB) {
-    const auto first = statusOf(a, streamOfA), second = statusOf(b, streamOfB);
-    if (first && second) return first->st_dev == second->st_dev && first->st_ino == second->st_ino;
-    if (first || second || a == kStandardStream || b == kStandardStream) return false;
+// The same for all names of a file, also by links, whether it is there or not.
+std::string identityOf(const std::string& file, int standardStream) {
+    if (const auto status = statusOf(file, standardStream))
+        return std::to_string(status->st_dev) + ':' + std::to_string(status->st_ino);
     std::error_code error;
-    return std::filesystem::weakly_canonical(a, error) == std::filesystem::weakly_canonical(b, error);
+    const std::string path = std::filesystem::weakly_canonical(file, error);
+    return error ? file : path;
 }
 
 bool isDeviceOrPipe(const std::string& file) {
@@ -126,19 +130,23 @@ void OutputFile::fail(int reason) const {
     throw FileError(outputName(file_), std::string("cannot be written: ") + std::strerror(reason));
 }
 
-bool sameFile(const std::string& a, const std::string& b) { return same(a, STDOUT_FILENO, b, STDOUT_FILENO); }
+bool sameFile(const std::string& a, const std::string& b) {
+    return identityOf(a, STDOUT_FILENO) == identityOf(b, STDOUT_FILENO);
+}
 
 void refuseSameFiles(const std::vector<std::string>& inputs, const std::vector<std::string>& outputs) {
-    int pipes = 0;
-    for (const std::string& in : inputs) pipes += in == kStandardStream;
-    if (pipes > 1) throw FileError(inputName(kStandardStream), "can be only one of the inputs");
-    for (auto out = outputs.begin(); out != outputs.end(); ++out) {
-        if (out->empty() || isDeviceOrPipe(*out)) continue;
-        for (const std::string& in : inputs)
-            if (!in.empty() && same(in, STDIN_FILENO, *out, STDOUT_FILENO))
-                throw FileError(outputName(*out), "is an input and an output at once");
-        for (auto other = outputs.begin(); other != out; ++other)
-            if (!other->empty() && sameFile(*other, *out)) throw FileError(outputName(*out), "is two outputs at once");
+    if (std::count(inputs.begin(), inputs.end(), kStandardStream) > 1)
+        throw FileError(inputName(kStandardStream), "can be only one of the inputs");
+    if (std::count(outputs.begin(), outputs.end(), kStandardStream) > 1)
+        throw FileError(outputName(kStandardStream), "is two outputs at once");
+    std::set<std::string> read, written;
+    for (const std::string& in : inputs)
+        if (!in.empty()) read.insert(identityOf(in, STDIN_FILENO));
+    for (const std::string& out : outputs) {
+        if (out.empty() || isDeviceOrPipe(out)) continue;
+        const std::string identity = identityOf(out, STDOUT_FILENO);
+        if (read.contains(identity)) throw FileError(outputName(out), "is an input and an output at once");
+        if (!written.insert(identity).second) throw FileError(outputName(out), "is two outputs at once");
     }
 }
 
@@ -148,4 +156,8 @@ bool isStandardOutput(const std::string& file) {
     }, standard{};
     return stat(file.c_str(), &status) == 0 && fstat(STDOUT_FILENO, &standard) == 0 && !S_ISCHR(status.st_mode) &&
            status.st_dev == standard.st_dev && status.st_ino == standard.st_ino;
+}
+
+std::ostream& reportStream(const std::vector<std::string>& outputs) {
+    return std::any_of(outputs.begin(), outputs.end(), isStandardOutput) ? std::cerr : std::cout;
 }

@@ -1,6 +1,7 @@
 // Output files that are either complete or not there.
 #pragma once
 
+#include <iosfwd>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -42,3 +43,5 @@ void refuseSameFiles(const std::vector<std::string>& inputs, const std::vector<s
 
 // True if what is written to the file goes to standard output: reports go to standard error then.
 bool isStandardOutput(const std::string& file);
+// Where the report of a command with these outputs goes.
+std::ostream& reportStream(const std::vector<std::string>& outputs);

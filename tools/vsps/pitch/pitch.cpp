@@ -1,19 +1,18 @@
 // vsps pitch: the pitch that a G.729 encoder finds in a recording.
-#include <chrono>
+#include <algorithm>
 #include <iostream>
 #include <map>
 #include <memory>
-#include <new>
 
 #include "audio/input_options.h"
-#include "audio/recording.h"
 #include "commands.h"
 #include "console/error.h"
 #include "console/output_file.h"
-#include "console/report_format.h"
+#include "console/progress.h"
+#include "console/stopwatch.h"
 #include "pitch/pitch_plot.h"
 #include "pitch/pitch_report.h"
-#include "pitch/speech_analysis.h"
+#include "pitch/pitch_table.h"
 
 namespace {
 
@@ -27,42 +26,66 @@ struct Options {
 const std::map<std::string, PitchSearch> kSearches = {
     {"main", PitchSearch::kMain}, {"a", PitchSearch::kAnnexA}, {"d", PitchSearch::kAnnexD}};
 
-void checkNames(const Options& o) {
-    for (const std::string& out : {o.csv, o.plot})
-        if (!out.empty() && sameFile(out, o.in)) throw FileError(out, "is the input and an output at once");
-    if (!o.csv.empty() && !o.plot.empty() && sameFile(o.csv, o.plot))
-        throw FileError(o.csv, "is the table and the plot at once");
-}
+// What is made of the points of a recording while it is searched.
+struct Results {
+    PitchReport report;
+    std::unique_ptr<PitchTable> table;
+    std::vector<PitchCurves> curves;  // of the channels that are plotted
 
-// Fills in the tracks and the time that they took.
-void searchPitch(const Recording& recording, PitchReport& report) {
-    const auto begin = std::chrono::steady_clock::now();
-    for (const Samples& channel : recording.channels)
-        report.channels.push_back(trackPitch(channel, kSearches.at(report.search)));
-    report.searchSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+    void add(std::vector<std::vector<PitchPoint>>& points) {
+        for (std::size_t c = 0; c < points.size(); c++)
+            for (const PitchPoint& point : points[c]) {
+                report.channels[c].add(point);
+                if (c < curves.size()) curves[c].add(point);
+            }
+        if (table) table->add(points);
+        for (auto& channel : points) channel.clear();
+    }
+};
+
+void searchPitch(AudioReader& in, PitchSearch search, Results& results) {
+    std::vector<PitchTracker> trackers;
+    for (std::size_t c = 0; c < in.channels(); c++) trackers.emplace_back(search);
+    std::vector<std::vector<PitchPoint>> points(in.channels());
+    Progress progress("searching the pitch", in.expected());
+    for (Block block; in.read(kBlockLength, block); progress.advance(block[0].size())) {
+        for (std::size_t c = 0; c < trackers.size(); c++) trackers[c].process(block[c], points[c]);
+        for (std::size_t c = 0; c < results.curves.size(); c++) results.curves[c].add(block[c]);
+        results.add(points);
+    }
+    for (std::size_t c = 0; c < trackers.size(); c++) trackers[c].finish(points[c]);
+    results.add(points);
+    results.report.seconds = in.seconds();
+    if (results.report.channels[0].frames() == 0)
+        throw FileError(in.name(), "too short: the pitch search needs a frame of 10 ms");
 }
 
 void runPitch(const Options& o) {
+    const Stopwatch stopwatch;
     std::unique_ptr<Gnuplot> gnuplot;
     if (!o.plot.empty()) gnuplot = std::make_unique<Gnuplot>(o.plot);
-    checkNames(o);
-    const Recording recording = readRecording(openInput(o.in, o.input));
-    printNotes(recording.notes);
-    if (recording.length() < kPitchFrame) throw FileError(o.in, "too short: the pitch search needs a frame of 10 ms");
-    if (recording.channels.size() > 1)
-        std::cerr << "vsps: " << o.in << ": " << recording.channels.size() << " channels, each searched by itself\n";
+    refuseSameFiles({o.in}, {o.csv, o.plot});
+    AudioReader in = openInput(o.in, o.input);
+    const std::size_t channels = in.channels();
+    Results results;
+    results.report = {o.in, o.csv, o.plot, in.fileRate(), 0, o.search, 0, std::vector<PitchSummary>(channels)};
+    if (!o.csv.empty()) results.table = std::make_unique<PitchTable>(o.csv);
+    if (gnuplot) results.curves.resize(std::min(channels, kPlottedPitches));
+    searchPitch(in, kSearches.at(o.search), results);
+    printNotes(in.notes());
+    if (channels > 1) std::cerr << "vsps: " << in.name() << ": " << channels << " channels, each searched by itself\n";
+    if (gnuplot && channels > kPlottedPitches)
+        std::cerr << "vsps: the plot shows the first " << kPlottedPitches << " channels\n";
 
-    PitchReport report{o.in, o.csv, o.plot, recording.fileRate, recording.length(), o.search, 0, {}};
-    searchPitch(recording, report);
-
-    std::unique_ptr<OutputFile> table, picture;
-    if (!o.csv.empty()) table = std::make_unique<OutputFile>(o.csv, toCsv(report.channels));
+    std::unique_ptr<OutputFile> picture;
+    PitchReport& report = results.report;
     if (gnuplot)
         picture = std::make_unique<OutputFile>(
-            o.plot, drawPitch(*gnuplot, "Pitch of " + o.in, recording.channels, report.channels));
-    if (table) table->commit();
+            o.plot, drawPitch(*gnuplot, "Pitch of " + in.name(), report.seconds, results.curves));
+    if (results.table) results.table->commit();
     if (picture) picture->commit();
-    std::cout << (o.json ? toJson(report).text() : toText(report));
+    report.elapsedSeconds = stopwatch.seconds();
+    reportStream({o.csv, o.plot}) << (o.json ? toJson(report).text() : toText(report));
 }
 
 }  // namespace

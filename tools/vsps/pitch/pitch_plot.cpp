@@ -1,40 +1,23 @@
 #include "pitch/pitch_plot.h"
 
-#include <algorithm>
-#include <cmath>
-#include <iostream>
 #include <sstream>
-
-#include "plot/waveform_plot.h"
 
 namespace {
 
-constexpr std::size_t kMostPoints = 6000;  // of the contour
-constexpr std::size_t kChannels = 8;       // more do not fit a picture
-constexpr double kLeap = 1.25;             // ratio that no voice does from one point to the next
-constexpr double kSubframeSeconds = 0.005;
+constexpr double kLeap = 1.25;  // ratio that no voice does from one point to the next
 
-// Time and F0; an empty line leaves a gap where it is not voiced or leaps. In long recordings a point is the median of the
-// voiced subframes in a stretch, if they are at least half of it.
-std::string contourData(const PitchTrack& track) {
-    const std::size_t stretch = track.size() / kMostPoints + 1;
+// Time and F0; an empty line leaves a gap where less than half is voiced or F0 leaps.
+std::string contourData(const BoundedTrace<PitchCurves::Contour>& contour) {
     std::ostringstream data;
-    std::vector<double> f0;
     double last = 0;
-    for (std::size_t i = 0; i < track.size(); i += stretch) {
-        const std::size_t end = std::min(i + stretch, track.size());
-        f0.clear();
-        for (std::size_t j = i; j < end; j++)
-            if (track[j].voiced()) f0.push_back(track[j].f0());
-        if (2 * f0.size() < end - i) {
-            data << '\n';
-            continue;
-        }
-        const auto median = f0.begin() + std::ptrdiff_t(f0.size() / 2);
-        std::nth_element(f0.begin(), median, f0.end());
-        if (*median > kLeap * last || last > kLeap * *median) data << '\n';
-        last = *median;
-        data << double(i + end) / 2 * kSubframeSeconds << ' ' << *median << '\n';
+    for (std::size_t i = 0; i < contour.points().size(); i++) {
+        const PitchCurves::Contour& c = contour.points()[i];
+        const double middle = double(i * contour.unitsPerPoint()) + double(c.subframes) / 2;
+        const bool voiced = 2 * c.voiced >= c.subframes;
+        if (!voiced || c.f0 > kLeap * last || last > kLeap * c.f0) data << '\n';
+        if (!voiced) continue;
+        last = c.f0;
+        data << middle * kPitchPointSeconds << ' ' << c.f0 << '\n';
     }
     return data.str();
 }
@@ -52,24 +35,35 @@ std::string panel(const std::string& number, double height, bool anyVoiced) {
 
 }  // namespace
 
-std::string drawPitch(const Gnuplot& gnuplot, const std::string& title, const std::vector<Samples>& channels,
-                      const std::vector<PitchTrack>& tracks) {
-    const std::size_t count = std::min(channels.size(), kChannels);
-    if (count < channels.size()) std::cerr << "vsps: the plot shows the first " << kChannels << " channels\n";
+void PitchCurves::Contour::operator+=(const Contour& next) {
+    if (next.voiced > 0 && (voiced == 0 || next.predictionGain > predictionGain)) {
+        f0 = next.f0;
+        predictionGain = next.predictionGain;
+    }
+    subframes += next.subframes;
+    voiced += next.voiced;
+}
+
+void PitchCurves::add(const PitchPoint& point) { contour_.add({1, point.voiced(), point.f0(), point.predictionGain}); }
+
+std::string drawPitch(const Gnuplot& gnuplot, const std::string& title, double seconds,
+                      const std::vector<PitchCurves>& channels) {
+    const std::size_t count = channels.size();
     std::ostringstream commands;
-    commands << kPlotStyle
-             << "set border 11\nset lmargin 11\nset rmargin 9\nset xrange [0:" << double(channels.front().size()) / kRate
+    commands << kPlotStyle << "set border 11\nset lmargin 11\nset rmargin 9\nset xrange [0:" << seconds
              << "]\nset xlabel 'time, s'\nset ylabel 'amplitude, full scale = 1'\nset y2label 'F0, Hz'\n"
              << "set y2range [50:400]\nset y2tics 50\nset grid noytics y2tics\n";
-    for (std::size_t i = 0; i < count; i++)
-        commands << dataBlock("waveform" + std::to_string(i), waveformData(channels[i]))
-                 << dataBlock("contour" + std::to_string(i), contourData(tracks[i]));
+    std::vector<std::string> contours;
+    for (std::size_t i = 0; i < count; i++) {
+        contours.push_back(contourData(channels[i].contour()));
+        commands << dataBlock("waveform" + std::to_string(i), channels[i].waveform().data())
+                 << dataBlock("contour" + std::to_string(i), contours[i]);
+    }
     commands << "set multiplot layout " << count << ",1 title " << quoted(title) << " noenhanced\n";
     for (std::size_t i = 0; i < count; i++) {
         if (channels.size() > 1) commands << "set title 'channel " << i + 1 << "' left offset 2,0\n";
-        const bool anyVoiced =
-            std::any_of(tracks[i].begin(), tracks[i].end(), [](const PitchPoint& p) { return p.voiced(); });
-        commands << panel(std::to_string(i), waveformHeight(channels[i]), anyVoiced);
+        const bool anyVoiced = contours[i].find_first_not_of('\n') != std::string::npos;
+        commands << panel(std::to_string(i), channels[i].waveform().height(), anyVoiced);
     }
     commands << "unset multiplot\n";
     return gnuplot.draw(commands.str(), 1400, 60 + 480 * static_cast<int>(count));

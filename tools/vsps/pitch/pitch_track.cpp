@@ -6,7 +6,6 @@
 #include <stdexcept>
 
 #include "audio/active_level.h"
-#include "console/progress.h"
 #include "pitch/speech_analysis.h"
 #include "vspsc.h"
 
@@ -98,27 +97,53 @@ double meanSquare(const std::int16_t* x) {
 
 }  // namespace
 
-PitchTrack trackPitch(const Samples& speech, PitchSearch search) {
-    using Kind = SpeechAnalysis::Kind;
-    SpeechAnalysis analysis(speech, search == PitchSearch::kAnnexA ? Kind::kAnnexA : Kind::kMain);
-    OpenLoop openLoop;
-    ClosedLoop closedLoop(search);
-    const std::size_t frames = speech.size() / kPitchFrame;
-    PitchTrack track;
-    track.reserve(2 * frames);
-    Progress progress("searching the pitch", frames);
-    for (std::size_t i = 0; i < frames; i++) {
-        const FrameSignals signals = analysis.next();
+struct PitchTracker::Coder {
+    explicit Coder(PitchSearch s)
+        : search(s),
+          analysis(s == PitchSearch::kAnnexA ? SpeechAnalysis::Kind::kAnnexA : SpeechAnalysis::Kind::kMain),
+          closedLoop(s) {}
+
+    // Takes a frame and the samples that the analysis looks ahead.
+    void code(std::span<const std::int16_t> samples, std::vector<PitchPoint>& points) {
+        if (!started) analysis.read(samples.first(kPitchLookAhead));
+        started = true;
+        analysis.read(samples.subspan(kPitchLookAhead, kPitchFrame));
+        const FrameSignals signals = analysis.frame();
         PitchPoint point{};
         point.openLoopLag = openLoop.search(signals.weighted, search);
         Vsp16s aroundLag = point.openLoopLag;
         for (const Vsp16s subframe : {Vsp16s(0), Vsp16s(1)}) {
-            point.level = float(toDbov(meanSquare(speech.data() + kPitchSubframe * track.size())));
-            closedLoop.search(signals.subframes[std::size_t(subframe)], aroundLag, subframe, point);
+            const auto number = std::size_t(subframe);
+            point.level = float(toDbov(meanSquare(samples.data() + kPitchSubframe * number)));
+            closedLoop.search(signals.subframes[number], aroundLag, subframe, point);
             aroundLag = point.lag;
-            track.push_back(point);
+            points.push_back(point);
         }
-        progress.advance(1);
     }
-    return track;
+
+    PitchSearch search;
+    SpeechAnalysis analysis;
+    OpenLoop openLoop;
+    ClosedLoop closedLoop;
+    bool started = false;
+};
+
+PitchTracker::PitchTracker(PitchSearch search) : coder_(std::make_unique<Coder>(search)) {}
+PitchTracker::~PitchTracker() = default;
+PitchTracker::PitchTracker(PitchTracker&&) noexcept = default;
+
+void PitchTracker::process(std::span<const std::int16_t> samples, std::vector<PitchPoint>& points) {
+    constexpr std::size_t kNeeded = kPitchFrame + kPitchLookAhead;
+    samples_.insert(samples_.end(), samples.begin(), samples.end());
+    std::size_t done = 0;
+    for (; done + kNeeded <= samples_.size(); done += kPitchFrame)
+        coder_->code(std::span(samples_).subspan(done, kNeeded), points);
+    samples_.erase(samples_.begin(), samples_.begin() + std::ptrdiff_t(done));
+}
+
+void PitchTracker::finish(std::vector<PitchPoint>& points) {
+    if (samples_.size() < kPitchFrame) return;
+    samples_.resize(kPitchFrame + kPitchLookAhead);
+    coder_->code(samples_, points);
+    samples_.clear();
 }

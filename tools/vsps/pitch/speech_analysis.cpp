@@ -6,8 +6,7 @@
 
 namespace {
 
-constexpr std::size_t kLookAhead = 40;
-constexpr std::size_t kFrameBegin = kLpWindow - kLookAhead - kPitchFrame;
+constexpr std::size_t kFrameBegin = kLpWindow - kPitchLookAhead - kPitchFrame;
 constexpr double kLowPass = 0.7;  // G.729 A.3.4
 constexpr double kQ12 = 4096;
 
@@ -75,12 +74,9 @@ std::array<double, N> mean(const std::array<double, N>& a, const std::array<doub
 
 }  // namespace
 
-SpeechAnalysis::SpeechAnalysis(const Samples& speech, Kind kind) : source_(speech), kind_(kind), lsf_(flatSpectrum()) {
-    read(kLookAhead);
-}
+SpeechAnalysis::SpeechAnalysis(Kind kind) : kind_(kind), lsf_(flatSpectrum()) {}
 
-FrameSignals SpeechAnalysis::next() {
-    read(kPitchFrame);
+FrameSignals SpeechAnalysis::frame() {
     const Prediction prediction = predict(window_);
     const Lsf lsf = toLsf(prediction.filter).value_or(lsf_);
     const auto ratios = logAreaRatios(prediction.reflection);
@@ -101,15 +97,16 @@ FrameSignals SpeechAnalysis::next() {
 }
 
 // Moves the window on, with high-pass filtered samples: 140 Hz, divided by 2 (G.729 §3.1).
-void SpeechAnalysis::read(std::size_t count) {
-    std::shift_left(window_.begin(), window_.end(), std::ptrdiff_t(count));
-    for (std::size_t i = kLpWindow - count; i < kLpWindow; i++, position_++) {
-        const double x = position_ < source_.size() ? source_[position_] : 0;
+void SpeechAnalysis::read(std::span<const std::int16_t> samples) {
+    std::shift_left(window_.begin(), window_.end(), std::ptrdiff_t(samples.size()));
+    double* next = window_.data() + kLpWindow - samples.size();
+    for (const std::int16_t sample : samples) {
+        const double x = sample;
         const double y = 0.46363718 * x - 0.92724705 * highPassIn_[0] + 0.46363718 * highPassIn_[1] +
                          1.9059465 * highPassOut_[0] - 0.9114024 * highPassOut_[1];
         highPassIn_ = {x, highPassIn_[0]};
         highPassOut_ = {y, highPassOut_[0]};
-        window_[i] = y;
+        *next++ = y;
     }
 }
 

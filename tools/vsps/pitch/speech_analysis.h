@@ -3,12 +3,13 @@
 
 #include <array>
 #include <cstdint>
+#include <span>
 
-#include "audio/audio.h"
 #include "pitch/perceptual_weighting.h"
 
 constexpr std::size_t kPitchFrame = 80;     // samples, 10 ms
 constexpr std::size_t kPitchSubframe = 40;  // samples, 5 ms
+constexpr std::size_t kPitchLookAhead = 40;
 
 using SubframeSamples = std::array<std::int16_t, kPitchSubframe>;
 
@@ -32,17 +33,17 @@ class SpeechAnalysis {
   public:
     enum class Kind { kMain, kAnnexA };  // Annex A: fixed weighting, low-pass filtered speech for the open loop
 
-    SpeechAnalysis(const Samples& speech, Kind kind);
+    explicit SpeechAnalysis(Kind kind);
 
-    FrameSignals next();  // beyond the end the speech is silence
+    // Takes the next samples.
+    void read(std::span<const std::int16_t> samples);
+    // What there is to know of the frame kPitchLookAhead samples ago; to be called once for each.
+    FrameSignals frame();
 
   private:
-    void read(std::size_t count);
     void weigh(const double* speech, const LpFilter& filter, const Weighting& weighting, std::int16_t* out);
 
-    const Samples& source_;
     const Kind kind_;
-    std::size_t position_ = 0;                            // in the source
     std::array<double, 2> highPassIn_{}, highPassOut_{};  // the last two samples
     std::array<double, kLpWindow> window_{};
     Lsf lsf_;  // of the last frame, like the next

@@ -12,6 +12,7 @@
 
 #include "audio/extension.h"
 #include "console/error.h"
+#include "console/standard_streams.h"
 
 namespace {
 
@@ -82,7 +83,7 @@ std::string terminal(const std::string& kind, int width, int height) {
 
 }  // namespace
 
-Gnuplot::Gnuplot(std::string file) : file_(std::move(file)), kind_(extensionOf(file_)) {
+Gnuplot::Gnuplot(std::string file) : file_(std::move(file)), kind_(file_ == kStandardStream ? ".png" : extensionOf(file_)) {
     if (kind_ != ".png" && kind_ != ".svg" && kind_ != ".pdf")
         throw FileError(file_, "unknown extension for a plot; use one of .png .svg .pdf");
     if (!runGnuplot("", file_).success) throw FileError(file_, "gnuplot does not run");

@@ -3,7 +3,7 @@
 
 #include <string>
 
-// A plot that goes to a file; the extension says whether it is PNG, SVG or PDF.
+// A plot that goes to a file; the extension says whether it is PNG, SVG or PDF. On standard output it is PNG.
 class Gnuplot {
   public:
     // Ends with a FileError if the extension is unknown or gnuplot is not there.

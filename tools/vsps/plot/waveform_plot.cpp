@@ -4,21 +4,27 @@
 #include <cmath>
 #include <sstream>
 
-std::string waveformData(const Samples& x) {
-    constexpr std::size_t kColumns = 2400;  // two for each pixel
-    const std::size_t stretch = std::max<std::size_t>(1, x.size() / kColumns);
+void WaveformOutline::Extremes::operator+=(const Extremes& next) {
+    low = std::min(low, next.low);
+    high = std::max(high, next.high);
+}
+
+void WaveformOutline::add(std::span<const std::int16_t> samples) {
+    for (const std::int16_t x : samples) extremes_.add({x, x});
+}
+
+std::string WaveformOutline::data() const {
     std::ostringstream data;
-    for (std::size_t i = 0; i < x.size(); i += stretch) {
-        const auto begin = x.begin() + std::ptrdiff_t(i);
-        const auto [low, high] = std::minmax_element(begin, begin + std::ptrdiff_t(std::min(stretch, x.size() - i)));
-        data << double(i) / kRate << ' ' << *low / 32768.0 << ' ' << *high / 32768.0 << '\n';
+    for (std::size_t i = 0; i < extremes_.points().size(); i++) {
+        const Extremes& e = extremes_.points()[i];
+        data << double(i * extremes_.unitsPerPoint()) / kRate << ' ' << e.low / 32768.0 << ' ' << e.high / 32768.0 << '\n';
     }
     return data.str();
 }
 
-double waveformHeight(const Samples& x) {
-    double peak = 0;
-    for (const std::int16_t sample : x) peak = std::max(peak, std::abs(double(sample)));
+double WaveformOutline::height() const {
+    int peak = 0;
+    for (const Extremes& e : extremes_.points()) peak = std::max({peak, int(e.high), -int(e.low)});
     return std::max(0.1, std::ceil(10.5 * peak / 32768) / 10);
 }
 

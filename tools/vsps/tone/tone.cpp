@@ -4,11 +4,11 @@
 #include <new>
 
 #include "audio/input_options.h"
-#include "audio/recording.h"
 #include "commands.h"
 #include "console/error.h"
 #include "console/many_files.h"
-#include "console/report_format.h"
+#include "console/output_file.h"
+#include "console/standard_streams.h"
 #include "tone/tone_report.h"
 
 namespace {
@@ -30,18 +30,24 @@ struct Result {
 Result process(const Options& o, const std::string& file) try {
     AudioReader in = openInput(file, o.input);
     if (in.fileRate() == kWideband) in.convertTo(kWideband);
-    Recording recording = readRecording(std::move(in));
-    Result result{std::move(recording.notes), {file, recording.fileRate, recording.rate, recording.seconds(), {}}};
-    if (recording.channels.size() > 1)
-        result.notes.push_back(file + ": " + std::to_string(recording.channels.size()) + " channels, each heard by itself");
-    for (const Samples& channel : recording.channels)
-        result.report.channels.push_back(findAnswerTones(channel, recording.rate, o.fixedPoint));
+    std::vector<AnswerToneFinder> finders(in.channels(), AnswerToneFinder(in.rate(), o.fixedPoint));
+    ToneReport report{file, in.fileRate(), in.rate(), 0, std::vector<std::vector<AnswerTone>>(in.channels())};
+    Progress progress("detecting tones", in.expected());
+    for (Block block; in.read(kBlockLength, block); progress.advance(block[0].size()))
+        for (std::size_t i = 0; i < block.size(); i++) finders[i].process(block[i], report.channels[i]);
+    for (std::size_t i = 0; i < finders.size(); i++) finders[i].finish(report.channels[i]);
+    report.seconds = in.seconds();
+
+    Result result{in.notes(), report};
+    if (in.channels() > 1)
+        result.notes.push_back(in.name() + ": " + std::to_string(in.channels()) + " channels, each heard by itself");
     return result;
 } catch (const std::bad_alloc&) {
-    throw FileError(file, "too long for the memory of this machine");
+    throw FileError(inputName(file), "out of memory");
 }
 
 void runTone(const Options& o) {
+    refuseSameFiles(o.files, {});
     Json files = Json::array();
     const auto work = [&](std::size_t i) { return process(o, o.files[i]); };
     const auto show = [&](const Result& result) {

@@ -2,6 +2,7 @@
 
 #include "audio/active_level.h"
 #include "console/report_format.h"
+#include "console/standard_streams.h"
 
 namespace {
 
@@ -28,8 +29,8 @@ Json toneJson(const AnswerTone& t) {
 }  // namespace
 
 std::string toText(const ToneReport& r) {
-    std::string text = r.inFile + format(": %.2f s, %d Hz, %zu channel%s\n", r.seconds, r.inRate, r.channels.size(),
-                                         r.channels.size() == 1 ? "" : "s");
+    std::string text = inputName(r.inFile) + format(": %.2f s, %d Hz, %zu channel%s\n", r.seconds, r.inRate,
+                                                    r.channels.size(), r.channels.size() == 1 ? "" : "s");
     for (std::size_t i = 0; i < r.channels.size(); i++) {
         if (r.channels.size() > 1) text += format(" channel %zu\n", i + 1);
         text += channelText(r.channels[i]);

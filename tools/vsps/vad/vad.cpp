@@ -1,18 +1,17 @@
 // vsps vad: where there is speech in recordings.
 #include <filesystem>
 #include <iostream>
-#include <map>
 #include <memory>
 #include <new>
 
 #include "audio/input_options.h"
-#include "audio/recording.h"
 #include "commands.h"
 #include "console/error.h"
 #include "console/many_files.h"
 #include "console/output_file.h"
-#include "console/report_format.h"
+#include "console/standard_streams.h"
 #include "vad/vad_plot.h"
+#include "vad/vad_tables.h"
 
 namespace {
 
@@ -27,12 +26,6 @@ struct Options {
     bool json = false;
 };
 
-struct Result {
-    std::vector<std::string> notes;  // for stderr
-    VadReport report;
-    std::string csv, labels, picture;
-};
-
 std::string place(std::string pattern, const std::string& file) {
     const std::string name = std::filesystem::path(file).stem();
     for (std::size_t at = 0; (at = pattern.find(kPlace, at)) != std::string::npos; at += name.size())
@@ -42,56 +35,80 @@ std::string place(std::string pattern, const std::string& file) {
 
 // Where the results of each input go. No output may be an input or another output.
 std::vector<VadOutputs> placeOutputs(const Options& o) {
-    const auto canonical = [](const std::string& file) {
-        std::error_code error;
-        const std::string name = std::filesystem::weakly_canonical(file, error);
-        return error ? file : name;
-    };
-    std::map<std::string, std::string> taken;  // by whom
-    for (const std::string& file : o.files) taken[canonical(file)] = "the input " + file;
-    const auto claim = [&](const std::string& pattern, const std::string& file, const char* what) {
-        std::string out = place(pattern, file);
-        std::error_code error;
-        if (out.empty() || std::filesystem::is_other(out, error)) return out;  // a device or pipe may take several
-        const auto [owner, isNew] = taken.try_emplace(canonical(out), std::string(what) + " of " + file);
-        if (!isNew) throw FileError(out, "is " + owner->second + " and " + what + " of " + file + " at once");
-        return out;
-    };
     std::vector<VadOutputs> all;
-    for (const std::string& file : o.files)
-        all.push_back({claim(o.outputs.csv, file, "the table"), claim(o.outputs.labels, file, "the labels"),
-                       claim(o.outputs.plot, file, "the plot")});
+    std::vector<std::string> names;
+    for (const std::string& file : o.files) {
+        all.push_back({place(o.outputs.csv, file), place(o.outputs.labels, file), place(o.outputs.plot, file)});
+        names.insert(names.end(), {all.back().csv, all.back().labels, all.back().plot});
+    }
+    refuseSameFiles(o.files, names);
     return all;
 }
 
-Result process(const Options& o, const std::string& file, const VadOutputs& outputs) try {
-    Recording recording = readRecording(openInput(file, o.input));
-    Result result{
-        std::move(recording.notes), {file, outputs, recording.fileRate, recording.length(), o.option, {}}, {}, {}, {}};
-    const std::size_t channels = recording.channels.size();
-    if (channels > 1) result.notes.push_back(file + ": " + std::to_string(channels) + " channels, each heard by itself");
-    for (const Samples& channel : recording.channels) result.report.channels.push_back(detectActivity(channel, o.option));
-    if (!outputs.csv.empty()) result.csv = toCsv(result.report);
-    if (!outputs.labels.empty()) result.labels = toLabels(result.report);
-    if (!outputs.plot.empty()) {
-        result.picture = drawActivity(Gnuplot(outputs.plot), result.report, recording.channels);
-        if (channels > kPlottedChannels)
-            result.notes.push_back("the plot shows the first " + std::to_string(kPlottedChannels) + " channels");
+// What is made of the frames of a recording while it is heard.
+struct Results {
+    VadReport report;
+    VadTables tables;
+    std::vector<ActivityCurves> curves;  // of the channels that are plotted
+
+    void add(std::vector<std::vector<ActivityFrame>>& frames) {
+        for (std::size_t c = 0; c < frames.size(); c++)
+            for (const ActivityFrame& frame : frames[c]) {
+                report.channels[c].add(frame);
+                if (c < curves.size()) curves[c].add(frame);
+            }
+        tables.addFrames(frames);
+        tables.addSegments(report.channels);
+        for (auto& channel : frames) channel.clear();
     }
-    return result;
-} catch (const std::bad_alloc&) {
-    throw FileError(file, "too long for the memory of this machine");
+
+    void finish(double seconds) {
+        report.seconds = seconds;
+        for (ActivitySummary& channel : report.channels) channel.finish(seconds);
+        tables.addSegments(report.channels);
+    }
+};
+
+void hear(AudioReader& in, int option, Results& results) {
+    std::vector<VoiceActivity> detectors;
+    for (std::size_t c = 0; c < in.channels(); c++) detectors.emplace_back(option);
+    std::vector<std::vector<ActivityFrame>> frames(in.channels());
+    Progress progress("detecting speech", in.expected());
+    for (Block block; in.read(kBlockLength, block); progress.advance(block[0].size())) {
+        for (std::size_t c = 0; c < detectors.size(); c++) detectors[c].process(block[c], frames[c]);
+        for (std::size_t c = 0; c < results.curves.size(); c++) results.curves[c].add(block[c]);
+        results.add(frames);
+    }
+    for (std::size_t c = 0; c < detectors.size(); c++) detectors[c].finish(frames[c]);
+    results.add(frames);
+    results.finish(in.seconds());
 }
 
-void write(const Result& r) {
-    std::vector<std::unique_ptr<OutputFile>> files;
-    const auto add = [&](const std::string& name, const std::string& content) {
-        if (!name.empty()) files.push_back(std::make_unique<OutputFile>(name, content));
-    };
-    add(r.report.outputs.csv, r.csv);
-    add(r.report.outputs.labels, r.labels);
-    add(r.report.outputs.plot, r.picture);
-    for (const auto& file : files) file->commit();
+// The report, and notes for stderr.
+std::pair<VadReport, std::vector<std::string>> process(const Options& o, const std::string& file,
+                                                       const VadOutputs& outputs) try {
+    AudioReader in = openInput(file, o.input);
+    const std::size_t channels = in.channels();
+    VadTables tables(outputs, o.option, channels);
+    Results results{{file, outputs, in.fileRate(), 0, o.option, std::vector<ActivitySummary>(channels)},
+                    std::move(tables),
+                    std::vector<ActivityCurves>(outputs.plot.empty() ? 0 : std::min(channels, kPlottedChannels))};
+    hear(in, o.option, results);
+    std::vector<std::string> notes = in.notes();
+    if (channels > 1) notes.push_back(in.name() + ": " + std::to_string(channels) + " channels, each heard by itself");
+
+    std::unique_ptr<OutputFile> picture;
+    if (!outputs.plot.empty()) {
+        picture =
+            std::make_unique<OutputFile>(outputs.plot, drawActivity(Gnuplot(outputs.plot), results.report, results.curves));
+        if (channels > kPlottedChannels)
+            notes.push_back("the plot shows the first " + std::to_string(kPlottedChannels) + " channels");
+    }
+    results.tables.commit();
+    if (picture) picture->commit();
+    return {std::move(results.report), std::move(notes)};
+} catch (const std::bad_alloc&) {
+    throw FileError(inputName(file), "out of memory");
 }
 
 void runVad(const Options& o) {
@@ -99,16 +116,17 @@ void runVad(const Options& o) {
     const std::vector<VadOutputs> outputs = placeOutputs(o);
     Json files = Json::array();
     const auto work = [&](std::size_t i) { return process(o, o.files[i], outputs[i]); };
-    const auto show = [&](const Result& result) {
-        printNotes(result.notes);
-        write(result);
+    std::ostream& out = reportStream({o.outputs.csv, o.outputs.labels, o.outputs.plot});
+    const auto show = [&](const auto& result) {
+        const auto& [report, notes] = result;
+        printNotes(notes);
         if (o.json)
-            files.append(toJson(result.report));
+            files.append(toJson(report));
         else
-            std::cout << toText(result.report) << std::flush;
+            out << toText(report) << std::flush;
     };
     const bool good = processFiles(o.files.size(), o.jobs, "detecting speech", work, show);
-    if (o.json) std::cout << Json{{"option", o.option}, {"files", files}}.text();
+    if (o.json) out << Json{{"option", o.option}, {"files", files}}.text();
     if (!good) throw ErrorsReported();
 }
 
@@ -138,7 +156,9 @@ void addVad(CommandLine& vsps) {
     command.option("--jobs", o->jobs, "Recordings processed at a time").takes("N").within(1, 1024).showDefault();
     command.footer(
         "With several inputs, {} in the name of an output stands for the input's name without folder and extension. An\n"
-        "input that cannot be used is reported, the others are still processed, and the exit code is 1.\n\n"
+        "input that cannot be used is reported, the others are still processed, and the exit code is 1. The table or the "
+        "labels\n"
+        "go to standard output as -, and the report to standard error then.\n\n"
         "The detectors of 3GPP TS 26.094 decide for every frame of 20 ms, and extend speech by some frames of hangover.\n"
         "What an encoder feeds them comes from its pre-processing and its open-loop pitch search in the weighted speech,\n"
         "here with the lags and thresholds of the rates from 5.9 to 7.95 kbit/s; linear prediction and weighting run in\n"

@@ -3,13 +3,11 @@
 #include <algorithm>
 #include <sstream>
 
-#include "plot/waveform_plot.h"
+#include "console/standard_streams.h"
 
 namespace {
 
-constexpr std::size_t kMostPoints = 3000;       // of the ratios
 constexpr double kLowest = -10, kHighest = 60;  // dB
-constexpr double kFrameSeconds = 0.02;
 
 // Start and end of the speech; outside the picture if there is none, so that there is something to draw.
 std::string speechData(const std::vector<Segment>& segments) {
@@ -20,14 +18,14 @@ std::string speechData(const std::vector<Segment>& segments) {
 }
 
 // Time, highest ratio in a stretch of frames, reference.
-std::string ratioData(const ActivityTrack& track) {
-    const std::size_t stretch = track.size() / kMostPoints + 1;
+std::string ratioData(const BoundedTrace<ActivityCurves::Ratio>& ratios) {
+    const std::size_t stretch = ratios.unitsPerPoint();
     std::ostringstream data;
-    for (std::size_t i = 0; i < track.size(); i += stretch) {
-        const std::size_t end = std::min(i + stretch, track.size());
-        double ratio = kLowest;
-        for (std::size_t j = i; j < end; j++) ratio = std::max(ratio, track[j].snr);
-        data << double(i + end) / 2 * kFrameSeconds << ' ' << ratio << ' ' << track[i].reference << '\n';
+    for (std::size_t i = 0; i < ratios.points().size(); i++) {
+        const std::size_t begin = i * stretch, end = std::min(begin + stretch, ratios.units());
+        const ActivityCurves::Ratio& r = ratios.points()[i];
+        data << double(begin + end) / 2 * kActivityFrameSeconds << ' ' << std::max(kLowest, r.highest) << ' ' << r.reference
+             << '\n';
     }
     return data.str();
 }
@@ -59,22 +57,22 @@ std::string ratioPanel(const std::string& number, int option) {
 
 }  // namespace
 
-std::string drawActivity(const Gnuplot& gnuplot, const VadReport& report, const std::vector<Samples>& channels) {
-    const std::size_t count = std::min(channels.size(), kPlottedChannels);
+std::string drawActivity(const Gnuplot& gnuplot, const VadReport& report, const std::vector<ActivityCurves>& channels) {
+    const std::size_t count = channels.size();
     std::ostringstream commands;
-    commands << kPlotStyle << "set lmargin 11\nset xrange [0:" << report.seconds() << "]\n";
+    commands << kPlotStyle << "set lmargin 11\nset xrange [0:" << report.seconds << "]\n";
     for (std::size_t i = 0; i < count; i++) {
         const std::string number = std::to_string(i);
-        commands << dataBlock("waveform" + number, waveformData(channels[i]))
-                 << dataBlock("speech" + number, speechData(report.segments(i)))
-                 << dataBlock("ratios" + number, ratioData(report.channels[i]));
+        commands << dataBlock("waveform" + number, channels[i].waveform().data())
+                 << dataBlock("speech" + number, speechData(report.channels[i].segments()))
+                 << dataBlock("ratios" + number, ratioData(channels[i].ratios()));
     }
     commands << "set multiplot layout " << 2 * count << ",1 title "
-             << quoted("Speech in " + report.inFile + ", GSM-AMR option " + std::to_string(report.option))
+             << quoted("Speech in " + inputName(report.inFile) + ", GSM-AMR option " + std::to_string(report.option))
              << " noenhanced\n";
     for (std::size_t i = 0; i < count; i++) {
-        if (channels.size() > 1) commands << "set title 'channel " << i + 1 << "' left offset 2,0\n";
-        commands << "unset xlabel\n" << waveformPanel(std::to_string(i), waveformHeight(channels[i]));
+        if (report.channels.size() > 1) commands << "set title 'channel " << i + 1 << "' left offset 2,0\n";
+        commands << "unset xlabel\n" << waveformPanel(std::to_string(i), channels[i].waveform().height());
         commands << "unset title\nset xlabel 'time, s'\n" << ratioPanel(std::to_string(i), report.option);
     }
     commands << "unset multiplot\n";

@@ -2,43 +2,34 @@
 
 #include <algorithm>
 
-#include "console/progress.h"
-#include "vad/vad_detector.h"
+VoiceActivity::VoiceActivity(int option) : detector_(makeVadDetector(option)) {}
 
-ActivityTrack detectActivity(const Samples& samples, int option) {
-    const auto detector = makeVadDetector(option);
-    AmrPreProcessing preProcessing;
-    AmrWeighting weighting;
-    AmrOpenLoop openLoop;
-    std::array<Vsp16s, kAmrLookAhead + kAmrFrame> speech{};  // pre-processed: the end of the last frame, then the frame
-    ActivityTrack track;
-    track.reserve(samples.size() / kAmrFrame + 1);
-    Progress progress("detecting speech", samples.size());
-    for (std::size_t begin = 0; begin < samples.size(); begin += kAmrFrame) {
-        const std::size_t count = std::min(kAmrFrame, samples.size() - begin);
-        AmrFrame frame{};
-        std::copy_n(samples.begin() + std::ptrdiff_t(begin), count, frame.begin());
-        double energy = 0;
-        for (const std::int16_t x : frame) energy += double(x) * x;
-
-        const AmrFrame processed = preProcessing.process(frame);
-        std::shift_left(speech.begin(), speech.end(), kAmrFrame);
-        std::copy(processed.begin(), processed.end(), speech.end() - kAmrFrame);
-        const bool flag = detector->detect(speech.data(), openLoop.result());
-        openLoop.process(weighting.process(processed));
-        track.push_back({flag, energy / double(count), detector->snr(), detector->reference()});
-        progress.advance(count);
+void VoiceActivity::process(std::span<const std::int16_t> samples, std::vector<ActivityFrame>& frames) {
+    while (!samples.empty()) {
+        const std::size_t count = std::min(kAmrFrame - filled_, samples.size());
+        std::copy_n(samples.begin(), count, frame_.begin() + std::ptrdiff_t(filled_));
+        samples = samples.subspan(count);
+        filled_ += count;
+        if (filled_ == kAmrFrame) frames.push_back(detect());
     }
-    return track;
 }
 
-std::vector<Segment> speechSegments(const ActivityTrack& track, double seconds) {
-    constexpr double kFrameSeconds = double(kAmrFrame) / kRate;
-    std::vector<Segment> segments;
-    for (std::size_t i = 0; i < track.size(); i++) {
-        if (!track[i].speech) continue;
-        if (i == 0 || !track[i - 1].speech) segments.push_back({double(i) * kFrameSeconds, 0});
-        segments.back().end = std::min(double(i + 1) * kFrameSeconds, seconds);
-    }
-    return segments;
+void VoiceActivity::finish(std::vector<ActivityFrame>& frames) {
+    if (filled_ == 0) return;
+    std::fill(frame_.begin() + std::ptrdiff_t(filled_), frame_.end(), 0);
+    frames.push_back(detect());
+}
+
+ActivityFrame VoiceActivity::detect() {
+    double energy = 0;
+    for (const std::int16_t x : frame_) energy += double(x) * x;
+
+    const AmrFrame processed = preProcessing_.process(frame_);
+    std::shift_left(speech_.begin(), speech_.end(), kAmrFrame);
+    std::copy(processed.begin(), processed.end(), speech_.end() - kAmrFrame);
+    const bool flag = detector_->detect(speech_.data(), openLoop_.result());
+    openLoop_.process(weighting_.process(processed));
+    const double power = energy / double(filled_);
+    filled_ = 0;
+    return {flag, power, detector_->snr(), detector_->reference()};
 }

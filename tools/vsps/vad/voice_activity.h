@@ -1,27 +1,38 @@
-// Where there is speech in a recording, as a GSM-AMR encoder detects it.
+// Where there is speech, as a GSM-AMR encoder detects it.
 #pragma once
 
+#include <memory>
+#include <span>
 #include <vector>
 
-#include "audio/audio.h"
+#include "vad/vad_detector.h"
 
-struct ActivityFrame {  // 20 ms
+struct ActivityFrame {
     bool speech;
     double power;      // mean square
     double snr;        // dB, see VadDetector
     double reference;  // dB, see VadDetector
 };
 
-using ActivityTrack = std::vector<ActivityFrame>;
+constexpr double kActivityFrameSeconds = 0.02;
 
-// One frame for every 160 samples begun; silence fills up the last.
-ActivityTrack detectActivity(const Samples& samples, int option);
+class VoiceActivity {
+  public:
+    explicit VoiceActivity(int option);
 
-struct Segment {
-    double start, end;  // s
+    // Takes any number of samples at 8000 Hz and appends the frames that they complete.
+    void process(std::span<const std::int16_t> samples, std::vector<ActivityFrame>& frames);
+    // At the end: appends the frame that has begun, if there is one; silence fills it up.
+    void finish(std::vector<ActivityFrame>& frames);
 
-    double seconds() const { return end - start; }
+  private:
+    ActivityFrame detect();
+
+    std::unique_ptr<VadDetector> detector_;
+    AmrPreProcessing preProcessing_;
+    AmrWeighting weighting_;
+    AmrOpenLoop openLoop_;
+    AmrFrame frame_{};
+    std::size_t filled_ = 0;
+    std::array<Vsp16s, kAmrLookAhead + kAmrFrame> speech_{};  // pre-processed: the end of the last frame, then the frame
 };
-
-// The stretches of speech frames in a recording of so many seconds.
-std::vector<Segment> speechSegments(const ActivityTrack& track, double seconds);
