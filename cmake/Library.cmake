@@ -25,7 +25,9 @@ set(vspsc_level_sources
     src/ec/subband_setup.cpp
     src/ec/tone_detect.cpp
     src/g722/state_sizes.cpp
-    src/g726/state_sizes.cpp
+    src/g726/decode.cpp
+    src/g726/encode.cpp
+    src/g726/state_setup.cpp
     src/g728/state_sizes.cpp
     src/g729/adaptive_codebook_gain.cpp
     src/g729/adaptive_codebook_search.cpp
@@ -47,6 +49,7 @@ set(vspsc_common_sources
     src/core/api.cpp
     src/ec/subband_windows.cpp
     src/ec/tables.cpp
+    src/g726/tables.cpp
     src/g729/tables.cpp
     src/gsmamr/tables.cpp
     src/vector/real_fft_plan.cpp

@@ -50,7 +50,7 @@ class Reader {
     std::size_t position_ = 0;
 };
 
-std::size_t sizeOf(char type) { return type == 'h' ? 2 : type == 'd' ? 8 : 4; }
+std::size_t sizeOf(char type) { return type == 'B' ? 1 : type == 'h' ? 2 : type == 'd' ? 8 : 4; }
 
 }  // namespace
 

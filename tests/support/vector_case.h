@@ -46,7 +46,7 @@ struct VectorCase {
 
 // One array of a case whose meaning is given by its place.
 struct Item {
-    char type;  // h, i, f, or d for Vsp64f
+    char type;  // h, i, f, d for Vsp64f, or B for Vsp8u
     std::vector<std::byte> bytes;
 
     template <class T>
