@@ -9,6 +9,7 @@
 #include "ec/hand_tuned_subband.h"
 #include "ec/scalar_full_band.h"
 #include "ec/scalar_subband.h"
+#include "g726/scalar_g726.h"
 #include "g729/scalar_g729.h"
 #include "gsmamr/scalar_gsmamr.h"
 
@@ -29,7 +30,7 @@ static vsp::Api apiOf(Add... add) {
 
 std::vector<Implementation> implementations() {
     static const vsp::Api scalar =
-        apiOf(addScalarCommon, addScalarG729, addScalarGsmamr, addScalarSubband, addScalarFullBand);
+        apiOf(addScalarCommon, addScalarG726, addScalarG729, addScalarGsmamr, addScalarSubband, addScalarFullBand);
     static const vsp::Api handTuned = apiOf(addHandTunedCommon, addHandTunedSubband, addHandTunedFullBand);
     const vsp::Level level = vsp::bestLevel(vsp::readCpuRegisters());
     std::vector<Implementation> all = {{"library", &kApi_library}, {"y8", &vsp::kApi_y8}};
