@@ -151,17 +151,18 @@ VspStatus vspsInterpolateC_NR_G729_16s_Sfs(const Vsp16s* pSrc1, Vsp16s weight1, 
                                            Vsp16s* pDst, Vsp32s len, Vsp32s scaleFactor);
 
 /**
- * Weighted sum of two vectors whose products have a scale of their own: 2^scaleFactor/65536 times each product.
+ * Weighted sum of two vectors, scaled by the smaller of two factors; the product with the larger one gets less weight.
  *
  * With m the smaller factor and d the difference, the product with the larger factor is shifted right by d, and
  * dst[i] = sat16((product1 + product2 + 2^(15-m)) >> (16-m)). For m of 16 and more nothing is rounded and the sum is
- * shifted left by m-16 with saturation. The sum is exact.
+ * shifted left by m-16 with saturation. The sum is exact. So a product counts 2^m/65536 times with the smaller factor and
+ * 2^(m-d)/65536 times with the larger one.
  *
  * @param[in]  pSrc1         len samples
- * @param[in]  val1          weight of pSrc1; Q15 with scaleFactor1 = 1
+ * @param[in]  val1          weight of pSrc1; Q15 if both factors are 1
  * @param[in]  scaleFactor1  0 or more
  * @param[in]  pSrc2         len samples
- * @param[in]  val2          weight of pSrc2; Q15 with scaleFactor2 = 1
+ * @param[in]  val2          weight of pSrc2; Q15 if both factors are 1
  * @param[in]  scaleFactor2  0 or more
  * @param[out] pDst          len samples; may be pSrc1 or pSrc2
  * @param[in]  len           number of samples

@@ -5,6 +5,7 @@
 #include "alc/blocks.h"
 #include "alc/exports.h"
 #include "core/checks.h"
+#include "vector/for_blocks.h"
 
 namespace vsp::VSP_LEVEL {
 
@@ -169,14 +170,14 @@ VspStatus vspsALC_G169_16s(const Vsp16s* pSrc, Vsp16s* pDst, Vsp32s len, VspALCS
     if (anyNull(pSrc, pDst, pState)) return vspStsNullPtrErr;
     if (len < kBlock || len % kBlock != 0) return vspStsSizeErr;
     State s = *pState;
-    for (int done = 0; done < len; done += kGroup * kBlock) {
-        const int blocks = len - done < kGroup * kBlock ? (len - done) / kBlock : kGroup;
+    forBlocks(len, kGroup * kBlock, [&](Vsp32s done, Vsp32s count) {
+        const int blocks = count / kBlock;
         BlockMeasures measures;
         if (blocks == kGroup) {
             measureBlocks(pSrc + done, measures);
         } else {
             Vsp16s padded[kGroup * kBlock] = {};
-            for (int i = 0; i < blocks * kBlock; i++) padded[i] = pSrc[done + i];
+            for (int i = 0; i < count; i++) padded[i] = pSrc[done + i];
             measureBlocks(padded, measures);
         }
         for (int b = 0; b < blocks; b++) {
@@ -192,7 +193,7 @@ VspStatus vspsALC_G169_16s(const Vsp16s* pSrc, Vsp16s* pDst, Vsp32s len, VspALCS
             limitGain(s);
             applyGain(pSrc + done + b * kBlock, pDst + done + b * kBlock, s.appliedGain);
         }
-    }
+    });
     *pState = s;
     return vspStsNoErr;
 }

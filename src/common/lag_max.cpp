@@ -59,11 +59,12 @@ VspStatus vspsAutoCorrLagMax_Inv_16s(const Vsp16s* pSrc, Vsp32s len, Vsp32s lagM
     if (anyNull(pSrc, pMax, pLag)) return vspStsNullPtrErr;
     if (len < 1) return vspStsSizeErr;
     if (lagMin < 1 || lagMax < lagMin) return vspStsRangeErr;
-    constexpr int kGroup = 128;
-    Vsp32s sums[kGroup], max = kMin32;
+    constexpr int kMaxGroup = 128;
+    const int group = len <= kMax32 - kMaxGroup ? kMaxGroup : 1;  // the samples that a group needs are counted in 32 bits
+    Vsp32s sums[kMaxGroup], max = kMin32;
     int best = lagMax;
-    for (int longest = lagMax; longest >= lagMin; longest -= kGroup) {
-        const int lags = longest - lagMin < kGroup ? longest - lagMin + 1 : kGroup;
+    for (int longest = lagMax; longest >= lagMin; longest -= group) {
+        const int lags = longest - lagMin < group ? longest - lagMin + 1 : group;
         ownLagSums(pSrc, len, longest - lags + 1, longest, sums);
         const int i = ownLastMax(sums, lags);
         if (sums[i] >= max) {

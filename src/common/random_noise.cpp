@@ -2,6 +2,7 @@
 #include "arithmetic/basic_ops.h"
 #include "common/exports.h"
 #include "core/checks.h"
+#include "vector/for_blocks.h"
 #include "vector/simd.h"
 
 namespace vsp::VSP_LEVEL {
@@ -51,7 +52,7 @@ VspStatus vspsRandomNoiseExcitation_G729B_16s(Vsp16s* pSeed, Vsp16s* pDst, Vsp32
     if (anyNull(pSeed, pDst)) return vspStsNullPtrErr;
     if (len < 1) return vspStsSizeErr;
     Vsp16s seed = *pSeed;
-    for (int i = 0; i < len; i += W) {
+    forBlocks(len, W, [&](Vsp32s first, Vsp32s count) {
         const S16 seeds = S16::splat(seed);
         S16 values;
         S32 total = S32::splat(0);
@@ -63,10 +64,9 @@ VspStatus vspsRandomNoiseExcitation_G729B_16s(Vsp16s* pSeed, Vsp16s* pDst, Vsp32
         Vsp16s lastValues[2 * W];
         shr(total, 7).store(sums);
         values.store(lastValues);
-        const int count = len - i < W ? len - i : W;
-        for (int j = 0; j < count; j++) pDst[i + j] = Vsp16s(sums[j]);
+        for (int j = 0; j < count; j++) pDst[first + j] = Vsp16s(sums[j]);
         seed = lastValues[2 * count - 1];
-    }
+    });
     *pSeed = seed;
     return vspStsNoErr;
 }

@@ -2,6 +2,7 @@
 #include "arithmetic/basic_ops.h"
 #include "common/exports.h"
 #include "core/checks.h"
+#include "vector/for_blocks.h"
 #include "vector/magnitude.h"
 
 namespace vsp::VSP_LEVEL {
@@ -93,8 +94,7 @@ VspStatus vspsSynthesisFilter_NR_16s_Sfs(const Vsp16s* pLPC, const Vsp16s* pSrc,
     Vsp16s* const y = buffer + kOrder;
     for (int j = 0; j < kOrder; j++) buffer[j] = pMem[j];
     bool overflow = false;
-    for (int n = 0; n < len; n += kBlock) {
-        const int count = len - n < kBlock ? len - n : kBlock;
+    forBlocks(len, kBlock, [&](Vsp32s n, Vsp32s count) {
         const Outcome outcome = filterBlockWrapping(pLPC, lpcMagnitude, pSrc + n, y, count, scaleFactor);
         if (outcome == Outcome::uncertain)
             overflow |= filterBlockSaturating(pLPC, pSrc + n, y, count, scaleFactor);
@@ -102,7 +102,7 @@ VspStatus vspsSynthesisFilter_NR_16s_Sfs(const Vsp16s* pLPC, const Vsp16s* pSrc,
             overflow |= outcome == Outcome::clipped;
         for (int i = 0; i < count; i++) pDst[n + i] = y[i];
         for (int j = 0; j < kOrder; j++) buffer[j] = y[count - kOrder + j];
-    }
+    });
     return overflow ? vspStsOverflow : vspStsNoErr;
 }
 

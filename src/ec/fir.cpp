@@ -3,6 +3,7 @@
 #include "core/checks.h"
 #include "ec/echo_terms.h"
 #include "ec/exports.h"
+#include "vector/for_blocks.h"
 #include "vector/magnitude.h"
 #include "vector/simd.h"
 
@@ -55,8 +56,7 @@ VspStatus vspsFIR_EC_32f(const Vsp32f* pRef, const Vsp32f* pNear, Vsp32f* pDst, 
     if (len < 1 || numTaps < 1) return vspStsBadArgErr;
     constexpr int W = Sliding32f::width, kBlock = kMaxUnits * W;
     Vsp32f buffer[W + kBlock], *const echo = buffer + W;  // the last vector may begin before the block
-    for (Vsp32s n = 0; n < len; n += kBlock) {
-        const Vsp32s count = len - n < kBlock ? len - n : kBlock;
+    forBlocks(len, kBlock, [&](Vsp32s n, Vsp32s count) {
         if (len >= W)
             echoUpTo<Sliding32f, kMaxUnits>(pRef + n, pTaps, numTaps, echo, count);
         else if (len >= F32_128::width)
@@ -64,7 +64,7 @@ VspStatus vspsFIR_EC_32f(const Vsp32f* pRef, const Vsp32f* pNear, Vsp32f* pDst, 
         else
             echoUpTo<F32_1, F32_128::width - 1>(pRef, pTaps, numTaps, echo, len);
         for (Vsp32s i = 0; i < count; i++) pDst[n + i] = pNear[n + i] - echo[i];
-    }
+    });
     return vspStsNoErr;
 }
 
@@ -160,11 +160,10 @@ VspStatus vspsFIR_EC_16s(const Vsp16s* pRef, const Vsp16s* pNear, Vsp16s* pDst, 
         return vspStsNoErr;
     }
     Vsp32s echo[kMaxOutputs];
-    for (Vsp32s n = 0; n < len; n += kMaxOutputs) {
-        const Vsp32s count = len - n < kMaxOutputs ? len - n : kMaxOutputs;
+    forBlocks(len, kMaxOutputs, [&](Vsp32s n, Vsp32s count) {
         estimateEcho(pRef + n, pTaps, numTaps, echo, count);
         for (Vsp32s i = 0; i < count; i++) pDst[n + i] = sat_16s(pNear[n + i] - echo[i]);
-    }
+    });
     return vspStsNoErr;
 }
 

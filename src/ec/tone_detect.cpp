@@ -6,6 +6,7 @@
 #include "ec/exports.h"
 #include "ec/tables.h"
 #include "ec/tone_detect_state.h"
+#include "vector/for_blocks.h"
 #include "vector/simd.h"
 
 namespace vsp::VSP_LEVEL {
@@ -189,8 +190,8 @@ template <class Resonator, class State, class T>
 bool detect(State& s, const T* src, Vsp32s len) {
     Resonator resonator(s);
     bool flag = false;
-    for (Vsp32s n = 0; n < len; n += kBlock) {
-        const int count = len - n < kBlock ? len - n : kBlock, whole = count & -kGroup;
+    forBlocks(len, kBlock, [&](Vsp32s n, Vsp32s count) {
+        const int whole = count & -kGroup;
         Classes block;
         const auto addGroup = [&](int i, const T* x, int samples) {
             const Classes group = resonator.filter(x, samples);
@@ -205,7 +206,7 @@ bool detect(State& s, const T* src, Vsp32s len) {
             addGroup(whole, rest, count - whole);
         }
         flag |= countSamples(s.counts, block, count);
-    }
+    });
     resonator.keep(s);
     return flag;
 }

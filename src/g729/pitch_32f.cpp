@@ -20,7 +20,7 @@ VSP_INLINE Vsp32f dotProduct(const Vsp32f* a, const Vsp32f* b, int len) {
     constexpr int kSums = 16;
     Vsp32f sums[kSums] = {};
     int n = 0;
-    for (; n + kSums <= len; n += kSums)
+    for (; len - n >= kSums; n += kSums)
         for (int i = 0; i < kSums; i++) sums[i] += a[n + i] * b[n + i];
     for (int i = 0; n + i < len; i++) sums[i] += a[n + i] * b[n + i];
     for (int half = kSums / 2; half > 0; half /= 2)

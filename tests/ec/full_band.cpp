@@ -130,6 +130,18 @@ TEST_P(FullBand, FirIsExactWhereProductsAreLargest) {
                 }
 }
 
+// 65535 of the largest terms fit 32 bits, one more saturates.
+TEST_P(FullBand, SumsOfTheLargestTermsSaturateFromTheFirstThatCan) {
+    for (const Vsp32s numTaps : {65535, 65536}) {
+        Call_16s c(2, numTaps, 1);
+        for (auto* signal : {&c.ref, &c.taps}) std::fill(signal->begin(), signal->end(), Vsp16s(-32768));
+        std::fill(c.steps.begin(), c.steps.end(), 0);
+        c.near = {-1, 0};
+        expectFir(c, api.vspsFIR_EC_16s);
+        expectNlms(c, api.vspsNLMS_EC_16s);
+    }
+}
+
 // Sums beyond the limits of 32 bits that come back to zero, so that the order counts.
 TEST_P(FullBand, LongFiltersSaturateInTheOrderOfTheTaps) {
     constexpr std::size_t kThere = 66000, kBack = 65540;

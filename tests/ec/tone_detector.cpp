@@ -85,7 +85,8 @@ class ToneDetector : public LevelTest {
         VspStatus detect(const Vsp16s* src, Vsp32s n, Vsp32s* flag) {
             return api_.vspsToneDetect_EC_16s(src, n, flag, state_);
         }
-        ToneCounts& counts() { return aligned<ToneDetectState_16s>(state_)->counts; }
+        ToneDetectState_16s& state() { return *aligned<ToneDetectState_16s>(state_); }
+        ToneCounts& counts() { return state().counts; }
 
       private:
         using State = VspToneDetectState_EC_16s;
@@ -254,6 +255,29 @@ TEST_P(ToneDetector, ADipOfMoreThanTwentyMillisecondsStartsAnew) {
     }
     EXPECT_TRUE(0 < fixedFlags && fixedFlags < kSlopes) << fixedFlags;
     EXPECT_TRUE(0 < floatingFlags && floatingFlags < kSlopes) << floatingFlags;
+}
+
+// Powers beside those at which a sample is tone, low or a reversal, the equal ones included: a zero sample makes them of
+// powers that are a little larger.
+TEST_P(ToneDetector, PowersOfTheFixedPointDetectorAreComparedStrictly) {
+    const auto before = [](Vsp64s power) { return Vsp32s((power * 16384 + 15727) / 15728); };
+    for (const Vsp64s in : {0, 1, 2, 2047, 2048, 2049, 16383, 16384, 16385, 49152, 0x10000000, 0x3FFFF800, 0x3FFFFFFF})
+        for (const Vsp64s limit : {in * 7864 >> 14, in * 13107 >> 14})
+            for (Vsp64s out = limit > 2 ? limit - 2 : 0; out <= limit + 2; out++) {
+                Fixed detector(api, 8000);
+                plain::ToneDetector_16s reference(8000);
+                reference.in = detector.state().powerIn = before(in);
+                reference.out = detector.state().powerOut = before(out);
+                reference.runs.run = detector.counts().run = 3600;
+                reference.runs.reversals = detector.counts().reversals = 1;
+                const Vsp16s zero = 0;
+                const bool expected = reference.sample(zero);
+                ASSERT_EQ((std::array{in, out}), (std::array{reference.in, reference.out}));
+                Vsp32s flag = -1;
+                ASSERT_EQ(vspStsNoErr, detector.detect(&zero, 1, &flag));
+                ASSERT_EQ(expected ? 1 : 0, flag) << in << ", " << out;
+                expectCounts(reference.runs, detector.counts());
+            }
 }
 
 // Loud noise after the first reversal. With some tone in it, it is a dip too long; with less of it there is no tone, and

@@ -1,4 +1,6 @@
 // The open-loop searches, and the lag scan below them, against the standard's definition.
+#include <cmath>
+
 #include "g729/signals.h"
 #include "support/guarded.h"
 #include "support/level_test.h"
@@ -26,6 +28,35 @@ TEST_P(OpenLoop, FollowsTheDefinitionFromSilenceToFullScale) {
     for (int shift = 0; shift <= 8; shift += 4)
         for (const Signal& signal : recorded("vspsOpenLoopPitchSearch_G729_16s", "wsp", shift))
             ASSERT_NO_FATAL_FAILURE(expectReferenceLags(signal));
+}
+
+// Noise whose energy, that of all samples and that of every second one, is one less than, exactly, and one more than the
+// smallest that is not scaled up. Scaling changes the rounding of the normalised correlations, and so some of the lags.
+TEST_P(OpenLoop, SignalsAreScaledUpBelowTheThresholdOnly) {
+    std::mt19937 random(1);
+    const auto fill = [&random](std::size_t step, int amplitude, int energy, Signal& signal) {
+        const std::size_t corrected = 8 * step;  // the first samples take what the others leave
+        for (std::size_t i = corrected; i < signal.size(); i += step) {
+            const int x = int(random() % unsigned(2 * amplitude + 1)) - amplitude;
+            if (x * x > energy) break;
+            signal[i] = Vsp16s(x);
+            energy -= x * x;
+        }
+        for (std::size_t i = 0; i < corrected; i += step) {
+            signal[i] = Vsp16s(std::sqrt(energy));
+            energy -= signal[i] * signal[i];
+        }
+        ASSERT_EQ(0, energy);
+    };
+    for (int i = 0; i < 100; i++)
+        for (const int beside : {-1, 0, 1}) {
+            Signal signal(223), decimated(223);
+            fill(1, 85, (1 << 19) + beside, signal);
+            fill(2, 123, (1 << 19) + beside, decimated);
+            for (std::size_t odd = 1; odd < 223; odd += 2) decimated[odd] = Vsp16s(signal[odd] / 4);
+            expectReferenceLags(signal);
+            expectReferenceLags(decimated);
+        }
 }
 
 // Only odd samples are loud, which the decimated energy does not see: what is shifted left saturates, so do correlations.
