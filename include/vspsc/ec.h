@@ -39,9 +39,9 @@ typedef struct VspToneDetectState_EC_16s VspToneDetectState_EC_16s;
  * @param[out] pStateSize    bytes of the state
  * @param[out] pInitBufSize  bytes that vspsSubbandProcessInit_32f needs while it runs; may be 0
  * @param[out] pBufSize      bytes of scratch that analysis and synthesis need while they run
- * @retval vspStsBadArgErr   order < 1 or windowLen < 1
+ * @retval vspStsBadArgErr   order < 1 or windowLen < 1; after the pointers: windowLen is not a multiple of N, the order is
+ *                           not supported or a size exceeds 32 bits
  * @retval vspStsNullPtrErr  an output pointer is null
- * @retval vspStsBadArgErr   windowLen is not a multiple of N, the order is not supported or a size exceeds 32 bits
  */
 VspStatus vspsSubbandProcessGetSize_32f(Vsp32s order, Vsp32s windowLen, Vsp32s* pStateSize, Vsp32s* pInitBufSize,
                                         Vsp32s* pBufSize);
@@ -54,9 +54,9 @@ VspStatus vspsSubbandProcessGetSize_32f(Vsp32s order, Vsp32s windowLen, Vsp32s* 
  * @param[out] pStateSize    bytes of the state
  * @param[out] pInitBufSize  bytes that vspsSubbandProcessInit_16s needs while it runs; may be 0
  * @param[out] pBufSize      bytes of scratch that analysis and synthesis need while they run
- * @retval vspStsBadArgErr   order < 1 or windowLen < 1
+ * @retval vspStsBadArgErr   order < 1 or windowLen < 1; after the pointers: windowLen is not a multiple of N, the order is
+ *                           not supported or a size exceeds 32 bits
  * @retval vspStsNullPtrErr  an output pointer is null
- * @retval vspStsBadArgErr   windowLen is not a multiple of N, the order is not supported or a size exceeds 32 bits
  */
 VspStatus vspsSubbandProcessGetSize_16s(Vsp32s order, Vsp32s windowLen, Vsp32s* pStateSize, Vsp32s* pInitBufSize,
                                         Vsp32s* pBufSize);
@@ -72,10 +72,9 @@ VspStatus vspsSubbandProcessGetSize_16s(Vsp32s order, Vsp32s windowLen, Vsp32s* 
  * @param[in]  pWindow    prototype low-pass window, L values; null selects a built-in one: order 5, F 24, L 128 or
  *                        order 6, F 44, L 256
  * @param[in]  pInitBuf   memory for the time of the call; may be null if its size is 0
- * @retval vspStsBadArgErr     order < 1, frameSize outside 1..2^order or windowLen < 1
+ * @retval vspStsBadArgErr     order < 1, frameSize outside 1..2^order or windowLen < 1; after pState: windowLen is not a
+ *                             multiple of 2^order, or pWindow is null and there is no built-in window
  * @retval vspStsNullPtrErr    pState is null
- * @retval vspStsBadArgErr     windowLen is not a multiple of 2^order
- * @retval vspStsBadArgErr     pWindow is null and there is no built-in window
  * @retval vspStsTransformErr  order is not supported
  */
 VspStatus vspsSubbandProcessInit_32f(VspSubbandProcessState_32f* pState, Vsp32s order, Vsp32s frameSize, Vsp32s windowLen,
@@ -92,10 +91,9 @@ VspStatus vspsSubbandProcessInit_32f(VspSubbandProcessState_32f* pState, Vsp32s 
  * @param[in]  pWindow    prototype low-pass window, L values in Q13; null selects a built-in one: order 5, F 24, L 128 or
  *                        order 6, F 44, L 256
  * @param[in]  pInitBuf   memory for the time of the call; may be null if its size is 0
- * @retval vspStsBadArgErr     order < 1, frameSize outside 1..2^order or windowLen < 1
+ * @retval vspStsBadArgErr     order < 1, frameSize outside 1..2^order or windowLen < 1; after pState: windowLen is not a
+ *                             multiple of 2^order, or pWindow is null and there is no built-in window
  * @retval vspStsNullPtrErr    pState is null
- * @retval vspStsBadArgErr     windowLen is not a multiple of 2^order
- * @retval vspStsBadArgErr     pWindow is null and there is no built-in window
  * @retval vspStsTransformErr  order is not supported
  */
 VspStatus vspsSubbandProcessInit_16s(VspSubbandProcessState_16s* pState, Vsp32s order, Vsp32s frameSize, Vsp32s windowLen,
@@ -202,9 +200,9 @@ VspStatus vspsFIRSubband_EC_32sc_Sfs(const Vsp32sc* const* ppSrc, const Vsp32sc*
  * @param[in]  numSubbands  1 to 4097
  * @param[in]  scaleFactor  0 to 31
  * @retval vspStsNullPtrErr     a pointer is null
- * @retval vspStsRangeErr       len is outside 1..255 or firstBand outside 0..numSubbands
+ * @retval vspStsRangeErr       len is outside 1..255 or firstBand outside 0..numSubbands; after numSubbands: scaleFactor is
+ *                              outside 0..31
  * @retval vspStsCountRangeErr  numSubbands is outside 1..4097
- * @retval vspStsRangeErr       scaleFactor is outside 0..31
  */
 VspStatus vspsFIRSubbandLow_EC_32sc_Sfs(const Vsp32sc* const* ppSrc, const Vsp32sc* const* ppCoef, Vsp32s len,
                                         Vsp32sc* pDst, Vsp32s firstBand, Vsp32s numSubbands, Vsp32s scaleFactor);
@@ -262,9 +260,9 @@ VspStatus vspsFIRSubbandCoeffUpdate_EC_32sc_I(const Vsp32sc* pStepSize, const Vs
  * @param[in]     numSubbands  1 to 4097
  * @param[in]     scaleFactor  0 to 31
  * @retval vspStsNullPtrErr     a pointer is null
- * @retval vspStsRangeErr       len is outside 1..255 or firstBand outside 0..numSubbands
+ * @retval vspStsRangeErr       len is outside 1..255 or firstBand outside 0..numSubbands; after numSubbands: scaleFactor is
+ *                              outside 0..31
  * @retval vspStsCountRangeErr  numSubbands is outside 1..4097
- * @retval vspStsRangeErr       scaleFactor is outside 0..31
  */
 VspStatus vspsFIRSubbandLowCoeffUpdate_EC_32sc_I(const Vsp32sc* const* ppSrc, const Vsp32sc* pErr, Vsp32sc* const* ppCoef,
                                                  Vsp32s len, Vsp32sc* pScratch, const Vsp32sc* pStepSize, Vsp32s firstBand,
