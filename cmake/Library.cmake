@@ -61,7 +61,7 @@ target_link_libraries(vspsc_library_options INTERFACE vspsc_options)
 target_include_directories(vspsc_library_options INTERFACE ${PROJECT_SOURCE_DIR}/include ${PROJECT_SOURCE_DIR}/src)
 target_compile_options(
     vspsc_library_options
-    INTERFACE -O3 -ffp-contract=off -fno-math-errno -fno-exceptions -fno-rtti -fno-asynchronous-unwind-tables -fvisibility=hidden
+    INTERFACE $<IF:$<BOOL:${VSPSC_COVERAGE}>,-O1,-O3> -ffp-contract=off -fno-math-errno -fno-exceptions -fno-rtti -fno-asynchronous-unwind-tables -fvisibility=hidden
               -fcf-protection=full)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     # g++ 12 warns of its own AVX-512 headers. After a call whose use of registers it knows it forgets to clear their upper
@@ -127,10 +127,10 @@ target_include_directories(vspscy8 PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR
 set_target_properties(vspscy8 PROPERTIES VERSION 6.1 SOVERSION 6.1 LINK_DEPENDS ${CMAKE_CURRENT_BINARY_DIR}/exports.map)
 target_compile_options(vspscy8 PRIVATE -march=x86-64-v2)
 # As properties of the source, because these come last on the command line and override the sanitizer options.
-set_source_files_properties(src/core/dispatch.cpp PROPERTIES COMPILE_OPTIONS "-fno-sanitize=all;-fno-stack-protector")
+set_source_files_properties(src/core/dispatch.cpp PROPERTIES COMPILE_OPTIONS "-fno-sanitize=all;-fno-stack-protector;-fno-profile-arcs;-fno-test-coverage")
 target_link_options(vspscy8 PRIVATE -Wl,--version-script=${CMAKE_CURRENT_BINARY_DIR}/exports.map -Wl,-z,relro,-z,now
                     -Wl,-z,noexecstack -Wl,--no-undefined-version)
-if(NOT VSPSC_SANITIZE)
+if(NOT VSPSC_SANITIZE AND NOT VSPSC_COVERAGE)
     # The start files would add a few bytes of writable data and weak symbols.
     target_link_options(vspscy8 PRIVATE -nostartfiles -nodefaultlibs -Wl,-z,defs)
     target_link_libraries(vspscy8 PRIVATE m c)

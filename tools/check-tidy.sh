@@ -1,0 +1,29 @@
+#!/bin/bash
+# clang-tidy over the sources that differ from the branch's beginning on origin/main, or from the last commit but one where
+# there is no such branch: check-tidy.sh BUILD_DIR. For a header that differs, over one source that includes it.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+build=${1:?which build directory, configured for clang?}
+
+command -v git >/dev/null && git rev-parse --git-dir >/dev/null 2>&1 || { echo "Not a git checkout: no clang-tidy." && exit; }
+base=$(git merge-base HEAD origin/main 2>/dev/null || true)
+if [[ -z $base || $base == "$(git rev-parse HEAD)" ]]; then base=$(git rev-parse -q --verify HEAD~1 || git rev-parse HEAD); fi
+
+mapfile -t changed < <({
+    git diff --name-only --diff-filter=d "$base"
+    git ls-files --others --exclude-standard
+} | grep -E '^(bench|examples|fuzz|include|src|tests|tools)/.*\.(cpp|c|h)$' | sort -u)
+
+sources=()
+for file in "${changed[@]}"; do
+    if [[ $file == *.h ]]; then
+        name=$(sed -E 's#^(include|src|tests|bench|tools/vsps)/##' <<<"$file")
+        file=$(git grep -lF "#include \"$name\"" -- '*.cpp' | head -n 1 || true)
+    fi
+    [[ -z $file ]] || sources+=("^$PWD/$file\$")
+done
+((${#sources[@]})) || { echo "No source has changed since $(git rev-parse --short "$base"): no clang-tidy." && exit; }
+
+mapfile -t sources < <(printf '%s\n' "${sources[@]}" | sort -u)
+run=$(command -v run-clang-tidy-14 || command -v run-clang-tidy)
+"$run" -p "$build" -quiet -extra-arg=-Wno-unknown-warning-option "${sources[@]}"
