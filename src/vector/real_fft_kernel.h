@@ -23,6 +23,20 @@ VSP_INLINE void unrolled(F f) {
 }
 #define VSP_LAMBDA_INLINE __attribute__((always_inline))
 
+// f(0), f(1), ..., f(n-1): as straight code where the transform stays within the registers, else in a loop.
+template <int n, bool withinRegisters, class F>
+VSP_INLINE void repeated(F f) {
+    if constexpr (withinRegisters)
+        unrolled<n>(f);
+    else
+        for (int i = 0; i < n; i++) f(i);
+}
+#if defined(__AVX512VL__)
+constexpr int kMostVectorsInRegisters = 32;  // complex ones: what does not fit is spilled
+#else
+constexpr int kMostVectorsInRegisters = 16;
+#endif
+
 // Elements i ... of an array in groups; i is a multiple of the width.
 template <class V, int group = kFftGroup>
 VSP_INLINE Complex<V> loadGroup(const typename V::Elem* array, int i) {
@@ -109,14 +123,15 @@ VSP_INLINE Complex<V> middle(Source source, int k, V factor) {
     return scale(Complex<V>{V::splat(x.re.v), V::splat(-x.im.v)}, add(factor, factor));
 }
 
-// --- Transforms of M = R * L points within registers -------------------------------------------------------------------
+// --- Short transforms, of M = R * L points -----------------------------------------------------------------------------
 
-// load(i) gives a vector of pairs; the spectrum in order.
-template <class V, int R, int L, class Load>
-VSP_INLINE void transform(Load load, const typename V::Elem* table, Complex<V> (&z)[R * L / V::width]) {
+// load(i) gives a vector of pairs, store(i, a) takes one of the spectrum.
+template <class V, int R, int L, class Load, class Store>
+VSP_INLINE void transform(Load load, const typename V::Elem* table, Store store) {
     constexpr int W = V::width, group = smallerOf(kFftGroup, L);
+    constexpr bool withinRegisters = R * L / W <= kMostVectorsInRegisters;
     Complex<V> rows[R][L / W];
-    unrolled<L / W>([&](auto v) VSP_LAMBDA_INLINE {
+    repeated<L / W, withinRegisters>([&](auto v) VSP_LAMBDA_INLINE {
         Complex<V> x[R];
         unrolled<R>([&](auto r) VSP_LAMBDA_INLINE { x[r] = load(r * L + v * W); });
         butterfly(x);
@@ -126,7 +141,7 @@ VSP_INLINE void transform(Load load, const typename V::Elem* table, Complex<V> (
             rows[r + 1][v] = mul(x[r + 1], loadGroup<V, group>(column, r * group + v * W % group));
         });
     });
-    unrolled<R / W>([&](auto v) VSP_LAMBDA_INLINE {
+    repeated<R / W, withinRegisters>([&](auto v) VSP_LAMBDA_INLINE {
         Complex<V> x[L];
         unrolled<L / W>([&](auto part) VSP_LAMBDA_INLINE {
             V re[W], im[W];
@@ -139,7 +154,7 @@ VSP_INLINE void transform(Load load, const typename V::Elem* table, Complex<V> (
             unrolled<W>([&](auto i) VSP_LAMBDA_INLINE { x[part * W + i] = {re[i], im[i]}; });
         });
         butterfly(x);
-        unrolled<L>([&](auto k) VSP_LAMBDA_INLINE { z[k * R / W + v] = x[k]; });
+        unrolled<L>([&](auto k) VSP_LAMBDA_INLINE { store(k * R + v * W, x[k]); });
     });
 }
 
@@ -147,8 +162,9 @@ template <class V, int R, int L, class Source, class Sink>
 static void forwardSmall(Source source, Sink sink, const typename V::Elem* tables) {
     constexpr int W = V::width, points = R * L, vectors = points / W, group = smallerOf(kFftGroup, points / 2);
     Complex<V> z[vectors];
-    transform<V, R, L>([&](int i) VSP_LAMBDA_INLINE { return source.template load<V>(i); }, tables + points, z);
-    unrolled<vectors / 2>([&](auto v) VSP_LAMBDA_INLINE {
+    transform<V, R, L>([&](int i) VSP_LAMBDA_INLINE { return source.template load<V>(i); }, tables + points,
+                       [&](int i, Complex<V> a) VSP_LAMBDA_INLINE { z[i / W] = a; });
+    repeated<vectors / 2, vectors <= kMostVectorsInRegisters>([&](auto v) VSP_LAMBDA_INLINE {
         const Mirror<V> both = {z[v], mirrored(z[vectors - 1 - v], z[(vectors - v) % vectors])};
         const Mirror<V> x = samplesSpectrum(both, loadGroup<V, group>(tables, v * W));
         storeMirror(v == 0 ? realFirst(x) : x, v * W, points, sink);
@@ -161,17 +177,16 @@ static void inverseSmall(Source source, Sink sink, const typename V::Elem* table
     const V factor = V::splat(oneByN);
     constexpr int W = V::width, points = R * L, vectors = points / W, group = smallerOf(kFftGroup, points / 2);
     Complex<V> z[vectors], after = middle<V>(source, points / 2, factor);
-    unrolled<vectors / 2>([&](auto i) VSP_LAMBDA_INLINE {
-        constexpr int v = vectors / 2 - 1 - i;
+    repeated<vectors / 2, vectors <= kMostVectorsInRegisters>([&](auto i) VSP_LAMBDA_INLINE {
+        const int v = vectors / 2 - 1 - i;
         const Mirror<V> x = loadMirror<V>(v * W, points, source);
         const Mirror<V> both = pairsSpectrum(v == 0 ? realFirst(x) : x, loadGroup<V, group>(tables, v * W), factor);
         z[v] = both.low;
         z[vectors - 1 - v] = mirrored(both.high, after);
         after = both.high;
     });
-    Complex<V> y[vectors];
-    transform<V, R, L>([&](int i) VSP_LAMBDA_INLINE { return swapParts(z[i / W]); }, tables + points, y);
-    unrolled<vectors>([&](auto v) VSP_LAMBDA_INLINE { sink.store(v * W, swapParts(y[v])); });
+    transform<V, R, L>([&](int i) VSP_LAMBDA_INLINE { return swapParts(z[i / W]); }, tables + points,
+                       [&](int i, Complex<V> a) VSP_LAMBDA_INLINE { sink.store(i, swapParts(a)); });
 }
 
 // --- Longer ones, in a work array in groups ----------------------------------------------------------------------------

@@ -14,7 +14,7 @@
 
 namespace vsp {
 
-constexpr int kMaxFftOrder = 17, kLastSmallFftOrder = 8, kMaxFftPasses = 5, kFftGroup = 8;  // small: within registers
+constexpr int kMaxFftOrder = 17, kLastSmallFftOrder = 8, kMaxFftPasses = 5, kFftGroup = 8;  // small: without a work array
 
 struct FftPlan {
     int passes;
