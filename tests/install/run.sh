@@ -29,6 +29,13 @@ if grep -rlF -e "$source" -e "$build" "$prefix" --include=*.cmake --include=*.pc
 fence='```'
 diff <(sed -n "/^${fence}c\$/,/^$fence\$/{/^$fence/!p}" "$source/README.md") "$source/examples/scale.c"
 
+# Links of the installed pages lead to installed files.
+for page in $(find "$prefix/share" -name '*.md'); do
+    while read -r link; do
+        [[ -e ${page%/*}/$link ]] || fail "${page#"$prefix"/} links to $link, which is not installed"
+    done < <(grep -o ']([^)]*)' "$page" | sed 's/^](//; s/)$//; s/#.*//' | grep -v '^http')
+done
+
 expect_scale() {
     local out
     out=$("$@")
@@ -40,6 +47,14 @@ pkg-config --exact-version="$(sed -n 's/^project(vspsc VERSION \([0-9.]*\).*/\1/
 read -ra flags < <(pkg-config --cflags --libs vspsc)
 "$CC" -std=c89 -pedantic-errors -Wall -Wextra -Werror "$source/examples/scale.c" "${flags[@]}" -o "$tmp/scale"
 expect_scale env LD_LIBRARY_PATH="$libdir" "$tmp/scale"
+
+# The commands of the README, in a home directory of their own
+mkdir -p "$tmp/home/build"
+ln -s "$build" "$tmp/home/build/release"
+cp "$source/examples/scale.c" "$tmp/home"
+sed -n "/^cmake --install/,/^$fence\$/{/^$fence/!p}" "$source/README.md" >"$tmp/commands"
+(cd "$tmp/home" && HOME=$tmp/home PKG_CONFIG_PATH= bash -e "$tmp/commands" >/dev/null)
+expect_scale "$tmp/home/scale"
 
 # find_package
 mkdir "$tmp/outside"
