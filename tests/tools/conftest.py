@@ -23,7 +23,9 @@ class Vsps:
 
     def run(self, *arguments, **options):
         command = [os.environ["VSPS"], *(str(a) for a in arguments)]
-        return subprocess.run(command, cwd=self.directory, capture_output=True, text=True, timeout=60, **options)
+        result = subprocess.run(command, cwd=self.directory, capture_output=True, timeout=60, **options)
+        result.stdout, result.stderr = result.stdout.decode(), result.stderr.decode()
+        return result
 
     def ok(self, *arguments, **options):
         result = self.run(*arguments, **options)

@@ -57,12 +57,15 @@ def wav16(samples, rate=8000):
     return wav(pcm(samples), rate=rate)
 
 
-def read_wav(path):
-    """The channels of a 16-bit WAV file at 8000 Hz, read without any library."""
-    content = path.read_bytes()
+def read_wav(path, expected_rate=8000):
+    return parse_wav(path.read_bytes(), expected_rate)
+
+
+def parse_wav(content, expected_rate=8000):
+    """The channels of a 16-bit WAV file, read without any library."""
     kind, channels, rate, _, _, bits = struct.unpack("<HHIIHH", content[20:36])
     assert content[:4] == b"RIFF" and content[36:40] == b"data"
-    assert (kind, rate, bits) == (PCM, 8000, 16)
+    assert (kind, rate, bits) == (PCM, expected_rate, 16)
     samples = array.array("h", content[44 : 44 + struct.unpack("<I", content[40:44])[0]])
     return [list(samples[c::channels]) for c in range(channels)]
 

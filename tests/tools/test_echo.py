@@ -2,7 +2,7 @@
 import math
 
 import pytest
-from signals import pcm, read_wav, speech, wav, wav16
+from signals import interleave, pcm, read_wav, speech, wav, wav16
 
 PATH = b"0 0 0 0.2 0.4 -0.3 0.15 -0.1 0.05 0 0.03 -0.02"
 
@@ -72,7 +72,7 @@ def test_text_report_and_plot(vsps):
     line(vsps, speech(4, 12000))
     result = vsps.ok("echo", "--far", "far.wav", "--near", "near.wav", "out.flac", "--plot", "echo.png")
     assert result.stderr == ""
-    assert "near.wav: 4.00 s, subband engine, floating point, tail 128 ms\n" in result.stdout
+    assert "near.wav: 4.00 s, 8000 Hz, subband engine, floating point, tail 128 ms\n" in result.stdout
     for label in ("active levels", "bulk delay", "ERLE, dB", "convergence", "double talk", "x real time"):
         assert label in result.stdout
     assert "written: out.flac" in result.stdout and "plot: echo.png" in result.stdout
@@ -91,6 +91,38 @@ def test_different_lengths_and_rates_are_said(vsps):
     vsps.put("fast.wav", wav16([0] * 144000, rate=48000))
     result = vsps.ok("echo", "--far", "fast.wav", "--near", "near.wav", "out.wav")
     assert result.stderr == "vsps: fast.wav: resampled from 48000 Hz to 8000 Hz\n"
+
+
+def test_both_ends_in_one_file(vsps):
+    far, talker = speech(3, 12000), speech(3, 3000, seed=5)
+    near = line(vsps, far, talker)
+    expected, _ = cancel(vsps)
+    vsps.put("call.wav", wav(pcm(interleave([far, near])), channels=2))
+    vsps.put("swapped.wav", wav(pcm(interleave([near, far])), channels=2))
+    for options in (["call.wav"], ["swapped.wav", "--swap"]):
+        vsps.ok("echo", "--far-near", *options, "out.wav")
+        assert read_wav(vsps.path("out.wav"))[0] == expected
+    vsps.ok("echo", "--far", "far.wav", "--near", "call.wav", "--channel", 2, "out.wav")
+    assert read_wav(vsps.path("out.wav"))[0] == expected
+    vsps.fails("far.wav", "has 1 channel and not two", "echo", "--far-near", "far.wav", "out.wav")
+    for options in (["--far", "far.wav", "--near", "near.wav", "--swap"], ["--far-near", "call.wav", "--near", "near.wav"],
+                    ["--far-near", "call.wav", "--channel", "1"]):  # fmt: skip
+        assert vsps.run("echo", *options, "out.wav").returncode == 2
+
+
+@pytest.mark.parametrize("engine", [ENGINES[0], ENGINES[3]], ids=["default", "fullband-fixed"])
+def test_16_khz_stays_16_khz(vsps, engine):
+    """Up to 8 kHz there is something to cancel."""
+    far = speech(8, 12000)
+    vsps.put("far.wav", wav16(far, rate=16000))
+    vsps.put("path.txt", PATH)
+    vsps.ok("simulate-echo", "far.wav", "none", "near.wav", "--path", "path.txt", "--erl", 8, "--noise", -72)
+    near = read_wav(vsps.path("near.wav"), 16000)[0]
+    result = vsps.ok("echo", "--far", "far.wav", "--near", "near.wav", "out.wav", *engine)
+    out = read_wav(vsps.path("out.wav"), 16000)[0]
+    assert result.stderr == "" and "written: out.wav (16000 Hz, 64000 samples)\n" in result.stdout
+    assert len(out) == len(near) == len(far)
+    assert 10 * math.log10(power(near[32000:]) / power(out[32000:])) > 12
 
 
 def test_bad_input(vsps):

@@ -48,6 +48,14 @@ def test_the_limit_holds_and_limited_samples_are_counted(vsps):
     assert level(vsps, samples)[1]["channels"][0]["samples_limited"] == 0
 
 
+def test_a_limit_that_leaves_nothing_is_said(vsps):
+    vsps.put("in.wav", wav16(speech(1, 3000)))
+    result = vsps.ok("level", "in.wav", "out.wav", "--limit", 200)
+    assert result.stderr == "vsps: no sample keeps a limit of 200 dB: the output is silent\n"
+    assert not any(read_wav(vsps.path("out.wav"))[0])
+    assert vsps.ok("level", "in.wav", "out.wav", "--limit", 80).stderr == ""
+
+
 def test_one_pass_begins_attenuated_and_says_until_when(vsps):
     samples = [1, -1] * 2000 + tone(4, 3000)
     out, report = level(vsps, samples)

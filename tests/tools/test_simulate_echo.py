@@ -121,14 +121,31 @@ def test_different_lengths_and_rates(vsps):
     assert len(read_wav(vsps.path("short.wav"))[0]) == 16000
     assert simulate(vsps, far, near, "--near-at", 0.5)[1]["near"]["begins_s"] == 0.5
 
-    vsps.put("fast.wav", wav16([x for x in far for _ in (0, 1)], rate=16000))
-    result = vsps.ok("simulate-echo", "fast.wav", "none", "out.wav")
-    assert result.stderr == "vsps: fast.wav: resampled from 16000 Hz to 8000 Hz\n"
-    assert len(read_wav(vsps.path("out.wav"))[0]) == 16000
+    vsps.put("slow.wav", wav16(far[:11025], rate=11025))
+    result = vsps.ok("simulate-echo", "slow.wav", "none", "out.wav")
+    assert result.stderr == "vsps: slow.wav: resampled from 11025 Hz to 8000 Hz\n"
+    assert len(read_wav(vsps.path("out.wav"))[0]) == 8000
     vsps.put("far.raw", pcm(far))
     vsps.ok("simulate-echo", "far.raw", "none", "raw.wav", "--raw", 8000)
     vsps.ok("simulate-echo", "far.wav", "none", "wav.wav")
     assert vsps.path("raw.wav").read_bytes() == vsps.path("wav.wav").read_bytes()
+
+
+def test_16_khz_stays_16_khz(vsps):
+    """The path has its shape and its gain at any rate, the near end its time."""
+    samples = tone(1, 8000, frequency=1000)
+    out, report = simulate(vsps, samples, None, "--path", "d4", "--erl", 0)
+    vsps.put("fast.wav", wav16(tone(1, 8000, rate=16000, frequency=1000), rate=16000))
+    vsps.put("talker.wav", wav16([1000] * 8000))
+    result = vsps.ok("simulate-echo", "fast.wav", "none", "fast_out.wav", "--path", "d4", "--erl", 0)
+    assert result.stderr == ""
+    fast = read_wav(vsps.path("fast_out.wav"), 16000)[0]
+    assert len(fast) == 16000
+    error = [a - b for a, b in zip(fast[400:-400:2], out[200:-200])]
+    assert power(error) < 1e-4 * power(out[200:-200])
+    vsps.ok("simulate-echo", "fast.wav", "talker.wav", "with.wav", "--path", "d4", "--erl", 100, "--near-at", 0.5)
+    near = read_wav(vsps.path("with.wav"), 16000)[0]
+    assert len(near) == 24000 and max(map(abs, near[:7900])) < 5 and abs(near[12000] - 1000) < 5
 
 
 def test_clipping_is_counted(vsps):
@@ -167,7 +184,7 @@ def test_files_that_cannot_be_used(vsps):
     vsps.fails("two.wav", "has 2 channels", *run, "two.wav", "out.wav")
     vsps.fails("out.mp3", "unknown extension", *run, "none", "out.mp3")
     vsps.fails("no/out.wav", "No such file", *run, "none", "no/out.wav")
-    vsps.fails("./far.wav", "is an input and the output", *run, "none", "./far.wav")
+    vsps.fails("./far.wav", "is an input and an output", *run, "none", "./far.wav")
 
     run = (*run, "none", "out.wav", "--path")
     vsps.fails("d1", "neither an echo path from d2 to d9 nor a file", *run, "d1")

@@ -78,8 +78,7 @@ std::string headerLog(SNDFILE* sound) {
 }
 
 std::string openFailure(bool isPipe) {
-    if (std::regex_search(headerLog(nullptr), std::regex("(?:Sample Rate|Srate)\\s*: 0\n")))
-        return "the sample rate is 0 Hz";
+    if (std::regex_search(headerLog(nullptr), std::regex("Sample [Rr]ate\\s*:\\s*0\n"))) return "the sample rate is 0 Hz";
     std::string reason = sf_strerror(nullptr);
     for (const char* prefix : {"Error : ", "System error : "})
         if (reason.starts_with(prefix)) reason.erase(0, std::strlen(prefix));

@@ -1,0 +1,134 @@
+"""Pipes in place of files: what goes in and out, in how much memory, and what an interrupted run leaves."""
+import os
+import signal
+import subprocess
+import time
+
+import pytest
+from signals import parse_wav, pcm, read_wav, speech, wav16
+
+SAMPLES = speech(3, 6000)
+WAV = wav16(SAMPLES)
+
+# What each command makes of the recording "-" or "in.wav", in place of {}.
+COMMANDS = {
+    "level": ["level", "{}"],
+    "level-two-pass": ["level", "--two-pass", "{}"],
+    "echo": ["echo", "--far", "far.wav", "--near", "{}"],
+    "echo-far": ["echo", "--far", "{}", "--near", "far.wav"],
+    "simulate-echo": ["simulate-echo", "{}", "none"],
+    "simulate-echo-near": ["simulate-echo", "far.wav", "{}"],
+}
+
+
+@pytest.fixture
+def vsps(vsps):
+    vsps.put("in.wav", WAV)
+    vsps.put("far.wav", wav16(speech(3, 9000, seed=2)))
+    return vsps
+
+
+def start(vsps, *arguments):
+    pipe = subprocess.PIPE
+    return subprocess.Popen([os.environ["VSPS"], *map(str, arguments)], cwd=vsps.directory, stdin=pipe, stdout=pipe, stderr=pipe)  # fmt: skip
+
+
+def through(vsps, data, *arguments):
+    """Standard output and standard error of a run that reads the data from a pipe."""
+    process = start(vsps, *arguments)
+    out, errors = process.communicate(data, timeout=60)
+    assert process.returncode == 0, errors
+    return out, errors.decode()
+
+
+@pytest.mark.parametrize("name", COMMANDS)
+def test_standard_input_and_output_do_as_files(vsps, name):
+    command = [argument.format("in.wav") for argument in COMMANDS[name]]
+    vsps.ok(*command, "out.wav")
+    expected = read_wav(vsps.path("out.wav"))
+    command = [argument.format("-") for argument in COMMANDS[name]]
+    out, report = through(vsps, WAV, *command, "-")
+    assert parse_wav(out) == expected
+    assert "written: standard output (8000 Hz, 24000 samples)" in report
+    assert vsps.files() == ["far.wav", "in.wav", "out.wav"]
+
+
+def test_headerless_in_and_out(vsps):
+    vsps.ok("level", "in.wav", "out.raw")
+    out, _ = through(vsps, pcm(SAMPLES), "level", "--raw", 8000, "-", "-")
+    assert out == vsps.path("out.raw").read_bytes()
+
+
+def test_standard_output_into_a_file_gets_the_length(vsps):
+    vsps.ok("level", "in.wav", "out.wav")
+    with open(vsps.path("redirected.wav"), "wb") as file:
+        subprocess.run([os.environ["VSPS"], "level", vsps.path("in.wav"), "-"], stdout=file, stderr=subprocess.DEVNULL)
+    assert vsps.path("redirected.wav").read_bytes() == vsps.path("out.wav").read_bytes()
+
+
+def test_json_goes_to_standard_error_beside_the_audio(vsps):
+    out, report = through(vsps, WAV, "level", "--json", "-", "-")
+    assert len(parse_wav(out)[0]) == len(SAMPLES)
+    assert report.startswith("{") and '"file": "-"' in report
+
+
+def test_one_standard_input_and_output_for_one_file(vsps):
+    vsps.fails("standard input", "only one", "echo", "--far", "-", "--near", "-", "out.wav", stdin=subprocess.DEVNULL)
+
+
+def test_output_comes_before_the_input_has_ended(vsps):
+    process = start(vsps, "level", "--raw", 8000, "-", "-")
+    process.stdin.write(pcm(SAMPLES[:8000]))
+    process.stdin.flush()
+    assert len(process.stdout.read(8000)) == 8000
+    process.communicate(timeout=60)
+
+
+def test_a_reader_that_has_gone_is_a_write_error(vsps):
+    process = start(vsps, "level", "in.wav", "-")
+    process.stdout.close()
+    errors = process.stderr.read()
+    assert process.wait(timeout=60) == 1
+    assert errors == b"vsps: standard output: cannot be written: Broken pipe\n"
+
+
+def peak_memory(vsps, minutes, *arguments):
+    """Of a run, in KB, that reads so many minutes of headerless audio at 8000 Hz."""
+    process = start(vsps, *arguments)
+    minute = pcm(SAMPLES * 20)
+    for _ in range(minutes):
+        process.stdin.write(minute)
+    with open(f"/proc/{process.pid}/status") as status:
+        peak = next(int(line.split()[1]) for line in status if line.startswith("VmHWM"))
+    process.communicate(timeout=60)
+    assert process.returncode == 0
+    return peak
+
+
+@pytest.mark.parametrize("name", ["level", "level-two-pass", "echo-far", "simulate-echo"])
+def test_twenty_minutes_need_no_more_memory_than_one(vsps, name):
+    command = [argument.format("-") for argument in COMMANDS[name]]
+    if name == "echo-far":
+        vsps.put("far.raw", pcm(SAMPLES * 400))
+        command[-1] = "far.raw"
+    short = peak_memory(vsps, 1, *command, "out.wav", "--raw", 8000)
+    assert peak_memory(vsps, 20, *command, "out.wav", "--raw", 8000) < short + 2000
+
+
+@pytest.mark.parametrize("number", [signal.SIGINT, signal.SIGTERM])
+@pytest.mark.parametrize("name", ["level", "echo", "simulate-echo"])
+def test_an_interrupted_run_leaves_nothing(vsps, name, number):
+    before = vsps.files()
+    vsps.put("out.wav", b"something precious")
+    process = start(vsps, *[argument.format("-") for argument in COMMANDS[name]], "out.wav")
+    process.stdin.write(WAV[:10000])
+    process.stdin.flush()
+    for _ in range(600):
+        if len(vsps.files()) > len(before) + 1:
+            break
+        time.sleep(0.1)
+    assert len(vsps.files()) == len(before) + 2
+    process.send_signal(number)
+    assert process.wait(timeout=60) == -number
+    assert vsps.files() == sorted([*before, "out.wav"])
+    assert vsps.path("out.wav").read_bytes() == b"something precious"
