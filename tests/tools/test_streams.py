@@ -1,11 +1,12 @@
 """Pipes in place of files: what goes in and out, in how much memory, and what an interrupted run leaves."""
+import json
 import os
 import signal
 import subprocess
 import time
 
 import pytest
-from signals import parse_wav, pcm, read_wav, speech, wav16
+from signals import interleave, parse_wav, pcm, read_wav, speech, wav, wav16
 
 SAMPLES = speech(3, 6000)
 WAV = wav16(SAMPLES)
@@ -132,3 +133,94 @@ def test_an_interrupted_run_leaves_nothing(vsps, name, number):
     assert process.wait(timeout=60) == -number
     assert vsps.files() == sorted([*before, "out.wav"])
     assert vsps.path("out.wav").read_bytes() == b"something precious"
+
+
+# Commands that write no recording, and the files that they write.
+ANALYSES = {
+    "vad": (["vad", "{}", "--csv", "out.csv", "--labels", "out.txt"], ["out.csv", "out.txt"]),
+    "pitch": (["pitch", "{}", "--search", "a", "--csv", "out.csv"], ["out.csv"]),
+    "tone": (["tone", "{}"], []),
+}
+
+
+def without_speed(report):
+    return [line for line in report.split("\n") if "real time" not in line]
+
+
+@pytest.mark.parametrize("name", ANALYSES)
+def test_analyses_of_standard_input_and_tables_to_standard_output(vsps, name):
+    command, outputs = ANALYSES[name]
+    report = vsps.ok(*[argument.format("in.wav") for argument in command]).stdout.replace("in.wav", "standard input")
+    written = {out: vsps.path(out).read_bytes() for out in outputs}
+    piped, errors = through(vsps, WAV, *[argument.format("-") for argument in command])
+    assert without_speed(piped.decode()) == without_speed(report) and errors == ""
+    assert written == {out: vsps.path(out).read_bytes() for out in outputs}
+    for out, content in written.items():
+        table, errors = through(vsps, WAV, *["-" if argument in ("{}", out) else argument for argument in command])
+        assert table == content
+        assert without_speed(errors) == without_speed(report.replace(out, "standard output"))
+
+
+def test_lines_of_a_table_come_before_the_input_has_ended(vsps):
+    for command in (["vad", "--labels", "out.txt"], ["pitch"]):
+        process = start(vsps, *command, "--raw", 8000, "-", "--csv", "-")
+        process.stdin.write(pcm(SAMPLES[:16000]))
+        process.stdin.flush()
+        assert len([process.stdout.readline() for _ in range(80)]) == 80
+        process.stdout.close()  # a write error
+        errors = process.communicate(pcm(SAMPLES) * 20, timeout=60)[1]
+        assert process.returncode == 1 and errors == b"vsps: standard output: cannot be written: Broken pipe\n"
+        assert vsps.files() == ["far.wav", "in.wav"]
+
+
+@pytest.mark.parametrize("name", ANALYSES)
+def test_analyses_of_twenty_minutes_need_no_more_memory_than_of_one(vsps, name):
+    plot = [] if name == "tone" else ["--plot", "plot.svg"]
+    command = [*[argument.format("-") for argument in ANALYSES[name][0]], *plot, "--raw", 8000]
+    short = peak_memory(vsps, 1, *command)
+    assert peak_memory(vsps, 20, *command) < short + 2000
+
+
+def test_the_speed_is_of_the_whole_command(vsps):
+    process = start(vsps, "pitch", "--json", "-")
+    process.stdin.write(WAV[:20000])
+    process.stdin.flush()
+    time.sleep(0.5)
+    out, _ = process.communicate(WAV[20000:], timeout=60)
+    assert json.loads(out)["times_real_time"] < 3 / 0.5
+
+
+@pytest.mark.parametrize("name", ["vad", "pitch"])
+def test_an_interrupted_analysis_leaves_nothing(vsps, name):
+    before = vsps.files()
+    process = start(vsps, *[argument.format("-") for argument in ANALYSES[name][0]], "--raw", 8000)
+    process.stdin.write(pcm(SAMPLES))
+    process.stdin.flush()
+    for _ in range(600):
+        if len(vsps.files()) == len(before) + len(ANALYSES[name][1]):
+            break
+        time.sleep(0.1)
+    process.send_signal(signal.SIGINT)
+    assert process.wait(timeout=60) == -signal.SIGINT
+    assert vsps.files() == before
+
+
+@pytest.mark.parametrize("name", ["vad", "pitch"])
+def test_analyses_overwrite_no_input(vsps, name):
+    os.link(vsps.path("in.wav"), vsps.path("hard.csv"))
+    os.symlink("in.wav", vsps.path("soft.svg"))
+    vsps.fails("hard.csv", "is an input and an output at once", name, "in.wav", "--csv", "hard.csv")
+    vsps.fails("soft.svg", "is an input and an output at once", name, "in.wav", "--plot", "soft.svg")
+    os.symlink(vsps.put("plot.svg", b"old"), vsps.path("out.csv"))
+    vsps.fails("plot.svg", "is two outputs at once", name, "in.wav", "--csv", "out.csv", "--plot", "plot.svg")
+    vsps.fails("standard output", "is two outputs at once", name, "in.wav", "--csv", "-", "--plot", "-")
+
+
+@pytest.mark.parametrize("name", ANALYSES)
+def test_one_channel_of_several(vsps, name):
+    channels = [SAMPLES, speech(3, 9000, seed=2)]
+    vsps.put("two.wav", wav(pcm(interleave(channels)), channels=2))
+    expected = vsps.ok(name, "far.wav").stdout.replace("far.wav", "two.wav")
+    result = vsps.ok(name, "two.wav", "--channel", 2)
+    assert without_speed(result.stdout) == without_speed(expected) and result.stderr == ""
+    vsps.fails("two.wav", "has no channel 3, only 2", name, "two.wav", "--channel", 3)
