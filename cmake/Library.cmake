@@ -24,7 +24,10 @@ set(vspsc_level_sources
     src/ec/subband_process.cpp
     src/ec/subband_setup.cpp
     src/ec/tone_detect.cpp
-    src/g722/state_sizes.cpp
+    src/g722/conceal_codes.cpp
+    src/g722/qmf.cpp
+    src/g722/sb_adpcm_decode.cpp
+    src/g722/sb_adpcm_encode.cpp
     src/g726/decode.cpp
     src/g726/encode.cpp
     src/g726/state_setup.cpp
@@ -40,6 +43,12 @@ set(vspsc_level_sources
     src/gsmamr/fft128.cpp
     src/gsmamr/vad1.cpp
     src/gsmamr/vad2.cpp
+    src/gsmfr/lar.cpp
+    src/gsmfr/long_term.cpp
+    src/gsmfr/lpc_analysis.cpp
+    src/gsmfr/pre_post_process.cpp
+    src/gsmfr/rpe.cpp
+    src/gsmfr/short_term_filter.cpp
     src/rta/state_sizes.cpp
     src/vector/real_fft_16s.cpp
     src/vector/real_fft_32f.cpp
@@ -49,9 +58,11 @@ set(vspsc_common_sources
     src/core/api.cpp
     src/ec/subband_windows.cpp
     src/ec/tables.cpp
+    src/g722/tables.cpp
     src/g726/tables.cpp
     src/g729/tables.cpp
     src/gsmamr/tables.cpp
+    src/gsmfr/tables.cpp
     src/vector/real_fft_plan.cpp
     src/version/version_records.cpp)
 

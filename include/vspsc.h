@@ -23,6 +23,7 @@
 #include "vspsc/g729.h"
 #include "vspsc/g7291.h"
 #include "vspsc/gsmamr.h"
+#include "vspsc/gsmfr.h"
 #include "vspsc/rta.h"
 #include "vspsc/types.h"
 #include "vspsc/version.h"

@@ -134,9 +134,11 @@ VSP_BINARY(sub, S16, S16, sub_epi16)
 VSP_BINARY(subSat, S16, S16, subs_epi16)
 VSP_BINARY(mulLo, S16, S16, mullo_epi16)
 VSP_BINARY(mulHi, S16, S16, mulhi_epi16)
+VSP_BINARY(mulHiU, S16, S16, mulhi_epu16)         // of unsigned values
 VSP_BINARY(mulRoundWrap, S16, S16, mulhrs_epi16)  // (a * b + 2^14) >> 15; -32768 * -32768 gives -32768
 VSP_UNARY(magnitude, S16, S16, abs_epi16)         // -32768 gives 0x8000, an unsigned value
 VSP_BINARY(max, S16, S16, max_epi16)
+VSP_BINARY(min, S16, S16, min_epi16)
 VSP_BINARY(maxU, S16, S16, max_epu16)
 VSP_SHIFT(shl, S16, sll_epi16)  // shift counts beyond the element give 0 or the sign
 VSP_SHIFT(shr, S16, sra_epi16)
@@ -242,6 +244,25 @@ VSP_INLINE V splatPair(const Vsp16s* p) {
 // The first elements of the pairs from a, the second ones from b.
 VSP_INLINE S16_128 firstAndSecond(S16_128 a, S16_128 b) { return {_mm_blend_epi16(a.v, b.v, 0xAA)}; }
 VSP_IF_256(VSP_INLINE S16_256 firstAndSecond(S16_256 a, S16_256 b) { return {_mm256_blend_epi16(a.v, b.v, 0xAA)}; })
+
+// The first element everywhere.
+template <class V>
+VSP_INLINE V splatFirst(S16_128 a) {
+    if constexpr (sizeof(V) == 16) return {_mm_shuffle_epi8(a.v, _mm_set1_epi16(0x0100))};
+    VSP_IF_256(else return {_mm256_broadcastw_epi16(a.v)};)
+}
+
+// How many elements of the vectors are greater than those of b.
+VSP_INLINE int countGreater(const S16_128 (&a)[4], S16_128 b) {
+    const auto greater = [&](int i) { return _mm_cmpgt_epi16(a[i].v, b.v); };
+    const int low = _mm_movemask_epi8(_mm_packs_epi16(greater(0), greater(1)));
+    const int high = _mm_movemask_epi8(_mm_packs_epi16(greater(2), greater(3)));
+    return __builtin_popcount(Vsp32u(low) | Vsp32u(high) << 16);
+}
+VSP_IF_256(VSP_INLINE int countGreater(const S16_256 (&a)[2], S16_256 b) {
+    const auto greater = [&](int i) { return _mm256_cmpgt_epi16(a[i].v, b.v); };
+    return __builtin_popcount(Vsp32u(_mm256_movemask_epi8(_mm256_packs_epi16(greater(0), greater(1)))));
+})
 
 // --- Within a vector ---------------------------------------------------------------------------------------------------
 
