@@ -118,6 +118,17 @@ struct Value : Kind {
 };
 inline constexpr Value value;
 
+// What the fuzzer has drawn itself.
+struct Given : Kind {
+    Vsp32s number;
+
+    explicit constexpr Given(Vsp32s drawn) : number(drawn) {}
+    template <class P>
+    Drawn<P> draw(Call&) const {
+        return {P(number)};
+    }
+};
+
 // A state that one call hands to the next.
 struct State : Kind {
     Bytes& bytes;

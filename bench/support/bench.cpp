@@ -9,9 +9,11 @@
 #include "ec/hand_tuned_subband.h"
 #include "ec/scalar_full_band.h"
 #include "ec/scalar_subband.h"
+#include "g722/scalar_g722.h"
 #include "g726/scalar_g726.h"
 #include "g729/scalar_g729.h"
 #include "gsmamr/scalar_gsmamr.h"
+#include "gsmfr/scalar_gsmfr.h"
 
 namespace bench {
 
@@ -29,8 +31,8 @@ static vsp::Api apiOf(Add... add) {
 }
 
 std::vector<Implementation> implementations() {
-    static const vsp::Api scalar =
-        apiOf(addScalarCommon, addScalarG726, addScalarG729, addScalarGsmamr, addScalarSubband, addScalarFullBand);
+    static const vsp::Api scalar = apiOf(addScalarCommon, addScalarG722, addScalarG726, addScalarG729, addScalarGsmamr,
+                                         addScalarGsmfr, addScalarSubband, addScalarFullBand);
     static const vsp::Api handTuned = apiOf(addHandTunedCommon, addHandTunedSubband, addHandTunedFullBand);
     const vsp::Level level = vsp::bestLevel(vsp::readCpuRegisters());
     std::vector<Implementation> all = {{"library", &kApi_library}, {"y8", &vsp::kApi_y8}};
