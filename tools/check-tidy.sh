@@ -20,10 +20,19 @@ for file in "${changed[@]}"; do
         name=$(sed -E 's#^(include|src|tests|bench|tools/vsps)/##' <<<"$file")
         file=$(git grep -lF "#include \"$name\"" -- '*.cpp' | head -n 1 || true)
     fi
-    [[ -z $file ]] || sources+=("^$PWD/$file\$")
+    [[ -z $file ]] || sources+=("$PWD/$file")
 done
 ((${#sources[@]})) || { echo "No source has changed since $(git rev-parse --short "$base"): no clang-tidy." && exit; }
 
-mapfile -t sources < <(printf '%s\n' "${sources[@]}" | sort -u)
+# Of the commands for the levels of a source the last: it sees the widest vectors.
+commands=$(mktemp -d)
+trap 'rm -rf "$commands"' EXIT
+python3 - "$build/compile_commands.json" "${sources[@]}" >"$commands/compile_commands.json" <<'END'
+import json
+import sys
+
+commands = {command["file"]: command for command in json.load(open(sys.argv[1]))}
+json.dump([commands[name] for name in sorted(set(sys.argv[2:])) if name in commands], sys.stdout)
+END
 run=$(command -v run-clang-tidy-14 || command -v run-clang-tidy)
-"$run" -p "$build" -quiet -extra-arg=-Wno-unknown-warning-option "${sources[@]}"
+"$run" -p "$commands" -quiet -extra-arg=-Wno-unknown-warning-option
