@@ -62,6 +62,14 @@ bool isDeviceOrPipe(const std::string& file) {
     return status && !S_ISREG(status->st_mode) && !S_ISDIR(status->st_mode);
 }
 
+bool isStandardOutput(const std::string& file) {
+    if (file == kStandardStream) return true;
+    struct stat status {
+    }, standard{};
+    return stat(file.c_str(), &status) == 0 && fstat(STDOUT_FILENO, &standard) == 0 && !S_ISCHR(status.st_mode) &&
+           status.st_dev == standard.st_dev && status.st_ino == standard.st_ino;
+}
+
 }  // namespace
 
 OutputFile::OutputFile(const std::string& file) : file_(file) {
@@ -130,10 +138,6 @@ void OutputFile::fail(int reason) const {
     throw FileError(outputName(file_), std::string("cannot be written: ") + std::strerror(reason));
 }
 
-bool sameFile(const std::string& a, const std::string& b) {
-    return identityOf(a, STDOUT_FILENO) == identityOf(b, STDOUT_FILENO);
-}
-
 void refuseSameFiles(const std::vector<std::string>& inputs, const std::vector<std::string>& outputs) {
     if (std::count(inputs.begin(), inputs.end(), kStandardStream) > 1)
         throw FileError(inputName(kStandardStream), "can be only one of the inputs");
@@ -148,14 +152,6 @@ void refuseSameFiles(const std::vector<std::string>& inputs, const std::vector<s
         if (read.contains(identity)) throw FileError(outputName(out), "is an input and an output at once");
         if (!written.insert(identity).second) throw FileError(outputName(out), "is two outputs at once");
     }
-}
-
-bool isStandardOutput(const std::string& file) {
-    if (file == kStandardStream) return true;
-    struct stat status {
-    }, standard{};
-    return stat(file.c_str(), &status) == 0 && fstat(STDOUT_FILENO, &standard) == 0 && !S_ISCHR(status.st_mode) &&
-           status.st_dev == standard.st_dev && status.st_ino == standard.st_ino;
 }
 
 std::ostream& reportStream(const std::vector<std::string>& outputs) {

@@ -34,14 +34,9 @@ class OutputFile {
     int descriptor_ = -1;
 };
 
-// True if both names lead to one file, also by links, which need not exist. "-" in a list of outputs is standard output.
-bool sameFile(const std::string& a, const std::string& b);
-
 // Ends with a FileError if an output is one of the inputs or another output. Empty names are left out, "-" is standard
 // input among the inputs, which can be there once, and standard output among the outputs. Devices and pipes may be both.
 void refuseSameFiles(const std::vector<std::string>& inputs, const std::vector<std::string>& outputs);
 
-// True if what is written to the file goes to standard output: reports go to standard error then.
-bool isStandardOutput(const std::string& file);
-// Where the report of a command with these outputs goes.
+// Where the report of a command with these outputs goes: to standard error if one of them goes to standard output.
 std::ostream& reportStream(const std::vector<std::string>& outputs);

@@ -81,7 +81,7 @@ void runEcho(Options& o) {
     out.commit();
     if (picture) picture->commit();
     report.elapsedSeconds = stopwatch.seconds();
-    (isStandardOutput(o.out) ? std::cerr : std::cout) << (o.json ? toJson(report).text() : toText(report));
+    reportStream({o.out, o.plot}) << (o.json ? toJson(report).text() : toText(report));
 }
 
 }  // namespace

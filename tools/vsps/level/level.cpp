@@ -83,7 +83,7 @@ void runLevel(const Options& o) {
     out.commit();
     if (picture) picture->commit();
     report.elapsedSeconds = stopwatch.seconds();
-    (isStandardOutput(o.out) ? std::cerr : std::cout) << (o.json ? toJson(report).text() : toText(report));
+    reportStream({o.out, o.plot}) << (o.json ? toJson(report).text() : toText(report));
 }
 
 }  // namespace

@@ -11,7 +11,6 @@
 
 #include "audio/extension.h"
 #include "audio/input_options.h"
-#include "audio/recording.h"
 #include "audio/resampler.h"
 #include "console/error.h"
 #include "simulate_echo/g168_paths.h"
@@ -65,9 +64,9 @@ void readFile(const std::string& file, int rate, EchoPath& path) {
     } else {
         AudioReader in = openOneChannel(file, {});
         in.convertTo(rate);
-        const Recording recording = readRecording(std::move(in));
-        path.response.assign(recording.channels[0].begin(), recording.channels[0].end());
-        path.notes = recording.notes;
+        for (Block block; double(path.response.size()) <= kLongest * rate && in.read(kBlockLength, block);)
+            path.response.insert(path.response.end(), block[0].begin(), block[0].end());
+        path.notes = in.notes();
     }
     if (double(path.response.size()) > kLongest * rate) throw FileError(file, "too long for an echo path: more than 4 s");
 }

@@ -130,7 +130,7 @@ void runSimulateEcho(const Options& o) {
                                 10 * std::log10(line.farEnergy() / line.echoEnergy()),
                                 line.clipped()};
     out.commit();
-    (isStandardOutput(o.out) ? std::cerr : std::cout) << (o.json ? toJson(report).text() : toText(report));
+    reportStream({o.out}) << (o.json ? toJson(report).text() : toText(report));
 }
 
 }  // namespace
