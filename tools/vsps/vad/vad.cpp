@@ -156,20 +156,21 @@ void addVad(CommandLine& vsps) {
     command.option("--jobs", o->jobs, "Recordings processed at a time").takes("N").within(1, 1024).showDefault();
     command.footer(
         "With several inputs, {} in the name of an output stands for the input's name without folder and extension. An\n"
-        "input that cannot be used is reported, the others are still processed, and the exit code is 1. The table or the "
-        "labels\n"
-        "go to standard output as -, and the report to standard error then.\n\n"
+        "input that cannot be used is reported, the others are still processed, and the exit code is 1. An output can be\n"
+        "- for standard output; the report goes to standard error then.\n\n"
         "The detectors of 3GPP TS 26.094 decide for every frame of 20 ms, and extend speech by some frames of hangover.\n"
         "What an encoder feeds them comes from its pre-processing and its open-loop pitch search in the weighted speech,\n"
         "here with the lags and thresholds of the rates from 5.9 to 7.95 kbit/s; linear prediction and weighting run in\n"
         "floating point.\n\n"
-        "Columns of the table: channel; time_s, the start of the frame; speech, 1 or 0; level_dbov, -inf for silence;\n"
-        "snr_db, the mean ratio of the energies in the detector's bands to its noise estimates; threshold_db, above which\n"
-        "option 1 takes the frame for speech, or long_term_snr_db, by which option 2 chooses its threshold.\n\n"
+        "Columns of the table: channel, by turns; time_s, the start of the frame; speech, 1 or 0; level_dbov, -inf for\n"
+        "silence; snr_db, the mean ratio of the energies in the detector's bands to its noise estimates; threshold_db, "
+        "above\n"
+        "which option 1 takes the frame for speech, or long_term_snr_db, by which option 2 chooses its threshold.\n\n"
         "Examples:\n"
         "  vsps vad call.wav\n"
         "  vsps vad --option 2 --plot speech.png --labels speech.txt call.flac\n"
-        "  vsps vad --jobs 4 --csv 'tables/{}.csv' --json calls/*.wav");
+        "  vsps vad --jobs 4 --csv 'tables/{}.csv' --json calls/*.wav\n"
+        "  arecord -f S16_LE -r 8000 | vsps vad - --csv -");
     command.run([o] {
         checkPatterns(*o);
         runVad(*o);
