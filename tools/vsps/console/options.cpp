@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <iostream>
+#include <optional>
 
 #include "console/report_format.h"
 
@@ -37,33 +38,18 @@ Option& Option::showDefault() {
     return *this;
 }
 
-Option Command::option(const std::string& name, std::string& value, const std::string& help) {
+template <typename Value>
+Option Command::option(const std::string& name, Value& value, const std::string& help) {
     return Option(app_->add_option(name, value, help));
 }
 
-Option Command::option(const std::string& name, std::vector<std::string>& values, const std::string& help) {
-    return Option(app_->add_option(name, values, help));
-}
-
-Option Command::option(const std::string& name, int& value, const std::string& help) {
-    return Option(app_->add_option(name, value, help));
-}
-
-Option Command::option(const std::string& name, unsigned& value, const std::string& help) {
-    return Option(app_->add_option(name, value, help));
-}
-
-Option Command::option(const std::string& name, std::size_t& value, const std::string& help) {
-    return Option(app_->add_option(name, value, help));
-}
-
-Option Command::option(const std::string& name, double& value, const std::string& help) {
-    return Option(app_->add_option(name, value, help));
-}
-
-Option Command::option(const std::string& name, std::optional<double>& value, const std::string& help) {
-    return Option(app_->add_option(name, value, help));
-}
+template Option Command::option(const std::string&, std::string&, const std::string&);
+template Option Command::option(const std::string&, std::vector<std::string>&, const std::string&);
+template Option Command::option(const std::string&, int&, const std::string&);
+template Option Command::option(const std::string&, unsigned&, const std::string&);
+template Option Command::option(const std::string&, std::size_t&, const std::string&);
+template Option Command::option(const std::string&, double&, const std::string&);
+template Option Command::option(const std::string&, std::optional<double>&, const std::string&);
 
 void Command::flag(const std::string& name, bool& value, const std::string& help) { app_->add_flag(name, value, help); }
 

@@ -3,7 +3,6 @@
 
 #include <functional>
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -36,13 +35,9 @@ class Command {
     explicit Command(CLI::App* app) : app_(app) {}
 
     // The variables have to live until the command has run. A name that begins with no hyphen is that of an argument.
-    Option option(const std::string& name, std::string& value, const std::string& help);
-    Option option(const std::string& name, std::vector<std::string>& values, const std::string& help);
-    Option option(const std::string& name, int& value, const std::string& help);
-    Option option(const std::string& name, unsigned& value, const std::string& help);
-    Option option(const std::string& name, std::size_t& value, const std::string& help);
-    Option option(const std::string& name, double& value, const std::string& help);
-    Option option(const std::string& name, std::optional<double>& value, const std::string& help);
+    // Value is a std::string or several of them in a vector, an int, unsigned or std::size_t, a double or an optional one.
+    template <typename Value>
+    Option option(const std::string& name, Value& value, const std::string& help);
     void flag(const std::string& name, bool& value, const std::string& help);
     void footer(const std::string& text);
     void run(std::function<void()> action);
