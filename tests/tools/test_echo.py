@@ -45,6 +45,18 @@ def test_echo_is_removed(vsps, engine):
     assert len(late) >= 4 and min(late) > 15
 
 
+def test_ninety_seconds_are_measured_to_the_end(vsps):
+    """More frames than are kept one by one."""
+    near = line(vsps, speech(30, 12000) * 3)
+    out, report = cancel(vsps, "--plot", "echo.svg")
+    removed = 10 * math.log10(power(near[len(near) // 2 :]) / power(out[len(out) // 2 :]))
+    assert abs(report["erle_db"] - removed) < 3
+    points = report["erle_over_time"]
+    assert 160 < len(points) < 190 and 89 < points[-1]["time_s"] < 90
+    assert all(0.3 < b["time_s"] - a["time_s"] < 0.7 for a, b in zip(points[:-1], points[1:-1]))
+    assert min(p["erle_db"] for p in points if p["time_s"] > 5 and p["erle_db"] is not None) > 15
+
+
 def test_near_end_speech_is_kept_in_time(vsps):
     """The talker comes out as recorded: without a far end, and over its echo."""
     talker = [0] * 40000 + speech(3, 9000, seed=5)

@@ -68,6 +68,20 @@ def test_one_pass_begins_attenuated_and_says_until_when(vsps):
     assert "start attenuated" in vsps.ok("level", "in.wav", "out.wav").stdout
 
 
+def test_twelve_minutes_are_measured_as_one(vsps):
+    minute = pcm(speech(60, 3000))
+    vsps.put("short.raw", minute)
+    vsps.put("long.raw", minute * 12)
+    short, long = (vsps.json("level", "--raw", 8000, name, "out.wav", "--plot", "plot.svg")["channels"][0]
+                   for name in ("short.raw", "long.raw"))  # fmt: skip
+    assert abs(long["attenuated_until_s"] - short["attenuated_until_s"]) <= 0.04
+    assert long["gain_db"]["first"] == short["gain_db"]["first"]
+    assert abs(long["gain_db"]["highest"] - short["gain_db"]["highest"]) < 1
+    for signal in ("input", "output"):
+        assert abs(long[signal]["active_level_dbov"] - short[signal]["active_level_dbov"]) < 1
+        assert abs(long[signal]["speech_activity"] - short[signal]["speech_activity"]) < 0.02
+
+
 def test_two_passes_are_one_pass_over_the_recording_twice(vsps):
     samples = speech(4, 3000)
     twice, _ = level(vsps, samples + samples)

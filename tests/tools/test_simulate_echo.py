@@ -1,6 +1,8 @@
 """What vsps simulate-echo makes of far end, near end, echo path and noise."""
 import math
+import os
 import random
+import resource
 import struct
 
 import pytest
@@ -203,6 +205,18 @@ def test_files_that_cannot_be_used(vsps):
     vsps.path("folder.txt").mkdir()
     result = vsps.run(*run, "folder.txt")
     assert result.returncode == 1 and result.stderr.startswith("vsps: folder.txt: ") and result.stderr.count("\n") == 1
+
+
+def test_out_of_memory_is_said(vsps):
+    with open(os.environ["VSPS"], "rb") as program:
+        if b"san_init" in program.read():
+            pytest.skip("sanitizers need the address space")
+    vsps.put("far.wav", wav16(speech(1, 3000)))
+    vsps.put("path.txt", b"1\n" * 10_000_000)
+    limit = lambda: resource.setrlimit(resource.RLIMIT_AS, (100 << 20, 100 << 20))
+    result = vsps.run("simulate-echo", "far.wav", "none", "out.wav", "--path", "path.txt", preexec_fn=limit)
+    assert (result.returncode, result.stdout, result.stderr) == (1, "", "vsps: out of memory\n")
+    assert vsps.files() == ["far.wav", "path.txt"]
 
 
 @pytest.mark.parametrize(
