@@ -181,8 +181,9 @@ def test_analyses_of_twenty_minutes_need_no_more_memory_than_of_one(vsps, name):
     assert peak_memory(vsps, 20, *command) < short + 2000
 
 
-def test_the_speed_is_of_the_whole_command(vsps):
-    process = start(vsps, "pitch", "--json", "-")
+@pytest.mark.parametrize("command", ["pitch -", "level - out.wav", "echo --far far.wav --near - out.wav"])
+def test_the_speed_is_of_the_whole_command(vsps, command):
+    process = start(vsps, *command.split(), "--json")
     process.stdin.write(WAV[:20000])
     process.stdin.flush()
     time.sleep(0.5)
