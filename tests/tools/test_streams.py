@@ -186,9 +186,9 @@ def test_the_speed_is_of_the_whole_command(vsps, command):
     process = start(vsps, *command.split(), "--json")
     process.stdin.write(WAV[:20000])
     process.stdin.flush()
-    time.sleep(0.5)
+    time.sleep(1)
     out, _ = process.communicate(WAV[20000:], timeout=60)
-    assert json.loads(out)["times_real_time"] < 3 / 0.5
+    assert json.loads(out)["times_real_time"] < 12
 
 
 @pytest.mark.parametrize("name", ["vad", "pitch"])
