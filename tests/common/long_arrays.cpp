@@ -24,11 +24,13 @@ TEST(LongArrays, NoiseExcitation) {
     for (std::size_t i = 1; i <= 100; i++) EXPECT_EQ(few[kLongest % 16384 - i], dst[kLongest - i]);
 }
 
-TEST(LongArrays, SynthesisFilter) {
-    const Vsp16s lpc[11] = {4096, 2048}, memory[10] = {};
-    Repeated<Vsp16s> src(kLongest, 300), dst(kLongest, 0);
-    ASSERT_EQ(vspStsNoErr, vspsSynthesisFilter_NR_16s_Sfs(lpc, src.data(), dst.data(), kLongest, 12, memory));
-    for (std::size_t i = 1; i <= 100; i++) EXPECT_EQ(200, dst[kLongest - i]);
+// In place, where every repetition of the memory subtracts once more: not one block is left out.
+TEST(LongArrays, EchoOfOneTap) {
+    constexpr Vsp32f kTap = 0.25F;
+    constexpr std::size_t kRepetitions = (std::size_t(kLongest) + 1) * sizeof(Vsp32f) / RepeatedPages::kPeriod;
+    Repeated<Vsp32f> ref(kLongest, 1), signal(kLongest, 4096);
+    ASSERT_EQ(vspStsNoErr, vspsFIR_EC_32f(ref.data(), signal.data(), signal.data(), kLongest, &kTap, 1));
+    for (std::size_t i = 1; i <= 100; i++) EXPECT_EQ(4096 - kTap * Vsp32f(kRepetitions), signal[kLongest - i]);
 }
 
 }  // namespace vsp::test
