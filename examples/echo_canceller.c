@@ -2,7 +2,7 @@
  *
  *     echo_canceller far.raw near.raw out.raw
  *
- * The smallest canceller that works: no protection against double talk but a careful step. The output lags by 84 samples,
+ * The smallest canceller that works: no protection against double talk but a careful step. The output lags by 104 samples,
  * the delay of the filter bank.
  */
 #include <stdio.h>
@@ -11,6 +11,7 @@
 #include <vspsc.h>
 
 enum { kOrder = 5, kFrame = 24, kWindow = 128, kBands = 17, kTaps = 43 }; /* 129 ms of echo path */
+enum { kDelay = kWindow - kFrame, kMillisecond = 8 };                     /* of analysis and synthesis; samples */
 
 /* The filter bank of one signal, with the window that the library has for this shape. */
 typedef struct {
@@ -61,6 +62,36 @@ static void cancel(Vsp32fc* bands) {
     vspsFIRSubbandCoeffUpdate_EC_32fc_I(step, (const Vsp32fc* const*)far, bands, coef, kTaps, kBands);
 }
 
+/* Where there is no echo the filters estimate one all the same, from noise. So the near end changes to what they leave of
+ * it only as far as no millisecond gets louder; the share of the change goes evenly from one value to the next. */
+static void choose(const Vsp32f* near, Vsp32f* left) {
+    static double share;
+    int i, n;
+    for (i = 0; i < kFrame; i += kMillisecond) {
+        double before = 0, after = 0, energy = 0, product = 0, most;
+        for (n = i; n < i + kMillisecond; n++) {
+            const double change = (double)near[n] - left[n];
+            before += (double)near[n] * near[n];
+            energy += change * change;
+            product += near[n] * change;
+        }
+        most = before == 0 || product <= 0 ? 0 : 2 * product < energy ? 2 * product / energy : 1;
+        if (before == 0) share = 0;
+        if (most > share + 0.125) most = share + 0.125; /* one millisecond proves little */
+        for (n = i; n < i + kMillisecond; n++) {
+            const double now = share + (most - share) * (n - i + 1) / kMillisecond;
+            const Vsp32f out = (Vsp32f)(near[n] - now * ((double)near[n] - left[n]));
+            after += (double)out * out;
+        }
+        if (after > before) share = most;
+        for (n = i; n < i + kMillisecond; n++) {
+            const double now = share + (most - share) * (n - i + 1) / kMillisecond;
+            left[n] = (Vsp32f)(near[n] - now * ((double)near[n] - left[n]));
+        }
+        share = most;
+    }
+}
+
 /* One frame; 0 at the end of the input. A last frame that is not whole is filled up with zeros. */
 static size_t readFrame(FILE* file, Vsp32f* frame) {
     Vsp16s samples[kFrame];
@@ -79,7 +110,7 @@ static size_t writeFrame(FILE* file, const Vsp32f* frame, size_t count) {
 
 static int run(FILE* farFile, FILE* nearFile, FILE* outFile) {
     Bank farBank = {0}, nearBank = {0}, outBank = {0};
-    Vsp32f frame[kFrame];
+    Vsp32f frame[kFrame], near[kDelay + kFrame] = {0}; /* near: its newest frame comes last */
     Vsp32fc bands[kBands], *oldest;
     size_t count;
     int t, ok = openBank(&farBank) && openBank(&nearBank) && openBank(&outBank);
@@ -94,11 +125,13 @@ static int run(FILE* farFile, FILE* nearFile, FILE* outFile) {
         far[0] = oldest;
         readFrame(farFile, frame);
         vspsSubbandAnalysis_32f32fc(frame, far[0], farBank.state, farBank.work);
-        count = readFrame(nearFile, frame);
-        vspsSubbandAnalysis_32f32fc(frame, bands, nearBank.state, nearBank.work);
+        memmove(near, near + kFrame, kDelay * sizeof near[0]);
+        count = readFrame(nearFile, near + kDelay);
+        vspsSubbandAnalysis_32f32fc(near + kDelay, bands, nearBank.state, nearBank.work);
         if (count == 0) break;
         cancel(bands);
         vspsSubbandSynthesis_32fc32f(bands, frame, outBank.state, outBank.work);
+        choose(near, frame);
         ok = writeFrame(outFile, frame, count) == count;
     }
     closeBank(&farBank);

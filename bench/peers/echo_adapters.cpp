@@ -4,26 +4,33 @@
 #include <webrtc/modules/audio_processing/include/audio_processing.h>
 #include <webrtc/modules/interface/module_common_types.h>
 
-#include <algorithm>
-#include <stdexcept>
+#include <unistd.h>
 
-#include "echo_canceller/canceller.h"
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
 
 namespace echo {
 
 namespace {
 
+EchoCancellerSettings settingsOf(const std::string& name, double tailMs) {
+    EchoCancellerSettings s;
+    s.tailMs = tailMs;
+    s.engine = name.starts_with("fullband") ? EchoEngine::fullband : EchoEngine::subband;
+    s.fixedPoint = name.ends_with("-fixed");
+    if (name.ends_with("-bare")) {
+        s.maxBulkDelayMs = 0;
+        s.toneDisabling = false;
+    }
+    return s;
+}
+
 class Library : public Adapter {
   public:
-    Library(const std::string& name, double tailMs) {
-        settings_.tailMs = tailMs;
-        settings_.engine = name.starts_with("fullband") ? EchoEngine::fullband : EchoEngine::subband;
-        settings_.fixedPoint = name.ends_with("-fixed");
-        if (name.ends_with("-bare")) {
-            settings_.maxBulkDelayMs = 0;
-            settings_.toneDisabling = false;
-        }
-    }
+    Library(const std::string& name, double tailMs) : settings_(settingsOf(name, tailMs)) {}
 
     Signal process(const Signal& far, const Signal& near) override {
         constexpr std::size_t kBlock = 160;
@@ -102,12 +109,50 @@ class Webrtc : public Adapter {
     }
 };
 
+// A program that reads and writes files of 16-bit samples.
+class Program : public Adapter {
+  public:
+    explicit Program(std::string name) : name_(std::move(name)) {}
+
+    Signal process(const Signal& far, const Signal& near) override {
+        constexpr std::size_t kLatency = 104;  // of examples/echo_canceller.c
+        const std::filesystem::path folder = std::filesystem::temp_directory_path();
+        const std::string stem = (folder / ("echo_" + std::to_string(getpid()))).string();
+        const std::string files[] = {stem + ".far", stem + ".near", stem + ".out"};
+        write(files[0], far, kLatency);
+        write(files[1], near, kLatency);
+        if (std::system((name_ + ' ' + files[0] + ' ' + files[1] + ' ' + files[2]).c_str()) != 0)
+            throw std::runtime_error(name_ + ": failed");
+        std::vector<std::int16_t> samples(near.size() + kLatency);
+        const auto bytes = static_cast<std::streamsize>(samples.size() * sizeof(std::int16_t));
+        if (!std::ifstream(files[2], std::ios::binary).read(reinterpret_cast<char*>(samples.data()), bytes))
+            throw std::runtime_error(name_ + ": its output is short");
+        for (const std::string& file : files) std::filesystem::remove(file);
+        return {samples.begin() + kLatency, samples.end()};
+    }
+
+  private:
+    static void write(const std::string& name, const Signal& x, std::size_t more) {
+        std::vector<std::int16_t> samples(x.begin(), x.end());
+        samples.resize(x.size() + more);
+        std::ofstream(name, std::ios::binary)
+            .write(reinterpret_cast<const char*>(samples.data()), std::streamsize(samples.size() * sizeof(std::int16_t)));
+    }
+
+    std::string name_;
+};
+
 }  // namespace
 
 std::unique_ptr<Adapter> makeAdapter(const std::string& name, double tailMs) {
     if (name == "speexdsp") return std::make_unique<Speex>(tailMs);
     if (name == "webrtc") return std::make_unique<Webrtc>();
+    if (name.find('/') != std::string::npos) return std::make_unique<Program>(name);
     return std::make_unique<Library>(name, tailMs);
+}
+
+std::unique_ptr<EchoCanceller> makeCanceller(const std::string& name, double tailMs) {
+    return makeEchoCanceller(settingsOf(name, tailMs));
 }
 
 }  // namespace echo

@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 
+#include "echo_canceller/canceller.h"
 #include "echo_scenario.h"
 
 namespace echo {
@@ -16,7 +17,10 @@ class Adapter {
 };
 
 // name: subband, fullband, each with -fixed or -bare (without tone detector and search of the bulk delay, which speexdsp
-// has not either) or as it is; speexdsp; webrtc, whose tail is fixed.
+// has not either) or as it is; speexdsp; webrtc, whose tail is fixed; a program as examples/echo_canceller, with a slash.
 std::unique_ptr<Adapter> makeAdapter(const std::string& name, double tailMs);
+
+// Ours, to be called in steps.
+std::unique_ptr<EchoCanceller> makeCanceller(const std::string& name, double tailMs);
 
 }  // namespace echo

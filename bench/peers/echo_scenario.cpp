@@ -16,7 +16,6 @@ namespace echo {
 
 namespace {
 
-constexpr double kNoiseDbov = -68;
 constexpr double kTailDecay = 40;   // dB over the length of the tail
 constexpr double kTailLevel = -12;  // dB of the tail's energy relative to the hybrid's
 
@@ -63,17 +62,6 @@ std::vector<std::int16_t> asIntegers(const Signal& x) {
     return y;
 }
 
-double activeDbov(const Signal& x) {
-    const auto level = activeLevel(asIntegers(x));
-    if (!level) throw std::runtime_error("no speech in the recordings");
-    return level->dbov;
-}
-
-void scale(Signal& x, double db) {
-    const auto gain = static_cast<float>(std::pow(10, db / 20));
-    for (float& v : x) v *= gain;
-}
-
 }  // namespace
 
 std::vector<Path> eightPaths() {
@@ -101,16 +89,33 @@ Signal recordedSpeech(const std::vector<std::string>& files, double seconds) {
     return all;
 }
 
-Scenario makeScenario(const Path& path, const Signal& far, const Signal& nearSpeech, double startOfNear) {
+double activeDbov(const Signal& x) {
+    const auto level = activeLevel(asIntegers(x));
+    if (!level) throw std::runtime_error("no speech in the recordings");
+    return level->dbov;
+}
+
+void scale(Signal& x, double db) {
+    const auto gain = static_cast<float>(std::pow(10, db / 20));
+    for (float& v : x) v *= gain;
+}
+
+Signal whiteNoise(std::size_t length, double dbov, unsigned seed) {
+    std::mt19937 random(seed);
+    std::normal_distribution<float> gauss;
+    const auto level = static_cast<float>(32768 * std::pow(10, dbov / 20));
+    Signal x(length);
+    for (float& v : x) v = level * gauss(random);
+    return x;
+}
+
+Scenario makeScenario(const Path& path, const Signal& far, const Signal& nearSpeech, double startOfNear, double noiseDbov) {
     Scenario s;
     s.far = far;
     s.echo = convolve(far, impulseResponse(path));
     scale(s.echo, -path.erl - decibels(power(s.echo.data(), s.echo.size()) / power(far.data(), far.size())));
 
-    std::mt19937 random(5);
-    std::normal_distribution<float> gauss(0, static_cast<float>(32768 * std::pow(10, kNoiseDbov / 20)));
-    s.noise.resize(far.size());
-    for (float& v : s.noise) v = gauss(random);
+    s.noise = whiteNoise(far.size(), noiseDbov);
 
     s.nearSpeech.assign(far.size(), 0);
     const auto start = static_cast<std::size_t>(startOfNear * kRate);

@@ -26,13 +26,20 @@ Signal recordedSpeech(const std::vector<std::string>& files, double seconds);
 struct Scenario {
     Signal far;         // recorded speech
     Signal echo;        // of the far end
-    Signal noise;       // white, -68 dBov
+    Signal noise;       // white, with the rounding
     Signal nearSpeech;  // recorded speech; may be silent
     Signal near;        // the sum, rounded to integers
 };
 
+constexpr double kNoiseDbov = -68;
+
 // The near-end speech begins at startOfNear seconds; it has the active level of the far end.
-Scenario makeScenario(const Path& path, const Signal& far, const Signal& nearSpeech, double startOfNear);
+Scenario makeScenario(const Path& path, const Signal& far, const Signal& nearSpeech, double startOfNear,
+                      double noiseDbov = kNoiseDbov);
+
+Signal whiteNoise(std::size_t length, double dbov, unsigned seed = 5);
+double activeDbov(const Signal& x);  // ITU-T P.56
+void scale(Signal& x, double db);
 
 double power(const float* x, std::size_t count);  // mean square
 double decibels(double ratio);

@@ -138,6 +138,70 @@ TEST_P(Engines, KeepCancellingWhileBothTalk) {
     EXPECT_GT(r.share(6.5, 11, [](const auto& s) { return s.doubleTalk; }), 0.3);
 }
 
+TEST_P(Engines, NeverMakeALineWithoutEchoLouder) {
+    const Signal far = speech(0, 8);
+    const auto hum = [&](float level) {
+        Signal x(far.size());
+        for (std::size_t n = 0; n < x.size(); n++)
+            x[n] = level * static_cast<float>(std::sin(2 * std::numbers::pi * 50 * static_cast<double>(n) / kRate));
+        return x;
+    };
+    Signal dither(far.size()), talk = speech(4, 8);
+    std::mt19937 random(8);
+    for (float& v : dither) v = static_cast<float>(static_cast<int>(random() % 3) - 1);
+    talk.resize(far.size());
+    constexpr std::size_t kWindow = kRate / 10;
+    constexpr double kRounding = kWindow / 12.0;  // energy
+    for (Signal near : {noise(far.size(), 7.6f), noise(far.size(), 100), dither, hum(400),
+                        sum(hum(20), noise(far.size(), 5)), talk, Signal(far.size()), sum(talk, dither)}) {
+        for (float& v : near) v = std::round(v);
+        const Signal out = cancel(settings(), far, near).out;
+        double before = kRounding, after = kRounding, worst = 0;
+        for (std::size_t n = 0; n < near.size(); n++) {
+            const auto add = [&](std::size_t i, double sign) {
+                before += sign * double(near[i]) * near[i];
+                after += sign * std::round(double(out[i])) * std::round(double(out[i]));
+            };
+            add(n, 1);
+            if (n >= kWindow) add(n - kWindow, -1);
+            worst = std::max(worst, after / before);
+        }
+        EXPECT_LT(decibels(worst), 1) << "near end of " << decibels(power(near));
+    }
+}
+
+TEST_P(Engines, CallDoubleTalkWhereBothTalkAndNowhereElse) {
+    const Signal far = speech(0, 11), silence(far.size());
+    for (const double erl : {0.0, 20.0})
+        for (const float level : {0.0f, 100.0f}) {
+            const Signal echo = echoOf(far, 5, erl, 100), hiss = noise(far.size(), level);
+            const auto run = [&](const Signal& talk) {
+                Signal near = sum(sum(echo, hiss), talk);
+                for (float& v : near) v = std::round(v);
+                return cancel(settings(), far, near);
+            };
+            EXPECT_EQ(run(silence).share(0, 11, [](const auto& s) { return s.doubleTalk; }), 0) << erl << ' ' << level;
+
+            // Speech as loud as the echo, from 6 s on, is told at least once a second. What counts are frames with speech
+            // that the noise does not hide and that is at most 10 dB below the echo.
+            Signal talk = speech(10.9, 11);
+            for (float& v : talk) v *= static_cast<float>(std::pow(10, -erl / 20));
+            std::fill(talk.begin(), talk.begin() + 6 * kRate, 0.0f);
+            const double faint = std::max(0.03 * power(talk, 6 * kRate), double(level) * level);
+            const Result both = run(talk);
+            int heard = 0, all = 0;
+            for (double t = 6.5; t < 10.5; t += 0.02) {
+                const auto at = static_cast<std::size_t>(t * kRate);
+                const double talking = power(talk, at, at + 160), echoing = power(echo, at, at + 160);
+                if (talking < faint || talking < 0.1 * echoing) continue;
+                all++;
+                heard += both.share(t - 0.5, t + 0.5, [](const auto& s) { return s.doubleTalk; }) > 0;
+            }
+            EXPECT_GT(all, 50);
+            EXPECT_GE(heard, 0.9 * all) << erl << ' ' << level;
+        }
+}
+
 TEST_P(Engines, FollowANewEchoPath) {
     constexpr std::size_t kChange = 6 * kRate;
     const Signal far = speech(0, 16), before = echoOf(far, 2, 10), after = echoOf(far, 6, 6);

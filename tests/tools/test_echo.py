@@ -73,6 +73,17 @@ def test_near_end_speech_is_kept_in_time(vsps):
     assert report["double_talk"]["seconds"] > 1
 
 
+@pytest.mark.parametrize("erl", [0, 20])
+@pytest.mark.parametrize("engine", ENGINES, ids=lambda e: "-".join(e).replace("--", "") or "default")
+def test_no_double_talk_without_a_talker(vsps, engine, erl):
+    """Not on a line without any noise either, nor while the filter converges."""
+    vsps.put("far.wav", wav16(speech(8, 12000)))
+    vsps.ok("simulate-echo", "far.wav", "none", "near.wav", "--path", "d5", "--erl", erl)
+    report = cancel(vsps, *engine)[1]
+    assert report["double_talk"]["seconds"] <= 0.02 * 8
+    assert report["erle_db"] > 10
+
+
 def test_bulk_delay_is_found(vsps):
     near = line(vsps, speech(12, 12000), delay=150)
     out, report = cancel(vsps, "--tail", 32)

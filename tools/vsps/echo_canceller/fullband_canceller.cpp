@@ -9,6 +9,7 @@
 #include "echo_canceller/bulk_delay.h"
 #include "echo_canceller/far_activity.h"
 #include "echo_canceller/fullband_step_size.h"
+#include "echo_canceller/output_guard.h"
 #include "echo_canceller/tone_disabler.h"
 
 namespace {
@@ -35,12 +36,14 @@ class FullbandCanceller : public EchoCanceller {
           nearIn_(farIn_.size()),
           near_(farIn_.size()),
           error_(farIn_.size()),
+          echo_(farIn_.size()),
           out_(farIn_.size()),
           steps_(farIn_.size()),
           far_(static_cast<std::size_t>(maxDelay_ + taps_ + block_)),
           coefficients_(static_cast<std::size_t>(taps_)),
           stepSize_(taps_, kBlockRate),
-          farActivity_((maxDelay_ + taps_) / block_ + 1) {
+          farActivity_((maxDelay_ + taps_) / block_ + 1),
+          guard_(s.rate) {
         const BankShape shape = bankShape(s.rate);
         if (s.toneDisabling) tone_.emplace(s.rate);
         if (maxDelay_ >= shape.frame) bulkDelay_.emplace(shape, maxDelay_ / shape.frame, taps_ / shape.frame + 1, s.rate);
@@ -87,10 +90,7 @@ class FullbandCanceller : public EchoCanceller {
         }
         if (bulkDelay_ && !disabled) followDelay();
         const double step = cancel(!disabled);
-        for (std::size_t n = 0; n < out_.size(); n++) {
-            lastOut_ = static_cast<float>(error_[n]) / kEmphasisGain + kEmphasis * lastOut_;
-            out_[n] = disabled ? nearIn_[n] : Arithmetic::sample(lastOut_);
-        }
+        subtract(disabled, step);
         farActivity_.update(energy(farIn_.data(), block_) / block_);
         status_ = {.bulkDelayMs = 1000.0 * delay() / rate_,
                    .stepSize = step,
@@ -106,7 +106,9 @@ class FullbandCanceller : public EchoCanceller {
         if (!mayAdapt) return 0;
         FullbandStepSize::Block b{};
         b.samples = block_;
+        b.cancelling = guard_.removing();
         b.farEnergy = energy(ref + block_ - taps_, taps_);
+        b.farPower = energy(ref, block_) / block_;
         double peak = 0;
         for (std::size_t n = 0; n < near_.size(); n++) {
             const double e = error_[n], y = double(near_[n]) - e;
@@ -131,6 +133,18 @@ class FullbandCanceller : public EchoCanceller {
         return step;
     }
 
+    void subtract(bool disabled, double step) {
+        for (std::size_t n = 0; n < out_.size(); n++) {
+            lastEcho_ =
+                (static_cast<float>(near_[n]) - static_cast<float>(error_[n])) / kEmphasisGain + kEmphasis * lastEcho_;
+            echo_[n] = lastEcho_;
+        }
+        guard_.limit(std::span<const Sample>(nearIn_), echo_, step);
+        if (disabled) std::fill(echo_.begin(), echo_.end(), 0.0f);
+        for (std::size_t n = 0; n < out_.size(); n++)
+            out_[n] = Arithmetic::sample(static_cast<float>(nearIn_[n]) - echo_[n]);
+    }
+
     // When the bulk delay changes, the coefficients move with it.
     void followDelay() {
         const int before = delay();
@@ -148,16 +162,19 @@ class FullbandCanceller : public EchoCanceller {
     }
 
     int rate_, block_, taps_, maxDelay_;
-    std::vector<Sample> farIn_, nearIn_, near_, error_, out_;
+    std::vector<Sample> farIn_, nearIn_, near_, error_;
+    std::vector<float> echo_;
+    std::vector<Sample> out_;
     std::vector<typename Arithmetic::FullbandStep> steps_;
     std::vector<Sample> far_;  // emphasised, with its past
     std::vector<Sample> coefficients_;
     Sample scaledError_ = 0;
     FullbandStepSize stepSize_;
     FarActivity farActivity_;
+    OutputGuard guard_;
     std::optional<ToneDisabler> tone_;
     std::optional<SignalBulkDelay> bulkDelay_;
-    float lastFar_ = 0, lastNear_ = 0, lastOut_ = 0;
+    float lastFar_ = 0, lastNear_ = 0, lastEcho_ = 0;
     std::size_t filled_ = 0;
     EchoCancellerStatus status_;
 };

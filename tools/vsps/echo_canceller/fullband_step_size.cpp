@@ -11,8 +11,6 @@ constexpr double kDriftTime = 3e4;     // s in which an echo path becomes anothe
 constexpr double kCorrelated = 0.15;   // samples are correlated: one teaches less than if they were not
 constexpr double kChance = 8;          // leakage that comes about by chance, in units of its expectation
 constexpr double kNothing = 0.1;       // power of a sample
-constexpr double kFloorTime = 5;       // s, smoothing of the noise floor upwards
-constexpr double kAbove = 10;          // ratio of powers that makes near-end speech
 
 void smooth(double& value, double now, double time, double rate) {
     value += (1 - std::exp(-1 / (time * rate))) * (now - value);
@@ -20,7 +18,10 @@ void smooth(double& value, double now, double time, double rate) {
 
 }  // namespace
 
-FullbandStepSize::FullbandStepSize(int taps, double blockRate) : taps_(taps), blockRate_(blockRate) { reset(); }
+FullbandStepSize::FullbandStepSize(int taps, double blockRate)
+    : taps_(taps), blockRate_(blockRate), nearSpeech_(blockRate) {
+    reset();
+}
 
 void FullbandStepSize::reset() { uncertainty_ = 1; }
 
@@ -36,11 +37,15 @@ double FullbandStepSize::leakage(const Block& b) {
 double FullbandStepSize::update(const Block& b, double tapEnergy) {
     uncertainty_ = std::max(uncertainty_ + tapEnergy / (kDriftTime * blockRate_), leakage(b) * tapEnergy);
     smooth(noise_, b.errorPower, kNoiseTime, blockRate_);
-    noiseFloor_ = noise_ < noiseFloor_ || noiseFloor_ == 0 ? noise_ : noiseFloor_;
-    smooth(noiseFloor_, noise_, kFloorTime, blockRate_);
     const double predicted = uncertainty_ * b.farEnergy / taps_;
     const double step = predicted / (predicted + noise_ + kNothing);
     uncertainty_ *= 1 - std::min(1.0, kCorrelated * step * b.samples / taps_);
-    nearSpeech_ = b.errorPower > kAbove * (predicted + noiseFloor_);
+    nearSpeech_.update({.near = b.errorPower + b.estimatePower + 2 * b.correlation,
+                        .far = std::max(b.farPower, b.farEnergy / taps_),
+                        .error = noise_,
+                        .estimate = b.estimatePower,
+                        .noise = noise_,
+                        .predicted = predicted,
+                        .cancelling = b.cancelling});
     return step;
 }

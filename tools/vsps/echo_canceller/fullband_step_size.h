@@ -1,6 +1,8 @@
 // Step size of the full-band filter: the rule of the sub-band filters (step_size.h) with one uncertainty for all taps.
 #pragma once
 
+#include "echo_canceller/near_speech.h"
+
 class FullbandStepSize {
   public:
     FullbandStepSize(int taps, double blockRate);
@@ -8,20 +10,21 @@ class FullbandStepSize {
     // Of a block filtered with the taps as they are: powers per sample, and the sum of squares of the reference over the
     // filter. Returns the normalised step, 0 to 1, for the block.
     struct Block {
-        double farEnergy, errorPower, estimatePower, correlation;
+        double farEnergy, farPower, errorPower, estimatePower, correlation;
         int samples;
+        bool cancelling;  // the filter has been seen to remove echo
     };
     double update(const Block& block, double tapEnergy);
 
     void reset();
-    bool nearSpeech() const { return nearSpeech_; }
+    bool nearSpeech() const { return nearSpeech_.heard(); }
 
   private:
     double leakage(const Block& block);
 
     int taps_;
     double blockRate_, uncertainty_ = 0;  // the uncertainty is the sum over the taps
-    double noise_ = 0, noiseFloor_ = 0;
+    double noise_ = 0;
     double cross_ = 0, estimate_ = 0, chance_ = 0;
-    bool nearSpeech_ = false;
+    NearSpeech nearSpeech_;
 };

@@ -15,8 +15,6 @@ constexpr float kCorrelated = 0.4f;    // neighbouring taps are correlated: a fr
 constexpr float kChance = 8;           // leakage that comes about by chance, in units of its expectation
 constexpr double kIdle = 0.0005;       // share in what is to be learned below which a group is idle
 constexpr float kNothing = 1;          // power in a band
-constexpr double kFloorTime = 5;       // s, smoothing of the noise floor upwards
-constexpr double kAbove = 10;          // ratio of powers that makes near-end speech
 
 float smoothing(double time, double frameRate) { return static_cast<float>(std::exp(-1 / (time * frameRate))); }
 
@@ -41,7 +39,6 @@ SubbandStepSize::SubbandStepSize(int bands, int taps, double frameRate)
       noiseSmoothing_(smoothing(kNoiseTime, frameRate)),
       leakageSmoothing_(smoothing(kLeakageTime, frameRate)),
       drift_(static_cast<float>(1 / (kDriftTime * frameRate))),
-      floorRise_(1 - smoothing(kFloorTime, frameRate)),
       prior_(static_cast<std::size_t>(groups_)),
       uncertainty_(offset(groups_)),
       coefficientPower_(offset(groups_)),
@@ -54,7 +51,8 @@ SubbandStepSize::SubbandStepSize(int bands, int taps, double frameRate)
       pathPower_(noise_.size()),
       left_(noise_.size()),
       chancePower_(noise_.size()),
-      gain_(noise_.size()) {
+      gain_(noise_.size()),
+      nearSpeech_(frameRate) {
     const double sum = (1 - std::pow(kPriorDecay, taps)) / (1 - kPriorDecay);
     for (int g = 0; g < groups_; g++)
         prior_[static_cast<std::size_t>(g)] = static_cast<float>(std::pow(kPriorDecay, firstTap(g)) / sum);
@@ -146,11 +144,18 @@ void SubbandStepSize::update(const Frame& frame) {
     for (int g = 0; g < groups_; g++)
         if (adapts(g)) correct(g);
     noiseSum_ = sum(noise_);
-    observe(sum({frame.errorPower, noise_.size()}), sum(predicted_), noiseSum_);
+    observe(frame);
 }
 
-void SubbandStepSize::observe(double error, double predicted, double noise) {
-    learning_ = predicted / (predicted + noise + kNothing);
-    noiseFloor_ = noise < noiseFloor_ || noiseFloor_ == 0 ? noise : noiseFloor_ + floorRise_ * (noise - noiseFloor_);
-    nearSpeech_ = error > kAbove * (predicted + noiseFloor_);
+void SubbandStepSize::observe(const Frame& frame) {
+    const auto total = [this](const float* x) { return double(sum({x, noise_.size()})); };
+    const double error = total(frame.errorPower), estimate = total(frame.estimatePower), predicted = sum(predicted_);
+    learning_ = predicted / (predicted + noiseSum_ + kNothing);
+    nearSpeech_.update({.near = error + estimate + 2 * total(frame.correlation),
+                        .far = total(frame.farPower[0]),
+                        .error = error,
+                        .estimate = estimate,
+                        .noise = noiseSum_,
+                        .predicted = predicted,
+                        .cancelling = frame.cancelling});
 }

@@ -14,6 +14,8 @@
 
 #include <vector>
 
+#include "echo_canceller/near_speech.h"
+
 class SubbandStepSize {
   public:
     SubbandStepSize(int bands, int taps, double frameRate);
@@ -24,6 +26,7 @@ class SubbandStepSize {
         const float* errorPower;
         const float* estimatePower;  // of the echo estimate
         const float* correlation;    // real part of error * conj(estimate)
+        bool cancelling;             // the filter has been seen to remove echo
     };
     void update(const Frame& frame);
 
@@ -44,8 +47,7 @@ class SubbandStepSize {
 
     // The share of the error power that is still to be learned, 0 to 1: the step size over all bands.
     double learning() const { return learning_; }
-    // The error is far above what is still to be learned and above the noise.
-    bool nearSpeech() const { return nearSpeech_; }
+    bool nearSpeech() const { return nearSpeech_.heard(); }
 
   private:
     static constexpr int kGroup = 4;
@@ -54,10 +56,10 @@ class SubbandStepSize {
     void measureLeakage(const Frame& frame);
     void predict(const Frame& frame, int group);
     void correct(int group);
-    void observe(double error, double predicted, double noise);
+    void observe(const Frame& frame);
 
     int bands_, taps_, groups_;
-    float noiseSmoothing_, leakageSmoothing_, drift_, floorRise_;
+    float noiseSmoothing_, leakageSmoothing_, drift_;
     std::vector<float> prior_;             // share of a coefficient in the power of a path, [group]
     std::vector<float> uncertainty_;       // [group][band]
     std::vector<float> coefficientPower_;  // [group][band]
@@ -69,6 +71,6 @@ class SubbandStepSize {
     float cross_ = 0, estimate_ = 0, chance_ = 0;                                   // smoothed, for the leakage
     float leakage_ = 0;
     int turn_ = 0;
-    double learning_ = 0, noiseFloor_ = 0, noiseSum_ = 0;
-    bool nearSpeech_ = false;
+    double learning_ = 0, noiseSum_ = 0;
+    NearSpeech nearSpeech_;
 };

@@ -9,6 +9,7 @@
 #include "echo_canceller/delay_line.h"
 #include "echo_canceller/far_activity.h"
 #include "echo_canceller/filter_bank.h"
+#include "echo_canceller/output_guard.h"
 #include "echo_canceller/step_size.h"
 #include "echo_canceller/tone_disabler.h"
 
@@ -41,6 +42,7 @@ class SubbandCanceller : public EchoCanceller {
           coefficients_(taps_, bands_),
           stepSize_(bands_, taps_, 1000 / frameMs_),
           farActivity_(maxDelay_ + taps_),
+          guard_(s.rate),
           steps_(static_cast<std::size_t>(bands_)),
           estimate_(steps_.size()),
           error_(steps_.size()),
@@ -48,6 +50,8 @@ class SubbandCanceller : public EchoCanceller {
           estimatePower_(steps_.size()),
           correlation_(steps_.size()),
           farIn_(static_cast<std::size_t>(shape_.frame)),
+          estimated_(farIn_.size()),
+          echo_(farIn_.size()),
           out_(farIn_.size()),
           nearIn_(static_cast<std::size_t>(latency())) {
         if (s.toneDisabling) tone_.emplace(s.rate);
@@ -99,8 +103,7 @@ class SubbandCanceller : public EchoCanceller {
         if (bulkDelay_ && !disabled && bulkDelay_->update(x, near_.at(0)[0], cancelling())) realign(delay() - before);
         cancel(near_.at(kLookAhead)[0]);
         if (!disabled) adapt();
-        outBank_.synthesise(error_.data(), out_.data());
-        if (disabled) std::copy_n(nearIn_.begin(), out_.size(), out_.begin());
+        subtract(disabled);
         observe(disabled);
         std::copy(nearIn_.begin() + shape_.frame, nearIn_.end(), nearIn_.begin());
     }
@@ -132,11 +135,22 @@ class SubbandCanceller : public EchoCanceller {
         }
     }
 
+    // The bank would give the near end back as it was, but for rounding.
+    void subtract(bool disabled) {
+        outBank_.synthesise(estimate_.data(), estimated_.data());
+        std::transform(estimated_.begin(), estimated_.end(), echo_.begin(), [](Sample y) { return static_cast<float>(y); });
+        guard_.limit(std::span<const Sample>(nearIn_.data(), echo_.size()), echo_, stepSize_.learning());
+        if (disabled) std::fill(echo_.begin(), echo_.end(), 0.0f);
+        for (std::size_t n = 0; n < out_.size(); n++)
+            out_[n] = Arithmetic::sample(static_cast<float>(nearIn_[n]) - echo_[n]);
+    }
+
     // Most of the near end is echo, and gone.
     bool cancelling() const { return left_ < kCancelled * heard_; }
 
     void adapt() {
-        stepSize_.update({farPower_.at(delay()), errorPower_.data(), estimatePower_.data(), correlation_.data()});
+        stepSize_.update(
+            {farPower_.at(delay()), errorPower_.data(), estimatePower_.data(), correlation_.data(), guard_.removing()});
         for (int g = 0; g < stepSize_.groups(); g++) {
             if (!stepSize_.adapts(g)) continue;
             std::transform(stepSize_.steps(g), stepSize_.steps(g) + bands_, steps_.begin(), Arithmetic::step);
@@ -196,12 +210,15 @@ class SubbandCanceller : public EchoCanceller {
     DelayLine<Complex> near_, coefficients_;
     SubbandStepSize stepSize_;
     FarActivity farActivity_;
+    OutputGuard guard_;
     std::optional<ToneDisabler> tone_;
     std::optional<BulkDelay> bulkDelay_;
     std::vector<typename Arithmetic::Step> steps_;
     std::vector<Complex> estimate_, error_;
     std::vector<float> errorPower_, estimatePower_, correlation_;
-    std::vector<Sample> farIn_, out_, nearIn_;
+    std::vector<Sample> farIn_, estimated_;
+    std::vector<float> echo_;
+    std::vector<Sample> out_, nearIn_;
     std::ptrdiff_t filled_ = 0;
     int turn_ = 0;
     float left_ = 0, heard_ = 0;  // smoothed power of the output and of the near end
