@@ -20,16 +20,15 @@ constexpr double kTailDecay = 40;   // dB over the length of the tail
 constexpr double kTailLevel = -12;  // dB of the tail's energy relative to the hybrid's
 
 std::vector<double> impulseResponse(const Path& path) {
-    const auto all = g168Paths();
-    const auto model = std::find_if(all.begin(), all.end(), [&](const G168Path& p) { return p.name == path.hybrid; });
     const auto delay = static_cast<std::size_t>(path.delayMs * kRate / 1000);
     const auto length = static_cast<std::size_t>(path.lengthMs * kRate / 1000);
     std::vector<double> h(std::max(length, delay + 1));
     double energy = 0;
-    for (std::size_t i = 0; i < model->taps.size() && delay + i < h.size(); i++) {
-        h[delay + i] = model->taps[i] * model->k;
-        energy += h[delay + i] * h[delay + i];
-    }
+    for (const G168Path& model : g168Paths())
+        for (std::size_t i = 0; model.name == path.hybrid && i < model.taps.size() && delay + i < h.size(); i++) {
+            h[delay + i] = model.taps[i] * model.k;
+            energy += h[delay + i] * h[delay + i];
+        }
     std::mt19937 random(7);
     std::normal_distribution<double> noise;
     const double decay = std::pow(10, -kTailDecay / 20 / static_cast<double>(h.size() - delay));
@@ -40,17 +39,20 @@ std::vector<double> impulseResponse(const Path& path) {
         tailEnergy += value * value;
         level *= decay;
     }
-    const double gain = std::sqrt(energy / tailEnergy * std::pow(10, kTailLevel / 10));
+    const double gain = energy > 0 ? std::sqrt(energy / tailEnergy * std::pow(10, kTailLevel / 10)) : 1;
     for (std::size_t i = 0; i < tail.size(); i++) h[delay + i] += gain * tail[i];
     return h;
 }
 
 Signal convolve(const Signal& x, const std::vector<double>& h) {
+    constexpr std::size_t kBlock = 1024;  // of results that are summed at once
     Signal y(x.size());
-    for (std::size_t n = 0; n < x.size(); n++) {
-        double sum = 0;
-        for (std::size_t k = 0; k < h.size() && k <= n; k++) sum += h[k] * x[n - k];
-        y[n] = static_cast<float>(sum);
+    for (std::size_t begin = 0; begin < x.size(); begin += kBlock) {
+        std::array<double, kBlock> sum{};
+        const std::size_t end = std::min(begin + kBlock, x.size());
+        for (std::size_t k = 0; k < h.size() && k < end; k++)
+            for (std::size_t n = std::max(begin, k); n < end; n++) sum[n - begin] += h[k] * x[n - k];
+        std::copy_n(sum.begin(), end - begin, y.begin() + static_cast<std::ptrdiff_t>(begin));
     }
     return y;
 }
@@ -109,7 +111,8 @@ Signal whiteNoise(std::size_t length, double dbov, unsigned seed) {
     return x;
 }
 
-Scenario makeScenario(const Path& path, const Signal& far, const Signal& nearSpeech, double startOfNear, double noiseDbov) {
+Scenario makeScenario(const Path& path, const Signal& far, const Signal& nearSpeech, double startOfNear, double endOfNear,
+                      double nearDb, double noiseDbov) {
     Scenario s;
     s.far = far;
     s.echo = convolve(far, impulseResponse(path));
@@ -119,9 +122,10 @@ Scenario makeScenario(const Path& path, const Signal& far, const Signal& nearSpe
 
     s.nearSpeech.assign(far.size(), 0);
     const auto start = static_cast<std::size_t>(startOfNear * kRate);
-    if (start < far.size()) {
-        Signal speech(nearSpeech.begin(), nearSpeech.begin() + static_cast<std::ptrdiff_t>(far.size() - start));
-        scale(speech, activeDbov(far) - activeDbov(speech));
+    const auto end = static_cast<std::size_t>(std::min(endOfNear * kRate, double(far.size())));
+    if (start < end) {
+        Signal speech(nearSpeech.begin(), nearSpeech.begin() + static_cast<std::ptrdiff_t>(end - start));
+        scale(speech, activeDbov(far) - activeDbov(speech) + nearDb);
         std::copy(speech.begin(), speech.end(), s.nearSpeech.begin() + static_cast<std::ptrdiff_t>(start));
     }
     s.near.resize(far.size());

@@ -1,6 +1,7 @@
 // The signals that echo cancellers are compared on: recorded speech through echo paths.
 #pragma once
 
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -11,7 +12,7 @@ using Signal = std::vector<float>;  // on the scale of 16-bit samples
 
 // An echo path: a hybrid of ITU-T G.168 Annex D behind a delay, and what a room or a second hybrid adds.
 struct Path {
-    std::string hybrid;  // d2 to d9
+    std::string hybrid;  // d2 to d9; room: none, a path that decays from its beginning
     double delayMs;      // before the hybrid's response
     double lengthMs;     // from the first sample to where the decaying tail ends, 40 dB below its beginning
     double erl;          // dB between far-end speech and its echo
@@ -33,8 +34,9 @@ struct Scenario {
 
 constexpr double kNoiseDbov = -68;
 
-// The near-end speech begins at startOfNear seconds; it has the active level of the far end.
+// The near-end speech lasts from startOfNear to endOfNear seconds; its active level is nearDb above that of the far end.
 Scenario makeScenario(const Path& path, const Signal& far, const Signal& nearSpeech, double startOfNear,
+                      double endOfNear = std::numeric_limits<double>::infinity(), double nearDb = 0,
                       double noiseDbov = kNoiseDbov);
 
 Signal whiteNoise(std::size_t length, double dbov, unsigned seed = 5);

@@ -135,7 +135,7 @@ void lookForLouder(const std::vector<std::string>& names, const Signal& speech, 
         for (const Named& far : farEnds(speech)) row(near.name, far.name, near.signal, far.signal);
     for (const Path& path : eightPaths())
         for (const double noise : {kNone, -68.0, -50.0}) {
-            const Scenario s = makeScenario(path, inLoudness(speech, -20), talker, 1e9, noise);
+            const Scenario s = makeScenario(path, inLoudness(speech, -20), talker, 1e9, 1e9, 0, noise);
             char name[40];
             std::snprintf(name, sizeof name, "echo %s, noise %.0f", path.hybrid.c_str(), noise);
             row(name, "speech -20", s.near, s.far);
@@ -198,7 +198,7 @@ void lookForDoubleTalk(const std::vector<std::string>& names, const Signal& spee
             for (const double erl : {0.0, 6.0, 12.0, 20.0})
                 for (const double noise : {kNone, -68.0, -50.0}) {
                     path.erl = erl;
-                    const Scenario s = makeScenario(path, far, talker, 1e9, noise);
+                    const Scenario s = makeScenario(path, far, talker, 1e9, 1e9, 0, noise);
                     const double wrong = calledWrongly(talk(name, far, s.near));
                     mostWrong = std::max(mostWrong, wrong);
                     std::printf("%-16s %4s %5.0f dB %5.0f dBov   %5.1f%s;", name.c_str(), path.hybrid.c_str(), erl, noise,

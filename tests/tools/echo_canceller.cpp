@@ -67,6 +67,18 @@ Signal echoOf(const Signal& x, int model, double erl, std::size_t delay = 0) {
     return y;
 }
 
+// The echo in a room whose response decays by 40 dB in the given time.
+Signal roomEchoOf(const Signal& x, double seconds, double erl) {
+    Signal response = noise(static_cast<std::size_t>(seconds * kRate), 1, 4), y(x.size());
+    for (std::size_t k = 0; k < response.size(); k++)
+        response[k] *= static_cast<float>(std::pow(0.01, double(k) / double(response.size())));
+    for (std::size_t k = 0; k < response.size(); k += 3)  // dense enough, and quick
+        for (std::size_t n = k; n < x.size(); n++) y[n] += response[k] * x[n - k];
+    const auto gain = static_cast<float>(std::sqrt(power(x) / power(y) * std::pow(10, -erl / 10)));
+    for (float& v : y) v *= gain;
+    return y;
+}
+
 struct Result {
     Signal out;  // aligned with near
     std::vector<EchoCancellerStatus> statuses;
@@ -212,13 +224,45 @@ TEST_P(Engines, FollowANewEchoPath) {
 }
 
 TEST_P(Engines, FindTheBulkDelay) {
-    const Signal far = speech(0, 14), near = echoOf(far, 2, 6, 300 * kRate / 1000);
+    const Signal far = speech(0, 14);
+    for (const std::size_t delay : {300, 1000}) {
+        const Signal near = echoOf(far, 2, 6, delay * kRate / 1000);
+        EchoCancellerSettings s = settings();
+        const Result found = cancel(s, far, near);
+        EXPECT_NEAR(found.at(13).bulkDelayMs, double(delay) - 20, 20);  // with a margin
+        EXPECT_TRUE(found.at(13).echoFound);
+        EXPECT_GT(decibels(power(near, 10 * kRate) / power(found.out, 10 * kRate)), 20);
+        s.maxBulkDelayMs = 0;
+        const Result none = cancel(s, far, near);
+        EXPECT_LT(decibels(power(near, 10 * kRate) / power(none.out, 10 * kRate)), 6);
+        EXPECT_FALSE(none.at(13).echoFound);
+    }
+}
+
+// As long as the canceller's filter: what is cut off is left.
+TEST_P(Engines, FindTheDelayOfARoom) {
+    const Signal far = speech(0, 18), room = roomEchoOf(far, 0.2, 10);
+    Signal near(far.size());
+    constexpr std::size_t kDelay = 150 * kRate / 1000;
+    std::copy(room.begin(), room.end() - kDelay, near.begin() + kDelay);
     EchoCancellerSettings s = settings();
-    const Result found = cancel(s, far, near);
-    EXPECT_NEAR(found.at(13).bulkDelayMs, 280, 20);  // with a margin
-    EXPECT_GT(decibels(power(near, 10 * kRate) / power(found.out, 10 * kRate)), 20);
-    s.maxBulkDelayMs = 0;
-    EXPECT_LT(decibels(power(near, 10 * kRate) / power(cancel(s, far, near).out, 10 * kRate)), 6);
+    s.tailMs = 200;
+    const Result r = cancel(s, far, near);
+    EXPECT_NEAR(r.at(17).bulkDelayMs, 130, 22);
+    EXPECT_GT(decibels(power(near, 13 * kRate) / power(r.out, 13 * kRate)), subband() ? 26 : 15);
+}
+
+// The near end is 20 dB louder than the far end, and its echo 20 dB below that.
+TEST_P(Engines, KeepTheDelayWhileTheNearEndTalks) {
+    constexpr std::size_t kBoth = 9 * kRate;
+    Signal far = speech(0, 18), talk = speech(4, 18);
+    for (float& v : far) v *= 0.1f;
+    std::fill(talk.begin(), talk.begin() + kBoth, 0.0f);
+    EchoCancellerSettings s = settings();
+    s.tailMs = 200;
+    const Signal echo = roomEchoOf(far, 0.2, 20);
+    const Result r = cancel(s, far, sum(echo, talk));
+    EXPECT_EQ(r.share(0, 18, [](const auto& status) { return status.bulkDelayMs > 0; }), 0);
 }
 
 TEST_P(Engines, LeaveTheNearEndAloneIfNothingComesFromTheFarEnd) {

@@ -91,6 +91,17 @@ def test_bulk_delay_is_found(vsps):
     assert 10 * math.log10(power(near[64000:]) / power(out[64000:])) > 20
 
 
+def test_no_echo_is_said(vsps):
+    """Another talker and noise are no echo, and one that comes too late is not found."""
+    vsps.put("far.wav", wav16(speech(6, 12000)))
+    vsps.put("near.wav", wav16(speech(6, 9000, seed=5)))
+    assert cancel(vsps)[1]["bulk_delay_ms"] is None
+    line(vsps, speech(6, 12000), delay=1400)
+    report = vsps.ok("echo", "--far", "far.wav", "--near", "near.wav", "out.wav").stdout
+    assert "no echo found that begins within 1000 ms" in report
+    assert "1000 ms" in vsps.ok("echo", "--help").stdout
+
+
 def test_text_report_and_plot(vsps):
     line(vsps, speech(4, 12000))
     result = vsps.ok("echo", "--far", "far.wav", "--near", "near.wav", "out.flac", "--plot", "echo.png")

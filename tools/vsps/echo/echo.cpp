@@ -7,6 +7,7 @@
 #include "commands.h"
 #include "console/output_file.h"
 #include "console/progress.h"
+#include "console/report_format.h"
 #include "console/standard_streams.h"
 #include "console/stopwatch.h"
 #include "echo/call_reader.h"
@@ -119,6 +120,12 @@ void addEcho(CommandLine& vsps) {
         "ERLE (echo return loss enhancement) is the power of the near end over that of the output, where there is echo\n"
         "alone. Noise and near-end speech stay in the output, so ERLE cannot pass the echo-to-noise ratio. At the answer\n"
         "tone of a modem (2100 Hz with phase reversals, ITU-T G.168) the canceller steps aside.\n\n"
+        "The bulk delay, the pure delay before the echo path, is searched from 0 to " +
+        format("%.0f", EchoCancellerSettings{}.maxBulkDelayMs) +
+        " ms while there is echo that the\n"
+        "filter does not reach, and stays as it is while the near end talks. An echo that begins later stays in the "
+        "output,\n"
+        "and the report says that no echo was found.\n\n"
         "One of FAR, NEAR and FILE can be - for standard input. OUT can be - for standard output, a WAV file or, with\n"
         "--raw, 16-bit little-endian samples without a header; the report goes to standard error then.\n\n"
         "Examples:\n"

@@ -79,7 +79,7 @@ void EchoMeter::measureFrames() {
         trace_.add(point);
         if (frame.status.doubleTalk) inDoubleTalk_ += point;
         toneFrames_ += frame.status.toneDisabled;
-        bulkDelayMs_ = frame.status.bulkDelayMs;
+        if (frame.status.echoFound) bulkDelayMs_ = frame.status.bulkDelayMs;
         watchConvergence(frame);
     }
 }

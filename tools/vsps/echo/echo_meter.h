@@ -33,7 +33,7 @@ std::vector<ErlePoint> erleOverTime(const EchoTrace& trace, double stretchSecond
 
 struct EchoMeasures {
     std::optional<ActiveLevel> farLevel, nearLevel, outLevel;
-    double bulkDelayMs = 0;
+    std::optional<double> bulkDelayMs;  // of the echo; empty without one
     std::optional<double> steadyErle;   // dB, over the second half
     std::optional<double> convergence;  // s of far-end speech until 20 dB are reached for the first time
     double doubleTalkSeconds = 0;
@@ -65,7 +65,8 @@ class EchoMeter {
     DoubleTalkJoiner joiner_;
     EchoTrace trace_{kCapacity};
     EchoPoint inDoubleTalk_;
-    double bulkDelayMs_ = 0, speechFrames_ = 0, toneFrames_ = 0;
+    std::optional<double> bulkDelayMs_;
+    double speechFrames_ = 0, toneFrames_ = 0;
     std::deque<EchoPoint> lastEcho_;     // the last frames with echo alone
     std::optional<double> convergence_;  // frames of far-end speech
 };

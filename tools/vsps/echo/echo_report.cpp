@@ -44,7 +44,9 @@ std::string toText(const EchoReport& r) {
                                        r.settings.fixedPoint ? "fixed point" : "floating point", r.settings.tailMs);
     text += "  active levels     far " + levelText(m.farLevel) + ", near " + levelText(m.nearLevel) + ", output " +
             levelText(m.outLevel) + '\n';
-    text += format("  bulk delay        %.1f ms\n", m.bulkDelayMs);
+    text += m.bulkDelayMs
+                ? format("  bulk delay        %.1f ms\n", *m.bulkDelayMs)
+                : format("  bulk delay        no echo found that begins within %.0f ms\n", r.settings.maxBulkDelayMs);
     text += "  ERLE              " + (m.steadyErle ? decibels(*m.steadyErle, "dB") : std::string("-")) +
             " over the second half, where there is echo alone\n";
     text += m.convergence
@@ -80,8 +82,9 @@ Json toJson(const EchoReport& r) {
         {"settings",
          {{"engine", engineName(r.settings.engine)},
           {"fixed_point", r.settings.fixedPoint},
-          {"tail_ms", r.settings.tailMs}}},
-        {"bulk_delay_ms", number(m.bulkDelayMs)},
+          {"tail_ms", r.settings.tailMs},
+          {"max_bulk_delay_ms", r.settings.maxBulkDelayMs}}},
+        {"bulk_delay_ms", numberOrNull(m.bulkDelayMs)},
         {"erle_db", numberOrNull(m.steadyErle)},
         {"convergence_to_20_db_s", numberOrNull(m.convergence)},
         {"double_talk", {{"seconds", number(m.doubleTalkSeconds)}, {"level_change_db", numberOrNull(m.doubleTalkChange)}}},

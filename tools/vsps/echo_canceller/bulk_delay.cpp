@@ -7,96 +7,174 @@
 
 namespace {
 
-constexpr double kLowest = 500;     // Hz, the lowest band
-constexpr double kStep = 0.3;       // of the normalised LMS rule
-constexpr double kNoiseTime = 0.1;  // s, smoothing of the error power
-constexpr double kHoldTime = 0.3;   // s for which a new delay must stay the best
-constexpr double kOnset = 0.05;     // of the peak: there the path begins
-constexpr double kOutside = 0.03;   // share of the response that may lie outside the canceller's filter
-constexpr double kClear = 4;        // ratio of the peak to the mean that makes an echo path
-constexpr int kMaxTaps = 255;       // of the library's filters
-constexpr double kNothing = 1;      // power of a band
+constexpr double kLowest = 500;      // Hz, the lowest band
+constexpr double kNoiseTime = 0.05;  // s, smoothing of the error power
+constexpr double kEvidenceTime = 1;  // s over which it is judged what the search explains
+constexpr double kEnough = 0.25;     // s for which a new delay must be the best, if it explained everything
+constexpr double kDriftTime = 30;    // s in which an echo path becomes another one
+constexpr double kRestTime = 5;      // s of far-end signal without anything new, after which the search becomes slow
+constexpr double kMemory = 5;        // s for which a canceller that was useful is taken to be so still
+constexpr float kCorrelated = 0.4f;  // taps are correlated: a frame teaches less than if they were not
+constexpr float kClear = 0.85f;      // share left unexplained that makes an echo outside
+constexpr float kSlight = 0.9f;      // the same, where the canceller loses nothing if it moves
+constexpr float kNone = 0.95f;       // share left unexplained where there is none
+constexpr float kGained = 0.5f;      // share of the echo outside that a new delay must bring inside
+constexpr float kLost = 0.003f;      // share of the echo inside that counts as nothing
+constexpr float kFaint = 0.005f;     // of the largest energy of a frame inside: what is below is noise
+constexpr float kSure = 0.8f;        // share of the near end removed that shows where most of the path lies
+constexpr int kRoom = 2, kEnd = 2;   // frames by which a path begins late, and frames where it is cut off
+constexpr float kCut = 0.01f;        // share of the response that a first guess may leave outside
+constexpr float kChance = 2;         // energy of the search's coefficients that comes about by chance, of its expectation
+constexpr float kFade = 0.9f;        // of coefficients that make it worse
+constexpr int kLead = 1;             // frames that had better be inside before the path begins
+constexpr int kMaxTaps = 255;        // of the library's filters
+constexpr float kNothing = 1;        // power of a band
 
-double power(Vsp32fc z) { return double(z.re) * z.re + double(z.im) * z.im; }
+float smoothing(double time, double frameRate) { return static_cast<float>(1 - std::exp(-1 / (time * frameRate))); }
 
 }  // namespace
 
-BulkDelay::BulkDelay(int maxFrames, int covered, double spacing, double frameRate)
-    : maxFrames_(maxFrames),
-      covered_(covered),
-      firstBand_(static_cast<int>(kLowest / spacing)),
-      length_(std::min(maxFrames + covered, kMaxTaps)),
-      hold_(static_cast<int>(kHoldTime * frameRate / kDecide)),
-      noiseShare_(1 - std::exp(-kAdapt / (kNoiseTime * frameRate))),
-      far_(length_, kBands),
+BulkDelay::BulkDelay(const Shape& s)
+    : maxFrames_(std::min(s.maxFrames, kMaxTaps - s.covered)),
+      covered_(s.covered),
+      firstBand_(static_cast<int>(kLowest / s.spacing)),
+      length_(maxFrames_ + covered_),
+      enough_(static_cast<float>(kEnough * s.frameRate / kDecide)),
+      noiseShare_(smoothing(kNoiseTime, s.frameRate)),
+      evidenceShare_(smoothing(kEvidenceTime, s.frameRate)),
+      drift_(smoothing(kDriftTime, s.frameRate)),
+      restAfter_(static_cast<float>(kRestTime * s.frameRate)),
+      usefulDecay_(1 - smoothing(kMemory, s.frameRate / kDecide)),
+      far_(length_ + 1, kBands),
       response_(length_, kBands),
-      estimate_(kBands),
-      error_(kBands),
-      farPower_(kBands),
-      errorPower_(kBands),
-      steps_(kBands),
-      energy_(static_cast<std::size_t>(length_)) {}
-
-// The near end is in the error.
-void BulkDelay::adapt() {
-    FloatArithmetic::filter(far_.at(0), response_.at(0), estimate_.data(), length_, kBands);
-    std::fill(farPower_.begin(), farPower_.end(), 0.0);
-    for (int t = 0; t < length_; t++)
-        for (std::size_t k = 0; k < kBands; k++) farPower_[k] += power(far_.at(t)[0][k]);
-    for (std::size_t k = 0; k < kBands; k++) {
-        error_[k] = FloatArithmetic::subtract(error_[k], estimate_[k]);
-        errorPower_[k] += noiseShare_ * (power(error_[k]) - errorPower_[k]);
-        steps_[k] = kStep / (farPower_[k] + errorPower_[k] + kNothing);
-    }
-    FloatArithmetic::adapt(steps_.data(), far_.at(0), error_.data(), response_.at(0), length_, kBands);
+      upTo_(static_cast<std::size_t>(length_ + 1)) {
+    uncertainty_.fill(1 / static_cast<float>(length_));
 }
 
-bool BulkDelay::decide() {
-    double peak = 0, sum = 0;
-    for (int t = 0; t < length_; t++) {
-        double& e = energy_[static_cast<std::size_t>(t)];
-        e = 0;
-        for (int k = 0; k < kBands; k++) e += power(response_.at(t)[0][k]);
-        peak = std::max(peak, e);
-        sum += e;
+// The step follows from what is unknown of the coefficients, as in step_size.h, with one uncertainty for all taps: of a
+// path that is as loud as the far end at most.
+void BulkDelay::adapt() {
+    std::array<float, kBands> before;
+    std::transform(left_.begin(), left_.end(), before.begin(), power);
+    forBothParts([this](int first, int count) {
+        FloatArithmetic::filter(far_.at(first), response_.at(first), estimate_.data(), count, kBands);
+        std::transform(left_.begin(), left_.end(), estimate_.begin(), left_.begin(), FloatArithmetic::subtract);
+    });
+    float learned = 0, left = 0, unexplained = 0;
+    for (std::size_t k = 0; k < kBands; k++) {
+        const float error = power(left_[k]), far = static_cast<float>(std::max(power_.far[k], 0.0));
+        float &noise = power_.noise[k], &u = uncertainty_[k];
+        noise += noiseShare_ * (error - noise);
+        const float gain = 1 / (u * far + std::max(noise, error) + kNothing), share = u * far * gain;
+        steps_[k] = u * gain;
+        u *= 1 - kCorrelated / static_cast<float>(length_) * share;
+        u += drift_ * (1 / static_cast<float>(length_) - u);
+        learned += share / kBands;
+        left += share * gain * before[k];
+        unexplained += share * gain * error;
     }
-    if (peak * length_ < kClear * sum) return false;
-    const auto onset = std::find_if(energy_.begin(), energy_.end(), [peak](double e) { return e > kOnset * peak; });
-    const int found = std::clamp(static_cast<int>(onset - energy_.begin()) - 1, 0, maxFrames_);
+    weigh(learned, left, unexplained);
+    forBothParts([this](int first, int count) {
+        FloatArithmetic::adapt(steps_.data(), far_.at(first), left_.data(), response_.at(first), count, kBands);
+    });
+}
 
-    const auto inside = [this](int delay) {
-        double energy = 0;
-        for (int t = delay; t < std::min(delay + covered_, length_); t++) energy += energy_[static_cast<std::size_t>(t)];
-        return energy;
-    };
-    if (found == delay_ || inside(found) - inside(delay_) < kOutside * sum) {
-        held_ = 0;
-        return false;
+// Frames count as far as there is something to learn from them, not as they are loud: what is heard in the pauses of a
+// near-end talker is not lost.
+void BulkDelay::weigh(float learned, float left, float unexplained) {
+    leftPower_ += evidenceShare_ * (left - leftPower_);
+    unexplained_ += evidenceShare_ * (unexplained - unexplained_);
+    if (unexplained_ < kSlight * leftPower_)
+        nothingNew_ = 0;
+    else if (unexplained_ > kNone * leftPower_)
+        nothingNew_ += learned;
+}
+
+// Noise is in all coefficients of the search alike; what it explains little of is mostly noise.
+void BulkDelay::measureEnergies(std::span<const float> covered) {
+    float outside = 0;
+    for (int t = 0; t < length_; t++) {
+        float& e = upTo_[static_cast<std::size_t>(t + 1)];
+        e = 0;
+        for (int k = 0; k < kBands; k++) e += power(response_.at(t)[0][k]) / kBands;
+        if (t < delay_ || t >= delay_ + covered_) outside += e;
     }
-    held_ = found == candidate_ ? held_ + 1 : 0;
+    const float chance =
+        leftPower_ > 0 ? kChance * std::min(1.0f, unexplained_ / leftPower_) * outside / static_cast<float>(length_) : 0;
+    const float faint = kFaint * *std::max_element(covered.begin(), covered.end());
+    const auto clearly = [faint](float e) { return e > faint ? e : 0.0f; };
+    for (int t = 0; t < length_; t++) {
+        const bool isCovered = t >= delay_ && t < delay_ + covered_;
+        float& e = upTo_[static_cast<std::size_t>(t + 1)];
+        e = isCovered ? useful_ * clearly(covered[static_cast<std::size_t>(t - delay_)]) : std::max(e - chance, 0.0f);
+        e += upTo_[static_cast<std::size_t>(t)];
+    }
+}
+
+// The longest delay that keeps nearly all of the response inside, but for the lead.
+int BulkDelay::find() const {
+    float best = 0;
+    for (int d = 0; d <= maxFrames_; d++) best = std::max(best, inside(d));
+    const float enough = best - kCut * upTo_.back();
+    int found = maxFrames_;
+    while (found > 0 && inside(found) < enough) found--;
+    for (int i = 0; i < kLead && found > 0 && inside(found - 1) >= enough; i++) found--;
+    return found;
+}
+
+float BulkDelay::evidence(int found) const {
+    if (found == delay_) return 0;
+    const int end = delay_ + covered_;
+    const float now = inside(delay_), outside = upTo_.back() - now;
+    const float kept = energy(std::clamp(found, delay_, end), std::clamp(found + covered_, delay_, end));
+    const float lost = now - kept, gained = inside(found) - kept;
+    const bool free = useful() && lost < kLost * now, gains = gained >= kGained * outside;
+    // The path reaches the end of what is covered, and begins late: there is room for more of it.
+    if (free && useful_ > kSure && found >= delay_ + kRoom && energy(end - kEnd, end) > kLost * now) return 1;
+    const float share = leftPower_ > 0 ? unexplained_ / leftPower_ : 1;
+    return gains && (free || gained > lost) && share < (free ? kSlight : kClear) ? 1 - share : 0;
+}
+
+bool BulkDelay::decide(std::span<const float> coveredEnergy, float leftShare) {
+    useful_ = std::max(std::clamp(1 - leftShare, 0.0f, 1.0f), usefulDecay_ * useful_);
+    measureEnergies(coveredEnergy);
+    const int found = find();
+    if (unexplained_ > leftPower_)
+        for (int t = 0; t < length_; t++)
+            for (int k = 0; k < kBands; k++) {
+                Vsp32fc& h = response_.at(t)[0][k];
+                h = {kFade * h.re, kFade * h.im};
+            }
+    const float now = evidence(found);
+    evidence_ = now == 0 ? 0 : std::abs(found - candidate_) <= 1 ? evidence_ + now : now;
     candidate_ = found;
-    if (held_ < hold_) return false;
+    if (evidence_ < enough_) return false;
     delay_ = found;
-    held_ = 0;
+    evidence_ = 0;
+    for (int t = delay_; t < delay_ + covered_; t++) std::fill_n(response_.at(t)[0], kBands, Vsp32fc{});
+    unexplained_ = leftPower_;
     return true;
 }
 
 SignalBulkDelay::SignalBulkDelay(const BankShape& shape, int maxFrames, int covered, int rate)
     : shape_(shape),
       farBank_(shape, farWindow(shape)),
-      nearBank_(shape, farWindow(shape)),
+      leftBank_(shape, farWindow(shape)),
       farIn_(static_cast<std::size_t>(shape.frame)),
-      nearIn_(farIn_.size()),
+      leftIn_(farIn_.size()),
       far_(static_cast<std::size_t>(shape.bands())),
-      near_(far_.size()),
-      delay_(maxFrames, covered, double(rate) / shape.transform(), double(rate) / shape.frame) {}
+      left_(far_.size()),
+      delay_({.maxFrames = maxFrames,
+              .covered = covered,
+              .spacing = double(rate) / shape.transform(),
+              .frameRate = double(rate) / shape.frame}) {}
 
-bool SignalBulkDelay::update(float far, float near) {
+bool SignalBulkDelay::update(float far, float left) {
     farIn_[filled_] = far;
-    nearIn_[filled_] = near;
+    leftIn_[filled_] = left;
     if (++filled_ < farIn_.size()) return false;
     filled_ = 0;
     farBank_.analyse(farIn_.data(), far_.data());
-    nearBank_.analyse(nearIn_.data(), near_.data());
-    return delay_.update(far_.data(), near_.data());
+    leftBank_.analyse(leftIn_.data(), left_.data());
+    return delay_.update(far_.data(), left_.data());
 }

@@ -19,13 +19,14 @@ struct EchoCancellerSettings {
     int rate = 8000;      // Hz: 8000 or 16000
     double tailMs = 128;  // length of the echo path that can be cancelled, without its bulk delay; 1 to 500
     EchoEngine engine = EchoEngine::subband;
-    bool fixedPoint = false;      // with the 16-bit functions of the library instead of the floating-point ones
-    double maxBulkDelayMs = 500;  // the pure delay before the echo path is searched up to here; 0: taken to be none
-    bool toneDisabling = true;    // stop at a modem's answer tone (2100 Hz with phase reversals), ITU-T G.168
+    bool fixedPoint = false;       // with the 16-bit functions of the library instead of the floating-point ones
+    double maxBulkDelayMs = 1000;  // the pure delay before the echo path is searched up to here; 0: taken to be none
+    bool toneDisabling = true;     // stop at a modem's answer tone (2100 Hz with phase reversals), ITU-T G.168
 };
 
 // What the canceller was doing at the end of the last block.
 struct EchoCancellerStatus {
+    bool echoFound = false;     // some echo has been removed so far; without it, the bulk delay means nothing
     double bulkDelayMs = 0;     // between far and near, compensated before the adaptive filter
     double stepSize = 0;        // how fast the filter adapts: 0 not at all, 1 as fast as an NLMS filter can
     bool farActive = false;     // there is a far-end signal to cancel

@@ -7,6 +7,7 @@
 
 #include "echo_canceller/arithmetic.h"
 #include "echo_canceller/bulk_delay.h"
+#include "echo_canceller/echo_presence.h"
 #include "echo_canceller/far_activity.h"
 #include "echo_canceller/fullband_step_size.h"
 #include "echo_canceller/output_guard.h"
@@ -30,6 +31,7 @@ class FullbandCanceller : public EchoCanceller {
     explicit FullbandCanceller(const EchoCancellerSettings& s)
         : rate_(s.rate),
           block_(s.rate / kBlockRate),
+          frame_(bankShape(s.rate).frame),
           taps_(std::max(1, static_cast<int>(s.tailMs * s.rate / 1000))),
           maxDelay_(static_cast<int>(s.maxBulkDelayMs * s.rate / 1000)),
           farIn_(static_cast<std::size_t>(block_)),
@@ -41,12 +43,14 @@ class FullbandCanceller : public EchoCanceller {
           steps_(farIn_.size()),
           far_(static_cast<std::size_t>(maxDelay_ + taps_ + block_)),
           coefficients_(static_cast<std::size_t>(taps_)),
+          tapEnergy_(static_cast<std::size_t>(std::max(1, taps_ / frame_))),
           stepSize_(taps_, kBlockRate),
           farActivity_((maxDelay_ + taps_) / block_ + 1),
+          presence_(kBlockRate),
           guard_(s.rate) {
-        const BankShape shape = bankShape(s.rate);
         if (s.toneDisabling) tone_.emplace(s.rate);
-        if (maxDelay_ >= shape.frame) bulkDelay_.emplace(shape, maxDelay_ / shape.frame, taps_ / shape.frame + 1, s.rate);
+        if (maxDelay_ >= frame_)
+            bulkDelay_.emplace(bankShape(s.rate), maxDelay_ / frame_, static_cast<int>(tapEnergy_.size()), s.rate);
     }
 
     int latency() const override { return block_; }
@@ -88,11 +92,14 @@ class FullbandCanceller : public EchoCanceller {
             newest()[n] = emphasise(farIn_[n], lastFar_);
             near_[n] = emphasise(nearIn_[n], lastNear_);
         }
-        if (bulkDelay_ && !disabled) followDelay();
         const double step = cancel(!disabled);
+        presence_.update(static_cast<float>(energy(near_.data(), block_)),
+                         static_cast<float>(energy(error_.data(), block_)));
+        if (bulkDelay_ && !disabled) followDelay();
         subtract(disabled, step);
         farActivity_.update(energy(farIn_.data(), block_) / block_);
-        status_ = {.bulkDelayMs = 1000.0 * delay() / rate_,
+        status_ = {.echoFound = presence_.found(),
+                   .bulkDelayMs = 1000.0 * delay() / rate_,
                    .stepSize = step,
                    .farActive = farActivity_.active(),
                    .doubleTalk = !disabled && farActivity_.active() && stepSize_.nearSpeech(),
@@ -145,23 +152,35 @@ class FullbandCanceller : public EchoCanceller {
             out_[n] = Arithmetic::sample(static_cast<float>(nearIn_[n]) - echo_[n]);
     }
 
-    // When the bulk delay changes, the coefficients move with it.
     void followDelay() {
+        bool due = false;
+        for (std::size_t n = 0; n < error_.size(); n++)
+            due |= bulkDelay_->update(static_cast<float>(newest()[n]), static_cast<float>(error_[n]));
+        if (!due) return;
+        const double unit = Arithmetic::kTap;
+        for (std::size_t t = 0; t < tapEnergy_.size(); t++) {
+            const int first = static_cast<int>(t) * frame_;
+            tapEnergy_[t] =
+                static_cast<float>(energy(coefficients_.data() + first, std::min(frame_, taps_ - first)) / (unit * unit));
+        }
         const int before = delay();
-        bool changed = false;
-        for (std::size_t n = 0; n < farIn_.size(); n++)
-            changed |= bulkDelay_->update(static_cast<float>(farIn_[n]), static_cast<float>(nearIn_[n]));
-        if (!changed) return;
-        const int shift = delay() - before;
+        if (bulkDelay_->decide(tapEnergy_, presence_.leftShare())) realign(delay() - before);
+    }
+
+    // When the bulk delay has changed, the coefficients move with it.
+    void realign(int shift) {
         std::vector<Sample> moved(coefficients_.size());
         for (int t = std::max(0, -shift); t < std::min(taps_, taps_ - shift); t++)
             moved[static_cast<std::size_t>(t)] = coefficients_[static_cast<std::size_t>(t + shift)];
         coefficients_ = moved;
         scaledError_ = 0;
-        stepSize_.reset();
+        if (bulkDelay_->useful())
+            stepSize_.forget(std::min(1.0, std::abs(shift) / double(taps_)));
+        else
+            stepSize_.reset();
     }
 
-    int rate_, block_, taps_, maxDelay_;
+    int rate_, block_, frame_, taps_, maxDelay_;
     std::vector<Sample> farIn_, nearIn_, near_, error_;
     std::vector<float> echo_;
     std::vector<Sample> out_;
@@ -169,8 +188,10 @@ class FullbandCanceller : public EchoCanceller {
     std::vector<Sample> far_;  // emphasised, with its past
     std::vector<Sample> coefficients_;
     Sample scaledError_ = 0;
+    std::vector<float> tapEnergy_;  // in frames of the search
     FullbandStepSize stepSize_;
     FarActivity farActivity_;
+    EchoPresence presence_;
     OutputGuard guard_;
     std::optional<ToneDisabler> tone_;
     std::optional<SignalBulkDelay> bulkDelay_;

@@ -25,6 +25,8 @@ FullbandStepSize::FullbandStepSize(int taps, double blockRate)
 
 void FullbandStepSize::reset() { uncertainty_ = 1; }
 
+void FullbandStepSize::forget(double share) { uncertainty_ = std::max(uncertainty_, share); }
+
 double FullbandStepSize::leakage(const Block& b) {
     const double share = 1 - std::exp(-1 / (kLeakageTime * blockRate_));
     smooth(cross_, b.correlation, kLeakageTime, blockRate_);

@@ -17,6 +17,8 @@ class FullbandStepSize {
     double update(const Block& block, double tapEnergy);
 
     void reset();
+    // Nothing is known of a share of the taps any more.
+    void forget(double share);
     bool nearSpeech() const { return nearSpeech_.heard(); }
 
   private:

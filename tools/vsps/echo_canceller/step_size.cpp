@@ -68,6 +68,22 @@ void SubbandStepSize::reset() {
     std::fill(groupPredicted_.begin(), groupPredicted_.end(), 1.0);
 }
 
+void SubbandStepSize::shift(int shift) {
+    const auto move = [this, shift](int group) {
+        float* to = uncertainty_.data() + offset(group);
+        const int first = firstTap(group) + shift, last = first + taps(group) - 1;
+        if (first < 0 || last >= taps_) {
+            std::fill_n(to, bands_, prior_[static_cast<std::size_t>(group)]);
+            return;
+        }
+        const float *a = uncertainty_.data() + offset(first / kGroup), *b = uncertainty_.data() + offset(last / kGroup);
+        for (int k = 0; k < bands_; k++) to[k] = std::max(a[k], b[k]);
+    };
+    for (int g = 0; g < groups_; g++) move(shift > 0 ? g : groups_ - 1 - g);
+    std::fill(adapts_.begin(), adapts_.end(), char{1});
+    std::fill(groupPredicted_.begin(), groupPredicted_.end(), 1.0);
+}
+
 // The square of the regression coefficient of the error on the estimate, less what it is by chance.
 void SubbandStepSize::measureLeakage(const Frame& frame) {
     for (std::size_t k = 0; k < chancePower_.size(); k++) chancePower_[k] = frame.errorPower[k] * frame.estimatePower[k];

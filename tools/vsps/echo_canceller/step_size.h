@@ -44,6 +44,8 @@ class SubbandStepSize {
 
     // Nothing is known of the echo path any more.
     void reset();
+    // Tap t is now what tap t + shift was; nothing is known of those that were none.
+    void shift(int shift);
 
     // The share of the error power that is still to be learned, 0 to 1: the step size over all bands.
     double learning() const { return learning_; }

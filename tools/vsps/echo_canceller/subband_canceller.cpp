@@ -7,6 +7,7 @@
 #include "echo_canceller/arithmetic.h"
 #include "echo_canceller/bulk_delay.h"
 #include "echo_canceller/delay_line.h"
+#include "echo_canceller/echo_presence.h"
 #include "echo_canceller/far_activity.h"
 #include "echo_canceller/filter_bank.h"
 #include "echo_canceller/output_guard.h"
@@ -18,8 +19,6 @@ namespace {
 // Between bands of frames, a path of no delay also looks into the future: the near end waits for so many frames. Into the
 // past it gets as much longer.
 constexpr int kLookAhead = 1, kLookBack = 3;
-
-constexpr float kCancelled = 0.1f, kSlow = 0.95f;  // share of the power left, and smoothing of both from frame to frame
 
 template <class Arithmetic>
 class SubbandCanceller : public EchoCanceller {
@@ -42,8 +41,10 @@ class SubbandCanceller : public EchoCanceller {
           coefficients_(taps_, bands_),
           stepSize_(bands_, taps_, 1000 / frameMs_),
           farActivity_(maxDelay_ + taps_),
+          presence_(1000 / frameMs_),
           guard_(s.rate),
           steps_(static_cast<std::size_t>(bands_)),
+          tapEnergy_(static_cast<std::size_t>(taps_)),
           estimate_(steps_.size()),
           error_(steps_.size()),
           errorPower_(steps_.size()),
@@ -55,7 +56,8 @@ class SubbandCanceller : public EchoCanceller {
           out_(farIn_.size()),
           nearIn_(static_cast<std::size_t>(latency())) {
         if (s.toneDisabling) tone_.emplace(s.rate);
-        if (maxDelay_ > 0) bulkDelay_.emplace(maxDelay_, taps_, double(s.rate) / shape_.transform(), 1000 / frameMs_);
+        if (maxDelay_ > 0)
+            bulkDelay_.emplace(BulkDelay::Shape{maxDelay_, taps_, double(s.rate) / shape_.transform(), 1000 / frameMs_});
     }
 
     // Of analysis and synthesis, of the waiting for the future, and of the collecting of a frame.
@@ -99,10 +101,9 @@ class SubbandCanceller : public EchoCanceller {
         farBank_.analyse(farIn_.data(), x);
         powers(x, farPower_.push());
         nearBank_.analyse(newest(), near_.push());
-        const int before = delay();
-        if (bulkDelay_ && !disabled && bulkDelay_->update(x, near_.at(0)[0], cancelling())) realign(delay() - before);
         cancel(near_.at(kLookAhead)[0]);
         if (!disabled) adapt();
+        if (bulkDelay_ && !disabled && bulkDelay_->update(x, error_.data())) followDelay();
         subtract(disabled);
         observe(disabled);
         std::copy(nearIn_.begin() + shape_.frame, nearIn_.end(), nearIn_.begin());
@@ -133,6 +134,12 @@ class SubbandCanceller : public EchoCanceller {
             estimatePower[k] = yr * yr + yi * yi;
             correlation[k] = er * yr + ei * yi;
         }
+        float left = 0, heard = 0;
+        for (int k = 0; k < bands_; k++) {
+            left += errorPower[k];
+            heard += errorPower[k] + 2 * correlation[k] + estimatePower[k];
+        }
+        presence_.update(heard, left);
     }
 
     // The bank would give the near end back as it was, but for rounding.
@@ -144,9 +151,6 @@ class SubbandCanceller : public EchoCanceller {
         for (std::size_t n = 0; n < out_.size(); n++)
             out_[n] = Arithmetic::sample(static_cast<float>(nearIn_[n]) - echo_[n]);
     }
-
-    // Most of the near end is echo, and gone.
-    bool cancelling() const { return left_ < kCancelled * heard_; }
 
     void adapt() {
         stepSize_.update(
@@ -176,6 +180,22 @@ class SubbandCanceller : public EchoCanceller {
         }
     }
 
+    void followDelay() {
+        constexpr float kUnit = 1 / Arithmetic::kCoefficient;
+        for (int t = 0; t < taps_; t++) {
+            const Complex* c = coefficients_.at(t)[0];
+            float energy = 0;
+            for (int i = 0; i < BulkDelay::bands(); i++) {
+                const Complex z = c[bulkDelay_->band(i)];
+                const float re = kUnit * static_cast<float>(z.re), im = kUnit * static_cast<float>(z.im);
+                energy += re * re + im * im;
+            }
+            tapEnergy_[static_cast<std::size_t>(t)] = energy / BulkDelay::bands();
+        }
+        const int before = delay();
+        if (bulkDelay_->decide(tapEnergy_, presence_.leftShare())) realign(delay() - before);
+    }
+
     // When the bulk delay has changed, the coefficients move with it.
     void realign(int shift) {
         const auto row = [this](int t) { return coefficients_.at(0)[t]; };
@@ -186,14 +206,16 @@ class SubbandCanceller : public EchoCanceller {
                 std::fill_n(row(t), bands_, Complex{});
         };
         for (int t = 0; t < taps_; t++) move(shift > 0 ? t : taps_ - 1 - t);
-        stepSize_.reset();
+        if (bulkDelay_->useful())
+            stepSize_.shift(shift);
+        else
+            stepSize_.reset();
     }
 
     void observe(bool disabled) {
         farActivity_.update(meanSquare(farIn_));
-        left_ = kSlow * left_ + meanSquare(out_);
-        heard_ = kSlow * heard_ + meanSquare({newest(), farIn_.size()});
-        status_ = {.bulkDelayMs = delay() * frameMs_,
+        status_ = {.echoFound = presence_.found(),
+                   .bulkDelayMs = delay() * frameMs_,
                    .stepSize = disabled ? 0 : stepSize_.learning(),
                    .farActive = farActivity_.active(),
                    .doubleTalk = !disabled && farActivity_.active() && stepSize_.nearSpeech(),
@@ -210,10 +232,12 @@ class SubbandCanceller : public EchoCanceller {
     DelayLine<Complex> near_, coefficients_;
     SubbandStepSize stepSize_;
     FarActivity farActivity_;
+    EchoPresence presence_;
     OutputGuard guard_;
     std::optional<ToneDisabler> tone_;
     std::optional<BulkDelay> bulkDelay_;
     std::vector<typename Arithmetic::Step> steps_;
+    std::vector<float> tapEnergy_;
     std::vector<Complex> estimate_, error_;
     std::vector<float> errorPower_, estimatePower_, correlation_;
     std::vector<Sample> farIn_, estimated_;
@@ -221,7 +245,6 @@ class SubbandCanceller : public EchoCanceller {
     std::vector<Sample> out_, nearIn_;
     std::ptrdiff_t filled_ = 0;
     int turn_ = 0;
-    float left_ = 0, heard_ = 0;  // smoothed power of the output and of the near end
     EchoCancellerStatus status_;
 };
 
