@@ -2,7 +2,6 @@
 #include "arithmetic/basic_ops.h"
 #include "common/exports.h"
 #include "core/checks.h"
-#include "vector/for_blocks.h"
 #include "vector/magnitude.h"
 
 namespace vsp::VSP_LEVEL {
@@ -94,15 +93,18 @@ VspStatus vspsSynthesisFilter_NR_16s_Sfs(const Vsp16s* pLPC, const Vsp16s* pSrc,
     Vsp16s* const y = buffer + kOrder;
     for (int j = 0; j < kOrder; j++) buffer[j] = pMem[j];
     bool overflow = false;
-    forBlocks(len, kBlock, [&](Vsp32s n, Vsp32s count) {
-        const Outcome outcome = filterBlockWrapping(pLPC, lpcMagnitude, pSrc + n, y, count, scaleFactor);
+    for (Vsp32s left = len; left > 0; left -= kBlock) {
+        const Vsp32s count = left < kBlock ? left : kBlock;
+        const Outcome outcome = filterBlockWrapping(pLPC, lpcMagnitude, pSrc, y, count, scaleFactor);
         if (outcome == Outcome::uncertain)
-            overflow |= filterBlockSaturating(pLPC, pSrc + n, y, count, scaleFactor);
+            overflow |= filterBlockSaturating(pLPC, pSrc, y, count, scaleFactor);
         else
             overflow |= outcome == Outcome::clipped;
-        for (int i = 0; i < count; i++) pDst[n + i] = y[i];
+        for (int i = 0; i < count; i++) pDst[i] = y[i];
         for (int j = 0; j < kOrder; j++) buffer[j] = y[count - kOrder + j];
-    });
+        pSrc += count;
+        pDst += count;
+    }
     return overflow ? vspStsOverflow : vspStsNoErr;
 }
 

@@ -1,5 +1,5 @@
 // The largest length, at which an index that runs past the end does not fit 32 bits. These functions stand for all: the
-// loops over blocks are one, forBlocks.
+// loops over blocks are forBlocks, or count down.
 #include <gtest/gtest.h>
 
 #include "support/repeated_memory.h"
