@@ -34,9 +34,9 @@ VSP_INLINE void storeFirst(S16_128 a, Vsp16s* pair) {
 VSP_INLINE S16_128 limited(S16_128 a) { return min(max(a, S16_128::splat(-16384)), S16_128::splat(16383)); }
 
 // The scale factor of the next sample, from what the code adds to the logarithmic one (LOGSCL, SCALEL; LOGSCH, SCALEH).
-VSP_INLINE Vsp32s nextLogScale(Vsp32s logScale, Vsp32s step, Vsp32s largest) {
+VSP_INLINE Vsp32s nextLogScale(Vsp32s logScale, Vsp32s step, Vsp32s logScaleMax) {
     const Vsp32s next = ((logScale * 32512) >> 15) + step;
-    return next < 0 ? 0 : next > largest ? largest : next;
+    return next < 0 ? 0 : next > logScaleMax ? logScaleMax : next;
 }
 VSP_INLINE Vsp32s lowScale(Vsp32s logScale) { return scaleFactors.values[kLowScaleOffset + (logScale >> 6)]; }
 VSP_INLINE Vsp32s highScale(Vsp32s logScale) { return scaleFactors.values[logScale >> 6]; }
