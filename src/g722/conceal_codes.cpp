@@ -6,7 +6,7 @@ namespace vsp::VSP_LEVEL {
 
 static constexpr Vsp16s kFrames = 4, kSilentCode = 0xFF;
 
-static void copyFrame(const Vsp16s* src, Vsp16s* dst, Vsp64s len) { __builtin_memcpy(dst, src, sizeof(Vsp16s) * len); }
+static void copyFrame(const Vsp16s* from, Vsp16s* to, Vsp64s len) { __builtin_memcpy(to, from, sizeof(Vsp16s) * len); }
 
 VspStatus vspsConcealCodes_G722_16s_I(Vsp16s* pSrcDst, Vsp32s len, Vsp32s lost, Vsp16s* pHist) {
     if (anyNull(pSrcDst, pHist)) return vspStsNullPtrErr;

@@ -17,11 +17,11 @@ static consteval bool inverses() {
 }
 static_assert(inverses());
 
-static consteval Vsp16s q15(double x) { return x < 1 ? Vsp16s(x * 32768 + 0.5) : Vsp16s(32767); }
+static consteval Vsp16s q15(int percent) { return percent < 100 ? Vsp16s((percent * 32768 + 50) / 100) : Vsp16s(32767); }
 constexpr Vsp16s DLB[3] = {6554, 16384, 26214};
-static_assert(DLB[0] == q15(0.2) && DLB[1] == q15(0.5) && DLB[2] == q15(0.8));
+static_assert(DLB[0] == q15(20) && DLB[1] == q15(50) && DLB[2] == q15(80));
 constexpr Vsp16s QLB[4] = {3277, 11469, 21299, 32767};
-static_assert(QLB[0] == q15(0.1) && QLB[1] == q15(0.35) && QLB[2] == q15(0.65) && QLB[3] == q15(1));
+static_assert(QLB[0] == q15(10) && QLB[1] == q15(35) && QLB[2] == q15(65) && QLB[3] == q15(100));
 
 constexpr Vsp16s H[11] = {-134, -374, 0, 2054, 5741, 8192, 5741, 2054, 0, -374, -134};
 static consteval bool symmetric() {

@@ -74,8 +74,8 @@ VSP_INLINE constexpr int fftTablesLen(int order) {
 }
 
 // Computed in double precision and rounded once.
-void ownFftTables(int order, Vsp32f* tables);
-void ownFftTables(int order, Vsp64f* tables);
+void ownFftTables(int order, Vsp32f* to);
+void ownFftTables(int order, Vsp64f* to);
 
 // Where the blocks of the last pass lie: of each eight that follow each other in the result, the element where the first
 // begins, eight of them M/radix[0] apart. For M / (8 radix[last]) eights.

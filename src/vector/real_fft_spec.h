@@ -21,7 +21,7 @@ struct RealFftSpec_16s : FftSpec<Vsp64f> {};
 template <class T>
 VSP_INLINE T* alignedUp(Vsp8u* p) {
     constexpr unsigned long kLine = 64;
-    return reinterpret_cast<T*>((reinterpret_cast<unsigned long>(p) + kLine - 1) & -kLine);
+    return reinterpret_cast<T*>(p + (-reinterpret_cast<unsigned long>(p) & (kLine - 1)));
 }
 
 template <class T>
