@@ -27,12 +27,18 @@ done
 # Of the commands for the levels of a source the last: it sees the widest vectors.
 commands=$(mktemp -d)
 trap 'rm -rf "$commands"' EXIT
-python3 - "$build/compile_commands.json" "${sources[@]}" >"$commands/compile_commands.json" <<'END'
+python3 - "$build/compile_commands.json" "$PWD/" "${sources[@]}" >"$commands/compile_commands.json" <<'END'
 import json
 import sys
 
 commands = {command["file"]: command for command in json.load(open(sys.argv[1]))}
-json.dump([commands[name] for name in sorted(set(sys.argv[2:])) if name in commands], sys.stdout)
+if not any(name.startswith(sys.argv[2]) for name in commands):
+    sys.exit(f"{sys.argv[1]} is not of this checkout.")
+names = sorted(set(sys.argv[3:]))
+missing = [name for name in names if name not in commands]
+if missing:
+    print("Not built in this configuration, left out:", *missing, file=sys.stderr)
+json.dump([commands[name] for name in names if name in commands], sys.stdout)
 END
 run=$(command -v run-clang-tidy-14 || command -v run-clang-tidy)
 "$run" -p "$commands" -quiet -extra-arg=-Wno-unknown-warning-option
