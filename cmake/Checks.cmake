@@ -11,7 +11,7 @@ if(VSPSC_RUN_CLANG_TIDY)
     add_custom_target(
         tidy
         COMMAND ${VSPSC_RUN_CLANG_TIDY} -p ${PROJECT_BINARY_DIR} -quiet -extra-arg=-Wno-unknown-warning-option
-                "^${PROJECT_SOURCE_DIR}/(bench|examples|fuzz|src|tests|tools)/"
+                "^${PROJECT_SOURCE_DIR}/(bench|examples|fuzz|src|tests|tools|voice)/"
         USES_TERMINAL VERBATIM)
 endif()
 

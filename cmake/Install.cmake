@@ -1,11 +1,11 @@
-# What `cmake --install` puts in place: the library, its headers, a pkg-config file and a CMake package. Both find the
-# library relative to themselves, so that an installed tree can be moved.
+# What `cmake --install` puts in place: the libraries, their headers, pkg-config files and a CMake package. These find the
+# libraries relative to themselves, so that an installed tree can be moved.
 
 include(CMakePackageConfigHelpers)
 
-install(TARGETS vspscy8 EXPORT vspsc LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
-install(FILES include/vspsc.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
-install(DIRECTORY include/vspsc DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h")
+install(TARGETS vspscy8 vspsvoice EXPORT vspsc LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(FILES include/vspsc.h include/vspsvoice.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(DIRECTORY include/vspsc include/vspsvoice DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h")
 install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(FILES docs/subband-windows.png DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs)
@@ -13,7 +13,7 @@ install(FILES docs/subband-windows.png DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs)
 # Links to what is not installed become plain text in the installed pages.
 foreach(page README.md CHANGELOG.md docs/architecture.md docs/subband-windows.md)
     file(READ ${page} text)
-    string(REGEX REPLACE "\\[([^]]*)\\]\\((\\.\\./)?(CONTRIBUTING|bench|cmake|fuzz|include|src|tests|tools)[^)]*\\)" "\\1" text "${text}")
+    string(REGEX REPLACE "\\[([^]]*)\\]\\((\\.\\./)?(CONTRIBUTING|bench|cmake|fuzz|include|src|tests|tools|voice)[^)]*\\)" "\\1" text "${text}")
     file(WRITE ${CMAKE_CURRENT_BINARY_DIR}/pages/${page} "${text}")
     set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${page})
 endforeach()
@@ -28,5 +28,7 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/vspsc-config-version.cmake DESTINATION
 file(RELATIVE_PATH vspsc_pc_to_prefix ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
 cmake_path(APPEND vspsc_pc_libdir "\${prefix}" ${CMAKE_INSTALL_LIBDIR})
 cmake_path(APPEND vspsc_pc_includedir "\${prefix}" ${CMAKE_INSTALL_INCLUDEDIR})
-configure_file(cmake/vspsc.pc.in vspsc.pc @ONLY)
-install(FILES ${CMAKE_CURRENT_BINARY_DIR}/vspsc.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+foreach(pc vspsc vspsvoice)
+    configure_file(cmake/${pc}.pc.in ${pc}.pc @ONLY)
+endforeach()
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/vspsc.pc ${CMAKE_CURRENT_BINARY_DIR}/vspsvoice.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -6,5 +6,5 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 mode=(--dry-run -Werror)
 [[ ${1-} == --fix ]] && mode=(-i)
 shopt -s extglob nullglob
-find @(bench|examples|fuzz|include|src|tests|tools)/ \( -name '*.[ch]' -o -name '*.cpp' \) -print0 |
+find @(bench|examples|fuzz|include|src|tests|tools|voice)/ \( -name '*.[ch]' -o -name '*.cpp' \) -print0 |
     xargs -0 "${CLANG_FORMAT:-clang-format}" "${mode[@]}"

@@ -12,12 +12,12 @@ if [[ -z $base || $base == "$(git rev-parse HEAD)" ]]; then base=$(git rev-parse
 mapfile -t changed < <({
     git diff --name-only --diff-filter=d "$base"
     git ls-files --others --exclude-standard
-} | grep -E '^(bench|examples|fuzz|include|src|tests|tools)/.*\.(cpp|c|h)$' | sort -u)
+} | grep -E '^(bench|examples|fuzz|include|src|tests|tools|voice)/.*\.(cpp|c|h)$' | sort -u)
 
 sources=()
 for file in "${changed[@]}"; do
     if [[ $file == *.h ]]; then
-        name=$(sed -E 's#^(include|src|tests|bench|tools/vsps)/##' <<<"$file")
+        name=$(sed -E 's#^(include|src|tests|bench|tools/vsps|voice)/##' <<<"$file")
         file=$(git grep -lF "#include \"$name\"" -- '*.cpp' | head -n 1 || true)
     fi
     [[ -z $file ]] || sources+=("$PWD/$file")

@@ -9,7 +9,7 @@ import re
 import subprocess
 import sys
 
-from exports import exported_names
+from exports import exported_names, voice_names
 
 source, c_compiler, cxx_compiler = pathlib.Path(sys.argv[1]), sys.argv[2], sys.argv[3]
 problems = []
@@ -33,13 +33,13 @@ for compiler, language, standard in [
         if result.returncode != 0:
             problems.append(f"{name} as {standard}:\n{result.stderr}")
 
-umbrella = (source / "include/vspsc.h").read_text()
 declared = {}
 for header in headers:
     text = header.read_text()
-    if header.name != "vspsc.h" and f"vspsc/{header.name}" not in umbrella:
-        problems.append(f"vspsc.h does not include {header.name}")
-    for match in re.finditer(r"(/\*\*(?:(?!\*/).)*\*/\n)?^(?:const )?(\w+)\*? ?\b(vsps\w+)\(([^)]*)\);", text, re.M | re.S):
+    library = header.parent
+    if library.name != "include" and f"{library.name}/{header.name}" not in library.with_suffix(".h").read_text():
+        problems.append(f"{library.name}.h does not include {header.name}")
+    for match in re.finditer(r"(/\*\*(?:(?!\*/).)*\*/\n)?^(?:const )?(\w+)\*? ?\b(vsp[sv]\w+)\(([^)]*)\);", text, re.M | re.S):
         comment, result, name, parameters = match.groups()
         if name in declared:
             problems.append(f"{name} is declared twice")
@@ -51,16 +51,16 @@ for header in headers:
             problems.append(f"{name}: parameters {names}, documented {documented}")
         if result == "VspStatus" and not re.search(r"@retval vspSts\w+Err ", comment):
             problems.append(f"{name}: the comment lists no error")
-        if any("*" in p for p in parameters.split(",")) and "@retval vspStsNullPtrErr" not in comment:
+        if result == "VspStatus" and any("*" in p for p in parameters.split(",")) and "@retval vspStsNullPtrErr" not in comment:
             problems.append(f"{name}: the comment does not mention null pointers")
 
-exports = exported_names(source)
+exports = exported_names(source) + voice_names(source)
 if len(exports) != len(set(exports)):
     problems.append("a name is listed twice")
 problems += [f"{name} is declared but not exported" for name in declared if name not in exports]
 problems += [f"{name} is exported but not declared" for name in exports if name not in declared]
 tested = {word for file in (source / "tests").rglob("*") if file.suffix in (".c", ".cpp", ".h") and "tools" not in file.parts
-          for word in re.findall(r"\bvsps\w+", file.read_text())}  # fmt: skip
+          for word in re.findall(r"\bvsp[sv]\w+", file.read_text())}  # fmt: skip
 problems += [f"{name} is exported but not tested" for name in exports if name not in tested]
 
 print(f"{len(headers)} headers, {len(declared)} functions")

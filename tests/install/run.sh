@@ -22,6 +22,7 @@ libdir=${PKG_CONFIG_PATH%/pkgconfig}
 
 [[ -f $libdir/libvspscy8.so.6.1 && ! -L $libdir/libvspscy8.so.6.1 ]] || fail "no file libvspscy8.so.6.1"
 [[ $(readlink "$libdir/libvspscy8.so") == libvspscy8.so.6.1 ]] || fail "no development link"
+[[ -f $libdir/libvspsvoice.so.1 && $(readlink "$libdir/libvspsvoice.so") == libvspsvoice.so.1 ]] || fail "no libvspsvoice"
 diff -r "$source/include" "$prefix/include"
 if grep -rlF -e "$source" -e "$build" "$prefix" --include=*.cmake --include=*.pc; then fail "paths of the build tree installed"; fi
 
@@ -47,6 +48,9 @@ pkg-config --exact-version="$(sed -n 's/^project(vspsc VERSION \([0-9.]*\).*/\1/
 read -ra flags < <(pkg-config --cflags --libs vspsc)
 "$CC" -std=c89 -pedantic-errors -Wall -Wextra -Werror "$source/examples/scale.c" "${flags[@]}" -o "$tmp/scale"
 expect_scale env LD_LIBRARY_PATH="$libdir" "$tmp/scale"
+
+read -ra flags < <(pkg-config --cflags --libs vspsvoice)
+"$CC" -std=c89 -pedantic-errors -Wall -Wextra -Werror "$source/examples/codec_roundtrip.c" "${flags[@]}" -o "$tmp/codec_roundtrip"
 
 # The commands of the README, in a home directory of their own
 mkdir -p "$tmp/home/build"
@@ -86,3 +90,13 @@ speech=$source/tests/support/data/demo-echotest.wav
 energy() { tail -c 32000 "$1" | od -An -v -td2 | awk '{ for (i = 1; i <= NF; i++) sum += $i * $i } END { printf "%.0f", sum }'; }
 (($(energy "$speech") > 1000 * $(energy "$tmp/out"))) || fail "echo_canceller left an echo"
 if "$tmp/outside/build/echo_canceller" "$speech" "$speech" /dev/full 2>/dev/null; then fail "echo_canceller ignored a full disk"; fi
+
+# Codecs: the same length comes back.
+export LD_LIBRARY_PATH=$libdir
+for built in "$tmp/codec_roundtrip" "$tmp/outside/build/codec_roundtrip"; do
+    head -c 16000 "$speech" | "$built" g726-32 >"$tmp/out" 2>"$tmp/err"
+    [[ $(stat -c %s "$tmp/out") == 16000 ]] || fail "codec_roundtrip changed the length"
+    grep -q "^G726-32: 50 frames, 4000 octets, 5 lost" "$tmp/err" || fail "codec_roundtrip says: $(cat "$tmp/err")"
+    if "$built" no-such-codec </dev/null >/dev/null 2>"$tmp/err"; then fail "codec_roundtrip knows every codec"; fi
+    grep -q "pcmu" "$tmp/err" || fail "codec_roundtrip does not list the codecs"
+done

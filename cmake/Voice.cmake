@@ -1,0 +1,24 @@
+# The shared library libvspsvoice.so.1: ready-to-call codecs on top of the public interface of libvspscy8.
+
+set(vspsvoice_exports "${PROJECT_SOURCE_DIR}/voice/exports.map")
+add_library(
+    vspsvoice SHARED
+    voice/codec/codec.cpp
+    voice/codec/g711/g711.cpp
+    voice/codec/g726/g726.cpp
+    voice/codec/period_repeater.cpp)
+add_library(vspsc::vspsvoice ALIAS vspsvoice)
+target_link_libraries(vspsvoice PUBLIC vspscy8 PRIVATE $<BUILD_INTERFACE:vspsc_options>)
+target_include_directories(vspsvoice PRIVATE ${PROJECT_SOURCE_DIR}/voice)
+target_compile_options(
+    vspsvoice PRIVATE $<IF:$<BOOL:${VSPSC_COVERAGE}>,-O1,-O3> -march=x86-64-v2 -ffp-contract=off -fno-math-errno
+                      -fno-exceptions -fno-rtti -fno-asynchronous-unwind-tables -fvisibility=hidden -fcf-protection=full)
+# Installed, it finds libvspscy8 beside itself.
+set_target_properties(vspsvoice PROPERTIES VERSION 1 SOVERSION 1 INSTALL_RPATH "$ORIGIN" LINK_DEPENDS ${vspsvoice_exports})
+target_link_options(vspsvoice PRIVATE -Wl,--version-script=${vspsvoice_exports} -Wl,-z,relro,-z,now -Wl,-z,noexecstack)
+if(NOT VSPSC_SANITIZE AND NOT VSPSC_COVERAGE)
+    target_link_options(vspsvoice PRIVATE -nostartfiles -nodefaultlibs -Wl,-z,defs)
+    target_link_libraries(vspsvoice PRIVATE m c)
+endif()
+
+vspsc_expect_all_listed(${PROJECT_SOURCE_DIR}/voice/*.cpp)

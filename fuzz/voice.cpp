@@ -1,0 +1,70 @@
+// Any samples into any encoder, any octets, qualities and losses into any decoder. A decoder goes on on a copy of its
+// memory every other frame; errors change nothing.
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <vector>
+
+#include "vspsvoice.h"
+
+namespace {
+
+class Input {
+  public:
+    Input(const Vsp8u* data, std::size_t size) : at_(data), end_(data + size) {}
+    bool empty() const { return at_ == end_; }
+    Vsp8u take() { return empty() ? Vsp8u(0) : *at_++; }
+
+  private:
+    const Vsp8u *at_, *end_;
+};
+
+void check(bool good, const char* problem) {
+    if (good) return;
+    std::fprintf(stderr, "%s\n", problem);
+    std::abort();
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const Vsp8u* data, std::size_t size) {
+    Input in(data, size);
+    const VspvCodec* codec = vspvCodec(in.take() % vspvCodecCount());
+    Vsp32s encoderBytes = 0, decoderBytes = 0;
+    vspvEncoderGetSize(codec, &encoderBytes);
+    vspvDecoderGetSize(codec, &decoderBytes);
+    std::vector<Vsp64s> encoderMemory(std::size_t(encoderBytes) / 8), decoderMemory(std::size_t(decoderBytes) / 8);
+    vspvEncoderInit(reinterpret_cast<VspvEncoder*>(encoderMemory.data()), codec);
+    vspvDecoderInit(reinterpret_cast<VspvDecoder*>(decoderMemory.data()), codec);
+
+    while (!in.empty()) {
+        const auto encoder = reinterpret_cast<VspvEncoder*>(encoderMemory.data());
+        const Vsp8u choice = in.take(), change = in.take();
+        std::vector<Vsp16s> samples(std::size_t(codec->frameSamples));
+        std::vector<Vsp8u> bytes(std::size_t(codec->maxFrameBytes));
+        const int shift = in.take() % 16;
+        Vsp32u noise = in.take();  // what the input does not give
+        for (Vsp16s& s : samples) s = Vsp16s(Vsp16s((noise = noise * 1664525u + 1013904223u + in.take()) >> 16) >> shift);
+        vspvEncoderSetRate(encoder, codec->pBitRates[change % codec->numBitRates]);
+        VspvFrame frame{};
+        check(vspvEncode(encoder, samples.data(), bytes.data(), &frame) == vspStsNoErr, "a frame is not coded");
+
+        if (choice % 2 == 0)
+            for (Vsp8u& b : bytes) b = Vsp8u((noise = noise * 1664525u + 1013904223u) >> 24);
+        if (choice / 2 % 4 == 0) frame.quality = change / 4 % 8 - 2;
+        if (choice / 8 % 8 == 0) frame.type = change / 32 - 2;
+        if (choice / 64 == 0) frame.numBytes += change % 3 - 1;
+        std::vector<Vsp64s> before = decoderMemory;
+        const std::vector<Vsp16s> samplesBefore = samples;
+        const VspStatus status =
+            vspvDecode(reinterpret_cast<VspvDecoder*>(decoderMemory.data()), bytes.data(), &frame, samples.data());
+        if (status != vspStsNoErr) check(before == decoderMemory && samples == samplesBefore, "an error changed something");
+        if (status == vspStsNoErr && choice % 3 == 0) {
+            std::vector<Vsp16s> again(samples.size());
+            vspvDecode(reinterpret_cast<VspvDecoder*>(before.data()), bytes.data(), &frame, again.data());
+            check(again == samples && before == decoderMemory, "a copy of a decoder decodes otherwise");
+            decoderMemory = before;
+        }
+    }
+    return 0;
+}

@@ -1,0 +1,102 @@
+// What holds for every codec: records, objects, the checks and their order.
+#include <set>
+
+#include "support/samples.h"
+#include "support/speech.h"
+#include "support/status_order.h"
+#include "voice/coder.h"
+
+namespace vsp::test {
+
+TEST(VoiceCodecs, RecordsAreFoundAndConsistent) {
+    EXPECT_EQ(nullptr, vspvCodec(-1));
+    EXPECT_EQ(nullptr, vspvCodec(vspvCodecCount()));
+    for (const char* unknown : {"", "g726", "g726-322", "pcm"}) EXPECT_EQ(nullptr, vspvFindCodec(unknown)) << unknown;
+    std::set<std::string> names;
+    for (const VspvCodec* codec : allCodecs()) {
+        SCOPED_TRACE(codec->name);
+        EXPECT_TRUE(names.insert(codec->name).second);
+        EXPECT_EQ(codec, vspvFindCodec(codec->name));
+        EXPECT_EQ(codec, vspvFindCodec(codec->rtpName));
+        for (Vsp32s i = 0; i < codec->numBitRates; i++)
+            EXPECT_LE(Vsp64s(codec->pBitRates[i]) * codec->frameSamples, 8LL * codec->maxFrameBytes * codec->samplingRate);
+        EXPECT_EQ(codec->numBitRates > 1, (codec->capabilities & vspvCodecRates) != 0);
+        EXPECT_EQ(0, codec->samplingRate % codec->frameSamples);
+    }
+}
+
+TEST(VoiceCodecs, AnObjectMayMoveAndStartAgain) {
+    const Samples speech = recordedSpeech();
+    for (const VspvCodec* codec : allCodecs()) {
+        SCOPED_TRACE(codec->name);
+        const auto frames = std::ptrdiff_t(20 * codec->frameSamples), bytes = std::ptrdiff_t(20 * codec->maxFrameBytes);
+        const Samples first(speech.begin(), speech.begin() + frames);
+        const Octets coded = Encoder(*codec)(first);
+        ASSERT_EQ(bytes, std::ssize(coded));
+        const Samples whole = Decoder(*codec)(coded);
+
+        Decoder one(*codec), other(*codec);
+        Samples parts = one(Octets(coded.begin(), coded.begin() + bytes / 2));
+        other(coded);  // a used object
+        std::copy(one.memory().begin(), one.memory().end(), other.memory().begin());
+        const Samples rest = other(Octets(coded.begin() + bytes / 2, coded.end()));
+        parts.insert(parts.end(), rest.begin(), rest.end());
+        EXPECT_EQ(whole, parts);
+
+        other.lost();
+        EXPECT_EQ(vspStsNoErr, vspvDecoderInit(other.get(), codec));
+        EXPECT_EQ(whole, other(coded));
+    }
+}
+
+TEST(VoiceCodecs, ChecksComeInOrderAndTouchNothing) {
+    const std::vector<VspStatus> order{vspStsNullPtrErr, vspStsBadArgErr};
+    VspvCodec copy = *vspvCodec(0);
+    const Choices<const VspvCodec*> codecs{vspvCodec(0), {{nullptr, vspStsNullPtrErr}, {&copy, vspStsBadArgErr}}};
+    expectStatusOrder(vspvEncoderGetSize, order, codecs, pointer);
+    expectStatusOrder(vspvDecoderGetSize, order, codecs, pointer);
+    expectStatusOrder(vspvEncoderInit, order, pointer, codecs);
+    expectStatusOrder(vspvDecoderInit, order, pointer, codecs);
+    expectStatusOrder(vspvEncode, order, pointer, pointer, pointer, pointer);
+    EXPECT_EQ(vspStsNullPtrErr, vspvEncoderSetRate(nullptr, 64000));
+    EXPECT_EQ(nullptr, vspvFindCodec(nullptr));
+
+    for (const VspvCodec* codec : allCodecs()) {
+        SCOPED_TRACE(codec->name);
+        Encoder encoder(*codec);
+        Decoder decoder(*codec);
+        const Octets bytes = encoder(samples(std::size_t(codec->frameSamples)));
+        for (const Vsp32s rate : {0, -1, codec->pBitRates[0] + 1, kLowest})
+            EXPECT_EQ(vspStsRangeErr, vspvEncoderSetRate(encoder.get(), rate));
+
+        const VspvFrame good = goodFrame(*codec);
+        const std::vector<Vsp64s> before = decoder.memory().values();
+        Guarded<Vsp16s> dst{std::size_t(codec->frameSamples)};
+        const Samples untouched = dst.values();
+        const auto refuses = [&](VspStatus status, const Vsp8u* source, VspvFrame frame) {
+            EXPECT_EQ(status, vspvDecode(decoder.get(), source, &frame, dst.data()));
+        };
+        const auto with = [&](Vsp32s VspvFrame::*field, Vsp32s to, VspvFrame frame) {
+            frame.*field = to;
+            return frame;
+        };
+        for (const Vsp32s quality : {-1, 4, kLowest})
+            refuses(vspStsRangeErr, bytes.data(), with(&VspvFrame::quality, quality, good));
+        for (const Vsp32s quality : {vspvQualityGood, vspvQualityDegraded, vspvQualityBad}) {
+            const VspvFrame frame = with(&VspvFrame::quality, quality, good), noRate = with(&VspvFrame::bitRate, 1, frame);
+            refuses(vspStsNullPtrErr, nullptr, noRate);
+            for (const Vsp32s type : {-1, 1, 2, 3, 4})
+                refuses(vspStsRangeErr, bytes.data(), with(&VspvFrame::type, type, frame));
+            refuses(vspStsRangeErr, bytes.data(), with(&VspvFrame::numBytes, 0, noRate));
+            for (const Vsp32s n : {0, -1, good.numBytes - 1, good.numBytes + 1, kLowest})
+                refuses(vspStsSizeErr, bytes.data(), with(&VspvFrame::numBytes, n, frame));
+        }
+        EXPECT_EQ(vspStsNullPtrErr, vspvDecode(nullptr, bytes.data(), &good, dst.data()));
+        EXPECT_EQ(vspStsNullPtrErr, vspvDecode(decoder.get(), bytes.data(), nullptr, dst.data()));
+        EXPECT_EQ(vspStsNullPtrErr, vspvDecode(decoder.get(), bytes.data(), &good, nullptr));
+        EXPECT_EQ(before, decoder.memory().values());
+        EXPECT_EQ(untouched, dst.values());
+    }
+}
+
+}  // namespace vsp::test

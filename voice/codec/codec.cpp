@@ -1,0 +1,136 @@
+// The interface of the codecs: the list of them, the checks, and the call of a family's function.
+#include "codec/codec.h"
+
+namespace vspv {
+
+static constexpr const Codec* kCodecs[] = {
+    &kPcma, &kPcmu, &kG726_16, &kG726_24, &kG726_32, &kG726_40, &kAal2G726_16, &kAal2G726_24, &kAal2G726_32, &kAal2G726_40,
+};
+static constexpr Vsp32s kCodecCount = sizeof kCodecs / sizeof kCodecs[0];
+
+// What lies at the beginning of an object; behind it is the family's part.
+struct alignas(8) EncoderHead {
+    const Codec* codec;
+    Vsp32s bitRate;
+};
+struct alignas(8) DecoderHead {
+    const Codec* codec;
+};
+
+static EncoderHead* headOf(VspvEncoder* encoder) { return reinterpret_cast<EncoderHead*>(encoder); }
+static DecoderHead* headOf(VspvDecoder* decoder) { return reinterpret_cast<DecoderHead*>(decoder); }
+
+template <class Head>
+static void* behind(Head* head) {
+    return head + 1;
+}
+
+// Of an object, in multiples of its alignment.
+static Vsp32s sizeWith(unsigned long head, Vsp32s rest) { return (Vsp32s(head) + rest + 7) & ~7; }
+
+static const Codec* listed(const VspvCodec* record) {
+    for (const Codec* codec : kCodecs)
+        if (&codec->record == record) return codec;
+    return nullptr;
+}
+
+static char lower(char c) { return c >= 'A' && c <= 'Z' ? char(c - 'A' + 'a') : c; }
+
+static bool sameName(const char* a, const char* b) {
+    while (*a != 0 && lower(*a) == lower(*b)) a++, b++;
+    return lower(*a) == lower(*b);
+}
+
+static bool hasRate(const VspvCodec& codec, Vsp32s bitRate) {
+    for (Vsp32s i = 0; i < codec.numBitRates; i++)
+        if (codec.pBitRates[i] == bitRate) return true;
+    return false;
+}
+
+}  // namespace vspv
+
+using namespace vspv;
+
+Vsp32s vspvCodecCount(void) { return kCodecCount; }
+
+const VspvCodec* vspvCodec(Vsp32s index) { return index >= 0 && index < kCodecCount ? &kCodecs[index]->record : nullptr; }
+
+const VspvCodec* vspvFindCodec(const char* pName) {
+    if (pName == nullptr) return nullptr;
+    for (const Codec* codec : kCodecs)
+        if (sameName(codec->record.name, pName)) return &codec->record;
+    return nullptr;
+}
+
+VspStatus vspvEncoderGetSize(const VspvCodec* pCodec, Vsp32s* pSize) {
+    if (pCodec == nullptr || pSize == nullptr) return vspStsNullPtrErr;
+    const Codec* codec = listed(pCodec);
+    if (codec == nullptr) return vspStsBadArgErr;
+    *pSize = sizeWith(sizeof(EncoderHead), codec->family->encoderBytes());
+    return vspStsNoErr;
+}
+
+VspStatus vspvEncoderInit(VspvEncoder* pEncoder, const VspvCodec* pCodec) {
+    if (pEncoder == nullptr || pCodec == nullptr) return vspStsNullPtrErr;
+    const Codec* codec = listed(pCodec);
+    if (codec == nullptr) return vspStsBadArgErr;
+    EncoderHead* head = headOf(pEncoder);
+    *head = {codec, pCodec->pBitRates[0]};
+    codec->family->initEncoder(behind(head), *codec);
+    return vspStsNoErr;
+}
+
+VspStatus vspvEncoderSetRate(VspvEncoder* pEncoder, Vsp32s bitRate) {
+    if (pEncoder == nullptr) return vspStsNullPtrErr;
+    EncoderHead* head = headOf(pEncoder);
+    if (!hasRate(head->codec->record, bitRate)) return vspStsRangeErr;
+    head->bitRate = bitRate;
+    return vspStsNoErr;
+}
+
+VspStatus vspvEncode(VspvEncoder* pEncoder, const Vsp16s* pSamples, Vsp8u* pBytes, VspvFrame* pFrame) {
+    if (pEncoder == nullptr || pSamples == nullptr || pBytes == nullptr || pFrame == nullptr) return vspStsNullPtrErr;
+    EncoderHead* head = headOf(pEncoder);
+    const Codec& codec = *head->codec;
+    codec.family->encode(behind(head), codec, head->bitRate, pSamples, pBytes);
+    *pFrame = {vspvFrameSpeech, vspvQualityGood, head->bitRate, codec.record.maxFrameBytes};
+    return vspStsNoErr;
+}
+
+VspStatus vspvDecoderGetSize(const VspvCodec* pCodec, Vsp32s* pSize) {
+    if (pCodec == nullptr || pSize == nullptr) return vspStsNullPtrErr;
+    const Codec* codec = listed(pCodec);
+    if (codec == nullptr) return vspStsBadArgErr;
+    *pSize = sizeWith(sizeof(DecoderHead), codec->family->decoderBytes());
+    return vspStsNoErr;
+}
+
+VspStatus vspvDecoderInit(VspvDecoder* pDecoder, const VspvCodec* pCodec) {
+    if (pDecoder == nullptr || pCodec == nullptr) return vspStsNullPtrErr;
+    const Codec* codec = listed(pCodec);
+    if (codec == nullptr) return vspStsBadArgErr;
+    DecoderHead* head = headOf(pDecoder);
+    head->codec = codec;
+    codec->family->initDecoder(behind(head), *codec);
+    return vspStsNoErr;
+}
+
+VspStatus vspvDecode(VspvDecoder* pDecoder, const Vsp8u* pBytes, const VspvFrame* pFrame, Vsp16s* pSamples) {
+    if (pDecoder == nullptr || pFrame == nullptr || pSamples == nullptr) return vspStsNullPtrErr;
+    const VspvFrame frame = *pFrame;
+    if (pBytes == nullptr && frame.quality != vspvQualityLost) return vspStsNullPtrErr;
+    if (frame.quality < vspvQualityGood || frame.quality > vspvQualityLost) return vspStsRangeErr;
+    const Codec& codec = *headOf(pDecoder)->codec;
+    void* decoder = behind(headOf(pDecoder));
+    if (frame.quality != vspvQualityLost) {
+        if (frame.type != vspvFrameSpeech || !hasRate(codec.record, frame.bitRate)) return vspStsRangeErr;
+        if (frame.numBytes != codec.record.maxFrameBytes) return vspStsSizeErr;
+    }
+    if (frame.quality >= vspvQualityBad) {
+        codec.family->conceal(decoder, codec, pSamples);
+        return vspStsNoErr;
+    }
+    if (!codec.family->accepts(codec, pBytes)) return vspStsCodeRangeErr;
+    codec.family->decode(decoder, codec, frame.bitRate, pBytes, pSamples);
+    return vspStsNoErr;
+}
