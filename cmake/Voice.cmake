@@ -5,7 +5,14 @@ add_library(
     vspsvoice SHARED
     voice/codec/codec.cpp
     voice/codec/g711/g711.cpp
+    voice/codec/g722/g722.cpp
     voice/codec/g726/g726.cpp
+    voice/codec/gsmfr/decoder.cpp
+    voice/codec/gsmfr/encoder.cpp
+    voice/codec/gsmfr/frame.cpp
+    voice/codec/gsmfr/gsm.cpp
+    voice/codec/gsmfr/reconstruction.cpp
+    voice/codec/gsmfr/substitution.cpp
     voice/codec/period_repeater.cpp)
 add_library(vspsc::vspsvoice ALIAS vspsvoice)
 target_link_libraries(vspsvoice PUBLIC vspscy8 PRIVATE $<BUILD_INTERFACE:vspsc_options>)

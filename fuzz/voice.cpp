@@ -49,8 +49,10 @@ extern "C" int LLVMFuzzerTestOneInput(const Vsp8u* data, std::size_t size) {
         VspvFrame frame{};
         check(vspvEncode(encoder, samples.data(), bytes.data(), &frame) == vspStsNoErr, "a frame is not coded");
 
+        const int signature = bytes[0] & 0xF0;  // where a codec has one
         if (choice % 2 == 0)
             for (Vsp8u& b : bytes) b = Vsp8u((noise = noise * 1664525u + 1013904223u) >> 24);
+        if (choice % 4 == 0) bytes[0] = Vsp8u((bytes[0] & 15) | signature);
         if (choice / 2 % 4 == 0) frame.quality = change / 4 % 8 - 2;
         if (choice / 8 % 8 == 0) frame.type = change / 32 - 2;
         if (choice / 64 == 0) frame.numBytes += change % 3 - 1;

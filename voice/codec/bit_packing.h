@@ -1,41 +1,57 @@
-// Codes of a few bits, in octets.
+// Codes of up to 8 bits, one behind the other in octets.
 #pragma once
 
 #include "vspsc/types.h"
 
 namespace vspv {
 
-// The order of the bits: the first code begins at the lowest or the highest bit of the first octet, and goes on at that of
-// the next.
+// Where the first code begins: at the lowest or at the highest bit of the first octet; the next octet goes on in the same
+// way.
 enum class BitOrder { lowestFirst, highestFirst };
 
-// The bits fill whole octets.
-inline void packBits(const Vsp8u* codes, Vsp32s count, Vsp32s bits, BitOrder order, Vsp8u* octets) {
-    Vsp32u held = 0;
-    Vsp32s heldBits = 0;
-    for (Vsp32s i = 0; i < count; i++) {
-        held = order == BitOrder::lowestFirst ? held | Vsp32u(codes[i]) << heldBits : held << bits | codes[i];
-        heldBits += bits;
-        if (heldBits < 8) continue;
-        heldBits -= 8;
-        *octets++ = Vsp8u(order == BitOrder::lowestFirst ? held : held >> heldBits);
-        if (order == BitOrder::lowestFirst) held >>= 8;
-    }
-}
+class BitWriter {
+  public:
+    BitWriter(Vsp8u* octets, BitOrder order) : next_(octets), order_(order) {}
 
-inline void unpackBits(const Vsp8u* octets, Vsp32s count, Vsp32s bits, BitOrder order, Vsp8u* codes) {
-    Vsp32u held = 0;
-    Vsp32s heldBits = 0;
-    for (Vsp32s i = 0; i < count; i++) {
-        if (heldBits < bits) {
-            held = order == BitOrder::lowestFirst ? held | Vsp32u(*octets) << heldBits : held << 8 | *octets;
-            heldBits += 8;
-            octets++;
-        }
-        heldBits -= bits;
-        codes[i] = Vsp8u((order == BitOrder::lowestFirst ? held : held >> heldBits) & ((1u << bits) - 1));
-        if (order == BitOrder::lowestFirst) held >>= bits;
+    void put(Vsp32u code, Vsp32s bits) {
+        held_ = order_ == BitOrder::lowestFirst ? held_ | code << heldBits_ : held_ << bits | code;
+        heldBits_ += bits;
+        if (heldBits_ < 8) return;
+        heldBits_ -= 8;
+        *next_++ = Vsp8u(order_ == BitOrder::lowestFirst ? held_ : held_ >> heldBits_);
+        if (order_ == BitOrder::lowestFirst) held_ >>= 8;
     }
-}
+
+  private:
+    Vsp8u* next_;
+    BitOrder order_;
+    Vsp32u held_ = 0;
+    Vsp32s heldBits_ = 0;  // less than 8, the rest has been written
+};
+
+class BitReader {
+  public:
+    BitReader(const Vsp8u* octets, BitOrder order) : next_(octets), order_(order) {}
+
+    Vsp32u take(Vsp32s bits) {
+        if (heldBits_ < bits) {
+            const Vsp32u octet = *next_++;
+            held_ = order_ == BitOrder::lowestFirst ? held_ | octet << heldBits_ : held_ << 8 | octet;
+            heldBits_ += 8;
+        }
+        heldBits_ -= bits;
+        const Vsp32u mask = (1u << bits) - 1;
+        if (order_ == BitOrder::highestFirst) return held_ >> heldBits_ & mask;
+        const Vsp32u code = held_ & mask;
+        held_ >>= bits;
+        return code;
+    }
+
+  private:
+    const Vsp8u* next_;
+    BitOrder order_;
+    Vsp32u held_ = 0;
+    Vsp32s heldBits_ = 0;
+};
 
 }  // namespace vspv

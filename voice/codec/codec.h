@@ -30,7 +30,7 @@ struct Codec {
 
 inline bool acceptsAll(const Codec&, const Vsp8u*) { return true; }
 
-extern const Codec kPcma, kPcmu;
+extern const Codec kPcma, kPcmu, kG722, kGsm;
 extern const Codec kG726_16, kG726_24, kG726_32, kG726_40;
 extern const Codec kAal2G726_16, kAal2G726_24, kAal2G726_32, kAal2G726_40;
 

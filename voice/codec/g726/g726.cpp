@@ -48,13 +48,15 @@ void initDecoder(void* decoder, const Codec& codec) {
 void encode(void* encoder, const Codec& codec, Vsp32s, const Vsp16s* samples, Vsp8u* bytes) {
     Vsp8u codes[kFrame];
     vspsEncode_G726_16s8u(samples, codes, kFrame, encoder);
-    packBits(codes, kFrame, settingsOf(codec).bits, settingsOf(codec).order, bytes);
+    BitWriter writer(bytes, settingsOf(codec).order);
+    for (const Vsp8u code : codes) writer.put(code, settingsOf(codec).bits);
 }
 
 void decode(void* decoder, const Codec& codec, Vsp32s, const Vsp8u* bytes, Vsp16s* samples) {
     Decoder& d = *static_cast<Decoder*>(decoder);
     Vsp8u codes[kFrame];
-    unpackBits(bytes, kFrame, settingsOf(codec).bits, settingsOf(codec).order, codes);
+    BitReader reader(bytes, settingsOf(codec).order);
+    for (Vsp8u& code : codes) code = Vsp8u(reader.take(settingsOf(codec).bits));
     vspsDecode_G726_8u16s(codes, samples, kFrame, d.state());
     d.repeater.decoded(samples, kFrame);
 }
