@@ -3,7 +3,10 @@
 
 #include "console/options.h"
 
+void addCodecs(CommandLine& vsps);
+void addDecode(CommandLine& vsps);
 void addEcho(CommandLine& vsps);
+void addEncode(CommandLine& vsps);
 void addInfo(CommandLine& vsps);
 void addLevel(CommandLine& vsps);
 void addPitch(CommandLine& vsps);

@@ -63,3 +63,11 @@ std::string outputExtensions() {
     for (const Format& f : kFormats) all += (all.empty() ? "" : " ") + std::string(f.extension);
     return all;
 }
+
+std::string formatOfHeader(const std::string& bytes) {
+    for (const auto& [magic, format] :
+         {std::pair("RIFF", "WAV"), std::pair("RIFX", "WAV"), std::pair("RF64", "WAV"), std::pair(".snd", "AU"),
+          std::pair("FORM", "AIFF"), std::pair("fLaC", "FLAC"), std::pair("OggS", "Ogg"), std::pair("caff", "CAF")})
+        if (bytes == magic) return format;
+    return {};
+}

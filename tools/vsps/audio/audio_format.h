@@ -9,3 +9,5 @@ int outputFormat(const std::string& file, bool raw);
 int rawFormat(const std::string& file);
 // The extensions that outputFormat knows, for messages.
 std::string outputExtensions();
+// The format of sound files that begin with these four bytes; empty if there is none.
+std::string formatOfHeader(const std::string& bytes);

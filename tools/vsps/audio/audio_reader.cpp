@@ -63,10 +63,8 @@ std::string firstBytes(int descriptor) {
 }
 
 void refuseHeader(const std::string& name, const std::string& bytes) {
-    for (const auto& [magic, format] :
-         {std::pair("RIFF", "WAV"), std::pair("RIFX", "WAV"), std::pair("RF64", "WAV"), std::pair(".snd", "AU"),
-          std::pair("FORM", "AIFF"), std::pair("fLaC", "FLAC"), std::pair("OggS", "Ogg"), std::pair("caff", "CAF")})
-        if (bytes == magic) throw FileError(name, std::string("has the header of ") + format + ": leave out --raw");
+    const std::string format = formatOfHeader(bytes);
+    if (!format.empty()) throw FileError(name, "has the header of " + format + ": leave out --raw");
 }
 
 // libsndfile's notes on the header.

@@ -1,0 +1,21 @@
+// Which codec a command uses: asked for by name, or the one that the extension of a file names.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "vspsvoice.h"
+
+std::vector<std::string> codecNames();
+
+// The name, or if it is empty the extension of the file: that of the codec, or .al .alaw .ul .ulaw.
+const VspvCodec& chooseCodec(const std::string& name, const std::string& file);
+
+// The rate that is asked for, which must be one of the codec's, or its first one for 0.
+int chooseBitRate(const VspvCodec& codec, int asked);
+
+// Whether each sample has a fixed number of bits, so that a stream can end anywhere; otherwise it is whole frames.
+bool codesSampleBySample(const VspvCodec& codec);
+// Octets that code so many samples at the end of a stream, and samples that so many octets code.
+std::size_t bytesOf(const VspvCodec& codec, std::size_t samples);
+std::size_t samplesOf(const VspvCodec& codec, std::size_t bytes);

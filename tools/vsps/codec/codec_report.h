@@ -1,0 +1,24 @@
+// What vsps encode and vsps decode tell about a stream.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "console/json.h"
+#include "vspsvoice.h"
+
+struct CodecReport {
+    std::string inFile, outFile;
+    const VspvCodec* codec;
+    int bitRate;
+    std::uint64_t frames = 0, bytes = 0, samples = 0;
+    std::optional<std::uint64_t> lost = {};  // of a decoder
+    double elapsedSeconds = 0;
+
+    double seconds() const { return double(samples) / codec->samplingRate; }
+    double timesRealTime() const { return seconds() / elapsedSeconds; }
+};
+
+std::string toText(const CodecReport& r);
+Json toJson(const CodecReport& r);

@@ -1,0 +1,57 @@
+// vsps codecs: what can be coded.
+#include <iostream>
+#include <memory>
+
+#include "commands.h"
+#include "console/json.h"
+#include "console/report_format.h"
+#include "vspsvoice.h"
+
+namespace {
+
+std::string payloadType(const VspvCodec& c) { return c.rtpPayloadType < 0 ? "dynamic" : std::to_string(c.rtpPayloadType); }
+
+void printText() {
+    std::cout << "codec         rate  frame  bit/s                RTP                 type     description\n";
+    for (Vsp32s i = 0; i < vspvCodecCount(); i++) {
+        const VspvCodec& c = *vspvCodec(i);
+        std::string rates;
+        for (Vsp32s k = 0; k < c.numBitRates; k++) rates += (k == 0 ? "" : " ") + std::to_string(c.pBitRates[k]);
+        std::cout << format("%-13s%5d  %2d ms  %-20s %-12s/%5d  %-8s %s (%s)\n", c.name, c.samplingRate,
+                            1000 * c.frameSamples / c.samplingRate, rates.c_str(), c.rtpName, c.rtpClockRate,
+                            payloadType(c).c_str(), c.description, c.standard);
+    }
+}
+
+void printJson() {
+    Json codecs = Json::array();
+    for (Vsp32s i = 0; i < vspvCodecCount(); i++) {
+        const VspvCodec& c = *vspvCodec(i);
+        Json rates = Json::array();
+        for (Vsp32s k = 0; k < c.numBitRates; k++) rates.append(c.pBitRates[k]);
+        codecs.append({{"name", c.name},
+                       {"description", c.description},
+                       {"standard", c.standard},
+                       {"rate_hz", c.samplingRate},
+                       {"frame_samples", c.frameSamples},
+                       {"max_frame_octets", c.maxFrameBytes},
+                       {"bit_rates", rates},
+                       {"rtp",
+                        {{"name", c.rtpName},
+                         {"clock_rate_hz", c.rtpClockRate},
+                         {"payload_type", c.rtpPayloadType < 0 ? Json(nullptr) : Json(c.rtpPayloadType)}}},
+                       {"several_rates", (c.capabilities & vspvCodecRates) != 0},
+                       {"discontinuous_transmission", (c.capabilities & vspvCodecDTX) != 0},
+                       {"conceals_losses", (c.capabilities & vspvCodecConceals) != 0}});
+    }
+    std::cout << Json({{"codecs", codecs}}).text();
+}
+
+}  // namespace
+
+void addCodecs(CommandLine& vsps) {
+    Command command = vsps.add("codecs", "The codecs of vsps encode and vsps decode.");
+    const auto json = std::make_shared<bool>(false);
+    command.flag("--json", *json, "Print a JSON object instead of text.");
+    command.run([json] { *json ? printJson() : printText(); });
+}
