@@ -7,32 +7,13 @@
 #include <stdlib.h>
 #include <vspsvoice.h>
 
-int main(int argc, char** argv) {
-    const VspvCodec* codec = vspvFindCodec(argc > 1 ? argv[1] : "");
-    Vsp32s encoderSize = 0, decoderSize = 0, frames = 0, lost = 0, octets = 0, i;
-    VspvEncoder* encoder;
-    VspvDecoder* decoder;
-    Vsp16s* samples;
-    Vsp8u* bytes;
-    size_t length;
+/* Returns whether all could be written. */
+static int run(const VspvCodec* codec, VspvEncoder* encoder, VspvDecoder* decoder, Vsp16s* samples, Vsp8u* bytes) {
+    const size_t length = (size_t)codec->frameSamples;
+    Vsp32s frames = 0, lost = 0, octets = 0;
 
-    if (codec == NULL) {
-        fprintf(stderr, "usage: codec_roundtrip CODEC, one of\n");
-        for (i = 0; i < vspvCodecCount(); i++)
-            fprintf(stderr, "  %-14s%s\n", vspvCodec(i)->name, vspvCodec(i)->description);
-        return EXIT_FAILURE;
-    }
-    vspvEncoderGetSize(codec, &encoderSize);
-    vspvDecoderGetSize(codec, &decoderSize);
-    length = (size_t)codec->frameSamples;
-    encoder = malloc((size_t)encoderSize);
-    decoder = malloc((size_t)decoderSize);
-    samples = malloc(length * sizeof *samples);
-    bytes = malloc((size_t)codec->maxFrameBytes);
-    if (encoder == NULL || decoder == NULL || samples == NULL || bytes == NULL) return EXIT_FAILURE;
     vspvEncoderInit(encoder, codec);
     vspvDecoderInit(decoder, codec);
-
     for (; fread(samples, sizeof *samples, length, stdin) == length; frames++) {
         VspvFrame frame;
         vspvEncode(encoder, samples, bytes, &frame);
@@ -42,12 +23,34 @@ int main(int argc, char** argv) {
             lost++;
         }
         vspvDecode(decoder, bytes, &frame, samples);
-        if (fwrite(samples, sizeof *samples, length, stdout) != length) return EXIT_FAILURE;
+        if (fwrite(samples, sizeof *samples, length, stdout) != length) return 0;
     }
     fprintf(stderr, "%s: %d frames, %d octets, %d lost\n", codec->rtpName, frames, octets, lost);
+    return fflush(stdout) == 0;
+}
+
+int main(int argc, char** argv) {
+    const VspvCodec* codec = vspvFindCodec(argc > 1 ? argv[1] : "");
+    Vsp32s encoderSize = 0, decoderSize = 0, i;
+    void *encoder, *decoder, *samples, *bytes;
+    int good;
+
+    if (codec == NULL) {
+        fprintf(stderr, "usage: codec_roundtrip CODEC, one of\n");
+        for (i = 0; i < vspvCodecCount(); i++)
+            fprintf(stderr, "  %-14s%s\n", vspvCodec(i)->name, vspvCodec(i)->description);
+        return EXIT_FAILURE;
+    }
+    vspvEncoderGetSize(codec, &encoderSize);
+    vspvDecoderGetSize(codec, &decoderSize);
+    encoder = malloc((size_t)encoderSize);
+    decoder = malloc((size_t)decoderSize);
+    samples = malloc((size_t)codec->frameSamples * sizeof(Vsp16s));
+    bytes = malloc((size_t)codec->maxFrameBytes);
+    good = encoder && decoder && samples && bytes && run(codec, encoder, decoder, samples, bytes);
     free(encoder);
     free(decoder);
     free(samples);
     free(bytes);
-    return fflush(stdout) == 0 ? EXIT_SUCCESS : EXIT_FAILURE;
+    return good ? EXIT_SUCCESS : EXIT_FAILURE;
 }

@@ -43,8 +43,9 @@ extern "C" int LLVMFuzzerTestOneInput(const Vsp8u* data, std::size_t size) {
         std::vector<Vsp16s> samples(std::size_t(codec->frameSamples));
         std::vector<Vsp8u> bytes(std::size_t(codec->maxFrameBytes));
         const int shift = in.take() % 16;
-        Vsp32u noise = in.take();  // what the input does not give
-        for (Vsp16s& s : samples) s = Vsp16s(Vsp16s((noise = noise * 1664525u + 1013904223u + in.take()) >> 16) >> shift);
+        Vsp32u noise = in.take();  // what comes of it would take too much input
+        noise = noise * 256 + in.take();
+        for (Vsp16s& s : samples) s = Vsp16s(Vsp16s((noise = noise * 1664525u + 1013904223u) >> 16) >> shift);
         vspvEncoderSetRate(encoder, codec->pBitRates[change % codec->numBitRates]);
         VspvFrame frame{};
         check(vspvEncode(encoder, samples.data(), bytes.data(), &frame) == vspStsNoErr, "a frame is not coded");

@@ -29,7 +29,7 @@ TEST(VoiceCodecs, AnObjectMayMoveAndStartAgain) {
     const Samples speech = recordedSpeech();
     for (const VspvCodec* codec : allCodecs()) {
         SCOPED_TRACE(codec->name);
-        const auto frames = std::ptrdiff_t(20 * codec->frameSamples), bytes = std::ptrdiff_t(20 * codec->maxFrameBytes);
+        const auto frames = 20 * std::ptrdiff_t(codec->frameSamples), bytes = 20 * std::ptrdiff_t(codec->maxFrameBytes);
         const Samples first(speech.begin(), speech.begin() + frames);
         const Octets coded = Encoder(*codec)(first);
         ASSERT_EQ(bytes, std::ssize(coded));
