@@ -22,6 +22,7 @@ namespace {
 using namespace echo;
 using echo::kRate;
 
+constexpr std::size_t kEchoFrame = kRate / kEchoFramesPerSecond;
 constexpr double kNone = -std::numeric_limits<double>::infinity();
 
 struct Named {

@@ -6,15 +6,14 @@
 // takes from it, for it has nothing in common with the estimate. A filter that learns fast follows whatever it hears; what
 // it removes then proves little.
 //
-// Until there is proof no millisecond gets louder. After it the same holds where the near end is quiet and the echo of
-// louder moments may be estimated wrongly; where it is loud, both ends may be talking, and the sum of two voices is at
-// times quieter than one of them.
+// Until there is proof no millisecond gets louder. After it a stretch may get louder by a few milliseconds of the near
+// end's power, and by more of it once the filter has long been right: the sum of two voices is at times quieter than one of
+// them.
 #pragma once
 
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <limits>
 #include <span>
 
 class OutputGuard {
@@ -34,12 +33,14 @@ class OutputGuard {
     bool removing() const { return evidence_ >= kRemoving; }
 
   private:
-    static constexpr double kHopeful = 500, kRemoving = 1000, kProven = 2500, kMost = 2900;   // dB removed, times ms
-    static constexpr double kInaudible = 0.25, kFaintest = 3;                                 // powers of a sample
-    static constexpr double kSmoothing = 0.4, kFall = 0.995, kRise = 1.0005, kForget = 0.99;  // in a millisecond
-    static constexpr double kTolerance = 6;  // ms of the near end's power by which a quiet stretch may get louder
-    static constexpr double kAboveNoise = 10, kBelowPeak = 0.005, kLouder = 1.5;  // ratios of powers
-    static constexpr double kMostOfMs = 100;                                      // of the near end's power, in one ms
+    // dB removed, times ms: when a share is subtracted, all of it, and when the filter is trusted in double talk.
+    static constexpr double kHopeful = 500, kRemoving = 1000, kProven = 2500, kTrusted = 4500, kMost = 6000;
+    static constexpr double kInaudible = 0.25, kFaint = 30;                        // powers of a sample
+    static constexpr double kSmoothing = 0.05, kPeakFall = 0.998, kForget = 0.98;  // in a millisecond
+    static constexpr double kQuiet = 0.003;                                        // of the peak
+    static constexpr double kLouder = 1.1;                                         // ratio of powers that is no matter
+    static constexpr double kTolerance = 8, kTrustedTolerance = 40;                // ms of the near end's power
+    static constexpr std::size_t kZeros = 3;  // samples that are silence, not a crossing of zero
 
     struct Energies {
         double near = 0, echo = 0, product = 0;
@@ -77,24 +78,35 @@ class OutputGuard {
     template <class Sample>
     void limitMillisecond(std::span<const Sample> near, std::span<float> echo) {
         const Energies e = measure<Sample>(near, echo);
-        follow(e);
-        const bool silence = e.near == 0, afterSilence = lastNear_ == 0;
-        lastNear_ = e.near;
-        const bool strict = !proven() || mayBeWrong();
-        const double most = e.near + (proven() ? std::clamp(kTolerance * level_ - excess_, 0.0, kMostOfMs * e.near) : 0);
+        const bool silence = e.near == 0, afterSilence = level_ == 0;
+        level_ = silence ? 0 : level_ + kSmoothing * (e.near - level_);
+        peak_ = std::max(level_, kPeakFall * peak_);
+        const bool quiet = level_ < kQuiet * peak_ || level_ < kFaint * static_cast<double>(millisecond_);
+        const bool trusted = evidence_ >= kTrusted && !quiet;
+        const double tolerance = trusted ? kTrustedTolerance : kTolerance;
+        if (trusted) excess_ *= kForget;
+        const double most = proven() ? std::max(e.near, kLouder * e.near + tolerance * level_ - excess_) : e.near;
         double share = proven() ? 1 : hope_ / kHopeful;
         if (silence || afterSilence) share = 0;
-        if (strict && e.left() > most) share = std::min(share, e.share(most));
+        if (e.left() > most) share = std::min(share, e.share(most));
         if (silence) share_ = 0;
         fade(echo, static_cast<float>(share));
-        if (!strict) return;
         const Energies faded = measure<Sample>(near, echo);
         if (faded.left() > most) {
             const auto less = static_cast<float>(faded.share(most));
             for (float& y : echo) y *= less;
             share_ *= less;
         }
-        excess_ = kForget * std::max(0.0, excess_ + measure<Sample>(near, echo).left() - e.near);
+        silenceEnd(near, echo);
+        excess_ = std::max(0.0, excess_ + measure<Sample>(near, echo).left() - kLouder * e.near);
+    }
+
+    // Digital silence that begins within a millisecond stays silence.
+    template <class Sample>
+    static void silenceEnd(std::span<const Sample> near, std::span<float> echo) {
+        std::size_t zeros = 0;
+        while (zeros < near.size() && near[near.size() - 1 - zeros] == 0) zeros++;
+        if (zeros >= kZeros) std::fill(echo.end() - static_cast<std::ptrdiff_t>(zeros), echo.end(), 0.0f);
     }
 
     void fade(std::span<float> echo, float share) {
@@ -103,26 +115,9 @@ class OutputGuard {
         share_ = share;
     }
 
-    // Levels from millisecond to millisecond; digital silence is none.
-    void follow(const Energies& e) {
-        leftLevel_ += kSmoothing * (e.left() - leftLevel_);
-        level_ += (level_ > 0 ? kSmoothing : 1) * (e.near - level_);
-        if (e.near == 0) {
-            level_ = 0;
-            return;
-        }
-        noise_ = std::min(level_, noise_ * kRise);
-        peak_ = std::max(level_, peak_ * kFall);
-    }
-
-    bool mayBeWrong() const {
-        const double faintest = kFaintest * static_cast<double>(millisecond_);
-        return leftLevel_ > kLouder * level_ && (level_ < kAboveNoise * (noise_ + faintest) || level_ < kBelowPeak * peak_);
-    }
-
     std::size_t millisecond_;
     double hope_ = 0, evidence_ = 0;
-    double level_ = 0, leftLevel_ = 0, peak_ = 0, noise_ = std::numeric_limits<float>::max();
-    double excess_ = 0, lastNear_ = 0;  // energy by which the output is above the near end, not long ago
+    double level_ = 0, peak_ = 0;  // energy of the near end in a millisecond, smoothed; its peak, which falls slowly
+    double excess_ = 0;            // energy by which the output is louder in the stretch where it is most so
     float share_ = 0;
 };
