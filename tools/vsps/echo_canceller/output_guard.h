@@ -40,10 +40,11 @@ class OutputGuard {
     static constexpr double kQuiet = 0.003;                                        // of the peak
     static constexpr double kLouder = 1.1;                                         // ratio of powers that is no matter
     static constexpr double kTolerance = 8, kTrustedTolerance = 40;                // ms of the near end's power
+    static constexpr double kOffset = 0.01;                                        // in a block
     static constexpr std::size_t kZeros = 3;  // samples that are silence, not a crossing of zero
 
     struct Energies {
-        double near = 0, echo = 0, product = 0;
+        double near = 0, echo = 0, product = 0, nearSum = 0, echoSum = 0;
         double left() const { return std::max(0.0, near - 2 * product + echo); }
         // The largest share of the echo that leaves so much.
         double share(double most) const {
@@ -54,19 +55,25 @@ class OutputGuard {
 
     template <class Sample>
     static Energies measure(std::span<const Sample> near, std::span<const float> echo) {
-        float nearEnergy = 0, echoEnergy = 0, product = 0;
+        float nearEnergy = 0, echoEnergy = 0, product = 0, nearSum = 0, echoSum = 0;
         for (std::size_t n = 0; n < near.size(); n++) {
             const float x = static_cast<float>(near[n]), y = echo[n];
             nearEnergy += x * x;
             echoEnergy += y * y;
             product += x * y;
+            nearSum += x;
+            echoSum += y;
         }
-        return {nearEnergy, echoEnergy, product};
+        return {nearEnergy, echoEnergy, product, nearSum, echoSum};
     }
 
     bool proven() const { return evidence_ >= kProven; }
 
-    void judge(const Energies& e, double samples, double learning) {
+    // A constant offset is no echo, and a filter that removes it proves nothing.
+    void judge(Energies e, double samples, double learning) {
+        offset_ += kOffset * (e.nearSum / samples - offset_);
+        e.near = std::max(0.0, e.near - 2 * offset_ * e.nearSum + offset_ * offset_ * samples);
+        e.product -= offset_ * e.echoSum;
         const double ms = samples / static_cast<double>(millisecond_), little = kInaudible * samples;
         const double removed = 10 * std::log10((e.near + little) / (e.left() + little)) * ms;
         const bool wasProven = proven();
@@ -81,11 +88,12 @@ class OutputGuard {
         const bool silence = e.near == 0, afterSilence = level_ == 0;
         level_ = silence ? 0 : level_ + kSmoothing * (e.near - level_);
         peak_ = std::max(level_, kPeakFall * peak_);
-        const bool quiet = level_ < kQuiet * peak_ || level_ < kFaint * static_cast<double>(millisecond_);
+        const bool quiet = level_ < kQuiet * peak_, faint = e.near < kFaint * static_cast<double>(millisecond_);
         const bool trusted = evidence_ >= kTrusted && !quiet;
         const double tolerance = trusted ? kTrustedTolerance : kTolerance;
         if (trusted) excess_ *= kForget;
-        const double most = proven() ? std::max(e.near, kLouder * e.near + tolerance * level_ - excess_) : e.near;
+        const double more = (kLouder - 1) * e.near + tolerance * level_ - excess_;
+        const double most = e.near + (proven() && !faint ? std::max(0.0, more) : 0);
         double share = proven() ? 1 : hope_ / kHopeful;
         if (silence || afterSilence) share = 0;
         if (e.left() > most) share = std::min(share, e.share(most));
@@ -116,7 +124,7 @@ class OutputGuard {
     }
 
     std::size_t millisecond_;
-    double hope_ = 0, evidence_ = 0;
+    double hope_ = 0, evidence_ = 0, offset_ = 0;
     double level_ = 0, peak_ = 0;  // energy of the near end in a millisecond, smoothed; its peak, which falls slowly
     double excess_ = 0;            // energy by which the output is louder in the stretch where it is most so
     float share_ = 0;
