@@ -2,8 +2,8 @@
  *
  *     echo_canceller far.raw near.raw out.raw
  *
- * The smallest canceller that works: no protection against double talk but a careful step. The output lags by 104 samples,
- * the delay of the filter bank.
+ * The smallest canceller that works: no protection against double talk but a careful step. Without an echo the line stays
+ * as it is. The output lags by 104 samples, the delay of the filter bank.
  */
 #include <stdio.h>
 #include <stdlib.h>
@@ -11,7 +11,8 @@
 #include <vspsc.h>
 
 enum { kOrder = 5, kFrame = 24, kWindow = 128, kBands = 17, kTaps = 43 }; /* 129 ms of echo path */
-enum { kDelay = kWindow - kFrame, kMillisecond = 8 };                     /* of analysis and synthesis; samples */
+enum { kDelay = kWindow - kFrame };                                       /* of analysis and synthesis */
+enum { kProof = 30 };                                                     /* frames */
 
 /* The filter bank of one signal, with the window that the library has for this shape. */
 typedef struct {
@@ -43,10 +44,11 @@ static Vsp32fc *far[kTaps], *coef[kTaps];
 
 static Vsp32f power(Vsp32fc z) { return z.re * z.re + z.im * z.im; }
 
-/* Takes the echo out of the bands of a near-end frame and adapts the filters by what is left. */
-static void cancel(Vsp32fc* bands) {
+static Vsp64f limit(Vsp64f x, Vsp64f least, Vsp64f most) { return x < least ? least : x > most ? most : x; }
+
+/* Estimates the echo in the bands of a near-end frame and adapts the filters by what it leaves of them. */
+static void estimate(Vsp32fc* bands, Vsp32fc* echo) {
     static Vsp32f noise[kBands];
-    Vsp32fc echo[kBands];
     Vsp64f step[kBands];
     int k, t;
     vspsFIRSubband_EC_32fc((const Vsp32fc* const*)far, (const Vsp32fc* const*)coef, echo, kTaps, kBands);
@@ -57,38 +59,28 @@ static void cancel(Vsp32fc* bands) {
         for (t = 0; t < kTaps; t++) energy += power(far[t][k]);
         /* Normalised, and slower the more is left: it may be near-end speech. */
         noise[k] += 0.1f * (power(bands[k]) - noise[k]);
-        step[k] = 0.5 / (energy + 10 * noise[k] + 1e4);
+        step[k] = 0.2 / (energy + 10 * noise[k] + 1e4);
     }
     vspsFIRSubbandCoeffUpdate_EC_32fc_I(step, (const Vsp32fc* const*)far, bands, coef, kTaps, kBands);
 }
 
-/* Where there is no echo the filters estimate one all the same, from noise. So the near end changes to what they leave of
- * it only as far as no millisecond gets louder; the share of the change goes evenly from one value to the next. */
-static void choose(const Vsp32f* near, Vsp32f* left) {
-    static double share;
-    int i, n;
-    for (i = 0; i < kFrame; i += kMillisecond) {
-        double before = 0, after = 0, energy = 0, product = 0, most;
-        for (n = i; n < i + kMillisecond; n++) {
-            const double change = (double)near[n] - left[n];
-            before += (double)near[n] * near[n];
-            energy += change * change;
-            product += near[n] * change;
-        }
-        most = before == 0 || product <= 0 ? 0 : 2 * product < energy ? 2 * product / energy : 1;
-        if (before == 0) share = 0;
-        if (most > share + 0.125) most = share + 0.125; /* one millisecond proves little */
-        for (n = i; n < i + kMillisecond; n++) {
-            const double now = share + (most - share) * (n - i + 1) / kMillisecond;
-            const Vsp32f out = (Vsp32f)(near[n] - now * ((double)near[n] - left[n]));
-            after += (double)out * out;
-        }
-        if (after > before) share = most;
-        for (n = i; n < i + kMillisecond; n++) {
-            const double now = share + (most - share) * (n - i + 1) / kMillisecond;
-            left[n] = (Vsp32f)(near[n] - now * ((double)near[n] - left[n]));
-        }
-        share = most;
+/* Takes the echo out of a near-end frame; the result replaces the echo. Where there is none the filters estimate one all
+ * the same, from noise. So nothing is subtracted until that is proven to remove power: by its share of each frame's power,
+ * added up. And no sample gets larger, so no line gets louder. */
+static void subtract(const Vsp32f* near, Vsp32f* echo) {
+    static Vsp64f proof;
+    Vsp64f before = 0, after = 0, share;
+    int n;
+    for (n = 0; n < kFrame; n++) {
+        const Vsp64f left = (Vsp64f)near[n] - echo[n];
+        before += (Vsp64f)near[n] * near[n];
+        after += left * left;
+    }
+    proof = limit(proof + (before - after) / (before + after + 1), 0, 3 * kProof);
+    share = limit(proof / kProof - 1, 0, 1);
+    for (n = 0; n < kFrame; n++) {
+        const Vsp64f most = near[n] < 0 ? -near[n] : near[n];
+        echo[n] = (Vsp32f)limit(near[n] - share * echo[n], -most, most);
     }
 }
 
@@ -111,7 +103,7 @@ static size_t writeFrame(FILE* file, const Vsp32f* frame, size_t count) {
 static int run(FILE* farFile, FILE* nearFile, FILE* outFile) {
     Bank farBank = {0}, nearBank = {0}, outBank = {0};
     Vsp32f frame[kFrame], near[kDelay + kFrame] = {0}; /* near: its newest frame comes last */
-    Vsp32fc bands[kBands], *oldest;
+    Vsp32fc bands[kBands], echo[kBands], *oldest;
     size_t count;
     int t, ok = openBank(&farBank) && openBank(&nearBank) && openBank(&outBank);
 
@@ -129,9 +121,9 @@ static int run(FILE* farFile, FILE* nearFile, FILE* outFile) {
         count = readFrame(nearFile, near + kDelay);
         vspsSubbandAnalysis_32f32fc(near + kDelay, bands, nearBank.state, nearBank.work);
         if (count == 0) break;
-        cancel(bands);
-        vspsSubbandSynthesis_32fc32f(bands, frame, outBank.state, outBank.work);
-        choose(near, frame);
+        estimate(bands, echo);
+        vspsSubbandSynthesis_32fc32f(echo, frame, outBank.state, outBank.work);
+        subtract(near, frame);
         ok = writeFrame(outFile, frame, count) == count;
     }
     closeBank(&farBank);
