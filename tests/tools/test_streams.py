@@ -93,6 +93,10 @@ def test_a_reader_that_has_gone_is_a_write_error(vsps):
     assert errors == b"vsps: standard output: cannot be written: Broken pipe\n"
 
 
+# A sanitizer keeps freed memory.
+measures_memory = pytest.mark.skipif(bool(os.environ.get("VSPSC_SANITIZE")), reason="instrumented")
+
+
 def peak_memory(vsps, minutes, *arguments):
     """Of a run, in KB, that reads so many minutes of headerless audio at 8000 Hz."""
     process = start(vsps, *arguments)
@@ -106,6 +110,7 @@ def peak_memory(vsps, minutes, *arguments):
     return peak
 
 
+@measures_memory
 @pytest.mark.parametrize("name", ["level", "level-two-pass", "echo-far", "simulate-echo"])
 def test_twenty_minutes_need_no_more_memory_than_one(vsps, name):
     command = [argument.format("-") for argument in COMMANDS[name]]
@@ -173,6 +178,7 @@ def test_lines_of_a_table_come_before_the_input_has_ended(vsps):
         assert vsps.files() == ["far.wav", "in.wav"]
 
 
+@measures_memory
 @pytest.mark.parametrize("name", ANALYSES)
 def test_analyses_of_twenty_minutes_need_no_more_memory_than_of_one(vsps, name):
     plot = [] if name == "tone" else ["--plot", "plot.svg"]
