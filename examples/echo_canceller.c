@@ -3,7 +3,8 @@
  *     echo_canceller far.raw near.raw out.raw
  *
  * The smallest canceller that works: no protection against double talk but a careful step. Without an echo the line stays
- * as it is. The output lags by 104 samples, the delay of the filter bank.
+ * as it is. The output lags by 104 samples, the delay of the filter bank, which reconstructs signals to about 20 dB: more
+ * of an echo is not removed.
  */
 #include <stdio.h>
 #include <stdlib.h>
