@@ -2,6 +2,7 @@
 #include "core/checks.h"
 #include "g726/exports.h"
 #include "g726/synchronous.h"
+#include "vector/for_blocks.h"
 
 namespace vsp::VSP_LEVEL {
 
@@ -23,8 +24,7 @@ template <int kBits>
 void decodePcmAt(const Vsp8u* pSrc, Vsp8u* pDst, Vsp32s len, Law law, G726State& state) {
     constexpr int kChunk = 64;
     Coder coder = load(state);
-    for (int done = 0; done < len; done += kChunk) {
-        const int n = len - done < kChunk ? len - done : kChunk;
+    forBlocks(len, kChunk, [&](Vsp32s done, Vsp32s n) {
         Prediction predictions[kChunk];
         Vsp16s sr[kChunk];
         for (int i = 0; i < n; i++) {
@@ -35,7 +35,7 @@ void decodePcmAt(const Vsp8u* pSrc, Vsp8u* pDst, Vsp32s len, Law law, G726State&
             const int code = pSrc[done + i] & ((1 << kBits) - 1);
             pDst[done + i] = g711Octet(law, synchronousLevel<kBits>(law, sr[i], predictions[i], code));
         }
-    }
+    });
     store(coder, state);
 }
 

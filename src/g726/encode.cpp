@@ -3,6 +3,7 @@
 #include "core/checks.h"
 #include "g726/adaptation.h"
 #include "g726/exports.h"
+#include "vector/for_blocks.h"
 
 namespace vsp::VSP_LEVEL {
 
@@ -44,12 +45,11 @@ VspStatus vspsEncodePCM_G726_8u(const Vsp8u* pSrc, Vsp8u* pDst, Vsp32s len, Vsp3
     if (law != 0 && law != 1) return vspStsRangeErr;
     constexpr int kChunk = 160;
     Vsp16s linear[kChunk];
-    for (int done = 0; done < len; done += kChunk) {
-        const int n = len - done < kChunk ? len - done : kChunk;
-        const Law g711 = law == 0 ? Law::a : Law::mu;
+    const Law g711 = law == 0 ? Law::a : Law::mu;
+    forBlocks(len, kChunk, [&](Vsp32s done, Vsp32s n) {
         for (int i = 0; i < n; i++) linear[i] = Vsp16s(4 * g711Value(g711, g711Level(g711, pSrc[done + i])));
         encode(linear, pDst + done, n, *static_cast<G726State*>(pState));
-    }
+    });
     return vspStsNoErr;
 }
 
