@@ -30,9 +30,17 @@ inline VspvFrame goodFrame(const VspvCodec& codec) {
 }
 inline constexpr VspvFrame kLostFrame{vspvFrameSpeech, vspvQualityLost, 0, 0};
 
+// Of an object, eight bytes each.
+inline std::size_t wordsOf(const VspvCodec& codec, VspStatus (*getSize)(const VspvCodec*, Vsp32s*)) {
+    Vsp32s bytes = 0;
+    EXPECT_EQ(vspStsNoErr, getSize(&codec, &bytes));
+    EXPECT_EQ(0, bytes % 8);
+    return std::size_t(bytes) / 8;
+}
+
 class Encoder {
   public:
-    explicit Encoder(const VspvCodec& codec) : codec_(codec), memory_(std::size_t(size(codec)) / 8) {
+    explicit Encoder(const VspvCodec& codec) : codec_(codec), memory_(wordsOf(codec, vspvEncoderGetSize)) {
         EXPECT_EQ(vspStsNoErr, vspvEncoderInit(get(), &codec));
     }
     VspvEncoder* get() { return reinterpret_cast<VspvEncoder*>(memory_.data()); }
@@ -54,20 +62,13 @@ class Encoder {
     }
 
   private:
-    static Vsp32s size(const VspvCodec& codec) {
-        Vsp32s bytes = 0;
-        EXPECT_EQ(vspStsNoErr, vspvEncoderGetSize(&codec, &bytes));
-        EXPECT_EQ(0, bytes % 8);
-        return bytes;
-    }
-
     const VspvCodec& codec_;
     Guarded<Vsp64s> memory_;
 };
 
 class Decoder {
   public:
-    explicit Decoder(const VspvCodec& codec) : codec_(codec), memory_(std::size_t(size(codec)) / 8) {
+    explicit Decoder(const VspvCodec& codec) : codec_(codec), memory_(wordsOf(codec, vspvDecoderGetSize)) {
         EXPECT_EQ(vspStsNoErr, vspvDecoderInit(get(), &codec));
     }
     VspvDecoder* get() { return reinterpret_cast<VspvDecoder*>(memory_.data()); }
@@ -95,13 +96,6 @@ class Decoder {
     }
 
   private:
-    static Vsp32s size(const VspvCodec& codec) {
-        Vsp32s bytes = 0;
-        EXPECT_EQ(vspStsNoErr, vspvDecoderGetSize(&codec, &bytes));
-        EXPECT_EQ(0, bytes % 8);
-        return bytes;
-    }
-
     const VspvCodec& codec_;
     Guarded<Vsp64s> memory_;
 };
