@@ -123,6 +123,17 @@ VspStatus vspvEncoderInit(VspvEncoder* pEncoder, const VspvCodec* pCodec);
 VspStatus vspvEncoderSetRate(VspvEncoder* pEncoder, Vsp32s bitRate);
 
 /**
+ * Switches discontinuous transmission from the next frame on: in pauses the encoder sends silence descriptors and frames
+ * without data. An encoder begins without it.
+ *
+ * @param[in,out] pEncoder  initialised encoder
+ * @param[in]     mode      0 off, 1 on
+ * @retval vspStsNullPtrErr  pEncoder is null
+ * @retval vspStsRangeErr    no such mode; without vspvCodecDTX there is mode 0 only
+ */
+VspStatus vspvEncoderSetDTX(VspvEncoder* pEncoder, Vsp32s mode);
+
+/**
  * Encodes a frame.
  *
  * @param[in,out] pEncoder  initialised encoder
@@ -160,10 +171,10 @@ VspStatus vspvDecoderInit(VspvDecoder* pDecoder, const VspvCodec* pCodec);
  * but the quality counts.
  *
  * @param[in,out] pDecoder  initialised decoder
- * @param[in]     pBytes    numBytes octets; may be null if the frame is lost
+ * @param[in]     pBytes    numBytes octets; may be null if the frame is lost or has no data
  * @param[in]     pFrame    type, quality, rate and number of octets
  * @param[out]    pSamples  frameSamples samples
- * @retval vspStsNullPtrErr    pDecoder, pFrame or pSamples is null, or pBytes is and the frame is not lost
+ * @retval vspStsNullPtrErr    pDecoder, pFrame or pSamples is null, or pBytes is and the frame should have octets
  * @retval vspStsRangeErr      type, quality or rate is none that the codec has
  * @retval vspStsSizeErr       numBytes is not the length of such a frame
  * @retval vspStsCodeRangeErr  a good or degraded frame whose octets are not of this codec (gsm: the signature is missing)

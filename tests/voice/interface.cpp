@@ -59,6 +59,7 @@ TEST(VoiceCodecs, ChecksComeInOrderAndTouchNothing) {
     expectStatusOrder(vspvDecoderInit, order, pointer, codecs);
     expectStatusOrder(vspvEncode, order, pointer, pointer, pointer, pointer);
     EXPECT_EQ(vspStsNullPtrErr, vspvEncoderSetRate(nullptr, 64000));
+    EXPECT_EQ(vspStsNullPtrErr, vspvEncoderSetDTX(nullptr, 0));
     EXPECT_EQ(nullptr, vspvFindCodec(nullptr));
 
     for (const VspvCodec* codec : allCodecs()) {
@@ -68,6 +69,9 @@ TEST(VoiceCodecs, ChecksComeInOrderAndTouchNothing) {
         const Octets bytes = encoder(samples(std::size_t(codec->frameSamples)));
         for (const Vsp32s rate : {0, -1, codec->pBitRates[0] + 1, kLowest})
             EXPECT_EQ(vspStsRangeErr, vspvEncoderSetRate(encoder.get(), rate));
+        EXPECT_EQ(vspStsNoErr, vspvEncoderSetDTX(encoder.get(), 0));
+        for (const Vsp32s mode : {-1, (codec->capabilities & vspvCodecDTX) != 0 ? 3 : 1, kLowest})
+            EXPECT_EQ(vspStsRangeErr, vspvEncoderSetDTX(encoder.get(), mode));
 
         const VspvFrame good = goodFrame(*codec);
         const std::vector<Vsp64s> before = decoder.memory().values();

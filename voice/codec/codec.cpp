@@ -42,10 +42,15 @@ static bool sameName(const char* a, const char* b) {
     return lower(*a) == lower(*b);
 }
 
-static bool hasRate(const VspvCodec& codec, Vsp32s bitRate) {
+bool hasRate(const VspvCodec& codec, Vsp32s bitRate) {
     for (Vsp32s i = 0; i < codec.numBitRates; i++)
         if (codec.pBitRates[i] == bitRate) return true;
     return false;
+}
+
+VspStatus checkSpeech(const Codec& codec, const Vsp8u*, const VspvFrame& frame) {
+    if (frame.type != vspvFrameSpeech || !hasRate(codec.record, frame.bitRate)) return vspStsRangeErr;
+    return frame.numBytes == codec.record.maxFrameBytes ? vspStsNoErr : vspStsSizeErr;
 }
 
 }  // namespace vspv
@@ -89,12 +94,21 @@ VspStatus vspvEncoderSetRate(VspvEncoder* pEncoder, Vsp32s bitRate) {
     return vspStsNoErr;
 }
 
+VspStatus vspvEncoderSetDTX(VspvEncoder* pEncoder, Vsp32s mode) {
+    if (pEncoder == nullptr) return vspStsNullPtrErr;
+    EncoderHead* head = headOf(pEncoder);
+    const Codec& codec = *head->codec;
+    if (codec.family->setDTX == nullptr) return mode == 0 ? vspStsNoErr : vspStsRangeErr;
+    return codec.family->setDTX(behind(head), codec, mode) ? vspStsNoErr : vspStsRangeErr;
+}
+
 VspStatus vspvEncode(VspvEncoder* pEncoder, const Vsp16s* pSamples, Vsp8u* pBytes, VspvFrame* pFrame) {
     if (pEncoder == nullptr || pSamples == nullptr || pBytes == nullptr || pFrame == nullptr) return vspStsNullPtrErr;
     EncoderHead* head = headOf(pEncoder);
     const Codec& codec = *head->codec;
-    codec.family->encode(behind(head), codec, head->bitRate, pSamples, pBytes);
-    *pFrame = {vspvFrameSpeech, vspvQualityGood, head->bitRate, codec.record.maxFrameBytes};
+    VspvFrame frame = {vspvFrameSpeech, vspvQualityGood, head->bitRate, codec.record.maxFrameBytes};
+    codec.family->encode(behind(head), codec, pSamples, pBytes, frame);
+    *pFrame = frame;
     return vspStsNoErr;
 }
 
@@ -119,19 +133,16 @@ VspStatus vspvDecoderInit(VspvDecoder* pDecoder, const VspvCodec* pCodec) {
 VspStatus vspvDecode(VspvDecoder* pDecoder, const Vsp8u* pBytes, const VspvFrame* pFrame, Vsp16s* pSamples) {
     if (pDecoder == nullptr || pFrame == nullptr || pSamples == nullptr) return vspStsNullPtrErr;
     const VspvFrame frame = *pFrame;
-    if (pBytes == nullptr && frame.quality != vspvQualityLost) return vspStsNullPtrErr;
+    const bool noOctets = frame.quality == vspvQualityLost || frame.type == vspvFrameNoData;
+    if (pBytes == nullptr && !noOctets) return vspStsNullPtrErr;
     if (frame.quality < vspvQualityGood || frame.quality > vspvQualityLost) return vspStsRangeErr;
     const Codec& codec = *headOf(pDecoder)->codec;
     void* decoder = behind(headOf(pDecoder));
     if (frame.quality != vspvQualityLost) {
-        if (frame.type != vspvFrameSpeech || !hasRate(codec.record, frame.bitRate)) return vspStsRangeErr;
-        if (frame.numBytes != codec.record.maxFrameBytes) return vspStsSizeErr;
+        const VspStatus status = codec.family->check(codec, pBytes, frame);
+        if (status != vspStsNoErr) return status;
     }
-    if (frame.quality >= vspvQualityBad) {
-        codec.family->conceal(decoder, codec, pSamples);
-        return vspStsNoErr;
-    }
-    if (!codec.family->accepts(codec, pBytes)) return vspStsCodeRangeErr;
-    codec.family->decode(decoder, codec, frame.bitRate, pBytes, pSamples);
+    const auto make = frame.quality >= vspvQualityBad ? codec.family->conceal : codec.family->decode;
+    make(decoder, codec, pBytes, frame, pSamples);
     return vspStsNoErr;
 }

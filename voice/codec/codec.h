@@ -9,17 +9,21 @@ namespace vspv {
 
 struct Codec;
 
-// The functions of a family. An object is memory of the size that the family asks for, aligned to 8 bytes. Arguments have
-// been checked: the rate is one of the codec's, and a frame has the length that the record gives.
+// The functions of a family. An object is memory of the size that the family asks for, aligned to 8 bytes.
 struct CodecFamily {
     Vsp32s (*encoderBytes)();
     Vsp32s (*decoderBytes)();
     void (*initEncoder)(void* encoder, const Codec& codec);
     void (*initDecoder)(void* decoder, const Codec& codec);
-    void (*encode)(void* encoder, const Codec& codec, Vsp32s bitRate, const Vsp16s* samples, Vsp8u* bytes);
-    bool (*accepts)(const Codec& codec, const Vsp8u* bytes);  // whether it is a frame of this codec
-    void (*decode)(void* decoder, const Codec& codec, Vsp32s bitRate, const Vsp8u* bytes, Vsp16s* samples);
-    void (*conceal)(void* decoder, const Codec& codec, Vsp16s* samples);
+    // The frame comes as speech at the rate in force, of the codec's longest frame; the family corrects what is otherwise.
+    void (*encode)(void* encoder, const Codec& codec, const Vsp16s* samples, Vsp8u* bytes, VspvFrame& frame);
+    // Of a frame that has arrived, with errors or without: what vspvDecode says of it.
+    VspStatus (*check)(const Codec& codec, const Vsp8u* bytes, const VspvFrame& frame);
+    void (*decode)(void* decoder, const Codec& codec, const Vsp8u* bytes, const VspvFrame& frame, Vsp16s* samples);
+    // A bad or a lost frame; the octets of a lost one may be null.
+    void (*conceal)(void* decoder, const Codec& codec, const Vsp8u* bytes, const VspvFrame& frame, Vsp16s* samples);
+    // Whether there is such a mode; null if the codec has no discontinuous transmission.
+    bool (*setDTX)(void* encoder, const Codec& codec, Vsp32s mode) = nullptr;
 };
 
 struct Codec {
@@ -28,7 +32,10 @@ struct Codec {
     const void* settings;  // the family's, or null
 };
 
-inline bool acceptsAll(const Codec&, const Vsp8u*) { return true; }
+bool hasRate(const VspvCodec& codec, Vsp32s bitRate);
+
+// The check of codecs that have speech frames of one length only.
+VspStatus checkSpeech(const Codec& codec, const Vsp8u* bytes, const VspvFrame& frame);
 
 extern const Codec kPcma, kPcmu, kG722, kGsm;
 extern const Codec kG726_16, kG726_24, kG726_32, kG726_40;

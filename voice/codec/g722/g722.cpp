@@ -50,12 +50,12 @@ void initDecoder(void* decoder, const Codec&) {
     vspsSBADPCMDecodeInit_G722_16s(d.state());
 }
 
-void encode(void* encoder, const Codec&, Vsp32s bitRate, const Vsp16s* samples, Vsp8u* bytes) {
+void encode(void* encoder, const Codec&, const Vsp16s* samples, Vsp8u* bytes, VspvFrame& frame) {
     Encoder& e = *static_cast<Encoder*>(encoder);
     Vsp16s bands[kFrame], codes[kCodes];
     vspsQMFAnalysis_G722_16s(samples, bands, kFrame, e.delay);
     vspsSBADPCMEncode_G722_16s(bands, codes, kFrame, e.state());
-    const Vsp32s leftOut = (1 << (modeOf(bitRate) - 1)) - 1;
+    const Vsp32s leftOut = (1 << (modeOf(frame.bitRate) - 1)) - 1;
     for (Vsp32s i = 0; i < kCodes; i++) bytes[i] = Vsp8u(codes[i] & ~leftOut);
 }
 
@@ -66,20 +66,21 @@ void decodeCodes(Decoder& d, Vsp16s* codes, bool lost, Vsp16s* samples) {
     vspsQMFSynthesis_G722_16s(bands, samples, kFrame, d.delay);
 }
 
-void decode(void* decoder, const Codec&, Vsp32s bitRate, const Vsp8u* bytes, Vsp16s* samples) {
+void decode(void* decoder, const Codec&, const Vsp8u* bytes, const VspvFrame& frame, Vsp16s* samples) {
     Decoder& d = *static_cast<Decoder*>(decoder);
     Vsp16s codes[kCodes];
     for (Vsp32s i = 0; i < kCodes; i++) codes[i] = bytes[i];
-    d.mode = modeOf(bitRate);
+    d.mode = modeOf(frame.bitRate);
     decodeCodes(d, codes, false, samples);
 }
 
-void conceal(void* decoder, const Codec&, Vsp16s* samples) {
+void conceal(void* decoder, const Codec&, const Vsp8u*, const VspvFrame&, Vsp16s* samples) {
     Vsp16s codes[kCodes] = {};
     decodeCodes(*static_cast<Decoder*>(decoder), codes, true, samples);
 }
 
-constexpr CodecFamily kFamily = {encoderBytes, decoderBytes, initEncoder, initDecoder, encode, acceptsAll, decode, conceal};
+constexpr CodecFamily kFamily = {encoderBytes, decoderBytes, initEncoder, initDecoder,
+                                 encode,       checkSpeech,  decode,      conceal};
 
 }  // namespace
 

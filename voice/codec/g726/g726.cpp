@@ -45,14 +45,14 @@ void initDecoder(void* decoder, const Codec& codec) {
     vspsDecodeInit_G726_8u16s(d.state(), settingsOf(codec).rate);
 }
 
-void encode(void* encoder, const Codec& codec, Vsp32s, const Vsp16s* samples, Vsp8u* bytes) {
+void encode(void* encoder, const Codec& codec, const Vsp16s* samples, Vsp8u* bytes, VspvFrame&) {
     Vsp8u codes[kFrame];
     vspsEncode_G726_16s8u(samples, codes, kFrame, encoder);
     BitWriter writer(bytes, settingsOf(codec).order);
     for (const Vsp8u code : codes) writer.put(code, settingsOf(codec).bits);
 }
 
-void decode(void* decoder, const Codec& codec, Vsp32s, const Vsp8u* bytes, Vsp16s* samples) {
+void decode(void* decoder, const Codec& codec, const Vsp8u* bytes, const VspvFrame&, Vsp16s* samples) {
     Decoder& d = *static_cast<Decoder*>(decoder);
     Vsp8u codes[kFrame];
     BitReader reader(bytes, settingsOf(codec).order);
@@ -62,11 +62,12 @@ void decode(void* decoder, const Codec& codec, Vsp32s, const Vsp8u* bytes, Vsp16
 }
 
 // The coder keeps what it has adapted to, which fits better than what any made-up codes would make of it.
-void conceal(void* decoder, const Codec&, Vsp16s* samples) {
+void conceal(void* decoder, const Codec&, const Vsp8u*, const VspvFrame&, Vsp16s* samples) {
     static_cast<Decoder*>(decoder)->repeater.conceal(samples, kFrame);
 }
 
-constexpr CodecFamily kFamily = {encoderBytes, decoderBytes, initEncoder, initDecoder, encode, acceptsAll, decode, conceal};
+constexpr CodecFamily kFamily = {encoderBytes, decoderBytes, initEncoder, initDecoder,
+                                 encode,       checkSpeech,  decode,      conceal};
 
 // Codes of 2, 3, 4 and 5 bits, as RFC 3551 and as AAL type 2 order them.
 constexpr Settings kRfc[] = {{17, 2, BitOrder::lowestFirst},

@@ -23,15 +23,19 @@ void initDecoder(void* decoder, const Codec&) {
     d.substitution.reset();
 }
 
-void encode(void* encoder, const Codec&, Vsp32s, const Vsp16s* samples, Vsp8u* bytes) {
+void encode(void* encoder, const Codec&, const Vsp16s* samples, Vsp8u* bytes, VspvFrame&) {
     gsmfr::Frame frame;
     static_cast<gsmfr::Encoder*>(encoder)->encode(samples, frame);
     gsmfr::pack(frame, bytes);
 }
 
-bool accepts(const Codec&, const Vsp8u* bytes) { return gsmfr::hasSignature(bytes); }
+VspStatus check(const Codec& codec, const Vsp8u* bytes, const VspvFrame& frame) {
+    const VspStatus status = checkSpeech(codec, bytes, frame);
+    if (status != vspStsNoErr || frame.quality >= vspvQualityBad) return status;
+    return gsmfr::hasSignature(bytes) ? vspStsNoErr : vspStsCodeRangeErr;
+}
 
-void decode(void* decoder, const Codec&, Vsp32s, const Vsp8u* bytes, Vsp16s* samples) {
+void decode(void* decoder, const Codec&, const Vsp8u* bytes, const VspvFrame&, Vsp16s* samples) {
     GsmDecoder& d = *static_cast<GsmDecoder*>(decoder);
     gsmfr::Frame frame;
     gsmfr::unpack(bytes, frame);
@@ -39,12 +43,12 @@ void decode(void* decoder, const Codec&, Vsp32s, const Vsp8u* bytes, Vsp16s* sam
     d.decoder.decode(frame, samples);
 }
 
-void conceal(void* decoder, const Codec&, Vsp16s* samples) {
+void conceal(void* decoder, const Codec&, const Vsp8u*, const VspvFrame&, Vsp16s* samples) {
     GsmDecoder& d = *static_cast<GsmDecoder*>(decoder);
     d.decoder.decode(d.substitution.lost(), samples);
 }
 
-constexpr CodecFamily kFamily = {encoderBytes, decoderBytes, initEncoder, initDecoder, encode, accepts, decode, conceal};
+constexpr CodecFamily kFamily = {encoderBytes, decoderBytes, initEncoder, initDecoder, encode, check, decode, conceal};
 constexpr Vsp32s kBitRate[] = {13000};
 
 }  // namespace
