@@ -41,6 +41,7 @@ set(vspsc_level_sources
     src/g729/state_sizes.cpp
     src/g7291/state_sizes.cpp
     src/gsmamr/fft128.cpp
+    src/gsmamr/open_loop_pitch.cpp
     src/gsmamr/vad1.cpp
     src/gsmamr/vad2.cpp
     src/gsmfr/lar.cpp
@@ -61,6 +62,7 @@ set(vspsc_common_sources
     src/g722/tables.cpp
     src/g726/tables.cpp
     src/g729/tables.cpp
+    src/gsmamr/open_loop_tables.cpp
     src/gsmamr/tables.cpp
     src/gsmfr/tables.cpp
     src/vector/real_fft_plan.cpp

@@ -1,48 +1,18 @@
 // The open-loop pitch searches of G.729 (3.4, Pitch_ol) and its Annex A (A.3.4, Pitch_ol_fast).
 #include "arithmetic/basic_ops.h"
-#include "common/inv_sqrt.h"
-#include "common/lag_max.h"
+#include "common/open_loop.h"
 #include "core/checks.h"
 #include "g729/constants.h"
 #include "g729/decimated_signal.h"
 #include "g729/exports.h"
 #include "vector/correlate.h"
 #include "vector/dot.h"
-#include "vector/map.h"
 
 namespace vsp::VSP_LEVEL {
 
 namespace {
 
 constexpr int kSignal = kPitMax + kL_frame;
-
-// Of the energy of the signal, which is half the standard's doubled sum.
-constexpr Vsp64s kLoud = 0x3FFFFFFF, kQuiet = 1 << 19;
-
-// Shifted right by 3 if the doubled energy would leave 32 bits, left if it is small.
-void scaleSignal(Vsp64s energyOfSignal, const Vsp16s* signal, Vsp16s* scaled, int n) {
-    const auto timesEight = [](auto a) {
-        a = addSat(a, a);
-        a = addSat(a, a);
-        return addSat(a, a);
-    };
-    if (energyOfSignal > kLoud)
-        map(
-            n, [](auto a) { return shr(a, 3); }, scaled, signal);
-    else if (energyOfSignal >= kQuiet)
-        map(
-            n, [](auto a) { return a; }, scaled, signal);
-    else
-        map(n, timesEight, scaled, signal);
-}
-
-// Where the correlation of a section is largest, and that divided by the square root of the delayed signal's energy.
-struct Section {
-    int lag;
-    Vsp16s normalised;
-};
-
-Vsp16s normalise(Vsp32s max, Vsp32s doubledEnergy) { return Vsp16s(Mpy_32(max, ownInvSqrt(doubledEnergy))); }
 
 using Decimated = DecimatedSignal<Vsp16s>;
 using Largest = LagMax<Vsp32s>;
@@ -103,33 +73,25 @@ VspStatus vspsOpenLoopPitchSearch_G729_16s(const Vsp16s* pSrc, Vsp16s* pLag) {
     if (anyNull(pSrc, pLag)) return vspStsNullPtrErr;
     const Vsp16s* const signal = pSrc - kPitMax;
     Vsp16s scaled[kSignal];
-    scaleSignal(energy(signal, kSignal), signal, scaled, kSignal);
+    shiftSignal(openLoopShift(energy(signal, kSignal)), signal, scaled, kSignal);
     const Vsp16s* const current = scaled + kPitMax;
 
     Vsp32s sums[kPitMax - kPitMin + 1];
     ownLagSums(current, kL_frame, kPitMin, kPitMax, sums);
-    const auto section = [&](int shortest, int longest) {
-        const Vsp32s* const sectionSums = sums + (kPitMax - longest);
-        const int i = ownLastMax(sectionSums, longest - shortest + 1), lag = longest - i;
-        const Vsp64s delayedEnergy = energy(current - lag, kL_frame);
-        return Section{lag, normalise(sectionSums[i], Cnvrt_64s32s(2 * delayedEnergy))};
-    };
-
-    constexpr Vsp32s THRESHPIT = 27853;  // 0.85 in Q15
-    const auto favourShorter = [](Section longer, Section shorter) {
-        return (longer.normalised * THRESHPIT) >> 15 < shorter.normalised ? shorter : longer;
-    };
-    const Section best = favourShorter(favourShorter(section(80, 143), section(40, 79)), section(20, 39));
-    *pLag = Vsp16s(best.lag);
+    const LagScan scan{current, kL_frame, kPitMax, sums};
+    const Candidate sections[3] = {scan.largest(80, 143), scan.largest(40, 79), scan.largest(20, 39)};
+    Vsp16s values[3];
+    for (int i = 0; i < 3; i++) values[i] = Vsp16s(normalised(sections[i]));
+    *pLag = Vsp16s(sections[favourShorter(values)].lag);
     return vspStsNoErr;
 }
 
 VspStatus vspsOpenLoopPitchSearch_G729A_16s(const Vsp16s* pSrc, Vsp16s* pLag) {
     if (anyNull(pSrc, pLag)) return vspStsNullPtrErr;
     Decimated signal(pSrc - kPitMax);
-    const Vsp64s energyOfSignal = energy(signal.even, Decimated::kHalf);
-    scaleSignal(energyOfSignal, signal.even, signal.even, Decimated::kHalf);
-    scaleSignal(energyOfSignal, signal.odd, signal.odd, Decimated::kHalf);
+    const int shift = openLoopShift(energy(signal.even, Decimated::kHalf));
+    shiftSignal(shift, signal.even, signal.even, Decimated::kHalf);
+    shiftSignal(shift, signal.odd, signal.odd, Decimated::kHalf);
 
     const DecimatedCorrelations correlations(signal);
     Largest best1 = correlations.largest(20, 40, 1), best2 = correlations.largest(40, 80, 1);
@@ -138,13 +100,13 @@ VspStatus vspsOpenLoopPitchSearch_G729A_16s(const Vsp16s* pSrc, Vsp16s* pLag) {
     for (int lag = centre + 1; lag >= centre - 1; lag -= 2)
         best3 = larger(best3, {Cnvrt_64s32s(correlations.correlation(lag)), lag});
 
-    const auto normalised = [&signal](Largest best) {
+    const auto normalise = [&signal](Largest best) {
         const Vsp64s delayedEnergy = 2 * energy(signal.delayed(best.lag), Decimated::kSamples);
-        return Largest{normalise(best.max, Cnvrt_64s32s(delayedEnergy + 1)), best.lag};
+        return Largest{Vsp16s(normalised({best.lag, best.max, Cnvrt_64s32s(delayedEnergy + 1)})), best.lag};
     };
-    best1 = normalised(best1);
-    best2 = normalised(best2);
-    best3 = normalised(best3);
+    best1 = normalise(best1);
+    best2 = normalise(best2);
+    best3 = normalise(best3);
     if (divides(best2.lag, best3.lag)) best2.max += best3.max >> 2;
     if (divides(best1.lag, best2.lag)) best1.max += (best2.max * 6554) >> 15;  // 0.2 in Q15
     *pLag = Vsp16s(larger(larger(best1, best2), best3).lag);
