@@ -1,4 +1,4 @@
-# The shared library libvspsvoice.so.1: ready-to-call codecs on top of the public interface of libvspscy8.
+# The shared library libvspsvoice.so.1: ready-to-call voice processing on top of the public interface of libvspscy8.
 
 set(vspsvoice_exports "${PROJECT_SOURCE_DIR}/voice/exports.map")
 add_library(
@@ -13,7 +13,10 @@ add_library(
     voice/codec/gsmfr/gsm.cpp
     voice/codec/gsmfr/reconstruction.cpp
     voice/codec/gsmfr/substitution.cpp
-    voice/codec/period_repeater.cpp)
+    voice/codec/period_repeater.cpp
+    voice/detect/reversal_detector.cpp
+    voice/detect/tone_detector.cpp
+    voice/level/level_control.cpp)
 add_library(vspsc::vspsvoice ALIAS vspsvoice)
 target_link_libraries(vspsvoice PUBLIC vspscy8 PRIVATE $<BUILD_INTERFACE:vspsc_options>)
 target_include_directories(vspsvoice PRIVATE ${PROJECT_SOURCE_DIR}/voice)

@@ -14,5 +14,7 @@
 #define VSPSVOICE_H
 
 #include "vspsvoice/codec.h"
+#include "vspsvoice/level.h"
+#include "vspsvoice/tone.h"
 
 #endif

@@ -1,11 +1,10 @@
-// The level control of the library.
+// The level control of the voice layer.
 #pragma once
 
 #include <cstdint>
 #include <span>
-#include <vector>
 
-#include "vspsc.h"
+#include "audio/voice_object.h"
 
 struct LevelSettings {
     double target = 26.1;   // dB below full scale that active speech is brought to
@@ -25,7 +24,5 @@ class LevelControl {
     void process(std::span<const std::int16_t> in, std::span<std::int16_t> out);
 
   private:
-    VspALCState_G169_16s* state();
-
-    std::vector<double> memory_;
+    VoiceObject<VspvLevelControl> control_{vspvLevelControlGetSize};
 };

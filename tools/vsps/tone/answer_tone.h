@@ -1,13 +1,11 @@
-// Answer tones with phase reversals (2100 Hz, ITU-T V.25), with which modems and fax machines switch echo
-// cancellers off.
+// Answer tones with phase reversals (2100 Hz, ITU-T V.25), as the voice layer detects them.
 #pragma once
 
 #include <cstdint>
 #include <span>
 #include <vector>
 
-#include "tone/reversal_detector.h"
-#include "tone/tone_extent.h"
+#include "audio/voice_object.h"
 
 struct AnswerTone {
     double start, end;              // s, as far as 2100 Hz prevails
@@ -17,7 +15,7 @@ struct AnswerTone {
 
 class AnswerToneFinder {
   public:
-    // With the library's detector, in floating or in fixed point; the rate is 8000 or 16000 Hz.
+    // With the detector in floating or in fixed point; the rate is 8000 or 16000 Hz.
     AnswerToneFinder(int rate, bool fixedPoint);
 
     // Takes any number of samples and appends the tones that have ended.
@@ -26,14 +24,10 @@ class AnswerToneFinder {
     void finish(std::vector<AnswerTone>& tones);
 
   private:
-    void addReversal();
-    void append(const ToneStretch& stretch, std::vector<AnswerTone>& tones);
+    void add(const VspvToneEvent& event, std::vector<AnswerTone>& tones);
+    double seconds(Vsp64s samples) const { return double(samples) / rate_; }
 
     int rate_;
-    ReversalDetector detector_;
-    ToneExtent extent_;
-    std::vector<std::int16_t> block_;  // the samples so far of a block of 10 ms
-    std::size_t heard_ = 0;            // of them by the detector
-    std::uint64_t position_ = 0;       // samples
-    std::vector<double> reversals_;    // s, in the current stretch of tone
+    VoiceObject<VspvToneDetector> detector_;
+    std::vector<double> reversals_;  // s, in the current tone
 };
