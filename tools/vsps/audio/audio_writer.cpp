@@ -9,20 +9,16 @@
 #include <utility>
 
 #include "audio/spool.h"
+#include "audio/wav_numbers.h"
 #include "console/error.h"
 #include "console/standard_streams.h"
 
 namespace {
 
-constexpr std::uint64_t kLargest = 0xfff00000;        // bytes of audio where a header has 32 bits for them
-constexpr std::uint32_t kUnknownLength = 0x7ffff000;  // bytes, in the header of a WAV file on a pipe
-constexpr std::uint32_t kWavHeader = 44;              // bytes
+constexpr std::uint64_t kLargest = 0xfff00000;  // bytes of audio where a header has 32 bits for them
+constexpr std::uint32_t kWavHeader = 44;        // bytes
 
 int container(int format) { return format & SF_FORMAT_TYPEMASK; }
-
-void put(std::string& bytes, std::uint32_t value, int size) {
-    for (int i = 0; i < size; i++) bytes += static_cast<char>(value >> 8 * i);
-}
 
 // Of 16-bit PCM.
 std::string wavHeader(int rate, int channels, std::uint32_t dataSize) {
@@ -106,7 +102,7 @@ AudioWriter::AudioWriter(const std::string& file, int format, int rate, int chan
     info.format = format;
     if (out_.isStream() && container(format) == SF_FORMAT_WAV) {
         headerAt_ = lseek(out_.descriptor(), 0, SEEK_CUR);
-        out_.write(wavHeader(rate, channels, kUnknownLength));
+        out_.write(wavHeader(rate, channels, kUnknownWavLength));
         info.format = SF_FORMAT_RAW | SF_FORMAT_PCM_16 | SF_ENDIAN_LITTLE;
     } else if (out_.isStream() && container(format) != SF_FORMAT_RAW) {
         target_->spool = std::make_unique<Spool>();
@@ -149,7 +145,7 @@ void AudioWriter::commit() {
 void AudioWriter::completeHeader() {
     const std::uint64_t size = bytes();
     const int descriptor = out_.descriptor();
-    if (size >= kUnknownLength || (fcntl(descriptor, F_GETFL) & O_APPEND) != 0) return;
+    if (size >= kUnknownWavLength || (fcntl(descriptor, F_GETFL) & O_APPEND) != 0) return;
     lseek(descriptor, headerAt_, SEEK_SET);
     out_.write(wavHeader(rate_, channels_, std::uint32_t(size)));
     lseek(descriptor, 0, SEEK_END);

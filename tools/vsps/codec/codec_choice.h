@@ -1,4 +1,4 @@
-// Which codec a command uses: asked for by name, or the one that the extension of a file names.
+// The codecs of the command line, and what follows from their records.
 #pragma once
 
 #include <string>
@@ -7,9 +7,6 @@
 #include "vspsvoice.h"
 
 std::vector<std::string> codecNames();
-
-// The name, or if it is empty the extension of the file: that of the codec, or .al .alaw .ul .ulaw.
-const VspvCodec& chooseCodec(const std::string& name, const std::string& file);
 
 // The rate that is asked for, which must be one of the codec's, or its first one for 0.
 int chooseBitRate(const VspvCodec& codec, int asked);

@@ -11,7 +11,7 @@
 struct CodecReport {
     std::string inFile, outFile;
     const VspvCodec* codec;
-    int bitRate;
+    int bitRate = 0;
     std::uint64_t frames = 0, bytes = 0, samples = 0;
     std::optional<std::uint64_t> lost = {};  // of a decoder
     double elapsedSeconds = 0;

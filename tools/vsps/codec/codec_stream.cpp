@@ -13,25 +13,30 @@ std::vector<Vsp64s> memoryFor(SizeQuery getSize, const VspvCodec& codec) {
 }  // namespace
 
 StreamEncoder::StreamEncoder(const VspvCodec& codec, int bitRate)
-    : codec_(codec), memory_(memoryFor(vspvEncoderGetSize, codec)), bytes_(std::size_t(codec.maxFrameBytes)) {
+    : codec_(codec), memory_(memoryFor(vspvEncoderGetSize, codec)) {
     vspvEncoderInit(encoder(), &codec_);
     vspvEncoderSetRate(encoder(), bitRate);
 }
 
-std::string_view StreamEncoder::encode(Samples frame) {
-    frame.resize(std::size_t(codec_.frameSamples));
-    VspvFrame told{};
-    vspvEncode(encoder(), frame.data(), bytes_.data(), &told);
-    return {reinterpret_cast<const char*>(bytes_.data()), std::size_t(told.numBytes)};
+bool StreamEncoder::setDTX() { return vspvEncoderSetDTX(encoder(), 1) == vspStsNoErr; }
+
+const CodedFrame& StreamEncoder::encode(Samples samples) {
+    frame_.samples = samples.size();
+    samples.resize(std::size_t(codec_.frameSamples));
+    frame_.bytes.resize(std::size_t(codec_.maxFrameBytes));
+    vspvEncode(encoder(), samples.data(), reinterpret_cast<Vsp8u*>(frame_.bytes.data()), &frame_.told);
+    frame_.bytes.resize(std::size_t(frame_.told.numBytes));
+    return frame_;
 }
 
-StreamDecoder::StreamDecoder(const VspvCodec& codec, int bitRate)
-    : codec_(codec), bitRate_(bitRate), memory_(memoryFor(vspvDecoderGetSize, codec)) {
+StreamDecoder::StreamDecoder(const VspvCodec& codec) : codec_(codec), memory_(memoryFor(vspvDecoderGetSize, codec)) {
     vspvDecoderInit(decoder(), &codec_);
 }
 
-bool StreamDecoder::decode(const std::string& bytes, bool lost, Samples& frame) {
-    const VspvFrame told{vspvFrameSpeech, lost ? vspvQualityLost : vspvQualityGood, bitRate_, Vsp32s(bytes.size())};
-    frame.resize(std::size_t(codec_.frameSamples));
-    return vspvDecode(decoder(), reinterpret_cast<const Vsp8u*>(bytes.data()), &told, frame.data()) == vspStsNoErr;
+bool StreamDecoder::decode(const CodedFrame& frame, Samples& samples) {
+    samples.resize(std::size_t(codec_.frameSamples));
+    const auto bytes = reinterpret_cast<const Vsp8u*>(frame.bytes.data());
+    if (vspvDecode(decoder(), bytes, &frame.told, samples.data()) != vspStsNoErr) return false;
+    samples.resize(frame.samples);
+    return true;
 }

@@ -1,39 +1,39 @@
 // Samples to the frames of a codec and back.
 #pragma once
 
-#include <string>
-#include <string_view>
 #include <vector>
 
 #include "audio/audio.h"
-#include "vspsvoice.h"
+#include "codec/coded_file.h"
 
 class StreamEncoder {
   public:
     StreamEncoder(const VspvCodec& codec, int bitRate);
 
-    // One frame; a shorter one is completed with silence.
-    std::string_view encode(Samples frame);
+    // False if the codec has no discontinuous transmission.
+    bool setDTX();
+
+    // One frame; a shorter one is completed with silence. The reference holds until the next call.
+    const CodedFrame& encode(Samples samples);
 
   private:
     VspvEncoder* encoder() { return reinterpret_cast<VspvEncoder*>(memory_.data()); }
 
     const VspvCodec& codec_;
     std::vector<Vsp64s> memory_;
-    std::vector<Vsp8u> bytes_;
+    CodedFrame frame_;
 };
 
 class StreamDecoder {
   public:
-    StreamDecoder(const VspvCodec& codec, int bitRate);
+    explicit StreamDecoder(const VspvCodec& codec);
 
-    // One frame, or none if it is lost. False if it is not one of the codec.
-    bool decode(const std::string& bytes, bool lost, Samples& frame);
+    // One frame, of which frame.samples count. False if it is not one of the codec.
+    bool decode(const CodedFrame& frame, Samples& samples);
 
   private:
     VspvDecoder* decoder() { return reinterpret_cast<VspvDecoder*>(memory_.data()); }
 
     const VspvCodec& codec_;
-    int bitRate_;
     std::vector<Vsp64s> memory_;
 };

@@ -8,7 +8,6 @@
 #include "codec/codec_choice.h"
 #include "codec/codec_report.h"
 #include "codec/codec_stream.h"
-#include "codec/octet_reader.h"
 #include "commands.h"
 #include "console/error.h"
 #include "console/progress.h"
@@ -37,33 +36,31 @@ class Losses {
 
 void runDecode(const Options& o) {
     const Stopwatch stopwatch;
-    const VspvCodec& codec = chooseCodec(o.codec, o.in);
-    CodecReport report{o.in, o.out, &codec, chooseBitRate(codec, o.bitRate)};
-    report.lost = 0;
     const int format = outputFormat(o.out, false);
     refuseSameFiles({o.in}, {o.out});
-    OctetReader in(o.in);
+    const std::unique_ptr<FrameReader> in = openCoded({o.in, o.codec, o.bitRate});
+    const VspvCodec& codec = in->codec();
     AudioWriter out(o.out, format, codec.samplingRate, 1);
 
-    StreamDecoder decoder(codec, report.bitRate);
+    CodecReport report{o.in, o.out, &codec};
+    report.lost = 0;
+    StreamDecoder decoder(codec);
     Losses losses(o.losePercent, o.seed);
-    Progress progress("decoding", in.expected());
-    const auto frameBytes = std::size_t(codec.maxFrameBytes);
-    Samples frame;
-    for (std::string bytes; !(bytes = in.read(frameBytes)).empty(); report.frames++) {
-        const std::size_t count = bytes.size();
-        if (count < frameBytes && !codesSampleBySample(codec))
-            throw FileError(in.name(), "cut short, ends within a frame of " + std::string(codec.name));
-        bytes.resize(frameBytes);
-        const bool lost = losses.next();
-        if (!decoder.decode(bytes, lost, frame))
-            throw FileError(in.name(), "frame " + std::to_string(report.frames + 1) + " is not one of " + codec.name);
-        frame.resize(samplesOf(codec, count));
-        out.write(frame);
-        *report.lost += lost;
-        report.bytes += count;
-        report.samples += frame.size();
-        progress.advance(count);
+    Progress progress("decoding", in->expectedOctets());
+    CodedFrame frame;
+    Samples samples;
+    for (; in->read(frame); report.frames++) {
+        if (report.frames == 0) report.bitRate = frame.told.bitRate;
+        if (losses.next()) {
+            frame.told.quality = vspvQualityLost;
+            ++*report.lost;
+        }
+        if (!decoder.decode(frame, samples))
+            throw FileError(in->name(), "frame " + std::to_string(report.frames + 1) + " is not one of " + codec.name);
+        out.write(samples);
+        progress.advance(in->octets() - report.bytes);
+        report.bytes = in->octets();
+        report.samples += samples.size();
     }
     out.commit();
     report.elapsedSeconds = stopwatch.seconds();

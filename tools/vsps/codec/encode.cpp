@@ -17,28 +17,31 @@ struct Options {
     std::string in, out, codec;
     InputSettings input;
     int bitRate = 0;
-    bool json = false;
+    bool dtx = false, json = false;
 };
 
 void runEncode(const Options& o) {
     const Stopwatch stopwatch;
-    const VspvCodec& codec = chooseCodec(o.codec, o.out);
+    const CodedFileChoice choice{o.out, o.codec, o.bitRate};
+    const VspvCodec& codec = codecOf(choice);
     CodecReport report{o.in, o.out, &codec, chooseBitRate(codec, o.bitRate)};
+    StreamEncoder encoder(codec, report.bitRate);
+    if (o.dtx && !encoder.setDTX())
+        throw UsageError{"--dtx", std::string(codec.name) + " has no discontinuous transmission"};
     refuseSameFiles({o.in}, {o.out});
     AudioReader in = openOneChannel(o.in, o.input);
     in.convertTo(codec.samplingRate);
-    OutputFile out(o.out);
+    const std::unique_ptr<FrameWriter> out = createCoded(choice);
 
-    StreamEncoder encoder(codec, report.bitRate);
     Progress progress("encoding", in.expected());
     for (Block block; in.read(std::size_t(codec.frameSamples), block); report.frames++) {
-        const std::string_view bytes = encoder.encode(block[0]).substr(0, bytesOf(codec, block[0].size()));
-        out.write(bytes);
-        report.bytes += bytes.size();
+        out->write(encoder.encode(block[0]));
         progress.advance(block[0].size());
     }
+    for (; report.frames % out->framesOfBlock() != 0; report.frames++) out->write(encoder.encode({}));
     report.samples = in.length();
-    out.commit();
+    report.bytes = out->octets();
+    out->commit();
     printNotes(in.notes());
     report.elapsedSeconds = stopwatch.seconds();
     reportStream({o.out}) << (o.json ? toJson(report).text() : toText(report));
@@ -53,6 +56,7 @@ void addEncode(CommandLine& vsps) {
     command.option("OUT", o->out, "Stream; its extension is the codec's name or .al .ul; - is standard output").required();
     command.option("--codec", o->codec, "The codec, whatever the extension says").oneOf(codecNames());
     command.option("--rate", o->bitRate, "Bit rate of a codec that has several").takes("BITS").within(1, 1e6);
+    command.flag("--dtx", o->dtx, "Send little or nothing in pauses, where the codec has discontinuous transmission");
     command.flag("--json", o->json, "Print a JSON object instead of text");
     command.footer(
         "\"vsps codecs\" lists the codecs. The recording is resampled to the codec's rate. GSM frames are whole, the last "

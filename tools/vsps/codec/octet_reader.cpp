@@ -5,7 +5,6 @@
 #include <cerrno>
 #include <cstring>
 
-#include "audio/audio_format.h"
 #include "console/error.h"
 #include "console/standard_streams.h"
 
@@ -17,9 +16,8 @@ OctetReader::OctetReader(const std::string& file)
     if (S_ISDIR(status.st_mode)) throw FileError(name_, "is a directory");
     if (S_ISREG(status.st_mode)) expected_ = std::uint64_t(status.st_size);
     first_ = read(4);
+    count_ = 0;
     if (first_.empty()) throw FileError(name_, "the file is empty");
-    if (const std::string format = formatOfHeader(first_); !format.empty())
-        throw FileError(name_, "has the header of " + format + ": a sound file, no coded stream");
 }
 
 std::string OctetReader::read(std::size_t count) {
@@ -28,5 +26,6 @@ std::string OctetReader::read(std::size_t count) {
     first_.erase(0, held);
     bytes.resize(held + std::fread(bytes.data() + held, 1, count - held, file_.get()));
     if (std::ferror(file_.get()) != 0) throw FileError(name_, std::strerror(errno));
+    count_ += bytes.size();
     return bytes;
 }
