@@ -9,7 +9,7 @@ namespace vsp::test::g729 {
 inline std::vector<Signal> recorded(const std::string& file, const std::string& argument, int shift = 0) {
     std::vector<Signal> signals;
     for (const VectorCase& c : readVectorCases("g729/" + file + ".vec"))
-        for (const Argument& a : c.arguments)
+        for (const RecordedArgument& a : c.arguments)
             if (a.name == argument && a.count > 0) {
                 signals.push_back(a.inputs<Vsp16s>());
                 for (Vsp16s& s : signals.back()) s = Vsp16s(s >> shift);

@@ -1,6 +1,4 @@
-// GSM full rate: recorded calls and codings, and the definitions at any input.
-#include <array>
-#include <string>
+// GSM full rate: recorded codings, and the definitions at any input. The functions are described in described/.
 #include <tuple>
 
 #include "gsmfr/codec.h"
@@ -8,90 +6,13 @@
 #include "support/guarded.h"
 #include "support/level_test.h"
 #include "support/samples.h"
-#include "support/status_order.h"
 #include "support/upper_halves.h"
 #include "support/vector_case.h"
 
 namespace vsp::test {
 
-namespace {
-
-// What an argument is made of: the number of the array before the call, none for an output, and that of the array after it,
-// none for what stays as it is. With an element one word of the array, before if there is one.
-struct Source {
-    int before, after = -1, element = -1;
-};
-
-template <class T>
-std::vector<T> recorded(const std::vector<Item>& items, int array, int element) {
-    auto values = items.at(std::size_t(array)).values<T>();
-    if (element >= 0) values = {values.at(std::size_t(element))};
-    return values;
-}
-
-template <class P>
-struct Argument {  // a value
-    Argument(const std::vector<Item>& items, Source s) : pass(recorded<P>(items, s.before, s.element).at(0)) {}
-    void check() const {}
-    P pass;
-};
-
-template <class T>
-struct Argument<T*> {
-    using Element = std::remove_const_t<T>;
-
-    Argument(const std::vector<Item>& items, Source s)
-        : expected(s.after < 0 ? recorded<Element>(items, s.before, s.element)
-                               : recorded<Element>(items, s.after, s.before < 0 ? s.element : -1)),
-          memory(s.before < 0 ? samples<Element>(expected.size()) : recorded<Element>(items, s.before, s.element)),
-          pass(memory.data()) {}
-    void check() const { EXPECT_EQ(expected, memory.values()); }
-
-    std::vector<Element> expected;
-    Guarded<Element> memory;
-    T* pass;
-};
-
-// Calls a function with every case of a file.
-template <class... P>
-void runCases(const std::string& file, VspStatus (*function)(P...), const std::array<Source, sizeof...(P)>& sources) {
-    const auto cases = readItemCases("gsmfr/" + file + ".vec");
-    ASSERT_FALSE(cases.empty());
-    for (std::size_t number = 0; number < cases.size(); number++) {
-        SCOPED_TRACE(file + ", case " + std::to_string(number));
-        const auto run = [&](const Argument<P>&... arguments) {
-            ASSERT_EQ(vspStsNoErr, function(arguments.pass...));
-            (arguments.check(), ...);
-        };
-        [&]<std::size_t... I>(std::index_sequence<I...>) { run(Argument<P>(cases[number], sources[I])...); }
-        (std::index_sequence_for<P...>());
-    }
-}
-
-}  // namespace
-
 class GsmFr : public LevelTest {};
 VSPSC_EVERY_LEVEL(GsmFr);
-
-TEST_P(GsmFr, RecordedCalls) {
-    runCases("preprocess", api.vspsPreprocess_GSMFR_16s, {{{0}, {-1, 2}, {1, 3}}});
-    runCases("autocorr", api.vspsAutoCorr_GSMFR_16s32s, {{{0, 1}, {-1, 2}}});
-    runCases("schur", api.vspsSchur_GSMFR_32s16s, {{{0}, {-1, 1}}});
-    runCases("lar_encode", api.vspsLARQuantEncode_GSMFR_16s, {{{0}, {-1, 1}}});
-    runCases("lar_decode", api.vspsLARQuantDecode_GSMFR_16s, {{{0}, {-1, 1}}});
-    runCases("st_analysis", api.vspsShortTermAnalysisFilter_GSMFR_16s_I, {{{0}, {1}, {2, 4}, {3, 5}}});
-    runCases("lt_predict", api.vspsLongTermPredict_GSMFR_16s, {{{0}, {1}, {-1, 2}, {-1, 3}, {-1, 4}}});
-    runCases("weighting", api.vspsWeightingFilter_GSMFR_16s, {{{0}, {-1, 1}}});
-    runCases("rpe_grid", api.vspsRPEGridSelect_GSMFR_16s, {{{0}, {-1, 1}, {-1, 2}}});
-    runCases("rpe_quant", api.vspsRPEQuantEncode_GSMFR_16s, {{{0}, {-1, 1}, {-1, 2}}});
-    runCases("rpe_scale", api.vspsRPEScaleDecode_GSMFR_16s, {{{0}, {-1, 1, 0}, {-1, 1, 1}}});
-    runCases("rpe_dequant", api.vspsRPEQuantDecode_GSMFR_16s, {{{0}, {-1, 2}, {1, -1, 0}, {1, -1, 1}}});
-    runCases("rpe_position", api.vspsRPEGridPosition_GSMFR_16s, {{{0}, {-1, 2}, {1}}});
-    runCases("lt_synthesis", api.vspsLongTermSynthesis_GSMFR_16s,
-             {{{0}, {1, 4}, {-1, 3}, {2, -1, 0}, {2, -1, 1}, {2, 5, 2}}});
-    runCases("st_synthesis", api.vspsShortTermSynthesisFilter_GSMFR_16s, {{{0}, {1}, {2}, {-1, 4}, {3, 5}}});
-    runCases("postprocess", api.vspsPostprocess_GSMFR_16s_I, {{{0, 2}, {1, 3}}});
-}
 
 TEST_P(GsmFr, RecordedCodings) {
     const auto decoded = [&](const std::vector<Vsp16s>& parameters) {
@@ -201,29 +122,6 @@ TEST_P(GsmFr, LagsOutsideTheirRangeTakeThePreviousOne) {
         EXPECT_EQ(expectedPast, memory.values());
         EXPECT_EQ(kept, previousLag[0]);
     }
-}
-
-TEST_P(GsmFr, ChecksComeInOrder) {
-    const std::vector<VspStatus> order{vspStsNullPtrErr, vspStsScaleRangeErr};
-    const auto& p = pointer;
-    const Choices<Vsp16s> scaleFactor{
-        10, {{-1, vspStsScaleRangeErr}, {11, vspStsScaleRangeErr}, {kMin16, vspStsScaleRangeErr}}};
-    expectStatusOrder(api.vspsPreprocess_GSMFR_16s, order, p, p, p);
-    expectStatusOrder(api.vspsAutoCorr_GSMFR_16s32s, order, p, p);
-    expectStatusOrder(api.vspsSchur_GSMFR_32s16s, order, p, p);
-    expectStatusOrder(api.vspsLARQuantEncode_GSMFR_16s, order, p, p);
-    expectStatusOrder(api.vspsLARQuantDecode_GSMFR_16s, order, p, p);
-    expectStatusOrder(api.vspsShortTermAnalysisFilter_GSMFR_16s_I, order, p, p, p, p);
-    expectStatusOrder(api.vspsLongTermPredict_GSMFR_16s, order, p, p, p, p, p);
-    expectStatusOrder(api.vspsWeightingFilter_GSMFR_16s, order, p, p);
-    expectStatusOrder(api.vspsRPEGridSelect_GSMFR_16s, order, p, p, p);
-    expectStatusOrder(api.vspsRPEQuantEncode_GSMFR_16s, order, p, p, p);
-    expectStatusOrder(api.vspsRPEScaleDecode_GSMFR_16s, order, value, p, p);
-    expectStatusOrder(api.vspsRPEQuantDecode_GSMFR_16s, order, p, p, value, scaleFactor);
-    expectStatusOrder(api.vspsRPEGridPosition_GSMFR_16s, order, p, p, value);
-    expectStatusOrder(api.vspsLongTermSynthesis_GSMFR_16s, order, p, p, p, value, value, p);
-    expectStatusOrder(api.vspsShortTermSynthesisFilter_GSMFR_16s, order, p, p, p, p, p);
-    expectStatusOrder(api.vspsPostprocess_GSMFR_16s_I, order, p, p);
 }
 
 }  // namespace vsp::test

@@ -20,12 +20,12 @@ namespace vsp::test {
 template <class P>
 class Parameter {
   public:
-    Parameter(const Argument& a, Guard)
+    Parameter(const RecordedArgument& a, Guard)
         : value_(a.type == 'f'   ? P(a.inputs<Vsp32f>().at(0))
                  : a.type == 'i' ? P(a.inputs<Vsp32s>().at(0))
                                  : P(a.inputs<Vsp16s>().at(0))) {}
     P pass() const { return value_; }
-    void check(const VectorCase&, const Argument&, bool) const {}
+    void check(const VectorCase&, const RecordedArgument&, bool) const {}
 
   private:
     P value_;
@@ -38,7 +38,7 @@ class Parameter<T*> {
     static constexpr char kType = kFloat ? 'f' : sizeof(T) == 2 ? 'h' : 'i';
 
   public:
-    Parameter(const Argument& a, Guard guard) : offset_(a.offset) {
+    Parameter(const RecordedArgument& a, Guard guard) : offset_(a.offset) {
         EXPECT_EQ(kType, a.type) << a.name;
         EXPECT_NE('v', a.kind) << a.name;
         if (a.count < 0) return;
@@ -50,7 +50,7 @@ class Parameter<T*> {
 
     T* pass() const { return buffer_ ? buffer_->data() + offset_ : nullptr; }
 
-    void check(const VectorCase& c, const Argument& a, bool compareOutputs) const {
+    void check(const VectorCase& c, const RecordedArgument& a, bool compareOutputs) const {
         if (!buffer_) return;
         EXPECT_FALSE(buffer_->changedOutside()) << a.name;
         const std::size_t bytes = before_.size() * sizeof(T);

@@ -57,8 +57,8 @@ std::size_t sizeOf(char type) { return type == 'B' ? 1 : type == 'h' ? 2 : type 
 std::vector<VectorCase> readVectorCases(const std::string& file) {
     Reader reader(file);
     std::vector<VectorCase> cases(reader.value<Vsp32u>());
-    std::vector<Argument> arguments(reader.value<Vsp32u>());
-    for (Argument& a : arguments) {
+    std::vector<RecordedArgument> arguments(reader.value<Vsp32u>());
+    for (RecordedArgument& a : arguments) {
         a.name = reader.text(16);
         a.type = reader.value<char>();
         a.kind = reader.value<char>();
@@ -69,7 +69,7 @@ std::vector<VectorCase> readVectorCases(const std::string& file) {
         c.advisory = (reader.value<Vsp32u>() & 1) != 0;
         c.label = reader.text(24);
         c.arguments = arguments;
-        for (Argument& a : c.arguments) {
+        for (RecordedArgument& a : c.arguments) {
             a.count = reader.value<Vsp32s>();
             a.offset = reader.value<Vsp32s>();
             a.tolerance = reader.value<Vsp32f>();

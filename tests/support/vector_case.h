@@ -18,7 +18,7 @@ std::vector<T> elementsOf(const std::vector<std::byte>& bytes) {
 }
 
 // One argument of a call. Type: h Vsp16s, i Vsp32s, f Vsp32f. Kind: v value, i input, o output, b both.
-struct Argument {
+struct RecordedArgument {
     std::string name;
     char type, kind;
     Vsp32s count;   // elements, -1 for a null pointer
@@ -41,7 +41,7 @@ struct VectorCase {
     VspStatus status;
     bool advisory;  // the outputs are one of several that can be defended
     std::string label;
-    std::vector<Argument> arguments;
+    std::vector<RecordedArgument> arguments;
 };
 
 // One array of a case whose meaning is given by its place.

@@ -1,0 +1,88 @@
+// A call of a described function: its arguments, drawn or recorded, and what becomes of them.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+
+#include "support/described.h"
+#include "support/guarded.h"
+
+namespace vsp::test {
+
+using Bytes = std::vector<std::byte>;
+
+// Values and arrays by their place in the argument list.
+struct Call {
+    explicit Call(const Function& f);
+
+    const Function* function;
+    std::vector<Cell> cells;                   // of values
+    std::vector<std::optional<Bytes>> arrays;  // with the history; none: a null pointer
+    std::vector<bool> inPlace;                 // the pointer is that of the argument's source
+
+    Values values() const;
+    bool used(std::size_t argument) const;
+    std::size_t elements(std::size_t argument) const;  // of an array, with its history; 0 where it is not used
+    void setInteger(std::size_t argument, Vsp64s x) { cells[argument].integer = x; }
+
+    // The error that the function must report, or vspStsNoErr.
+    VspStatus expectedError() const;
+};
+
+struct Result {
+    VspStatus status;
+    std::vector<Bytes> arrays;  // afterwards
+    bool upperHalves;           // of registers are in use
+
+    bool operator==(const Result& other) const { return status == other.status && arrays == other.arrays; }
+};
+
+// Calls the function with every array at an unmapped page; what lies outside of the arrays must stay as it is, or the
+// program ends. Arrays that the function must not touch, because an argument is bad, are not mapped at all if they have no
+// contents to check. gap: elements between the arrays and the page.
+Result run(const Api& api, const Call& call, Guard guard, std::size_t gap = 0);
+
+// What is wrong with the result whatever the arguments: changed inputs, anything changed after an error, the wrong error.
+std::string problemOf(const Call& call, const Result& result);
+
+// Where the arguments of a call come from: random numbers, or the bytes of a fuzzer.
+using Random = std::function<std::uint32_t()>;
+
+// The states that one call hands to the next.
+using States = std::map<std::size_t, Bytes>;
+
+class Draw {
+  public:
+    Draw(Random random, States& states) : random_(std::move(random)), states_(states) {}
+
+    // Any arguments. Where the values of all arguments with few of them are few together, number counts through them.
+    // With faults some are illegal.
+    Call call(const Function& function, std::size_t number, bool faults);
+    void keep(const Call& call, const Result& result);  // its state
+
+    // The calls that number tells apart, 0 if these are too many.
+    static std::size_t combinations(const Function& function);
+
+  private:
+    Vsp64s integer(const Function& f, std::size_t argument, Limits limits);
+    Bytes contents(const Call& call, std::size_t argument, bool faults);
+    bool oneIn(unsigned n) { return random_() % n == n - 1; }
+
+    Random random_;
+    States& states_;
+};
+
+// Changes of one legal call that make an argument bad.
+struct Fault {
+    std::size_t argument;
+    std::function<void(Call&)> apply;
+};
+std::vector<Fault> faultsOf(const Call& legal);
+
+// Elements of an array as integers.
+Vsp64s integerAt(const Bytes& bytes, char type, std::size_t i);
+void setIntegerAt(Bytes& bytes, char type, std::size_t i, Vsp64s x);
+
+}  // namespace vsp::test

@@ -1,0 +1,191 @@
+// Every described function of the program: its recorded calls, its checks, and any arguments at all levels.
+#include <algorithm>
+#include <random>
+
+#include "support/level_test.h"
+#include "support/recorded_calls.h"
+
+namespace vsp::test {
+
+namespace {
+
+struct Level {
+    std::string name;
+    const Api* api;
+};
+
+// Those that the processor has, the last is the library.
+const std::vector<Level>& levels() {
+    static const auto all = [] {
+        std::vector<Level> found;
+        for (const std::string name : {"y8", "v3", "v4", "library"})
+            if (apiOf(name) != nullptr) found.push_back({name, apiOf(name)});
+        return found;
+    }();
+    return all;
+}
+
+std::string testName(std::string name) {
+    for (char& c : name)
+        if (!isalnum(static_cast<unsigned char>(c))) c = '_';
+    return name;
+}
+
+struct Location {
+    Guard guard;
+    std::size_t gap;
+};
+constexpr Location kLocations[] = {{Guard::end, 0}, {Guard::begin, 0}, {Guard::begin, 1}, {Guard::end, 3}};
+
+// Where an argument may be the same memory as another one, the call with these.
+std::optional<Call> inPlace(const Call& call) {
+    Call same = call;
+    bool any = false;
+    for (std::size_t i = 0; i < call.arrays.size(); i++) {
+        const int source = call.function->arguments[i].source;
+        if (source < 0 || !call.arrays[i] || !call.arrays[std::size_t(source)]) continue;
+        if (call.function->arguments[i].kind == Argument::Kind::io) continue;  // it has other content
+        same.inPlace[i] = any = true;
+        same.arrays[i].reset();
+    }
+    return any ? std::optional(same) : std::nullopt;
+}
+
+class Recorded : public ::testing::TestWithParam<RecordedFile> {};
+
+class Arguments : public ::testing::TestWithParam<const Function*> {
+  protected:
+    const Function& function = *GetParam();
+};
+
+}  // namespace
+
+TEST_P(Recorded, Calls) {
+    const RecordedFile& file = GetParam();
+    const auto calls = file.calls();
+    ASSERT_FALSE(calls.empty());
+    for (const Level& level : levels()) {
+        Bytes memory;  // the state of a stream
+        for (std::size_t number = 0; number < calls.size(); number++) {
+            RecordedCall recorded = calls[number];
+            const Function& f = *recorded.call.function;
+            SCOPED_TRACE(f.name + " at " + level.name + ", " + file.name + ", case " + std::to_string(number) + " " +
+                         recorded.label);
+            std::size_t state = 0;
+            while (state < f.arguments.size() && f.arguments[state].kind != Argument::Kind::state) state++;
+            if (file.stream()) {
+                ASSERT_LT(state, f.arguments.size());
+                const auto bytes = recorded.call.elements(state) * f.types[state].size;
+                const auto user =
+                    std::find_if(file.users.begin(), file.users.end(), [&](const auto& u) { return u.first == &f; });
+                const Initialiser& own = user->second->initialise;
+                const Initialiser& initialise = own ? own : f.arguments[state].initialise;
+                if (recorded.start != 0) {
+                    ASSERT_TRUE(initialise) << "the state has no initialiser";
+                    Guarded<std::byte> fresh(bytes);
+                    initialise(*level.api, recorded.start, fresh.data());
+                    memory = fresh.values();
+                }
+                ASSERT_EQ(bytes, memory.size()) << "the stream has a state of another size";
+                recorded.call.arrays[state] = memory;
+            }
+            for (const Location& place : kLocations) {
+                const Result result = run(*level.api, recorded.call, place.guard, place.gap);
+                ASSERT_EQ("", differenceOf(recorded, result));
+                ASSERT_EQ("", problemOf(recorded.call, result));
+                if (file.stream()) memory = result.arrays[state];
+            }
+            if (const auto same = inPlace(recorded.call)) {
+                ASSERT_EQ("", differenceOf(recorded, run(*level.api, *same, Guard::end))) << "in place";
+            }
+        }
+    }
+}
+
+// All single faults, all pairs of faults of two arguments, and some of more.
+TEST_P(Arguments, FirstErrorInOrderIsReportedAndNothingIsTouched) {
+    std::mt19937 random(1);
+    States states;
+    Draw draw([&] { return std::uint32_t(random()); }, states);
+    const auto expectError = [&](const Call& call) {
+        if (call.expectedError() == vspStsNoErr) return;
+        for (const Level& level : levels()) {
+            const Result result = run(*level.api, call, Guard::end);
+            ASSERT_EQ("", problemOf(call, result)) << function.name << " at " << level.name;
+        }
+    };
+    // The legal calls differ in which of their pointers are used and in limits that depend on other arguments.
+    std::size_t tried = 0;
+    for (std::size_t seed = 0; seed < 40 && tried < 20000; seed++) {
+        const Call legal = draw.call(function, seed * 7, false);
+        const auto faults = faultsOf(legal);
+        const auto with = [&](std::initializer_list<const Fault*> chosen) {
+            Call call = legal;
+            for (const Fault* fault : chosen) fault->apply(call);
+            ASSERT_NO_FATAL_FAILURE(expectError(call));
+            tried++;
+        };
+        for (const Fault& fault : faults) ASSERT_NO_FATAL_FAILURE(with({&fault}));
+        for (const Fault& one : faults)
+            for (const Fault& other : faults)
+                if (one.argument < other.argument && (seed == 0 || random() % 16 == 0) && tried < 20000) {
+                    ASSERT_NO_FATAL_FAILURE(with({&one, &other}));
+                }
+        for (int i = 0; i < 100 && !faults.empty(); i++) {
+            const auto any = [&] { return &faults[random() % faults.size()]; };
+            ASSERT_NO_FATAL_FAILURE(with({any(), any(), any()}));
+        }
+    }
+}
+
+TEST_P(Arguments, AnyLegalOnesGiveTheSameAtEveryLevel) {
+    std::mt19937 random(1);
+    States states;
+    Draw draw([&] { return std::uint32_t(random()); }, states);
+    const auto& higher = levels();
+    const std::size_t calls = std::max<std::size_t>(1000, Draw::combinations(function));
+    for (std::size_t number = 0; number < calls; number++) {
+        SCOPED_TRACE(function.name + ", call " + std::to_string(number));
+        const Call call = draw.call(function, number, false);
+        ASSERT_EQ(vspStsNoErr, call.expectedError());
+        const Result baseline = run(kApi_y8, call, Guard::end);
+        ASSERT_EQ("", problemOf(call, baseline));
+        for (std::size_t i = 0; i < higher.size(); i++) {
+            const Location& place = kLocations[(number + i) % std::size(kLocations)];
+            const Result result = run(*higher[i].api, call, place.guard, place.gap);
+            ASSERT_TRUE(result == baseline) << higher[i].name << " differs from y8";
+            ASSERT_FALSE(result.upperHalves) << higher[i].name;
+        }
+        if (const auto same = inPlace(call)) {
+            const Result result = run(*higher.back().api, *same, Guard::end);
+            for (std::size_t i = 0; i < same->inPlace.size(); i++) {
+                ASSERT_TRUE(!same->inPlace[i] || result.arrays[i] == baseline.arrays[i]) << "in place";
+            }
+        }
+        draw.keep(call, baseline);
+    }
+}
+
+namespace {
+
+std::vector<const Function*> everyFunction() {
+    std::vector<const Function*> all;
+    for (const Function& f : Described::all()) all.push_back(&f);
+    return all;
+}
+
+std::string nameOfRecorded(const ::testing::TestParamInfo<RecordedFile>& test) {
+    const std::string file = test.param.name.substr(0, test.param.name.find(".vec"));
+    const std::string& function = test.param.users[0].first->name;
+    return test.param.stream()              ? testName(file)
+           : file.ends_with("/" + function) ? function
+                                            : testName(function + "__" + file);
+}
+
+}  // namespace
+
+INSTANTIATE_TEST_SUITE_P(, Recorded, ::testing::ValuesIn(recordedFiles()), nameOfRecorded);
+INSTANTIATE_TEST_SUITE_P(, Arguments, ::testing::ValuesIn(everyFunction()),
+                         [](const auto& test) { return test.param->name; });
+
+}  // namespace vsp::test
