@@ -7,6 +7,7 @@
 
 #include "vspsc/g729/backward_lp.h"
 #include "vspsc/g729/excitation.h"
+#include "vspsc/g729/fixed_codebook.h"
 #include "vspsc/g729/pitch.h"
 #include "vspsc/g729/pre_post_process.h"
 

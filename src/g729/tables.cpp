@@ -41,4 +41,17 @@ static consteval int largestPartialSum() {
 }
 static_assert(largestPartialSum() * kMaxExactSample < 1 << 30);
 
+constexpr Vsp8u trackTable0[16] = {1, 3, 6, 8, 11, 13, 16, 18, 21, 23, 26, 28, 31, 33, 36, 38};
+constexpr Vsp8u trackTable1[32] = {0,  2,  4,  5,  7,  9,  10, 12, 14, 15, 17, 19, 20, 22, 24, 25,
+                                   27, 29, 30, 32, 34, 35, 37, 39, 1,  6,  11, 16, 21, 26, 31, 36};
+
+// Bit p is set for each position p.
+template <int Places>
+static consteval unsigned long long positionsOf(const Vsp8u (&table)[Places]) {
+    unsigned long long positions = 0;
+    for (const Vsp8u position : table) positions |= 1ULL << position;
+    return positions;
+}
+static_assert(positionsOf(trackTable0) == 0x5294A5294AULL && positionsOf(trackTable1) == 0xBDEF7BDEF7ULL);
+
 }  // namespace vsp

@@ -1,4 +1,5 @@
-// Interpolation filters at a third of a sample, after the standard's reference tables inter_3 and inter_3l.
+// Constants under the names of the standard's reference tables; inter_3 and inter_3l are interpolation filters at a third
+// of a sample.
 #pragma once
 
 #include "vspsc/types.h"
@@ -17,6 +18,9 @@ struct ThirdFilters {
 };
 extern const ThirdFilters<Vsp16s> inter_3l_taps;      // Q15
 extern const ThirdFilters<Vsp32f> inter_3l_32f_taps;  // the same as floats
+
+// Positions of the two pulses of Annex D by their places.
+extern const Vsp8u trackTable0[16], trackTable1[32];
 
 // While no sample is larger no partial sum of doubled products with the taps of a filter can leave 32 bits.
 constexpr int kMaxExactSample = 18000;

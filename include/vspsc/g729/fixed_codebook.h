@@ -1,0 +1,128 @@
+/**
+ * @file
+ * G.729: fixed (algebraic) codebooks of the main coder and its Annexes A, C, D and E.
+ *
+ * A code vector has 40 samples, Q13, with pulses of magnitude 1 (Annex E: 1/2) on five tracks: position p lies on track
+ * p mod 5. For lags below 40 it is sharpened: code[n] += code[n - lag] * sharp, n ascending, sums saturated. The searches
+ * sharpen the impulse response in the same way on a copy. Of equally good candidates the first wins.
+ */
+#ifndef VSPSC_G729_FIXED_CODEBOOK_H
+#define VSPSC_G729_FIXED_CODEBOOK_H
+
+#include "vspsc/types.h"
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/**
+ * Search of the four-pulse codebook, 17 bits (G.729 3.8, ACELP_Codebook).
+ *
+ * Pulses 0, 1 and 2 lie on tracks 0, 1 and 2, pulse 3 on track 3 or 4. The largest squared correlation with the target over
+ * the energy wins. The last pulse is tried where the sum of the first three exceeds a threshold, as often as the allowance
+ * for the subframe admits: 75 visits, and those that subframe 0, which has 30 more, left over.
+ *
+ * @param[in]     pTarget    target without the adaptive-codebook part, 40 samples
+ * @param[in]     pImpulse   impulse response of the weighted synthesis filter, 40 samples, Q12
+ * @param[in]     lag        integer lag, 18 .. 145
+ * @param[in]     sharp      sharpening gain, Q14
+ * @param[in]     subframe   0 or 1
+ * @param[in,out] pExtra     visits left over; read in subframe 1 only
+ * @param[out]    pCode      sharpened code vector, 40 samples, Q13
+ * @param[out]    pFiltered  code vector filtered by the impulse response, 40 samples, Q12
+ * @param[out]    pIndex     positions, 13 bits, and signs, 4 bits (1 for +, pulse 0 in the lowest bit)
+ * @retval vspStsNullPtrErr  pTarget, pImpulse, pExtra, pCode, pFiltered or pIndex is null
+ * @retval vspStsRangeErr    lag outside 18 .. 145, or subframe neither 0 nor 1
+ */
+VspStatus vspsFixedCodebookSearch_G729_16s(const Vsp16s* pTarget, const Vsp16s* pImpulse, Vsp16s lag, Vsp16s sharp,
+                                           Vsp16s subframe, Vsp16s* pExtra, Vsp16s* pCode, Vsp16s* pFiltered,
+                                           Vsp16s* pIndex);
+
+/**
+ * Search of the four-pulse codebook, depth first (G.729 A.3.8.1, ACELP_Code_A).
+ *
+ * The codebook of vspsFixedCodebookSearch_G729_16s. With the last pulse on track 3, then on track 4, two starts: pulse 2 at
+ * one of the two largest places of its track and the last pulse anywhere, then pulses 0 and 1; or the last pulse at one of
+ * the two largest places and pulse 0 anywhere, then pulses 1 and 2.
+ *
+ * @param[in]  pTarget    target without the adaptive-codebook part, 40 samples
+ * @param[in]  pImpulse   impulse response of the weighted synthesis filter, 40 samples, Q12
+ * @param[in]  lag        integer lag, 18 .. 145
+ * @param[in]  sharp      sharpening gain, Q14
+ * @param[out] pCode      sharpened code vector, 40 samples, Q13
+ * @param[out] pFiltered  code vector filtered by the impulse response, 40 samples, Q12
+ * @param[out] pIndex     positions, 13 bits, and signs, 4 bits
+ * @retval vspStsNullPtrErr  pTarget, pImpulse, pCode, pFiltered or pIndex is null
+ * @retval vspStsRangeErr    lag outside 18 .. 145
+ */
+VspStatus vspsFixedCodebookSearch_G729A_16s(const Vsp16s* pTarget, const Vsp16s* pImpulse, Vsp16s lag, Vsp16s sharp,
+                                            Vsp16s* pCode, Vsp16s* pFiltered, Vsp16s* pIndex);
+
+/**
+ * Search of the two-pulse codebook of the 6.4 kbit/s coder, 11 bits (G.729 Annex D, ACELP_CodebookD).
+ *
+ * Pulse 0 lies on track 1 or 3, pulse 1 on track 0, 1, 2 or 4. All pairs on tracks that the order 0-1, 1-1, 0-3, 3-4, 1-2,
+ * 1-3, 1-4, 2-3 lists are tried. Both pulses may fall on one sample. The places are Gray coded.
+ *
+ * @param[in]  pTarget    target without the adaptive-codebook part, 40 samples
+ * @param[in]  pImpulse   impulse response of the weighted synthesis filter, 40 samples, Q12
+ * @param[in]  lag        integer lag, 18 .. 145
+ * @param[in]  sharp      sharpening gain, Q14
+ * @param[out] pCode      sharpened code vector, 40 samples, Q13
+ * @param[out] pFiltered  code vector filtered by the impulse response, 40 samples, Q12
+ * @param[out] pIndex     positions, 9 bits, and signs, 2 bits
+ * @retval vspStsNullPtrErr  pTarget, pImpulse, pCode, pFiltered or pIndex is null
+ * @retval vspStsRangeErr    lag outside 18 .. 145
+ */
+VspStatus vspsFixedCodebookSearch_G729D_16s(const Vsp16s* pTarget, const Vsp16s* pImpulse, Vsp16s lag, Vsp16s sharp,
+                                            Vsp16s* pCode, Vsp16s* pFiltered, Vsp16s* pIndex);
+
+/**
+ * Code vector of the four-pulse codebook with its sharpening (G.729 4.1.4, Decod_ACELP).
+ *
+ * @param[in]  pIndex  positions and signs, of which the low 13 and 4 bits are used
+ * @param[in]  lag     integer lag, 18 .. 145
+ * @param[in]  sharp   sharpening gain, Q14
+ * @param[out] pCode   code vector, 40 samples, Q13
+ * @retval vspStsNullPtrErr  pIndex or pCode is null
+ * @retval vspStsRangeErr    lag outside 18 .. 145
+ */
+VspStatus vspsFixedCodebookDecode_G729_16s(const Vsp16s* pIndex, Vsp16s lag, Vsp16s sharp, Vsp16s* pCode);
+
+/**
+ * Code vector of the two-pulse codebook with its sharpening (G.729 Annex D, Decod_ACELP64).
+ *
+ * @param[in]  pIndex  positions and signs, of which the low 9 and 2 bits are used
+ * @param[in]  lag     integer lag, 18 .. 145
+ * @param[in]  sharp   sharpening gain, Q14
+ * @param[out] pCode   code vector, 40 samples, Q13
+ * @retval vspStsNullPtrErr  pIndex or pCode is null
+ * @retval vspStsRangeErr    lag outside 18 .. 145
+ */
+VspStatus vspsFixedCodebookDecode_G729D_16s(const Vsp16s* pIndex, Vsp16s lag, Vsp16s sharp, Vsp16s* pCode);
+
+/**
+ * Codes in place of those of an erased subframe (G.729 4.4.4, Random): two draws of seed = seed * 31821 + 13849 modulo
+ * 2^16, of which the low 13 and 4 bits are kept.
+ *
+ * @param[in,out] pSeed   seed, which is the value of the last draw
+ * @param[out]    pIndex  positions and signs
+ * @retval vspStsNullPtrErr  pSeed or pIndex is null
+ */
+VspStatus vspsFixedCodebookRandom_G729_16s(Vsp16s* pSeed, Vsp16s* pIndex);
+
+/**
+ * Codes of the 6.4 kbit/s coder in place of those of an erased subframe (G.729 Annex D), as
+ * vspsFixedCodebookRandom_G729_16s with the low 9 and 2 bits.
+ *
+ * @param[in,out] pSeed   seed, which is the value of the last draw
+ * @param[out]    pIndex  positions and signs
+ * @retval vspStsNullPtrErr  pSeed or pIndex is null
+ */
+VspStatus vspsFixedCodebookRandom_G729D_16s(Vsp16s* pSeed, Vsp16s* pIndex);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif
