@@ -3,6 +3,7 @@
 set(vspsc_level_sources
     src/alc/alc.cpp
     src/amrwb/state_sizes.cpp
+    src/common/adaptive_vector.cpp
     src/common/auto_scale.cpp
     src/common/convolution.cpp
     src/common/correlation.cpp
@@ -11,6 +12,7 @@ set(vspsc_level_sources
     src/common/inv_sqrt.cpp
     src/common/lag_max.cpp
     src/common/lag_window.cpp
+    src/common/norm_corr.cpp
     src/common/random_noise.cpp
     src/common/scaling.cpp
     src/common/synthesis_filter.cpp
@@ -40,14 +42,20 @@ set(vspsc_level_sources
     src/g729/fixed_codebook_search_a.cpp
     src/g729/fixed_codebook_search_d.cpp
     src/g729/norm_corr.cpp
+    src/g729/interpol_3.cpp
     src/g729/open_loop_pitch.cpp
     src/g729/pitch_32f.cpp
     src/g729/state_sizes.cpp
     src/g7291/state_sizes.cpp
+    src/gsmamr/adaptive_codebook_gain.cpp
+    src/gsmamr/adaptive_codebook_search.cpp
+    src/gsmamr/adaptive_vector.cpp
+    src/gsmamr/delay_decode.cpp
     src/gsmamr/fft128.cpp
     src/gsmamr/open_loop_pitch.cpp
     src/gsmamr/vad1.cpp
     src/gsmamr/vad2.cpp
+    src/gsmamr/weighted_error_update.cpp
     src/gsmfr/lar.cpp
     src/gsmfr/long_term.cpp
     src/gsmfr/lpc_analysis.cpp
@@ -67,6 +75,7 @@ set(vspsc_common_sources
     src/g726/tables.cpp
     src/g729/tables.cpp
     src/gsmamr/open_loop_tables.cpp
+    src/gsmamr/pitch_tables.cpp
     src/gsmamr/tables.cpp
     src/gsmfr/tables.cpp
     src/vector/real_fft_plan.cpp

@@ -5,6 +5,7 @@
 #ifndef VSPSC_GSMAMR_H
 #define VSPSC_GSMAMR_H
 
+#include "vspsc/gsmamr/adaptive_codebook.h"
 #include "vspsc/gsmamr/open_loop_pitch.h"
 #include "vspsc/gsmamr/vad.h"
 

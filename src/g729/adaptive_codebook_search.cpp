@@ -1,11 +1,12 @@
 // The closed-loop pitch searches of G.729 (3.7), its Annex A (A.3.7) and its Annex D.
 #include "arithmetic/basic_ops.h"
 #include "common/exports.h"
+#include "common/norm_corr.h"
 #include "core/checks.h"
 #include "g729/adaptive_vector.h"
 #include "g729/constants.h"
 #include "g729/exports.h"
-#include "g729/norm_corr.h"
+#include "g729/interpol_3.h"
 #include "vector/dot.h"
 
 namespace vsp::VSP_LEVEL {

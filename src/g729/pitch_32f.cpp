@@ -131,7 +131,7 @@ VspStatus vspsDecodeAdaptiveVector_G729_32f_I(const Vsp32s* pDelay, Vsp32f* pSrc
     if (lag < 18 || lag > 145 || fraction < -1 || fraction > 1) return vspStsCodeRangeErr;
     constexpr int kOutputs = 8;
     const Vsp32f* const taps = inter_3l_32f_taps.taps[fraction > 0 ? 3 - fraction : -fraction];
-    const Vsp32f* const z = pSrcDst - lag - (fraction > 0) - (kL_inter10 - 1);
+    const Vsp32f* const z = pSrcDst - lag - (fraction > 0) - (kSideTaps - 1);
     for (int first = 0; first < kL_subfr; first += kOutputs) {
         Sliding32f sums[kOutputs / Sliding32f::width];
         for (Sliding32f& sum : sums) sum = Sliding32f::splat(0);
@@ -140,9 +140,9 @@ VspStatus vspsDecodeAdaptiveVector_G729_32f_I(const Vsp32s* pDelay, Vsp32f* pSrc
                 sums[u] =
                     add(sums[u], mul(Sliding32f::load(z + first + u * Sliding32f::width + t), Sliding32f::splat(taps[t])));
         };
-        for (int i = 0; i < kL_inter10; i++) {
-            addTap(kL_inter10 - 1 - i);
-            addTap(kL_inter10 + i);
+        for (int i = 0; i < kSideTaps; i++) {
+            addTap(kSideTaps - 1 - i);
+            addTap(kSideTaps + i);
         }
         for (int u = 0; u < kOutputs / Sliding32f::width; u++) sums[u].store(pSrcDst + first + u * Sliding32f::width);
     }

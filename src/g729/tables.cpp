@@ -16,30 +16,9 @@ static consteval int sumOf(const Vsp16s* table, int n) {
 }
 static_assert(sumOf(inter_3, 13) == 63966 && sumOf(inter_3l, 31) == 63865);
 
-template <class T>
-static consteval ThirdFilters<T> filters(T one) {
-    ThirdFilters<T> filters{};
-    for (int f = 0; f < 3; f++)
-        for (int i = 0; i < kL_inter10; i++) {
-            filters.taps[f][kL_inter10 - 1 - i] = T(inter_3l[f + 3 * i] * one);
-            filters.taps[f][kL_inter10 + i] = T(inter_3l[3 - f + 3 * i] * one);
-        }
-    return filters;
-}
-
-constexpr ThirdFilters<Vsp16s> inter_3l_taps = filters(Vsp16s(1));
-constexpr ThirdFilters<Vsp32f> inter_3l_32f_taps = filters(1.0f / 32768);
-
-static consteval int largestPartialSum() {
-    int largest = 0;
-    for (const auto& taps : inter_3l_taps.taps) {
-        int sum = 0;
-        for (const Vsp16s tap : taps) sum += tap < 0 ? -tap : tap;
-        largest = sum > largest ? sum : largest;
-    }
-    return largest;
-}
-static_assert(largestPartialSum() * kMaxExactSample < 1 << 30);
+constexpr ThirdFilters<Vsp16s> inter_3l_taps = ThirdFilters<Vsp16s>::from(inter_3l, 1);
+constexpr ThirdFilters<Vsp32f> inter_3l_32f_taps = ThirdFilters<Vsp32f>::from(inter_3l, 1.0f / 32768);
+static_assert(inter_3l_taps.keepsSamplesExact());
 
 constexpr Vsp8u trackTable0[16] = {1, 3, 6, 8, 11, 13, 16, 18, 21, 23, 26, 28, 31, 33, 36, 38};
 constexpr Vsp8u trackTable1[32] = {0,  2,  4,  5,  7,  9,  10, 12, 14, 15, 17, 19, 20, 22, 24, 25,

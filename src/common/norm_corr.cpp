@@ -1,10 +1,9 @@
-#include "g729/norm_corr.h"
+#include "common/norm_corr.h"
 
 #include "arithmetic/basic_ops.h"
 #include "common/exports.h"
 #include "common/inv_sqrt.h"
-#include "g729/constants.h"
-#include "g729/tables.h"
+#include "common/lengths.h"
 #include "vector/dot.h"
 #include "vector/magnitude.h"
 
@@ -17,8 +16,7 @@ namespace {
 // behind the 40 are stale. Impulse response, target and a mask of the 40 lie between zeros, to be read at any offset from
 // the cells.
 constexpr int kCells = 64;
-constexpr int kFirst = kCells - kL_subfr;
-static_assert(kFirst >= kMaxNormCorr - 1);
+constexpr int kFirst = kCells - kL_subfr;  // what longer searches need beyond that, they get by moving the 40 back
 
 struct Padded {
     alignas(64) Vsp16s cells[2 * kCells];
@@ -94,6 +92,11 @@ void ownNorm_Corr(const Vsp16s* excitation, const Vsp16s* target, const Vsp16s* 
 
     const Vsp64s targetEnergy = energy(target, kL_subfr);
     for (int k = t_min, first = kFirst; k <= t_max; k++, first--) {
+        if (first < 0) {
+            first = kFirst - 1;
+            for (int i = kL_subfr - 1; i >= 0; i--) cells[kFirst + i] = cells[i];
+            for (int i = 0; i < kFirst; i++) cells[i] = 0;
+        }
         const auto add = [&](auto contribution) {
             return addSample(cells, h.from(first), x.from(first), mask.from(first), contribution);
         };
@@ -110,17 +113,6 @@ void ownNorm_Corr(const Vsp16s* excitation, const Vsp16s* target, const Vsp16s* 
                                    : dotSaturating(target, cells + first, kL_subfr);
         corr[k - t_min] = sat_16s(Mpy_32(product, ownInvSqrt(Cnvrt_64s32s(2 * products.filteredFiltered))));
     }
-}
-
-Vsp32s ownInterpol_3(const Vsp16s* corr, int fraction) {
-    if (fraction < 0) {
-        fraction += 3;
-        corr--;
-    }
-    Vsp32s sum = 0;
-    for (int i = 0; i < kL_inter4; i++)
-        sum += corr[-i] * inter_3[fraction + 3 * i] + corr[1 + i] * inter_3[3 - fraction + 3 * i];
-    return (sum + 16384) >> 15;
 }
 
 }  // namespace vsp::VSP_LEVEL
