@@ -16,6 +16,13 @@ add_library(
     voice/codec/period_repeater.cpp
     voice/detect/reversal_detector.cpp
     voice/detect/tone_detector.cpp
+    voice/echo/bulk_delay.cpp
+    voice/echo/echo_canceller.cpp
+    voice/echo/fullband_canceller.cpp
+    voice/echo/fullband_step_size.cpp
+    voice/echo/prototype_window.cpp
+    voice/echo/step_size.cpp
+    voice/echo/subband_canceller.cpp
     voice/level/level_control.cpp)
 add_library(vspsc::vspsvoice ALIAS vspsvoice)
 target_link_libraries(vspsvoice PUBLIC vspscy8 PRIVATE $<BUILD_INTERFACE:vspsc_options>)

@@ -16,16 +16,16 @@ namespace echo {
 
 namespace {
 
-EchoCancellerSettings settingsOf(const std::string& name, double tailMs) {
-    EchoCancellerSettings s;
-    s.tailMs = tailMs;
-    s.engine = name.starts_with("fullband") ? EchoEngine::fullband : EchoEngine::subband;
-    s.fixedPoint = name.ends_with("-fixed");
+VspvEchoSettings settingsOf(const std::string& name, double tailMs) {
+    VspvEchoSettings c = echoSettings(kRate);
+    c.tailMs = tailMs;
+    c.engine = name.starts_with("fullband") ? vspvEchoFullband : vspvEchoSubband;
+    c.arithmetic = name.ends_with("-fixed") ? vspvEchoFixed : vspvEchoFloat;
     if (name.ends_with("-bare")) {
-        s.maxBulkDelayMs = 0;
-        s.toneDisabling = false;
+        c.maxBulkDelayMs = 0;
+        c.toneDisabling = 0;
     }
-    return s;
+    return c;
 }
 
 class Library : public Adapter {
@@ -34,21 +34,21 @@ class Library : public Adapter {
 
     Signal process(const Signal& far, const Signal& near) override {
         constexpr std::size_t kBlock = 160;
-        const auto canceller = makeEchoCanceller(settings_);
-        const auto latency = static_cast<std::size_t>(canceller->latency());
+        OwnedCanceller canceller(settings_);
+        const std::size_t latency = canceller.latency();
         Signal f = far, n = near, out(near.size() + latency);
         f.resize(out.size());
         n.resize(out.size());
         for (std::size_t i = 0; i < out.size(); i += kBlock) {
             const std::size_t count = std::min(kBlock, out.size() - i);
-            canceller->process({f.data() + i, count}, {n.data() + i, count}, {out.data() + i, count});
+            canceller.process(std::span{f.data() + i, count}, {n.data() + i, count}, {out.data() + i, count});
         }
         out.erase(out.begin(), out.begin() + static_cast<std::ptrdiff_t>(latency));
         return out;
     }
 
   private:
-    EchoCancellerSettings settings_;
+    VspvEchoSettings settings_;
 };
 
 class Speex : public Adapter {
@@ -151,8 +151,6 @@ std::unique_ptr<Adapter> makeAdapter(const std::string& name, double tailMs) {
     return std::make_unique<Library>(name, tailMs);
 }
 
-std::unique_ptr<EchoCanceller> makeCanceller(const std::string& name, double tailMs) {
-    return makeEchoCanceller(settingsOf(name, tailMs));
-}
+OwnedCanceller makeCanceller(const std::string& name, double tailMs) { return OwnedCanceller(settingsOf(name, tailMs)); }
 
 }  // namespace echo

@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "echo_canceller/canceller.h"
+#include "echo/owned_canceller.h"
 #include "echo_scenario.h"
 
 namespace echo {
@@ -21,6 +21,6 @@ class Adapter {
 std::unique_ptr<Adapter> makeAdapter(const std::string& name, double tailMs);
 
 // Ours, to be called in steps.
-std::unique_ptr<EchoCanceller> makeCanceller(const std::string& name, double tailMs);
+OwnedCanceller makeCanceller(const std::string& name, double tailMs);
 
 }  // namespace echo

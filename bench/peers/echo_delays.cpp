@@ -13,7 +13,7 @@
 #include <string>
 #include <vector>
 
-#include "echo_canceller/canceller.h"
+#include "echo/owned_canceller.h"
 #include "echo_scenario.h"
 
 namespace {
@@ -52,19 +52,19 @@ std::vector<Call> allCalls() {
 
 struct Run {
     Signal out;
-    EchoCancellerStatus status;
+    VspvEchoStatus status;
 };
 
-Run run(EchoCancellerSettings settings, const Signal& far, const Signal& near) {
-    const auto canceller = makeEchoCanceller(settings);
-    const auto latency = static_cast<std::size_t>(canceller->latency());
+Run run(const VspvEchoSettings& settings, const Signal& far, const Signal& near) {
+    OwnedCanceller canceller(settings);
+    const std::size_t latency = canceller.latency();
     Signal f = far, n = near;
     f.resize(far.size() + latency);
     n.resize(f.size());
     Run r{Signal(n.size()), {}};
-    canceller->process(f, n, r.out);
+    canceller.process(f, n, r.out);
     r.out.erase(r.out.begin(), r.out.begin() + static_cast<std::ptrdiff_t>(latency));
-    r.status = canceller->status();
+    r.status = canceller.status();
     return r;
 }
 
@@ -91,8 +91,9 @@ Quality measure(const Scenario& s, const Signal& out) {
 }
 
 int compare(const std::string& engine, const std::vector<std::string>& folders, int every) {
-    EchoCancellerSettings settings{.engine = engine.starts_with("full") ? EchoEngine::fullband : EchoEngine::subband,
-                                   .fixedPoint = engine.ends_with("-fixed")};
+    VspvEchoSettings settings = echoSettings(kRate);
+    settings.engine = engine.starts_with("full") ? vspvEchoFullband : vspvEchoSubband;
+    settings.arithmetic = engine.ends_with("-fixed") ? vspvEchoFixed : vspvEchoFloat;
     std::vector<Signal> far, nearSpeech;
     const auto recording = [](const std::string& folder, const std::vector<std::string>& names) {
         std::vector<std::string> files;
@@ -117,7 +118,7 @@ int compare(const std::string& engine, const std::vector<std::string>& folders, 
         std::rotate(delayed.begin(), delayed.end() - static_cast<std::ptrdiff_t>(delay), delayed.end());
         const Scenario s = makeScenario(c.path, delayed, nearSpeech[who], c.nearFrom, c.nearTo, c.nearDb, c.noiseDbov);
         settings.tailMs = c.tailMs;
-        settings.maxBulkDelayMs = EchoCancellerSettings{}.maxBulkDelayMs;
+        settings.maxBulkDelayMs = echoSettings(kRate).maxBulkDelayMs;
         const Run searched = run(settings, far[who], s.near);
         settings.maxBulkDelayMs = 0;
         const Quality q = measure(s, searched.out), known = measure(s, run(settings, s.far, s.near).out);

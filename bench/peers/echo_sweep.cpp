@@ -147,12 +147,12 @@ void lookForLouder(const std::vector<std::string>& names, const Signal& speech, 
 using Talk = std::vector<EchoFrame>;
 
 Talk talk(const std::string& name, const Signal& far, const Signal& near) {
-    const auto canceller = makeCanceller(name, 128);
+    OwnedCanceller canceller = makeCanceller(name, 128);
     DoubleTalkJoiner joiner;
     Signal out(kEchoFrame);
     for (std::size_t at = 0; at + kEchoFrame <= near.size(); at += kEchoFrame) {
-        canceller->process({far.data() + at, kEchoFrame}, {near.data() + at, kEchoFrame}, out);
-        joiner.add({power(far.data() + at, kEchoFrame), power(near.data() + at, kEchoFrame), 0, canceller->status()});
+        canceller.process(std::span{far.data() + at, kEchoFrame}, {near.data() + at, kEchoFrame}, out);
+        joiner.add({power(far.data() + at, kEchoFrame), power(near.data() + at, kEchoFrame), 0, canceller.status()});
     }
     joiner.finish();
     Talk frames;

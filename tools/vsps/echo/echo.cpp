@@ -19,8 +19,8 @@ namespace {
 struct Options {
     CallFiles call;
     std::string out, plot, engine = "subband";
-    EchoCancellerSettings settings;
-    bool json = false;
+    VspvEchoSettings settings = echoSettings(8000);
+    bool fixedPoint = false, json = false;
 };
 
 void checkUsage(const CallFiles& call) {
@@ -32,7 +32,7 @@ void checkUsage(const CallFiles& call) {
     if (call.input.channel != 0 && !call.both.empty()) throw UsageError{"--channel", "excludes --far-near"};
 }
 
-void cancelEcho(CallReader& in, const EchoCancellerSettings& settings, AudioWriter& out, EchoMeter& meter) {
+void cancelEcho(CallReader& in, const VspvEchoSettings& settings, AudioWriter& out, EchoMeter& meter) {
     TracedCanceller canceller(settings);
     Progress progress("cancelling echo", in.expected());
     const auto passOn = [&] {
@@ -52,13 +52,14 @@ void cancelEcho(CallReader& in, const EchoCancellerSettings& settings, AudioWrit
 void runEcho(Options& o) {
     const Stopwatch stopwatch;
     checkUsage(o.call);
-    o.settings.engine = o.engine == "subband" ? EchoEngine::subband : EchoEngine::fullband;
+    o.settings.engine = o.engine == "subband" ? vspvEchoSubband : vspvEchoFullband;
+    o.settings.arithmetic = o.fixedPoint ? vspvEchoFixed : vspvEchoFloat;
     const int format = outputFormat(o.out, o.call.input.rawRate != 0);
     refuseSameFiles({o.call.far, o.call.near, o.call.both}, {o.out, o.plot});
     std::unique_ptr<Gnuplot> gnuplot;
     if (!o.plot.empty()) gnuplot = std::make_unique<Gnuplot>(o.plot);
     CallReader in(o.call);
-    o.settings.rate = in.rate();
+    o.settings.samplingRate = in.rate();
     AudioWriter out(o.out, format, in.rate(), 1);
 
     EchoMeter meter(in.rate());
@@ -112,7 +113,7 @@ void addEcho(CommandLine& vsps) {
         .takes("subband|fullband")
         .oneOf({"subband", "fullband"})
         .showDefault();
-    command.flag("--fixed", o->settings.fixedPoint, "Use the fixed-point functions of the library");
+    command.flag("--fixed", o->fixedPoint, "Use the fixed-point functions of the library");
     addInputSettings(command, o->call.input, "FAR and NEAR");
     command.option("--plot", o->plot, "Draw levels and echo removed over time; needs gnuplot").takes("FILE.png|svg|pdf");
     command.flag("--json", o->json, "Print a JSON object instead of text");
@@ -121,7 +122,7 @@ void addEcho(CommandLine& vsps) {
         "alone. Noise and near-end speech stay in the output, so ERLE cannot pass the echo-to-noise ratio. At the answer\n"
         "tone of a modem (2100 Hz with phase reversals, ITU-T G.168) the canceller steps aside.\n\n"
         "The bulk delay, the pure delay before the echo path, is searched from 0 to " +
-        format("%.0f", EchoCancellerSettings{}.maxBulkDelayMs) +
+        format("%.0f", o->settings.maxBulkDelayMs) +
         " ms while there is echo that the\n"
         "filter does not reach, and stays as it is while the near end talks. An echo that begins later stays in the "
         "output,\n"

@@ -12,7 +12,8 @@ std::string levelText(const std::optional<ActiveLevel>& level) { return level ? 
 Json levelJson(const std::optional<ActiveLevel>& level) { return level ? number(level->dbov) : Json(nullptr); }
 Json numberOrNull(const std::optional<double>& value) { return value ? number(*value) : Json(nullptr); }
 
-const char* engineName(EchoEngine engine) { return engine == EchoEngine::subband ? "subband" : "fullband"; }
+const char* engineName(const VspvEchoSettings& c) { return c.engine == vspvEchoSubband ? "subband" : "fullband"; }
+bool isFixedPoint(const VspvEchoSettings& c) { return c.arithmetic == vspvEchoFixed; }
 
 // The enhancement at up to so many times, spread over the recording.
 std::string overTimeText(const std::vector<ErlePoint>& erle) {
@@ -40,8 +41,8 @@ std::string toText(const EchoReport& r) {
     const EchoMeasures& m = r.measures;
     std::string text =
         inputName(r.nearFile) + format(": %.2f s, %d Hz, %s engine, %s, tail %g ms\n", r.seconds(), r.nearRate,
-                                       engineName(r.settings.engine),
-                                       r.settings.fixedPoint ? "fixed point" : "floating point", r.settings.tailMs);
+                                       engineName(r.settings), isFixedPoint(r.settings) ? "fixed point" : "floating point",
+                                       r.settings.tailMs);
     text += "  active levels     far " + levelText(m.farLevel) + ", near " + levelText(m.nearLevel) + ", output " +
             levelText(m.outLevel) + '\n';
     text += m.bulkDelayMs
@@ -58,8 +59,8 @@ std::string toText(const EchoReport& r) {
     text += '\n';
     if (m.toneSeconds > 0) text += format("  modem             off for %.1f s after its answer tone\n", m.toneSeconds);
     text += format("  speed             %.0f x real time\n", r.timesRealTime());
-    text +=
-        "written: " + outputName(r.outFile) + format(" (%d Hz, %zu samples)\n", r.settings.rate, std::size_t(r.samples));
+    text += "written: " + outputName(r.outFile) +
+            format(" (%d Hz, %zu samples)\n", r.settings.samplingRate, std::size_t(r.samples));
     if (!r.plotFile.empty()) text += "plot: " + r.plotFile + '\n';
     return text;
 }
@@ -74,14 +75,14 @@ Json toJson(const EchoReport& r) {
         {"near", {{"file", r.nearFile}, {"active_level_dbov", levelJson(m.nearLevel)}}},
         {"output",
          {{"file", r.outFile},
-          {"rate_hz", r.settings.rate},
+          {"rate_hz", r.settings.samplingRate},
           {"samples", std::size_t(r.samples)},
           {"duration_s", number(r.seconds())},
           {"active_level_dbov", levelJson(m.outLevel)}}},
         {"plot", nameOrNull(r.plotFile)},
         {"settings",
-         {{"engine", engineName(r.settings.engine)},
-          {"fixed_point", r.settings.fixedPoint},
+         {{"engine", engineName(r.settings)},
+          {"fixed_point", isFixedPoint(r.settings)},
           {"tail_ms", r.settings.tailMs},
           {"max_bulk_delay_ms", r.settings.maxBulkDelayMs}}},
         {"bulk_delay_ms", numberOrNull(m.bulkDelayMs)},

@@ -8,13 +8,13 @@
 
 struct EchoReport {
     std::string farFile, nearFile, outFile, plotFile;  // as they were named; plotFile may be empty
-    EchoCancellerSettings settings;
+    VspvEchoSettings settings;
     int nearRate;           // Hz, of the file
-    std::uint64_t samples;  // at the rate of the settings
+    std::uint64_t samples;  // at the rate of the canceller
     double elapsedSeconds;  // from the beginning of the command
     EchoMeasures measures;
 
-    double seconds() const { return double(samples) / settings.rate; }
+    double seconds() const { return double(samples) / settings.samplingRate; }
     double timesRealTime() const { return seconds() / elapsedSeconds; }
 };
 

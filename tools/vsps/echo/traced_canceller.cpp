@@ -1,7 +1,6 @@
 #include "echo/traced_canceller.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace {
 
@@ -13,10 +12,10 @@ double meanSquare(std::span<const std::int16_t> x) {
 
 }  // namespace
 
-TracedCanceller::TracedCanceller(const EchoCancellerSettings& settings)
-    : canceller_(makeEchoCanceller(settings)),
-      frame_(std::size_t(settings.rate / kEchoFramesPerSecond)),
-      early_(std::size_t(canceller_->latency())) {}
+TracedCanceller::TracedCanceller(const VspvEchoSettings& settings)
+    : canceller_(settings),
+      frame_(std::size_t(settings.samplingRate / kEchoFramesPerSecond)),
+      early_(canceller_.latency()) {}
 
 void TracedCanceller::process(std::span<const std::int16_t> far, std::span<const std::int16_t> near) {
     out_.clear();
@@ -25,7 +24,7 @@ void TracedCanceller::process(std::span<const std::int16_t> far, std::span<const
         const std::size_t n = std::min(frame_, near.size() - at);
         const auto farFrame = far.subspan(at, n), nearFrame = near.subspan(at, n);
         cancel(farFrame, nearFrame);
-        waiting_.push_back({{meanSquare(farFrame), meanSquare(nearFrame), 0, canceller_->status()}, n});
+        waiting_.push_back({{meanSquare(farFrame), meanSquare(nearFrame), 0, canceller_.status()}, n});
         complete();
     }
 }
@@ -42,14 +41,13 @@ void TracedCanceller::finish() {
 }
 
 void TracedCanceller::cancel(std::span<const std::int16_t> far, std::span<const std::int16_t> near) {
-    farSignal_.assign(far.begin(), far.end());
-    nearSignal_.assign(near.begin(), near.end());
-    outSignal_.resize(near.size());
-    canceller_->process(farSignal_, nearSignal_, outSignal_);
-    const std::size_t skipped = std::min(early_, outSignal_.size());
+    const std::size_t before = late_.size();
+    late_.resize(before + near.size());
+    canceller_.process(far, near, std::span(late_).subspan(before));
+    const std::size_t skipped = std::min(early_, near.size());
     early_ -= skipped;
-    for (std::size_t i = skipped; i < outSignal_.size(); i++)
-        late_.push_back(std::int16_t(std::lround(std::clamp(outSignal_[i], -32768.0f, 32767.0f))));
+    const auto first = late_.begin() + std::ptrdiff_t(before);
+    late_.erase(first, first + std::ptrdiff_t(skipped));
 }
 
 void TracedCanceller::complete() {

@@ -2,19 +2,18 @@
 #pragma once
 
 #include <deque>
-#include <memory>
 #include <span>
 #include <vector>
 
 #include "audio/audio.h"
-#include "echo_canceller/canceller.h"
+#include "echo/owned_canceller.h"
 
 constexpr int kEchoFramesPerSecond = 50;
 constexpr double kEchoFrameSeconds = 1.0 / kEchoFramesPerSecond;
 
 struct EchoFrame {
     double farPower, nearPower, outPower;  // mean squares of 16-bit samples
-    EchoCancellerStatus status;
+    VspvEchoStatus status;
 
     // Tells what the canceller removes: there is echo and neither near-end speech nor a modem.
     bool measuresCancelling() const { return status.farActive && !status.doubleTalk && !status.toneDisabled; }
@@ -22,7 +21,7 @@ struct EchoFrame {
 
 class TracedCanceller {
   public:
-    explicit TracedCanceller(const EchoCancellerSettings& settings);
+    explicit TracedCanceller(const VspvEchoSettings& settings);
 
     // far and near are of one length, whole frames but for the last block.
     void process(std::span<const std::int16_t> far, std::span<const std::int16_t> near);
@@ -42,9 +41,8 @@ class TracedCanceller {
     void cancel(std::span<const std::int16_t> far, std::span<const std::int16_t> near);
     void complete();
 
-    std::unique_ptr<EchoCanceller> canceller_;
+    OwnedCanceller canceller_;
     std::size_t frame_, early_;  // samples: of a frame; that the output is still to be ahead of the near end
-    std::vector<float> farSignal_, nearSignal_, outSignal_;
     std::deque<Waiting> waiting_;
     Samples late_, out_;  // output of frames that are not complete, and of those that are
     std::vector<EchoFrame> frames_;

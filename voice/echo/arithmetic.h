@@ -5,17 +5,14 @@
 #include <bit>
 #include <cmath>
 #include <cstdint>
-#include <stdexcept>
-#include <string>
 
-#include "echo_canceller/prototype_window.h"
+#include "echo/prototype_window.h"
+#include "echo/samples.h"
 #include "vspsc/ec.h"
 
-// For calls that cannot fail unless the program is wrong.
-inline void check(VspStatus status) {
-    if (status != vspStsNoErr) throw std::logic_error("echo canceller: status " + std::to_string(status));
-}
+namespace vspv {
 
+// None of the calls can fail.
 struct FloatArithmetic {
     using Sample = Vsp32f;
     using Complex = Vsp32fc;
@@ -31,23 +28,23 @@ struct FloatArithmetic {
     static Complex subtract(Complex a, Complex b) { return {a.re - b.re, a.im - b.im}; }
 
     static void bankSize(const BankShape& s, Vsp32s* state, Vsp32s* init, Vsp32s* work) {
-        check(vspsSubbandProcessGetSize_32f(s.order, s.window, state, init, work));
+        vspsSubbandProcessGetSize_32f(s.order, s.window, state, init, work);
     }
     static void initBank(BankState* state, const BankShape& s, const WindowValue* window, Vsp8u* buffer) {
-        check(vspsSubbandProcessInit_32f(state, s.order, s.frame, s.window, window, buffer));
+        vspsSubbandProcessInit_32f(state, s.order, s.frame, s.window, window, buffer);
     }
     static void analyse(const Sample* in, Complex* out, BankState* state, Vsp8u* work) {
-        check(vspsSubbandAnalysis_32f32fc(in, out, state, work));
+        vspsSubbandAnalysis_32f32fc(in, out, state, work);
     }
     static void synthesise(const Complex* in, Sample* out, BankState* state, Vsp8u* work) {
-        check(vspsSubbandSynthesis_32fc32f(in, out, state, work));
+        vspsSubbandSynthesis_32fc32f(in, out, state, work);
     }
     static void filter(const Complex* const* x, const Complex* const* c, Complex* y, int taps, int bands) {
-        check(vspsFIRSubband_EC_32fc(x, c, y, taps, bands));
+        vspsFIRSubband_EC_32fc(x, c, y, taps, bands);
     }
     static void adapt(const Step* steps, const Complex* const* x, const Complex* e, Complex* const* c, int taps,
                       int bands) {
-        check(vspsFIRSubbandCoeffUpdate_EC_32fc_I(steps, x, e, c, taps, bands));
+        vspsFIRSubbandCoeffUpdate_EC_32fc_I(steps, x, e, c, taps, bands);
     }
 
     using FullbandStep = Vsp32f;
@@ -55,11 +52,11 @@ struct FloatArithmetic {
     static FullbandStep fullbandStep(double s, double /*peak*/, double /*refPeak*/) { return static_cast<FullbandStep>(s); }
     static void filterFullband(const Sample* ref, const Sample* near, Sample* out, int count, const Sample* taps,
                                int length) {
-        check(vspsFIR_EC_32f(ref, near, out, count, taps, length));
+        vspsFIR_EC_32f(ref, near, out, count, taps, length);
     }
     static void adaptFullband(const Sample* ref, const Sample* near, const FullbandStep* steps, Sample* out, int count,
                               Sample* taps, int length, Sample* scaledError) {
-        check(vspsNLMS_EC_32f(ref, near, steps, out, count, taps, length, scaledError));
+        vspsNLMS_EC_32f(ref, near, steps, out, count, taps, length, scaledError);
     }
 };
 
@@ -75,7 +72,7 @@ struct FixedArithmetic {
     static constexpr float kBand = 1 << kBandBits, kCoefficient = 1 << kCoefficientBits;
 
     static WindowValue windowValue(double w) { return static_cast<WindowValue>(std::lrint(w * 8192)); }  // Q13
-    static Sample sample(float x) { return static_cast<Sample>(std::lrint(std::clamp(x, -32768.0f, 32767.0f))); }
+    static Sample sample(float x) { return static_cast<Sample>(std::lrint(std::clamp(x, -kFullScale, kHighest))); }
 
     // An update is error * reference * mantissa * 2^-exponent, all of them integers. Taken from the bits of a float.
     static Step step(float s) {
@@ -90,23 +87,23 @@ struct FixedArithmetic {
     static Complex subtract(Complex a, Complex b) { return {difference(a.re, b.re), difference(a.im, b.im)}; }
 
     static void bankSize(const BankShape& s, Vsp32s* state, Vsp32s* init, Vsp32s* work) {
-        check(vspsSubbandProcessGetSize_16s(s.order, s.window, state, init, work));
+        vspsSubbandProcessGetSize_16s(s.order, s.window, state, init, work);
     }
     static void initBank(BankState* state, const BankShape& s, const WindowValue* window, Vsp8u* buffer) {
-        check(vspsSubbandProcessInit_16s(state, s.order, s.frame, s.window, window, buffer));
+        vspsSubbandProcessInit_16s(state, s.order, s.frame, s.window, window, buffer);
     }
     static void analyse(const Sample* in, Complex* out, BankState* state, Vsp8u* work) {
-        check(vspsSubbandAnalysis_16s32sc_Sfs(in, out, state, -kBandBits, work));
+        vspsSubbandAnalysis_16s32sc_Sfs(in, out, state, -kBandBits, work);
     }
     static void synthesise(const Complex* in, Sample* out, BankState* state, Vsp8u* work) {
-        check(vspsSubbandSynthesis_32sc16s_Sfs(in, out, state, kBandBits, work));
+        vspsSubbandSynthesis_32sc16s_Sfs(in, out, state, kBandBits, work);
     }
     static void filter(const Complex* const* x, const Complex* const* c, Complex* y, int taps, int bands) {
-        check(vspsFIRSubband_EC_32sc_Sfs(x, c, y, taps, bands, kCoefficientBits));
+        vspsFIRSubband_EC_32sc_Sfs(x, c, y, taps, bands, kCoefficientBits);
     }
     static void adapt(const Step* steps, const Complex* const* x, const Complex* e, Complex* const* c, int taps,
                       int bands) {
-        check(vspsFIRSubbandCoeffUpdate_EC_32sc_I(steps, x, e, c, taps, bands, 0));
+        vspsFIRSubbandCoeffUpdate_EC_32sc_I(steps, x, e, c, taps, bands, 0);
     }
 
     using FullbandStep = Vsp32s;
@@ -118,11 +115,11 @@ struct FixedArithmetic {
     }
     static void filterFullband(const Sample* ref, const Sample* near, Sample* out, int count, const Sample* taps,
                                int length) {
-        check(vspsFIR_EC_16s(ref, near, out, count, taps, length));
+        vspsFIR_EC_16s(ref, near, out, count, taps, length);
     }
     static void adaptFullband(const Sample* ref, const Sample* near, const FullbandStep* steps, Sample* out, int count,
                               Sample* taps, int length, Sample* scaledError) {
-        check(vspsNLMS_EC_16s(ref, near, steps, out, count, taps, length, scaledError));
+        vspsNLMS_EC_16s(ref, near, steps, out, count, taps, length, scaledError);
     }
 
   private:
@@ -130,3 +127,5 @@ struct FixedArithmetic {
         return static_cast<Vsp32s>(std::clamp(Vsp64s(a) - b, -0x80000000LL, 0x7fffffffLL));
     }
 };
+
+}  // namespace vspv

@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cmath>
 
+namespace vspv {
+
 class NearSpeech {
   public:
     explicit NearSpeech(double frameRate)
@@ -42,3 +44,5 @@ class NearSpeech {
     double floor_ = 0, echo_ = 0, far_ = 0;
     bool heard_ = false;
 };
+
+}  // namespace vspv

@@ -1,7 +1,9 @@
 // Step size of the full-band filter: the rule of the sub-band filters (step_size.h) with one uncertainty for all taps.
 #pragma once
 
-#include "echo_canceller/near_speech.h"
+#include "echo/near_speech.h"
+
+namespace vspv {
 
 class FullbandStepSize {
   public:
@@ -30,3 +32,5 @@ class FullbandStepSize {
     double cross_ = 0, estimate_ = 0, chance_ = 0;
     NearSpeech nearSpeech_;
 };
+
+}  // namespace vspv

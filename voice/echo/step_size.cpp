@@ -1,9 +1,11 @@
-#include "echo_canceller/step_size.h"
+#include "echo/step_size.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <span>
+
+namespace vspv {
 
 namespace {
 
@@ -32,27 +34,28 @@ float sum(std::span<const float> x) {
 
 }  // namespace
 
-SubbandStepSize::SubbandStepSize(int bands, int taps, double frameRate)
+SubbandStepSize::SubbandStepSize(int bands, int taps, double frameRate, Memory& memory)
     : bands_(bands),
       taps_(taps),
       groups_((taps + kGroup - 1) / kGroup),
       noiseSmoothing_(smoothing(kNoiseTime, frameRate)),
       leakageSmoothing_(smoothing(kLeakageTime, frameRate)),
       drift_(static_cast<float>(1 / (kDriftTime * frameRate))),
-      prior_(static_cast<std::size_t>(groups_)),
-      uncertainty_(offset(groups_)),
-      coefficientPower_(offset(groups_)),
-      farPower_(offset(groups_)),
-      steps_(offset(groups_)),
-      groupPredicted_(prior_.size()),
-      adapts_(prior_.size()),
-      noise_(static_cast<std::size_t>(bands)),
-      predicted_(noise_.size()),
-      pathPower_(noise_.size()),
-      left_(noise_.size()),
-      chancePower_(noise_.size()),
-      gain_(noise_.size()),
+      prior_(memory.take<float>(groups_)),
+      uncertainty_(memory.take<float>(groups_ * bands)),
+      coefficientPower_(memory.take<float>(groups_ * bands)),
+      farPower_(memory.take<float>(groups_ * bands)),
+      steps_(memory.take<float>(groups_ * bands)),
+      groupPredicted_(memory.take<double>(groups_)),
+      adapts_(memory.take<char>(groups_)),
+      noise_(memory.take<float>(bands)),
+      predicted_(memory.take<float>(bands)),
+      pathPower_(memory.take<float>(bands)),
+      left_(memory.take<float>(bands)),
+      chancePower_(memory.take<float>(bands)),
+      gain_(memory.take<float>(bands)),
       nearSpeech_(frameRate) {
+    if (memory.measures()) return;
     const double sum = (1 - std::pow(kPriorDecay, taps)) / (1 - kPriorDecay);
     for (int g = 0; g < groups_; g++)
         prior_[static_cast<std::size_t>(g)] = static_cast<float>(std::pow(kPriorDecay, firstTap(g)) / sum);
@@ -175,3 +178,5 @@ void SubbandStepSize::observe(const Frame& frame) {
                         .predicted = predicted,
                         .cancelling = frame.cancelling});
 }
+
+}  // namespace vspv

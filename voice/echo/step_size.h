@@ -12,13 +12,16 @@
 // have in common makes the filter uncertain again.
 #pragma once
 
-#include <vector>
+#include <span>
 
-#include "echo_canceller/near_speech.h"
+#include "echo/memory.h"
+#include "echo/near_speech.h"
+
+namespace vspv {
 
 class SubbandStepSize {
   public:
-    SubbandStepSize(int bands, int taps, double frameRate);
+    SubbandStepSize(int bands, int taps, double frameRate, Memory& memory);
 
     // What a frame gave, a value for each band.
     struct Frame {
@@ -62,17 +65,19 @@ class SubbandStepSize {
 
     int bands_, taps_, groups_;
     float noiseSmoothing_, leakageSmoothing_, drift_;
-    std::vector<float> prior_;             // share of a coefficient in the power of a path, [group]
-    std::vector<float> uncertainty_;       // [group][band]
-    std::vector<float> coefficientPower_;  // [group][band]
-    std::vector<float> farPower_;          // of the reference, summed over the group, [group][band]
-    std::vector<float> steps_;             // [group][band]
-    std::vector<double> groupPredicted_;   // of the residual echo, [group]
-    std::vector<char> adapts_;             // [group]
-    std::vector<float> noise_, predicted_, pathPower_, left_, chancePower_, gain_;  // [band]
-    float cross_ = 0, estimate_ = 0, chance_ = 0;                                   // smoothed, for the leakage
+    std::span<float> prior_;             // share of a coefficient in the power of a path, [group]
+    std::span<float> uncertainty_;       // [group][band]
+    std::span<float> coefficientPower_;  // [group][band]
+    std::span<float> farPower_;          // of the reference, summed over the group, [group][band]
+    std::span<float> steps_;             // [group][band]
+    std::span<double> groupPredicted_;   // of the residual echo, [group]
+    std::span<char> adapts_;             // [group]
+    std::span<float> noise_, predicted_, pathPower_, left_, chancePower_, gain_;  // [band]
+    float cross_ = 0, estimate_ = 0, chance_ = 0;                                 // smoothed, for the leakage
     float leakage_ = 0;
     int turn_ = 0;
     double learning_ = 0, noiseSum_ = 0;
     NearSpeech nearSpeech_;
 };
+
+}  // namespace vspv

@@ -3,6 +3,8 @@
 
 #include <cmath>
 
+namespace vspv {
+
 class EchoPresence {
   public:
     explicit EchoPresence(double blockRate)
@@ -30,3 +32,5 @@ class EchoPresence {
     float near_ = 0, left_ = 0;
     bool found_ = false;
 };
+
+}  // namespace vspv

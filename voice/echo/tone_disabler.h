@@ -3,14 +3,18 @@
 #pragma once
 
 #include <algorithm>
-#include <cstddef>
-#include <vector>
 
-#include "echo_canceller/arithmetic.h"
+#include "echo/memory.h"
+#include "echo/samples.h"
+#include "vspsc/ec.h"
+
+namespace vspv {
 
 class ToneDisabler {
   public:
-    explicit ToneDisabler(int rate) : rate_(rate), far_(rate), near_(rate) {}
+    // Of blocks of up to so many samples.
+    ToneDisabler(int rate, int block, Memory& memory)
+        : rate_(rate), far_(rate, block, memory), near_(rate, block, memory) {}
 
     template <class Sample>
     void process(const Sample* far, const Sample* near, int count) {
@@ -37,30 +41,28 @@ class ToneDisabler {
     // In fixed point for samples of either type: that is twice as fast.
     class Detector {
       public:
-        explicit Detector(int rate) {
+        Detector(int rate, int block, Memory& memory) : samples_(memory.take<Vsp16s>(block).data()) {
             Vsp32s size = 0;
-            check(vspsToneDetectGetStateSize_EC_16s(rate, &size));
-            state_.resize(static_cast<std::size_t>(size));
-            reset(rate);
+            vspsToneDetectGetStateSize_EC_16s(rate, &size);
+            state_ = reinterpret_cast<VspToneDetectState_EC_16s*>(memory.take<Vsp8u>(size).data());
+            if (!memory.measures()) reset(rate);
         }
-        void reset(int rate) { check(vspsToneDetectInit_EC_16s(state(), rate)); }
+        void reset(int rate) { vspsToneDetectInit_EC_16s(state_, rate); }
         bool detect(const Vsp16s* in, int count) {
             Vsp32s found = 0;
-            check(vspsToneDetect_EC_16s(in, count, &found, state()));
+            vspsToneDetect_EC_16s(in, count, &found, state_);
             return found != 0;
         }
         bool detect(const Vsp32f* in, int count) {
-            samples_.resize(static_cast<std::size_t>(count));
-            std::transform(in, in + count, samples_.begin(), [](float x) {
-                return static_cast<Vsp16s>(static_cast<int>(std::clamp(x, -32768.0f, 32767.0f)));
+            std::transform(in, in + count, samples_, [](float x) {
+                return static_cast<Vsp16s>(static_cast<int>(std::clamp(x, -kFullScale, kHighest)));
             });
-            return detect(samples_.data(), count);
+            return detect(samples_, count);
         }
 
       private:
-        VspToneDetectState_EC_16s* state() { return reinterpret_cast<VspToneDetectState_EC_16s*>(state_.data()); }
-        std::vector<Vsp8u> state_;
-        std::vector<Vsp16s> samples_;
+        VspToneDetectState_EC_16s* state_;
+        Vsp16s* samples_;
     };
 
     template <class Sample>
@@ -75,3 +77,5 @@ class ToneDisabler {
     int silence_ = 0;  // samples
     bool disabled_ = false;
 };
+
+}  // namespace vspv

@@ -7,11 +7,12 @@
 
 #include <array>
 #include <span>
-#include <vector>
 
-#include "echo_canceller/arithmetic.h"
-#include "echo_canceller/delay_line.h"
-#include "echo_canceller/filter_bank.h"
+#include "echo/arithmetic.h"
+#include "echo/delay_line.h"
+#include "echo/filter_bank.h"
+
+namespace vspv {
 
 class BulkDelay {
   public:
@@ -21,7 +22,7 @@ class BulkDelay {
         double spacing;    // between bands, Hz
         double frameRate;  // Hz
     };
-    explicit BulkDelay(const Shape& shape);
+    BulkDelay(const Shape& shape, Memory& memory);
 
     // All bands of the newest frame of the far end and of what the canceller left. True if it is time to decide.
     template <class Complex>
@@ -91,7 +92,7 @@ class BulkDelay {
     std::array<float, kBands> uncertainty_;  // mean square of what is unknown of a coefficient
     std::array<Vsp32fc, kBands> left_{}, estimate_{};
     std::array<double, kBands> steps_{};
-    std::vector<float> upTo_;  // energy of the whole response, the canceller's and this one, before each delay
+    std::span<float> upTo_;  // energy of the whole response, the canceller's and this one, before each delay
     float leftPower_ = 0, unexplained_ = 0, nothingNew_ = 0, useful_ = 0, evidence_ = 0;
     int delay_ = 0, candidate_ = 0, turn_ = 0;
 };
@@ -99,7 +100,7 @@ class BulkDelay {
 // The same for signals that are not in bands.
 class SignalBulkDelay {
   public:
-    SignalBulkDelay(const BankShape& shape, int maxFrames, int covered, int rate);
+    SignalBulkDelay(const BankShape& shape, int maxFrames, int covered, int rate, Memory& memory);
 
     // A sample of each. True if it is time to decide.
     bool update(float far, float left);
@@ -110,8 +111,10 @@ class SignalBulkDelay {
   private:
     BankShape shape_;
     FilterBank<FloatArithmetic> farBank_, leftBank_;
-    std::vector<float> farIn_, leftIn_;
-    std::vector<Vsp32fc> far_, left_;
+    std::span<float> farIn_, leftIn_;
+    std::span<Vsp32fc> far_, left_;
     BulkDelay delay_;
     std::size_t filled_ = 0;
 };
+
+}  // namespace vspv

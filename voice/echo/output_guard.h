@@ -16,6 +16,8 @@
 #include <cstddef>
 #include <span>
 
+namespace vspv {
+
 class OutputGuard {
   public:
     // Blocks come in whole milliseconds.
@@ -129,3 +131,5 @@ class OutputGuard {
     double excess_ = 0;            // energy by which the output is louder in the stretch where it is most so
     float share_ = 0;
 };
+
+}  // namespace vspv

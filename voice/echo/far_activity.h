@@ -3,6 +3,8 @@
 
 #include <algorithm>
 
+namespace vspv {
+
 class FarActivity {
   public:
     // An echo may last so many blocks.
@@ -17,3 +19,5 @@ class FarActivity {
 
     int blocks_, left_ = 0;
 };
+
+}  // namespace vspv

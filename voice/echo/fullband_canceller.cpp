@@ -1,17 +1,18 @@
-#include "echo_canceller/fullband_canceller.h"
-
 #include <algorithm>
 #include <cmath>
 #include <optional>
-#include <vector>
 
-#include "echo_canceller/arithmetic.h"
-#include "echo_canceller/bulk_delay.h"
-#include "echo_canceller/echo_presence.h"
-#include "echo_canceller/far_activity.h"
-#include "echo_canceller/fullband_step_size.h"
-#include "echo_canceller/output_guard.h"
-#include "echo_canceller/tone_disabler.h"
+#include "echo/arithmetic.h"
+#include "echo/bulk_delay.h"
+#include "echo/echo_presence.h"
+#include "echo/engine.h"
+#include "echo/enhancement.h"
+#include "echo/far_activity.h"
+#include "echo/fullband_step_size.h"
+#include "echo/output_guard.h"
+#include "echo/tone_disabler.h"
+
+namespace vspv {
 
 namespace {
 
@@ -24,43 +25,45 @@ constexpr float kEmphasis = 0.9f, kEmphasisGain = 0.5f;
 constexpr double kSmallStep = 1e-5;  // not worth an update
 
 template <class Arithmetic>
-class FullbandCanceller : public EchoCanceller {
+class FullbandCanceller {
     using Sample = typename Arithmetic::Sample;
 
   public:
-    explicit FullbandCanceller(const EchoCancellerSettings& s)
-        : rate_(s.rate),
-          block_(s.rate / kBlockRate),
-          frame_(bankShape(s.rate).frame),
-          taps_(std::max(1, static_cast<int>(s.tailMs * s.rate / 1000))),
-          maxDelay_(static_cast<int>(s.maxBulkDelayMs * s.rate / 1000)),
-          farIn_(static_cast<std::size_t>(block_)),
-          nearIn_(farIn_.size()),
-          near_(farIn_.size()),
-          error_(farIn_.size()),
-          echo_(farIn_.size()),
-          out_(farIn_.size()),
-          steps_(farIn_.size()),
-          far_(static_cast<std::size_t>(maxDelay_ + taps_ + block_)),
-          coefficients_(static_cast<std::size_t>(taps_)),
-          tapEnergy_(static_cast<std::size_t>(std::max(1, taps_ / frame_))),
+    FullbandCanceller(const VspvEchoSettings& c, Memory& memory)
+        : rate_(c.samplingRate),
+          block_(rate_ / kBlockRate),
+          frame_(bankShape(rate_).frame),
+          taps_(std::max(1, static_cast<int>(c.tailMs * rate_ / 1000))),
+          maxDelay_(static_cast<int>(c.maxBulkDelayMs * rate_ / 1000)),
+          farIn_(memory.take<Sample>(block_)),
+          nearIn_(memory.take<Sample>(block_)),
+          near_(memory.take<Sample>(block_)),
+          error_(memory.take<Sample>(block_)),
+          echo_(memory.take<float>(block_)),
+          out_(memory.take<Sample>(block_)),
+          steps_(memory.take<typename Arithmetic::FullbandStep>(block_)),
+          far_(memory.take<Sample>(maxDelay_ + taps_ + block_)),
+          coefficients_(memory.take<Sample>(taps_)),
+          tapEnergy_(memory.take<float>(std::max(1, taps_ / frame_))),
           stepSize_(taps_, kBlockRate),
           farActivity_((maxDelay_ + taps_) / block_ + 1),
           presence_(kBlockRate),
-          guard_(s.rate) {
-        if (s.toneDisabling) tone_.emplace(s.rate);
+          guard_(rate_),
+          enhancement_(kBlockRate) {
+        if (c.toneDisabling != 0) tone_.emplace(rate_, block_, memory);
         if (maxDelay_ >= frame_)
-            bulkDelay_.emplace(bankShape(s.rate), maxDelay_ / frame_, static_cast<int>(tapEnergy_.size()), s.rate);
+            bulkDelay_.emplace(bankShape(rate_), maxDelay_ / frame_, static_cast<int>(tapEnergy_.size()), rate_, memory);
     }
 
-    int latency() const override { return block_; }
-    EchoCancellerStatus status() const override { return status_; }
+    int latency() const { return block_; }
+    VspvEchoStatus status() const { return status_; }
 
-    void process(std::span<const float> far, std::span<const float> near, std::span<float> out) override {
-        for (std::size_t i = 0; i < out.size(); i++) {
-            farIn_[filled_] = Arithmetic::sample(far[i]);
-            nearIn_[filled_] = Arithmetic::sample(near[i]);
-            out[i] = static_cast<float>(out_[filled_]);
+    template <class Outside>
+    void process(const Outside* far, const Outside* near, Outside* out, int len) {
+        for (int i = 0; i < len; i++) {
+            farIn_[filled_] = Arithmetic::sample(fromOutside(far[i]));
+            nearIn_[filled_] = Arithmetic::sample(fromOutside(near[i]));
+            toOutside(static_cast<float>(out_[filled_]), out[i]);
             if (++filled_ < farIn_.size()) continue;
             processBlock();
             filled_ = 0;
@@ -99,11 +102,12 @@ class FullbandCanceller : public EchoCanceller {
         subtract(disabled, step);
         farActivity_.update(energy(farIn_.data(), block_) / block_);
         status_ = {.echoFound = presence_.found(),
-                   .bulkDelayMs = 1000.0 * delay() / rate_,
-                   .stepSize = step,
                    .farActive = farActivity_.active(),
                    .doubleTalk = !disabled && farActivity_.active() && stepSize_.nearSpeech(),
-                   .toneDisabled = disabled};
+                   .toneDisabled = disabled,
+                   .bulkDelayMs = 1000.0 * delay() / rate_,
+                   .stepSize = step,
+                   .erle = enhancement_.decibels()};
     }
 
     // First with the filter as it is, which shows how far it may be trusted to adapt; then once more, adapting.
@@ -150,6 +154,7 @@ class FullbandCanceller : public EchoCanceller {
         if (disabled) std::fill(echo_.begin(), echo_.end(), 0.0f);
         for (std::size_t n = 0; n < out_.size(); n++)
             out_[n] = Arithmetic::sample(static_cast<float>(nearIn_[n]) - echo_[n]);
+        enhancement_.update<Sample>(nearIn_, out_);
     }
 
     void followDelay() {
@@ -169,10 +174,11 @@ class FullbandCanceller : public EchoCanceller {
 
     // When the bulk delay has changed, the coefficients move with it.
     void realign(int shift) {
-        std::vector<Sample> moved(coefficients_.size());
-        for (int t = std::max(0, -shift); t < std::min(taps_, taps_ - shift); t++)
-            moved[static_cast<std::size_t>(t)] = coefficients_[static_cast<std::size_t>(t + shift)];
-        coefficients_ = moved;
+        const auto begin = coefficients_.begin(), end = coefficients_.end();
+        if (shift > 0)
+            std::fill(std::shift_left(begin, end, shift), end, Sample{});
+        else
+            std::fill(begin, std::shift_right(begin, end, -shift), Sample{});
         scaledError_ = 0;
         if (bulkDelay_->useful())
             stepSize_.forget(std::min(1.0, std::abs(shift) / double(taps_)));
@@ -181,28 +187,29 @@ class FullbandCanceller : public EchoCanceller {
     }
 
     int rate_, block_, frame_, taps_, maxDelay_;
-    std::vector<Sample> farIn_, nearIn_, near_, error_;
-    std::vector<float> echo_;
-    std::vector<Sample> out_;
-    std::vector<typename Arithmetic::FullbandStep> steps_;
-    std::vector<Sample> far_;  // emphasised, with its past
-    std::vector<Sample> coefficients_;
+    std::span<Sample> farIn_, nearIn_, near_, error_;
+    std::span<float> echo_;
+    std::span<Sample> out_;
+    std::span<typename Arithmetic::FullbandStep> steps_;
+    std::span<Sample> far_;  // emphasised, with its past
+    std::span<Sample> coefficients_;
     Sample scaledError_ = 0;
-    std::vector<float> tapEnergy_;  // in frames of the search
+    std::span<float> tapEnergy_;  // in frames of the search
     FullbandStepSize stepSize_;
     FarActivity farActivity_;
     EchoPresence presence_;
     OutputGuard guard_;
+    Enhancement enhancement_;
     std::optional<ToneDisabler> tone_;
     std::optional<SignalBulkDelay> bulkDelay_;
     float lastFar_ = 0, lastNear_ = 0, lastEcho_ = 0;
     std::size_t filled_ = 0;
-    EchoCancellerStatus status_;
+    VspvEchoStatus status_{};
 };
 
 }  // namespace
 
-std::unique_ptr<EchoCanceller> makeFullbandCanceller(const EchoCancellerSettings& settings) {
-    if (settings.fixedPoint) return std::make_unique<FullbandCanceller<FixedArithmetic>>(settings);
-    return std::make_unique<FullbandCanceller<FloatArithmetic>>(settings);
-}
+constexpr EchoEngine kFullbandFloat = engineOf<FullbandCanceller<FloatArithmetic>>();
+constexpr EchoEngine kFullbandFixed = engineOf<FullbandCanceller<FixedArithmetic>>();
+
+}  // namespace vspv

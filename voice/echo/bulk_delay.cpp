@@ -1,9 +1,9 @@
-#include "echo_canceller/bulk_delay.h"
+#include "echo/bulk_delay.h"
 
 #include <algorithm>
 #include <cmath>
 
-#include "echo_canceller/prototype_window.h"
+namespace vspv {
 
 namespace {
 
@@ -34,7 +34,7 @@ float smoothing(double time, double frameRate) { return static_cast<float>(1 - s
 
 }  // namespace
 
-BulkDelay::BulkDelay(const Shape& s)
+BulkDelay::BulkDelay(const Shape& s, Memory& memory)
     : maxFrames_(std::min(s.maxFrames, kMaxTaps - s.covered)),
       covered_(s.covered),
       firstBand_(static_cast<int>(kLowest / s.spacing)),
@@ -45,9 +45,9 @@ BulkDelay::BulkDelay(const Shape& s)
       drift_(smoothing(kDriftTime, s.frameRate)),
       restAfter_(static_cast<float>(kRestTime * s.frameRate)),
       usefulDecay_(1 - smoothing(kMemory, s.frameRate / kDecide)),
-      far_(length_ + 1, kBands),
-      response_(length_, kBands),
-      upTo_(static_cast<std::size_t>(length_ + 1)) {
+      far_(length_ + 1, kBands, memory),
+      response_(length_, kBands, memory),
+      upTo_(memory.take<float>(length_ + 1)) {
     uncertainty_.fill(1 / static_cast<float>(length_));
 }
 
@@ -156,18 +156,19 @@ bool BulkDelay::decide(std::span<const float> coveredEnergy, float leftShare) {
     return true;
 }
 
-SignalBulkDelay::SignalBulkDelay(const BankShape& shape, int maxFrames, int covered, int rate)
+SignalBulkDelay::SignalBulkDelay(const BankShape& shape, int maxFrames, int covered, int rate, Memory& memory)
     : shape_(shape),
-      farBank_(shape, farWindow(shape)),
-      leftBank_(shape, farWindow(shape)),
-      farIn_(static_cast<std::size_t>(shape.frame)),
-      leftIn_(farIn_.size()),
-      far_(static_cast<std::size_t>(shape.bands())),
-      left_(far_.size()),
+      farBank_(shape, farWindow, memory),
+      leftBank_(shape, farWindow, memory),
+      farIn_(memory.take<float>(shape.frame)),
+      leftIn_(memory.take<float>(shape.frame)),
+      far_(memory.take<Vsp32fc>(shape.bands())),
+      left_(memory.take<Vsp32fc>(shape.bands())),
       delay_({.maxFrames = maxFrames,
               .covered = covered,
               .spacing = double(rate) / shape.transform(),
-              .frameRate = double(rate) / shape.frame}) {}
+              .frameRate = double(rate) / shape.frame},
+             memory) {}
 
 bool SignalBulkDelay::update(float far, float left) {
     farIn_[filled_] = far;
@@ -178,3 +179,5 @@ bool SignalBulkDelay::update(float far, float left) {
     leftBank_.analyse(leftIn_.data(), left_.data());
     return delay_.update(far_.data(), left_.data());
 }
+
+}  // namespace vspv

@@ -1,7 +1,9 @@
-#include "echo_canceller/fullband_step_size.h"
+#include "echo/fullband_step_size.h"
 
 #include <algorithm>
 #include <cmath>
+
+namespace vspv {
 
 namespace {
 
@@ -51,3 +53,5 @@ double FullbandStepSize::update(const Block& b, double tapEnergy) {
                         .cancelling = b.cancelling});
     return step;
 }
+
+}  // namespace vspv

@@ -1,18 +1,19 @@
-#include "echo_canceller/subband_canceller.h"
-
 #include <algorithm>
 #include <optional>
-#include <vector>
 
-#include "echo_canceller/arithmetic.h"
-#include "echo_canceller/bulk_delay.h"
-#include "echo_canceller/delay_line.h"
-#include "echo_canceller/echo_presence.h"
-#include "echo_canceller/far_activity.h"
-#include "echo_canceller/filter_bank.h"
-#include "echo_canceller/output_guard.h"
-#include "echo_canceller/step_size.h"
-#include "echo_canceller/tone_disabler.h"
+#include "echo/arithmetic.h"
+#include "echo/bulk_delay.h"
+#include "echo/delay_line.h"
+#include "echo/echo_presence.h"
+#include "echo/engine.h"
+#include "echo/enhancement.h"
+#include "echo/far_activity.h"
+#include "echo/filter_bank.h"
+#include "echo/output_guard.h"
+#include "echo/step_size.h"
+#include "echo/tone_disabler.h"
+
+namespace vspv {
 
 namespace {
 
@@ -21,58 +22,61 @@ namespace {
 constexpr int kLookAhead = 1, kLookBack = 3;
 
 template <class Arithmetic>
-class SubbandCanceller : public EchoCanceller {
+class SubbandCanceller {
     using Sample = typename Arithmetic::Sample;
     using Complex = typename Arithmetic::Complex;
 
   public:
-    explicit SubbandCanceller(const EchoCancellerSettings& s)
-        : shape_(bankShape(s.rate)),
+    SubbandCanceller(const VspvEchoSettings& c, Memory& memory)
+        : shape_(bankShape(c.samplingRate)),
           bands_(shape_.bands()),
-          frameMs_(1000.0 * shape_.frame / s.rate),
-          taps_(static_cast<int>(s.tailMs / frameMs_) + 1 + kLookAhead + kLookBack),
-          maxDelay_(static_cast<int>(s.maxBulkDelayMs / frameMs_)),
-          farBank_(shape_, farWindow(shape_)),
-          nearBank_(shape_, nearWindow(shape_)),
-          outBank_(shape_, backwards(synthesisWindow(shape_, nearWindow(shape_)))),
-          far_(taps_ + maxDelay_, bands_),
-          farPower_(taps_ + maxDelay_, bands_),
-          near_(kLookAhead + 1, bands_),
-          coefficients_(taps_, bands_),
-          stepSize_(bands_, taps_, 1000 / frameMs_),
+          frameMs_(1000.0 * shape_.frame / c.samplingRate),
+          taps_(static_cast<int>(c.tailMs / frameMs_) + 1 + kLookAhead + kLookBack),
+          maxDelay_(static_cast<int>(c.maxBulkDelayMs / frameMs_)),
+          farBank_(shape_, farWindow, memory),
+          nearBank_(shape_, nearWindow, memory),
+          outBank_(shape_, synthesisWindow, memory),
+          far_(taps_ + maxDelay_, bands_, memory),
+          farPower_(taps_ + maxDelay_, bands_, memory),
+          near_(kLookAhead + 1, bands_, memory),
+          coefficients_(taps_, bands_, memory),
+          stepSize_(bands_, taps_, 1000 / frameMs_, memory),
           farActivity_(maxDelay_ + taps_),
           presence_(1000 / frameMs_),
-          guard_(s.rate),
-          steps_(static_cast<std::size_t>(bands_)),
-          tapEnergy_(static_cast<std::size_t>(taps_)),
-          estimate_(steps_.size()),
-          error_(steps_.size()),
-          errorPower_(steps_.size()),
-          estimatePower_(steps_.size()),
-          correlation_(steps_.size()),
-          farIn_(static_cast<std::size_t>(shape_.frame)),
-          estimated_(farIn_.size()),
-          echo_(farIn_.size()),
-          out_(farIn_.size()),
-          nearIn_(static_cast<std::size_t>(latency())) {
-        if (s.toneDisabling) tone_.emplace(s.rate);
-        if (maxDelay_ > 0)
-            bulkDelay_.emplace(BulkDelay::Shape{maxDelay_, taps_, double(s.rate) / shape_.transform(), 1000 / frameMs_});
+          guard_(c.samplingRate),
+          enhancement_(1000 / frameMs_),
+          steps_(memory.take<typename Arithmetic::Step>(bands_)),
+          tapEnergy_(memory.take<float>(taps_)),
+          estimate_(memory.take<Complex>(bands_)),
+          error_(memory.take<Complex>(bands_)),
+          errorPower_(memory.take<float>(bands_)),
+          estimatePower_(memory.take<float>(bands_)),
+          correlation_(memory.take<float>(bands_)),
+          farIn_(memory.take<Sample>(shape_.frame)),
+          estimated_(memory.take<Sample>(shape_.frame)),
+          echo_(memory.take<float>(shape_.frame)),
+          out_(memory.take<Sample>(shape_.frame)),
+          nearIn_(memory.take<Sample>(latency())) {
+        if (c.toneDisabling != 0) tone_.emplace(c.samplingRate, shape_.frame, memory);
+        const double spacing = double(c.samplingRate) / shape_.transform();
+        if (maxDelay_ > 0) bulkDelay_.emplace(BulkDelay::Shape{maxDelay_, taps_, spacing, 1000 / frameMs_}, memory);
     }
 
     // Of analysis and synthesis, of the waiting for the future, and of the collecting of a frame.
-    int latency() const override { return shape_.window - shape_.frame + kLookAhead * shape_.frame + shape_.frame; }
+    int latency() const { return shape_.window - shape_.frame + kLookAhead * shape_.frame + shape_.frame; }
 
-    EchoCancellerStatus status() const override { return status_; }
+    VspvEchoStatus status() const { return status_; }
 
-    void process(std::span<const float> far, std::span<const float> near, std::span<float> out) override {
-        for (std::size_t i = 0, count = 0; i < out.size(); i += count) {
-            count = std::min(out.size() - i, farIn_.size() - static_cast<std::size_t>(filled_));
-            const auto part = [i, count](auto x) { return x.subspan(i, count); };
-            std::ranges::transform(part(far), farIn_.begin() + filled_, Arithmetic::sample);
-            std::ranges::transform(part(near), newest() + filled_, Arithmetic::sample);
-            std::copy_n(out_.begin() + filled_, count, part(out).begin());
-            filled_ += static_cast<std::ptrdiff_t>(count);
+    template <class Outside>
+    void process(const Outside* far, const Outside* near, Outside* out, int len) {
+        for (int count = 0; len > 0; len -= count, far += count, near += count, out += count) {
+            count = std::min(len, shape_.frame - filled_);
+            const auto inside = [](Outside x) { return Arithmetic::sample(fromOutside(x)); };
+            std::transform(far, far + count, farIn_.data() + filled_, inside);
+            std::transform(near, near + count, newest() + filled_, inside);
+            for (int i = 0; i < count; i++)
+                toOutside(static_cast<float>(out_[static_cast<std::size_t>(filled_ + i)]), out[i]);
+            filled_ += count;
             if (filled_ < shape_.frame) continue;
             processFrame();
             filled_ = 0;
@@ -80,15 +84,6 @@ class SubbandCanceller : public EchoCanceller {
     }
 
   private:
-    static std::vector<double> backwards(std::vector<double> w) {
-        std::reverse(w.begin(), w.end());
-        return w;
-    }
-    static float meanSquare(std::span<const Sample> x) {
-        float sum = 0;
-        for (const Sample v : x) sum += static_cast<float>(v) * static_cast<float>(v);
-        return sum / static_cast<float>(x.size());
-    }
     // The near end as far back as the output lags; its newest frame comes last.
     Sample* newest() { return nearIn_.data() + nearIn_.size() - farIn_.size(); }
     int delay() const { return bulkDelay_ ? bulkDelay_->frames() : 0; }
@@ -150,6 +145,7 @@ class SubbandCanceller : public EchoCanceller {
         if (disabled) std::fill(echo_.begin(), echo_.end(), 0.0f);
         for (std::size_t n = 0; n < out_.size(); n++)
             out_[n] = Arithmetic::sample(static_cast<float>(nearIn_[n]) - echo_[n]);
+        enhancement_.update<Sample>(nearIn_.first(out_.size()), out_);
     }
 
     void adapt() {
@@ -213,13 +209,14 @@ class SubbandCanceller : public EchoCanceller {
     }
 
     void observe(bool disabled) {
-        farActivity_.update(meanSquare(farIn_));
+        farActivity_.update(meanSquare<Sample>(farIn_));
         status_ = {.echoFound = presence_.found(),
-                   .bulkDelayMs = delay() * frameMs_,
-                   .stepSize = disabled ? 0 : stepSize_.learning(),
                    .farActive = farActivity_.active(),
                    .doubleTalk = !disabled && farActivity_.active() && stepSize_.nearSpeech(),
-                   .toneDisabled = disabled};
+                   .toneDisabled = disabled,
+                   .bulkDelayMs = delay() * frameMs_,
+                   .stepSize = disabled ? 0 : stepSize_.learning(),
+                   .erle = enhancement_.decibels()};
     }
 
     BankShape shape_;
@@ -234,23 +231,23 @@ class SubbandCanceller : public EchoCanceller {
     FarActivity farActivity_;
     EchoPresence presence_;
     OutputGuard guard_;
+    Enhancement enhancement_;
     std::optional<ToneDisabler> tone_;
     std::optional<BulkDelay> bulkDelay_;
-    std::vector<typename Arithmetic::Step> steps_;
-    std::vector<float> tapEnergy_;
-    std::vector<Complex> estimate_, error_;
-    std::vector<float> errorPower_, estimatePower_, correlation_;
-    std::vector<Sample> farIn_, estimated_;
-    std::vector<float> echo_;
-    std::vector<Sample> out_, nearIn_;
-    std::ptrdiff_t filled_ = 0;
-    int turn_ = 0;
-    EchoCancellerStatus status_;
+    std::span<typename Arithmetic::Step> steps_;
+    std::span<float> tapEnergy_;
+    std::span<Complex> estimate_, error_;
+    std::span<float> errorPower_, estimatePower_, correlation_;
+    std::span<Sample> farIn_, estimated_;
+    std::span<float> echo_;
+    std::span<Sample> out_, nearIn_;
+    int filled_ = 0, turn_ = 0;
+    VspvEchoStatus status_{};
 };
 
 }  // namespace
 
-std::unique_ptr<EchoCanceller> makeSubbandCanceller(const EchoCancellerSettings& settings) {
-    if (settings.fixedPoint) return std::make_unique<SubbandCanceller<FixedArithmetic>>(settings);
-    return std::make_unique<SubbandCanceller<FloatArithmetic>>(settings);
-}
+constexpr EchoEngine kSubbandFloat = engineOf<SubbandCanceller<FloatArithmetic>>();
+constexpr EchoEngine kSubbandFixed = engineOf<SubbandCanceller<FixedArithmetic>>();
+
+}  // namespace vspv

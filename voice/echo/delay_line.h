@@ -1,20 +1,21 @@
 // The last frames of a signal in sub-bands.
 #pragma once
 
-#include <cstddef>
-#include <vector>
+#include "echo/memory.h"
+
+namespace vspv {
 
 // Rows of one length in a ring. at(t) is the array of pointers that the library's sub-band functions take: its element 0
 // is the row that is t frames old, element 1 the one before.
 template <class T>
 class DelayLine {
   public:
-    DelayLine(int frames, int bands)
+    DelayLine(int frames, int bands, Memory& memory)
         : frames_(static_cast<std::size_t>(frames)),
-          bands_(static_cast<std::size_t>(bands)),
-          values_(frames_ * bands_),
-          rows_(2 * frames_) {
-        for (std::size_t i = 0; i < rows_.size(); i++) rows_[i] = values_.data() + i % frames_ * bands_;
+          values_(memory.take<T>(frames * bands)),
+          rows_(memory.take<T*>(2 * frames)) {
+        if (memory.measures()) return;
+        for (std::size_t i = 0; i < rows_.size(); i++) rows_[i] = &values_[i % frames_ * static_cast<std::size_t>(bands)];
     }
     DelayLine(const DelayLine&) = delete;
     DelayLine& operator=(const DelayLine&) = delete;
@@ -25,10 +26,11 @@ class DelayLine {
         return rows_[newest_];
     }
     T* const* at(int age) const { return rows_.data() + newest_ + age; }
-    int frames() const { return static_cast<int>(frames_); }
 
   private:
-    std::size_t frames_, bands_, newest_ = 0;
-    std::vector<T> values_;
-    std::vector<T*> rows_;
+    std::size_t frames_, newest_ = 0;
+    std::span<T> values_;
+    std::span<T*> rows_;
 };
+
+}  // namespace vspv
