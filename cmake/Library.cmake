@@ -14,6 +14,7 @@ set(vspsc_level_sources
     src/common/lag_window.cpp
     src/common/norm_corr.cpp
     src/common/random_noise.cpp
+    src/common/residual_filter.cpp
     src/common/scaling.cpp
     src/common/synthesis_filter.cpp
     src/ec/fir.cpp
@@ -51,6 +52,9 @@ set(vspsc_level_sources
     src/gsmamr/adaptive_vector.cpp
     src/gsmamr/delay_decode.cpp
     src/gsmamr/fft128.cpp
+    src/gsmamr/high_pass.cpp
+    src/gsmamr/lp_analysis.cpp
+    src/gsmamr/lsp.cpp
     src/gsmamr/open_loop_pitch.cpp
     src/gsmamr/vad1.cpp
     src/gsmamr/vad2.cpp
@@ -73,6 +77,7 @@ set(vspsc_common_sources
     src/g722/tables.cpp
     src/g726/tables.cpp
     src/g729/tables.cpp
+    src/gsmamr/lp_tables.cpp
     src/gsmamr/open_loop_tables.cpp
     src/gsmamr/pitch_tables.cpp
     src/gsmamr/tables.cpp

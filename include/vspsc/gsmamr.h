@@ -6,7 +6,10 @@
 #define VSPSC_GSMAMR_H
 
 #include "vspsc/gsmamr/adaptive_codebook.h"
+#include "vspsc/gsmamr/lp_analysis.h"
+#include "vspsc/gsmamr/lsp.h"
 #include "vspsc/gsmamr/open_loop_pitch.h"
+#include "vspsc/gsmamr/pre_post_process.h"
 #include "vspsc/gsmamr/vad.h"
 
 #endif

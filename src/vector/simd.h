@@ -294,6 +294,10 @@ VSP_IF_512(VSP_INLINE S16_256 foldMaxU(S16_512 a) {
     return maxU(S16_256{_mm512_castsi512_si256(a.v)}, S16_256{_mm512_extracti64x4_epi64(a.v, 1)});
 })
 
+VSP_INLINE bool anyBit(S32_128 a) { return _mm_testz_si128(a.v, a.v) == 0; }
+VSP_IF_256(VSP_INLINE bool anyBit(S32_256 a) { return _mm256_testz_si256(a.v, a.v) == 0; })
+VSP_IF_512(VSP_INLINE bool anyBit(S32_512 a) { return _mm512_test_epi32_mask(a.v, a.v) != 0; })
+
 VSP_INLINE Vsp64s sum(S64_128 a) { return _mm_cvtsi128_si64(a.v) + _mm_extract_epi64(a.v, 1); }
 VSP_INLINE Vsp32s sum(S32_128 a) {  // wraps
     const __m128i pairs = _mm_add_epi32(a.v, _mm_unpackhi_epi64(a.v, a.v));

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "core/level.h"
+
+namespace vsp::VSP_LEVEL {
+
+constexpr int kMaxLpOrder = 30;
+
+// LP analysis filter A(z): dst[n] = sum over j = 0 .. order of lpc[j] * src[n - j], a doubled sum whose every product and
+// partial sum saturates to 32 bits, j ascending; then times 2^(15 - scaleFactor), saturated and rounded to the high half
+// (Residu). Reads src[-order .. len-1]; dst is another array. lpc is in Q(scaleFactor), order up to kMaxLpOrder.
+void ownResidual(const Vsp16s* src, const Vsp16s* lpc, int order, Vsp16s* dst, Vsp32s len, int scaleFactor);
+
+}  // namespace vsp::VSP_LEVEL
