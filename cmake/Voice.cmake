@@ -14,7 +14,9 @@ add_library(
     voice/codec/gsmfr/reconstruction.cpp
     voice/codec/gsmfr/substitution.cpp
     voice/codec/period_repeater.cpp
+    voice/detect/open_loop.cpp
     voice/detect/reversal_detector.cpp
+    voice/detect/speech_detector.cpp
     voice/detect/tone_detector.cpp
     voice/echo/bulk_delay.cpp
     voice/echo/echo_canceller.cpp

@@ -18,6 +18,7 @@
 #include "vspsvoice/codec.h"
 #include "vspsvoice/echo_canceller.h"
 #include "vspsvoice/level.h"
+#include "vspsvoice/speech_detector.h"
 #include "vspsvoice/tone.h"
 
 #endif

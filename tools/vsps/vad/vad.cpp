@@ -51,9 +51,9 @@ struct Results {
     VadTables tables;
     std::vector<ActivityCurves> curves;  // of the channels that are plotted
 
-    void add(std::vector<std::vector<ActivityFrame>>& frames) {
+    void add(std::vector<std::vector<VspvSpeechDecision>>& frames) {
         for (std::size_t c = 0; c < frames.size(); c++)
-            for (const ActivityFrame& frame : frames[c]) {
+            for (const VspvSpeechDecision& frame : frames[c]) {
                 report.channels[c].add(frame);
                 if (c < curves.size()) curves[c].add(frame);
             }
@@ -72,7 +72,7 @@ struct Results {
 void hear(AudioReader& in, int option, Results& results) {
     std::vector<VoiceActivity> detectors;
     for (std::size_t c = 0; c < in.channels(); c++) detectors.emplace_back(option);
-    std::vector<std::vector<ActivityFrame>> frames(in.channels());
+    std::vector<std::vector<VspvSpeechDecision>> frames(in.channels());
     Progress progress("detecting speech", in.expected());
     for (Block block; in.read(kBlockLength, block); progress.advance(block[0].size())) {
         for (std::size_t c = 0; c < detectors.size(); c++) detectors[c].process(block[c], frames[c]);

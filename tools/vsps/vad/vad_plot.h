@@ -17,7 +17,7 @@ class ActivityCurves {
     };
 
     void add(std::span<const std::int16_t> samples) { waveform_.add(samples); }
-    void add(const ActivityFrame& frame) { ratios_.add({frame.snr, frame.reference}); }
+    void add(const VspvSpeechDecision& frame) { ratios_.add({frame.snr, frame.reference}); }
 
     const WaveformOutline& waveform() const { return waveform_; }
     const BoundedTrace<Ratio>& ratios() const { return ratios_; }

@@ -31,7 +31,7 @@ Json channelJson(const ActivitySummary& s, double seconds) {
 
 }  // namespace
 
-void ActivitySummary::add(const ActivityFrame& frame) {
+void ActivitySummary::add(const VspvSpeechDecision& frame) {
     const double time = kActivityFrameSeconds * double(frames());
     Mean& mean = frame.speech ? speech_ : other_;
     mean.power += frame.power;

@@ -17,7 +17,7 @@ struct Segment {
 // What is reported of a channel, gathered frame by frame.
 class ActivitySummary {
   public:
-    void add(const ActivityFrame& frame);
+    void add(const VspvSpeechDecision& frame);
     // At the end of a channel of so many seconds.
     void finish(double seconds);
 

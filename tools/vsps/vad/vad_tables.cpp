@@ -10,12 +10,12 @@ VadTables::VadTables(const VadOutputs& outputs, int option, std::size_t channels
     if (!outputs.labels.empty()) labels_ = std::make_unique<OutputFile>(outputs.labels);
 }
 
-void VadTables::addFrames(const std::vector<std::vector<ActivityFrame>>& frames) {
+void VadTables::addFrames(const std::vector<std::vector<VspvSpeechDecision>>& frames) {
     if (!csv_) return;
     std::string lines;
     for (std::size_t i = 0; i < frames[0].size(); i++, frames_++)
         for (std::size_t c = 0; c < frames.size(); c++) {
-            const ActivityFrame& f = frames[c][i];
+            const VspvSpeechDecision& f = frames[c][i];
             lines += format("%zu,%.2f,%d,%.1f,%.2f,%.2f\n", c + 1, kActivityFrameSeconds * double(frames_), f.speech,
                             toDbov(f.power), f.snr, f.reference);
         }

@@ -12,8 +12,8 @@ class VadTables {
   public:
     VadTables(const VadOutputs& outputs, int option, std::size_t channels);
 
-    void addFrames(const std::vector<std::vector<ActivityFrame>>& frames);  // as many of each channel
-    void addSegments(const std::vector<ActivitySummary>& channels);         // those that have ended since the last call
+    void addFrames(const std::vector<std::vector<VspvSpeechDecision>>& frames);  // as many of each channel
+    void addSegments(const std::vector<ActivitySummary>& channels);  // those that have ended since the last call
     void commit();
 
   private:

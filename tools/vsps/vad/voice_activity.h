@@ -1,38 +1,24 @@
-// Where there is speech, as a GSM-AMR encoder detects it.
+// Where there is speech, as the voice layer detects it.
 #pragma once
 
-#include <memory>
+#include <cstdint>
 #include <span>
 #include <vector>
 
-#include "vad/vad_detector.h"
-
-struct ActivityFrame {
-    bool speech;
-    double power;      // mean square
-    double snr;        // dB, see VadDetector
-    double reference;  // dB, see VadDetector
-};
+#include "audio/voice_object.h"
 
 constexpr double kActivityFrameSeconds = 0.02;
 
 class VoiceActivity {
   public:
+    // Option 1 or 2 of the standard.
     explicit VoiceActivity(int option);
 
     // Takes any number of samples at 8000 Hz and appends the frames that they complete.
-    void process(std::span<const std::int16_t> samples, std::vector<ActivityFrame>& frames);
+    void process(std::span<const std::int16_t> samples, std::vector<VspvSpeechDecision>& frames);
     // At the end: appends the frame that has begun, if there is one; silence fills it up.
-    void finish(std::vector<ActivityFrame>& frames);
+    void finish(std::vector<VspvSpeechDecision>& frames);
 
   private:
-    ActivityFrame detect();
-
-    std::unique_ptr<VadDetector> detector_;
-    AmrPreProcessing preProcessing_;
-    AmrWeighting weighting_;
-    AmrOpenLoop openLoop_;
-    AmrFrame frame_{};
-    std::size_t filled_ = 0;
-    std::array<Vsp16s, kAmrLookAhead + kAmrFrame> speech_{};  // pre-processed: the end of the last frame, then the frame
+    VoiceObject<VspvSpeechDetector> detector_;
 };

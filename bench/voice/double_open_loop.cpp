@@ -1,4 +1,4 @@
-#include "vad/amr_open_loop.h"
+#include "voice/double_open_loop.h"
 
 #include <algorithm>
 #include <cmath>

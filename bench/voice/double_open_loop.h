@@ -3,7 +3,7 @@
 
 #include <array>
 
-#include "vad/amr_weighted_speech.h"
+#include "voice/double_weighted_speech.h"
 #include "vspsc.h"
 
 // What a frame leaves for the detector of the next one.

@@ -1,4 +1,4 @@
-#include "vad/amr_weighted_speech.h"
+#include "voice/double_weighted_speech.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,0 +1,136 @@
+// The speech detector of the voice layer against encoders of the standard with discontinuous transmission.
+#include <algorithm>
+#include <cmath>
+
+#include "support/samples.h"
+#include "support/speech.h"
+#include "support/status_order.h"
+#include "support/vector_case.h"
+#include "voice/object.h"
+
+namespace vsp::test {
+
+namespace {
+
+using Samples = std::vector<Vsp16s>;
+using Detector = VoiceObject<VspvSpeechDetector>;
+using Decisions = std::vector<VspvSpeechDecision>;
+
+constexpr std::size_t kFrame = vspvSpeechFrame;
+
+// On an object that moves after every call.
+Decisions decide(Vsp32s option, std::span<const Vsp16s> samples, std::size_t longestBlock) {
+    Detector one(0, vspvSpeechDetectorGetSize, option), two(1, vspvSpeechDetectorGetSize, option);
+    EXPECT_EQ(vspStsNoErr, vspvSpeechDetectorInit(one.get(), option));
+    Detector *current = &one, *next = &two;
+    Decisions all;
+    inBlocks(samples, longestBlock, 1, [&](std::span<const Vsp16s> block) {
+        const Guarded<Vsp16s> guarded(Samples(block.begin(), block.end()));
+        Guarded<VspvSpeechDecision> decisions((block.size() + kFrame - 1) / kFrame);
+        Vsp32s count = -1;
+        ASSERT_EQ(vspStsNoErr, vspvSpeechDetectorProcess(current->get(), guarded.data(), Vsp32s(block.size()),
+                                                         decisions.data(), &count));
+        all.insert(all.end(), decisions.begin(), decisions.begin() + count);
+        current->moveTo(*next);
+        std::swap(current, next);
+    });
+    VspvSpeechDecision last;
+    Vsp32s count = -1;
+    EXPECT_EQ(vspStsNoErr, vspvSpeechDetectorFinish(current->get(), &last, &count));
+    EXPECT_EQ(samples.size() % kFrame != 0, count);
+    if (count == 1) all.push_back(last);
+    return all;
+}
+
+// Which frames an encoder sends as speech (3GPP TS 26.093 5.1.1).
+std::vector<bool> sentAsSpeech(const Decisions& decisions) {
+    std::vector<bool> sent;
+    int hangover = 7, elapsed = 1000;  // frames
+    for (const VspvSpeechDecision& d : decisions) {
+        elapsed++;
+        bool speech = true;
+        if (d.speech == 1) {
+            hangover = 7;
+        } else if (hangover == 0) {
+            elapsed = 0;
+            speech = false;
+        } else {
+            hangover--;
+            speech = elapsed + hangover >= 30;
+        }
+        sent.push_back(speech);
+    }
+    return sent;
+}
+
+// Of frames in RFC 4867 storage form.
+std::vector<bool> speechFrames(const std::vector<Vsp8u>& stream) {
+    constexpr int kOctets[16] = {12, 13, 15, 17, 19, 20, 26, 31, 5};
+    std::vector<bool> speech;
+    for (std::size_t i = 0; i < stream.size(); i += std::size_t(1 + kOctets[stream[i] >> 3 & 15]))
+        speech.push_back((stream[i] >> 3 & 15) < 8);
+    return speech;
+}
+
+}  // namespace
+
+TEST(VoiceSpeechDetector, DecidesAsEncodersOfTheStandard) {
+    const auto signals = readItemCases("gsmamr/codec-pcm.vec");
+    int pauses = 0, recordings = 0;
+    for (const auto& items : readItemCases("gsmamr/codec.vec")) {
+        const auto settings = items.at(0).values<Vsp32s>();
+        const Vsp32s rate = settings.at(1), option = settings.at(2);
+        if (option == 0 || (rate != 3 && rate != 6 && rate != 7 && rate != 8)) continue;
+        SCOPED_TRACE("signal " + std::to_string(settings[0]) + ", rate " + std::to_string(rate));
+        const Samples samples = signals.at(std::size_t(settings[0])).at(0).values<Vsp16s>();
+        const std::vector<bool> expected = speechFrames(items.at(2).values<Vsp8u>());
+        EXPECT_EQ(expected, sentAsSpeech(decide(option, samples, 1000)));
+        pauses += int(std::count(expected.begin(), expected.end(), false));
+        recordings++;
+    }
+    EXPECT_GE(recordings, 20);
+    EXPECT_GE(pauses, 500);
+}
+
+TEST(VoiceSpeechDetector, BlocksOfAnyLengthGiveTheSame) {
+    const auto same = [](const VspvSpeechDecision& a, const VspvSpeechDecision& b) {
+        return a.speech == b.speech && a.reserved == b.reserved && a.power == b.power && a.snr == b.snr &&
+               a.reference == b.reference;
+    };
+    Samples speech = recordedSpeech();
+    speech.resize(48077);
+    for (const Vsp32s option : {1, 2}) {
+        for (const std::size_t count : {std::size_t(0), std::size_t(1), std::size_t(160), speech.size()}) {
+            const auto samples = std::span(speech).first(count);
+            const Decisions whole = decide(option, samples, 100000);
+            EXPECT_EQ((count + kFrame - 1) / kFrame, whole.size());
+            for (const std::size_t longest : {1, 13, 159, 3000}) {
+                const Decisions parts = decide(option, samples, longest);
+                EXPECT_TRUE(std::equal(whole.begin(), whole.end(), parts.begin(), parts.end(), same)) << longest;
+            }
+            for (std::size_t i = 0; i < whole.size(); i++) {
+                const auto frame = samples.subspan(i * kFrame, std::min(kFrame, count - i * kFrame));
+                double energy = 0;
+                for (const Vsp16s x : frame) energy += double(x) * x;
+                EXPECT_EQ(energy / double(frame.size()), whole[i].power);
+            }
+        }
+        for (const Vsp16s constant : {Vsp16s(0), Vsp16s(-32768)}) {
+            const Decisions decisions = decide(option, Samples(16000, constant), 160);
+            EXPECT_EQ(0, decisions.back().speech);
+            EXPECT_EQ(double(constant) * constant, decisions.back().power);
+        }
+    }
+}
+
+TEST(VoiceSpeechDetector, ChecksComeInOrderAndTouchNothing) {
+    const std::vector<VspStatus> order{vspStsNullPtrErr, vspStsBadArgErr};
+    const Choices<Vsp32s> options{2, {{0, vspStsBadArgErr}, {3, vspStsBadArgErr}, {kLowest, vspStsBadArgErr}}};
+    expectStatusOrder(vspvSpeechDetectorGetSize, order, options, pointer);
+    expectStatusOrder(vspvSpeechDetectorInit, order, pointer, options);
+    expectStatusOrder(vspvSpeechDetectorProcess, {vspStsNullPtrErr, vspStsSizeErr}, pointer, pointer, length, pointer,
+                      pointer);
+    expectStatusOrder(vspvSpeechDetectorFinish, order, pointer, pointer, pointer);
+}
+
+}  // namespace vsp::test
