@@ -2,6 +2,8 @@
 import math
 import os
 import pathlib
+import random
+import struct
 import subprocess
 
 import pytest
@@ -128,6 +130,128 @@ def test_lost_frames_are_concealed(vsps, codec):
         assert 0.8 < energy < 1.2
 
 
+@pytest.mark.parametrize("codec", [c for c in CODECS if not c.startswith("g726")])
+def test_wav_files_with_the_tag_of_the_codec(vsps, codec):
+    vsps.put("in.wav", wav16(VOICE[:-100]))
+    vsps.ok("encode", "in.wav", f"x.{codec}")
+    written = vsps.json("encode", "in.wav", "coded.wav", "--codec", codec)
+    header = vsps.path("coded.wav").read_bytes()[:64]
+    assert 0 <= struct.unpack("<I", header.split(b"data")[1][:4])[0] - written["octets"] < 5  # whole blocks
+    expected = decoded(vsps, f"x.{codec}")
+    report = vsps.json("decode", "coded.wav", "out.wav")
+    assert report["codec"] == codec and report["frames"] == written["frames"]
+    heard = read_wav(vsps.path("out.wav"), rate(codec))[0]
+    assert heard[: len(expected)] == expected and len(heard) - len(expected) < 8
+
+
+def test_wav_files_whose_tag_lies(vsps):
+    def tagged(name, tag, block, bits, data=bytes(260), rate=8000, channels=1):
+        header = struct.pack("<IHHIIHH", 16, tag, channels, rate, rate, block, bits)
+        vsps.put(name, b"RIFF" + struct.pack("<I", 28 + len(data)) + b"WAVEfmt " + header + b"data" + struct.pack("<I", len(data)) + data)  # fmt: skip
+
+    tagged("alaw.wav", 6, 2, 16)
+    tagged("gsm.wav", 0x31, 33, 0)
+    tagged("ends.wav", 0x31, 65, 0, bytes(66))
+    tagged("other.wav", 0x1234, 1, 4)
+    tagged("fast.wav", 7, 1, 8, rate=16000)
+    tagged("two.wav", 7, 2, 8, channels=2)
+    tagged("good.wav", 7, 1, 8)
+    vsps.put("pcm.wav", wav16(VOICE))
+    vsps.put("short.wav", vsps.path("good.wav").read_bytes()[:-9])
+    vsps.put("header.wav", vsps.path("good.wav").read_bytes()[:30])
+    vsps.put("none.wav", b"not a header")
+    vsps.fails("alaw.wav", "says A-law, but 16 bits", "decode", "alaw.wav", "out.wav")
+    vsps.fails("gsm.wav", "says GSM 6.10, but 0 bits a sample in blocks of 33", "decode", "gsm.wav", "out.wav")
+    vsps.fails("ends.wav", "ends within a block of GSM 6.10", "decode", "ends.wav", "out.wav")
+    vsps.fails("other.wav", "tag 0x1234", "decode", "other.wav", "out.wav")
+    vsps.fails("fast.wav", "is at 16000 Hz", "decode", "fast.wav", "out.wav")
+    vsps.fails("two.wav", "2 channels", "decode", "two.wav", "out.wav")
+    vsps.fails("pcm.wav", "nothing to decode", "decode", "pcm.wav", "out.wav")
+    vsps.fails("short.wav", "cut short, holds 251 of 260", "decode", "short.wav", "out.wav")
+    vsps.fails("header.wav", "within the header", "decode", "header.wav", "out.wav")
+    vsps.fails("none.wav", "no header of a WAV file", "decode", "none.wav", "out.wav")
+    vsps.fails("good.wav", "is pcmu and not gsm", "decode", "good.wav", "out.wav", "--codec", "gsm")
+    vsps.fails("out.wav", "no tag for g726-32", "encode", "pcm.wav", "out.wav", "--codec", "g726-32")
+    vsps.ok("decode", "good.wav", "out.wav")
+
+
+def test_comparison_with_the_original(vsps):
+    """A delay is found, errors of a known size are measured, and what is silent or far away does not count."""
+    source = random.Random(1)
+    speech_like = [round(source.gauss(0, 1000)) for _ in range(40000)] + [0] * 8000
+    vsps.put("in.wav", wav16(speech_like))
+    vsps.ok("encode", "in.wav", "x.pcma")
+    clean = vsps.json("encode", "in.wav", "y.pcma", "--against", "in.wav")["against"]
+    assert clean["delay_samples"] == 0 and 34 < clean["segmental_snr_db"] <= 35
+    for late in (-333, 0, 57, 800):
+        vsps.put("original.wav", wav16(speech_like[late:] if late >= 0 else [0] * -late + speech_like))
+        against = vsps.json("decode", "x.pcma", "heard.wav", "--against", "original.wav")["against"]
+        assert against["delay_samples"] == late and against["delay_ms"] == pytest.approx(late / 8)
+        assert abs(against["segmental_snr_db"] - clean["segmental_snr_db"]) < 0.3
+    for decibels in (3, 6, 12):  # louder by so much: the spectra differ by that, and so does the rest relative to the signal
+        louder = [round(x * 10 ** (decibels / 20)) for x in speech_like]
+        vsps.put("original.wav", wav16(louder))
+        against = vsps.json("decode", "x.pcma", "heard.wav", "--against", "original.wav")["against"]
+        assert against["log_spectral_distance_db"] == pytest.approx(decibels, abs=0.3)
+        assert against["segmental_snr_db"] == pytest.approx(-20 * math.log10(1 - 10 ** (-decibels / 20)), abs=0.3)
+    silent = vsps.json("decode", "x.pcma", "heard.wav", "--against", vsps.put("silent.wav", wav16([0] * 48000)))["against"]
+    assert silent["segmental_snr_db"] is None and silent["log_spectral_distance_db"] is None
+    text = vsps.ok("decode", "x.pcma", "heard.wav", "--against", "original.wav").stdout
+    assert "segmental SNR 2.5 dB, log-spectral distance 12." in text
+    vsps.fails("missing.wav", "No such file", "decode", "x.pcma", "out.wav", "--against", "missing.wav")
+    vsps.fails("tiny.wav", "too short", "decode", "x.pcma", "out.wav", "--against", vsps.put("tiny.wav", wav16([1] * 100)))
+    vsps.fails("in.wav", "is an input and an output", "decode", "x.pcma", "in.wav", "--against", "in.wav")
+
+
+def test_losses_are_seen_in_the_comparison(vsps):
+    vsps.put("in.wav", RECORDING.read_bytes())
+    for codec in ("g722", "gsm", "g726-32"):
+        vsps.ok("encode", "in.wav", f"x.{codec}")
+        results = [vsps.json("decode", f"x.{codec}", "h.wav", "--against", "in.wav", "--lose", p)["against"] for p in (0, 3, 10)]  # fmt: skip
+        assert results[0]["segmental_snr_db"] > results[1]["segmental_snr_db"] > results[2]["segmental_snr_db"] + 1
+        assert results[0]["log_spectral_distance_db"] < results[1]["log_spectral_distance_db"] < results[2]["log_spectral_distance_db"]  # fmt: skip
+
+
+@pytest.mark.parametrize("kind, magic", [("png", b"\x89PNG"), ("svg", b"<?xml")])
+def test_plot(vsps, kind, magic):
+    vsps.put("in.wav", wav16([0] * 8000 + VOICE))
+    vsps.ok("encode", "in.wav", "x.g722")
+    result = vsps.ok("decode", "x.g722", "out.wav", "--against", "in.wav", "--plot", f"it's.{kind}", "--lose", 5)
+    assert f"plot: it's.{kind}\n" in result.stdout
+    content = vsps.path(f"it's.{kind}").read_bytes()
+    assert content.startswith(magic)
+    if kind == "svg":
+        for label in (b">original<", b">decoded<", b"frequency, kHz", b"log-spectral distance", b"of the frames lost"):
+            assert label in content
+    vsps.put("silent.wav", wav16([0] * 1000))
+    vsps.ok("encode", "silent.wav", "x.pcma", "--against", "silent.wav", "--plot", f"it's.{kind}")
+
+
+def test_several_files_on_several_threads_give_what_each_gives_alone(vsps):
+    names = [f"{i}.wav" for i in range(5)]
+    for i, name in enumerate(names):
+        vsps.put(name, wav16(voice(1 + i % 2, 100 + 10 * i)))
+    outputs = ("{}.gsm", "--against", "{}.wav", "--plot", "{}.svg")
+    for name in names:
+        vsps.ok("encode", name, *outputs)
+    made = [name for name in vsps.files() if name not in names]
+    content = {name: vsps.path(name).read_bytes() for name in made}
+    assert len(made) == 10
+    for name in made:
+        vsps.path(name).unlink()
+    reports = vsps.json("encode", *names, *outputs, "--jobs", 4)["files"]
+    assert [report["input"] for report in reports] == names
+    assert content == {name: vsps.path(name).read_bytes() for name in vsps.files() if name not in names}
+
+    vsps.put("bad.gsm", b"\0" * 33)
+    result = vsps.run("decode", "0.gsm", "bad.gsm", "missing.gsm", "1.gsm", "heard-{}.wav", "--jobs", 2)
+    assert result.returncode == 1
+    assert result.stdout.count("written: ") == 2
+    assert result.stderr.splitlines() == ["vsps: bad.gsm: frame 1 is not one of gsm", "vsps: missing.gsm: No such file or directory"]  # fmt: skip
+    assert [name for name in vsps.files() if name.startswith("heard")] == ["heard-0.wav", "heard-1.wav"]
+    vsps.fails("heard-0.wav", "is two outputs at once", "decode", "0.gsm", "0.gsm", "heard-{}.wav")
+
+
 def test_streams_that_cannot_be_decoded(vsps):
     vsps.put("in.wav", wav16(VOICE))
     vsps.ok("encode", "in.wav", "x.gsm")
@@ -155,6 +279,13 @@ def test_streams_that_cannot_be_decoded(vsps):
         ["encode", "in.wav", "x.g722", "--rate", 40000],
         ["encode", "in.wav", "x.raw", "--codec", "g729"],
         ["encode", "in.wav", "-"],
+        ["encode", "in.wav"],
+        ["encode", "in.wav", "in.wav", "x.gsm", "--json"],
+        ["encode", "in.wav", "x.wav"],
+        ["encode", "in.wav", "x.gsm", "--dtx"],
+        ["decode", "x.gsm", "out.wav", "--plot", "plot.png"],
+        ["decode", "x.gsm", "out.wav", "--rate", 64000],
+        ["decode", "x.gsm", "out.wav", "--jobs", 0],
         ["decode", "x.gsm", "out.wav", "--lose", 101],
         ["decode", "x.gsm", "out.wav", "--lose", -1],
     ],

@@ -1,12 +1,25 @@
 // The files of a command that takes several.
 #pragma once
 
+#include <filesystem>
 #include <iostream>
 #include <optional>
 #include <string>
 
 #include "console/in_order.h"
 #include "console/progress.h"
+
+// In the name of an output it stands for the name of the input without folder and extension.
+inline constexpr const char* kNamePlace = "{}";
+
+inline bool hasNamePlace(const std::string& pattern) { return pattern.find(kNamePlace) != std::string::npos; }
+
+inline std::string nameFor(std::string pattern, const std::string& input) {
+    const std::string name = std::filesystem::path(input).stem();
+    for (std::size_t at = 0; (at = pattern.find(kNamePlace, at)) != std::string::npos; at += name.size())
+        pattern.replace(at, 2, name);
+    return pattern;
+}
 
 // Calls work(0), ..., work(count - 1) on so many threads and here show(result) for one after the other. What fails is
 // reported and the rest goes on. Tells whether all went well. `what` names the work while it takes long.

@@ -11,6 +11,11 @@ Option& Option::required() {
     return *this;
 }
 
+Option& Option::atLeast(int values) {
+    option_->required()->expected(values, CLI::detail::expected_max_vector_size);
+    return *this;
+}
+
 Option& Option::takes(const std::string& value) {
     option_->type_name(value);
     return *this;

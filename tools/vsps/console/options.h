@@ -21,6 +21,7 @@ class Option {
     explicit Option(CLI::Option* option) : option_(option) {}
 
     Option& required();
+    Option& atLeast(int values);
     Option& takes(const std::string& value);  // how the help calls its value
     Option& within(double lowest, double highest, const std::string& what = "a number");
     Option& oneOf(const std::vector<std::string>& values);

@@ -1,5 +1,4 @@
 // vsps vad: where there is speech in recordings.
-#include <filesystem>
 #include <iostream>
 #include <memory>
 #include <new>
@@ -15,8 +14,6 @@
 
 namespace {
 
-constexpr const char* kPlace = "{}";  // what stands for the name of the input in that of an output
-
 struct Options {
     std::vector<std::string> files;
     InputSettings input;
@@ -26,19 +23,12 @@ struct Options {
     bool json = false;
 };
 
-std::string place(std::string pattern, const std::string& file) {
-    const std::string name = std::filesystem::path(file).stem();
-    for (std::size_t at = 0; (at = pattern.find(kPlace, at)) != std::string::npos; at += name.size())
-        pattern.replace(at, 2, name);
-    return pattern;
-}
-
 // Where the results of each input go. No output may be an input or another output.
 std::vector<VadOutputs> placeOutputs(const Options& o) {
     std::vector<VadOutputs> all;
     std::vector<std::string> names;
     for (const std::string& file : o.files) {
-        all.push_back({place(o.outputs.csv, file), place(o.outputs.labels, file), place(o.outputs.plot, file)});
+        all.push_back({nameFor(o.outputs.csv, file), nameFor(o.outputs.labels, file), nameFor(o.outputs.plot, file)});
         names.insert(names.end(), {all.back().csv, all.back().labels, all.back().plot});
     }
     refuseSameFiles(o.files, names);
@@ -134,7 +124,7 @@ void checkPatterns(const Options& o) {
     if (o.files.size() < 2) return;
     for (const auto& [option, pattern] :
          {std::pair("--csv", o.outputs.csv), std::pair("--labels", o.outputs.labels), std::pair("--plot", o.outputs.plot)})
-        if (!pattern.empty() && pattern.find(kPlace) == std::string::npos)
+        if (!pattern.empty() && !hasNamePlace(pattern))
             throw UsageError{option, "with several inputs FILE needs a {}, which stands for the input's name"};
 }
 
