@@ -161,6 +161,7 @@ def test_wav_files_whose_tag_lies(vsps):
     vsps.put("header.wav", vsps.path("good.wav").read_bytes()[:30])
     vsps.put("none.wav", b"not a header")
     vsps.fails("alaw.wav", "says A-law, but 16 bits", "decode", "alaw.wav", "out.wav")
+    vsps.fails("alaw.wav", "says A-law, but 16 bits", "encode", "alaw.wav", "out.gsm")
     vsps.fails("gsm.wav", "says GSM 6.10, but 0 bits a sample in blocks of 33", "decode", "gsm.wav", "out.wav")
     vsps.fails("ends.wav", "ends within a block of GSM 6.10", "decode", "ends.wav", "out.wav")
     vsps.fails("other.wav", "tag 0x1234", "decode", "other.wav", "out.wav")

@@ -95,6 +95,16 @@ std::string missingData(const std::string& log) {
     return std::to_string(present) + " of " + std::to_string(announced) + " bytes of audio";
 }
 
+// libsndfile takes every sample for an octet, whatever else the header says.
+std::string lyingTag(int format, const std::string& log) {
+    const bool aLaw = (format & SF_FORMAT_SUBMASK) == SF_FORMAT_ALAW,
+               muLaw = (format & SF_FORMAT_SUBMASK) == SF_FORMAT_ULAW;
+    static const std::regex width("Bit Width\\s*: (\\d+)");
+    std::smatch match;
+    if (!(aLaw || muLaw) || !std::regex_search(log, match, width) || match[1] == "8") return {};
+    return std::string("its header says ") + (aLaw ? "A-law" : "mu-law") + ", but " + match[1].str() + " bits a sample";
+}
+
 }  // namespace
 
 struct AudioReader::State {
@@ -148,7 +158,9 @@ void AudioReader::State::open(const AudioSource& source) {
     if (info.samplerate < kLowestRate || info.samplerate > kHighestRate)
         throw FileError(name, "a sample rate of " + std::to_string(info.samplerate) + " Hz is not supported (" +
                                   std::to_string(kLowestRate) + " to " + std::to_string(kHighestRate) + ")");
-    missing = missingData(headerLog(sound.get()));
+    const std::string log = headerLog(sound.get());
+    if (const std::string lie = lyingTag(info.format, log); !lie.empty()) throw FileError(name, lie);
+    missing = missingData(log);
     channels = static_cast<std::size_t>(info.channels);
     const int frames = isPipe ? info.samplerate / kStretchesPerSecond : std::max(1, kStretch / info.channels);
     stretch.resize(static_cast<std::size_t>(frames) * channels);

@@ -81,8 +81,8 @@ std::string drawFidelity(const Gnuplot& gnuplot, const std::string& title, const
                 "'#f6c453', 4 '#fffbe6')\n";
     panel("original", "original", &Point::original);
     panel("heard", "decoded", &Point::heard);
-    commands
-        << "unset title\nset xlabel 'time, s'\nset ylabel 'distance, dB'\nset yrange [0:*]\n"
-        << "plot 0 with lines lc rgb '#dddddd' notitle, $distance using 1:2 with lines lw 1.4 lc rgb '#0b62a4' title 'log-spectral distance'\nunset multiplot\n";
+    commands << "unset title\nset xlabel 'time, s'\nset ylabel 'distance, dB'\nset yrange [0:*]\n"
+             << "plot 0 with lines lc rgb '#dddddd' notitle, $distance using 1:2 with lines lw 1.4 lc rgb '#0b62a4' title "
+                "'log-spectral distance'\nunset multiplot\n";
     return gnuplot.draw(commands.str(), 1400, 1000);
 }
