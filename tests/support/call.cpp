@@ -1,6 +1,7 @@
 #include "support/call.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <list>
 #include <random>
@@ -13,7 +14,8 @@ namespace {
 
 using Kind = Argument::Kind;
 
-constexpr std::size_t kMostElements = 1 << 16;  // of an array whose length is an illegal argument
+// A number of elements, also where it comes from an illegal argument.
+std::size_t bounded(Vsp64s elements) { return std::size_t(std::clamp<Vsp64s>(elements, 0, 1 << 16)); }
 
 Limits limitsOfType(char type) { return type == 'B' ? Limits{0, 255} : type == 'h' ? Limits{-32768, 32767} : Limits{}; }
 
@@ -21,11 +23,16 @@ bool hasIntegers(char type) { return type == 'B' || type == 'h' || type == 'i'; 
 
 bool contains(const std::vector<Vsp64s>& all, Vsp64s x) { return std::find(all.begin(), all.end(), x) != all.end(); }
 
-bool isLegal(const Argument& a, Vsp64s x, const Values& values, int element = 0) {
-    if (!a.choices.empty()) return contains(a.choices, x);
+bool isLegal(const Argument& a, double x, const Values& values, int element = 0) {
+    if (!a.choices.empty()) return contains(a.choices, Vsp64s(x));
     if (!a.limits) return true;
     const Limits limits = a.limits(values, element);
-    return x >= limits.low && x <= limits.high && x % a.step == 0;
+    const bool low = x >= double(limits.low), high = x <= double(limits.high) || (x > 0 && limits.high == Limits().high);
+    return low && high && (a.step == 1 || Vsp64s(x) % a.step == 0);
+}
+
+VspStatus errorOf(const Argument& a, double x, const Values& values) {
+    return a.errorAbove != vspStsNoErr && x > double(a.limits(values, 0).high) ? a.errorAbove : a.error;
 }
 
 // Integers that an argument or element must not be: beside its limits, and extremes.
@@ -44,7 +51,7 @@ std::vector<Vsp64s> illegal(const Argument& a, char type, const Values& values, 
     candidates.insert(candidates.end(), {0, -1, all.low, all.high});
     std::vector<Vsp64s> bad;
     for (const Vsp64s x : candidates)
-        if (x >= all.low && x <= all.high && !isLegal(a, x, values, element) && !contains(bad, x)) bad.push_back(x);
+        if (x >= all.low && x <= all.high && !isLegal(a, double(x), values, element) && !contains(bad, x)) bad.push_back(x);
     return bad;
 }
 
@@ -66,7 +73,7 @@ void setIntegerAt(Bytes& bytes, char type, std::size_t i, Vsp64s x) {
 }
 
 Call::Call(const Function& f)
-    : function(&f), cells(f.arguments.size()), arrays(f.arguments.size()), inPlace(f.arguments.size()) {
+    : function(&f), cells(f.arguments.size()), arrays(f.arguments.size()), same(f.arguments.size(), -1) {
     for (Cell& cell : cells) cell.integer = 0;
 }
 
@@ -84,9 +91,13 @@ bool Call::used(std::size_t argument) const {
 
 std::size_t Call::elements(std::size_t argument) const {
     if (!used(argument)) return 0;
-    const Argument& a = function->arguments[argument];
-    const Vsp64s n = a.elements(values());
-    return n < 0 ? 0 : std::min(kMostElements, std::size_t(n)) + std::size_t(a.history);
+    return bounded(function->arguments[argument].elements(values())) + history(argument);
+}
+
+std::size_t Call::history(std::size_t argument) const { return bounded(function->arguments[argument].history(values())); }
+
+double Call::number(std::size_t argument) const {
+    return hasIntegers(function->types[argument].type) ? double(cells[argument].integer) : cells[argument].real;
 }
 
 VspStatus Call::expectedError() const {
@@ -104,12 +115,13 @@ VspStatus Call::expectedError() const {
             for (std::size_t i = 0; i < cells.size(); i++) {
                 const Argument& a = function->arguments[i];
                 if (bool(a.used) != late || (late && !used(i))) continue;
-                if (a.pointer() && !arrays[i] && !inPlace[i]) report(vspStsNullPtrErr, late);
+                if (a.pointer() && !arrays[i] && !inPlace(i)) report(vspStsNullPtrErr, late);
                 if (a.error == vspStsNoErr || a.dependent != dependent) continue;
-                if (!a.pointer() && !isLegal(a, v[i], v)) report(a.error, late);
+                if (!a.pointer() && !isLegal(a, number(i), v)) report(errorOf(a, number(i), v), late);
                 const std::size_t n = a.pointer() && arrays[i] ? arrays[i]->size() / function->types[i].size : 0;
                 for (std::size_t e = 0; e < n; e++)
-                    if (!isLegal(a, integerAt(*arrays[i], function->types[i].type, e), v, int(e))) report(a.error, late);
+                    if (!isLegal(a, double(integerAt(*arrays[i], function->types[i].type, e)), v, int(e)))
+                        report(a.error, late);
             }
             if (first < 2 * order.size()) return order[first % order.size()];
         }
@@ -128,17 +140,21 @@ Result run(const Api& api, const Call& call, Guard guard, std::size_t gap) {
             const Argument& a = f.arguments[i];
             if (!a.pointer()) continue;
             cells[i].pointer = nullptr;
-            if (call.inPlace[i]) {
-                own[i] = own[std::size_t(a.source)];
-                cells[i].pointer = cells[std::size_t(a.source)].pointer;
+            if (call.inPlace(i)) {
+                continue;
             } else if (call.arrays[i] && ((bad && !a.checked()) || !call.used(i))) {
                 cells[i].pointer = nothing.end();
             } else if (call.arrays[i]) {
                 const std::size_t away = gap * (a.kind == Kind::state ? 16 : f.types[i].size);
                 own[i] = &memory.emplace_back(*call.arrays[i], guard, away);
-                cells[i].pointer = own[i]->data() + std::size_t(a.history) * f.types[i].size;
+                cells[i].pointer = own[i]->data() + call.history(i) * f.types[i].size;
             }
         }
+        for (std::size_t i = 0; i < cells.size(); i++)
+            if (call.inPlace(i)) {
+                own[i] = own[std::size_t(call.same[i])];
+                cells[i].pointer = cells[std::size_t(call.same[i])].pointer;
+            }
         Result result{f.call(api, cells.data()), std::vector<Bytes>(cells.size()), upperHalvesInUse()};
         for (std::size_t i = 0; i < cells.size(); i++) {
             if (own[i] == nullptr) {
@@ -148,10 +164,10 @@ Result run(const Api& api, const Call& call, Guard guard, std::size_t gap) {
             if (own[i]->changedOutside())
                 std::fprintf(stderr, "%s: memory outside of argument %zu has changed\n", f.name.c_str(), i);
             result.arrays[i] = own[i]->values();
-            if (call.inPlace[i]) {  // the part behind the pointer
-                const Argument& source = f.arguments[std::size_t(f.arguments[i].source)];
+            if (call.inPlace(i)) {  // the part behind the pointer
                 const auto begin = result.arrays[i].begin();
-                result.arrays[i].erase(begin, begin + source.history * std::ptrdiff_t(f.types[i].size));
+                result.arrays[i].erase(begin,
+                                       begin + std::ptrdiff_t(call.history(std::size_t(call.same[i])) * f.types[i].size));
             }
         }
         // A change of threads may make the processor say so once.
@@ -168,14 +184,14 @@ std::string problemOf(const Call& call, const Result& result) {
     if (error == vspStsNoErr && result.status < 0) return "the status is " + tell(result.status) + " for good arguments";
     for (std::size_t i = 0; i < f.arguments.size(); i++) {
         const Argument& a = f.arguments[i];
-        if (!call.arrays[i] || call.inPlace[i]) continue;
+        if (!call.arrays[i]) continue;
         bool overwritten = false;
-        for (std::size_t k = 0; k < call.inPlace.size(); k++)
-            overwritten = overwritten || (call.inPlace[k] && f.arguments[k].source == int(i));
+        for (std::size_t k = 0; k < call.same.size(); k++)
+            overwritten = overwritten || (call.same[k] == int(i) && f.arguments[k].written());
         const bool mayChange =
             result.status >= 0 && (a.written() || overwritten) && !(a.keptOnWarning && result.status > 0);
         const auto begin = call.arrays[i]->begin();  // the history never changes
-        const auto end = mayChange ? begin + a.history * std::ptrdiff_t(f.types[i].size) : call.arrays[i]->end();
+        const auto end = mayChange ? begin + std::ptrdiff_t(call.history(i) * f.types[i].size) : call.arrays[i]->end();
         if (!std::equal(begin, end, result.arrays[i].begin())) return "argument " + std::to_string(i) + " has changed";
         if (a.always >= 0 && result.status >= 0 && integerAt(result.arrays[i], f.types[i].type, 0) != a.always)
             return "argument " + std::to_string(i) + " is not " + std::to_string(a.always);
@@ -217,6 +233,14 @@ Vsp64s Draw::integer(const Function& f, std::size_t argument, Limits limits) {
             return inLimits(low > 0 || high < 0 ? low + std::abs(magnitude) : magnitude);
         }
     }
+}
+
+double Draw::real(const Argument& a) {
+    const double kValues[] = {0, 1, -1, 0.5, 32767, -32768, double(Vsp32s(random_())) / 65536, double(random_()) * 0x1p-32};
+    const double x = kValues[random_() % 8];
+    if (!a.limits) return x;
+    const Limits limits = a.limits({}, 0);
+    return std::clamp(x, double(limits.low), double(limits.high));
 }
 
 Bytes Draw::contents(const Call& call, std::size_t argument, bool faults) {
@@ -269,7 +293,7 @@ Bytes Draw::contents(const Call& call, std::size_t argument, bool faults) {
     const Values values = call.values();
     if (a.checked() && legal)
         for (std::size_t i = 0; i < n; i++)
-            if (!isLegal(a, integerAt(bytes, type, i), values, int(i)))
+            if (!isLegal(a, double(integerAt(bytes, type, i)), values, int(i)))
                 setIntegerAt(bytes, type, i,
                              a.choices.empty() ? integer(f, argument, a.limits(values, int(i)))
                                                : a.choices[random_() % a.choices.size()]);
@@ -284,9 +308,7 @@ Call Draw::call(const Function& f, std::size_t number, bool faults) {
             const Argument& a = f.arguments[i];
             if (a.pointer() || a.dependent != dependent) continue;
             if (!hasIntegers(f.types[i].type)) {
-                const double kValues[] = {
-                    0, 1, -1, 0.5, 32767, -32768, double(Vsp32s(random_())) / 65536, double(random_()) * 0x1p-32};
-                call.cells[i].real = kValues[random_() % 8];
+                call.cells[i].real = real(a);
                 continue;
             }
             const Values values = call.values();
@@ -299,6 +321,7 @@ Call Draw::call(const Function& f, std::size_t number, bool faults) {
                 x = integer(f, i, all);
             } else {
                 Limits limits = a.limits(values, 0);
+                limits.high = std::max(limits.low, std::min(limits.high, a.most));
                 const std::size_t n = std::size_t(limits.high - limits.low + 1);
                 if (!dependent && counted && n <= 512) {
                     x = limits.low + Vsp64s(number % n);
@@ -318,10 +341,12 @@ Call Draw::call(const Function& f, std::size_t number, bool faults) {
     for (std::size_t i = 0; i < f.arguments.size(); i++) {
         const Argument& a = f.arguments[i];
         if (!a.pointer() || (faults && oneIn(64)) || (!call.used(i) && oneIn(2))) continue;
-        if (a.source >= 0 && call.arrays[std::size_t(a.source)] && oneIn(3))
-            call.inPlace[i] = true;
-        else
-            call.arrays[i] = contents(call, i, faults);
+        call.arrays[i] = contents(call, i, faults);
+        if (a.sources.empty() || !oneIn(3)) continue;
+        const int source = a.sources[random_() % a.sources.size()];
+        if (call.inPlace(std::size_t(source)) || (source < int(i) && !call.arrays[std::size_t(source)])) continue;
+        call.same[i] = source;
+        call.arrays[i].reset();
     }
     return call;
 }
@@ -346,10 +371,16 @@ std::vector<Fault> faultsOf(const Call& legal) {
         if (a.pointer() && legal.used(i)) {
             faults.push_back({i, [i](Call& c) {
                                   c.arrays[i].reset();
-                                  c.inPlace[i] = false;
+                                  c.same[i] = -1;
                               }});
         }
         if (a.error == vspStsNoErr) continue;
+        if (!hasIntegers(type)) {
+            for (const double x :
+                 {double(a.limits({}, 0).low) - 0.01, double(a.limits({}, 0).high) * 1.01, -HUGE_VAL, double(NAN)})
+                if (!isLegal(a, x, values)) faults.push_back({i, [=](Call& c) { c.cells[i].real = x; }});
+            continue;
+        }
         const std::size_t n = a.pointer() ? legal.elements(i) : 1;
         for (std::size_t e = 0; e < n; e++)
             for (const Vsp64s x : illegal(a, type, values, int(e))) {

@@ -20,11 +20,14 @@ struct Call {
     const Function* function;
     std::vector<Cell> cells;                   // of values
     std::vector<std::optional<Bytes>> arrays;  // with the history; none: a null pointer
-    std::vector<bool> inPlace;                 // the pointer is that of the argument's source
+    std::vector<int> same;                     // the argument that the pointer is the same as, or -1
 
     Values values() const;
     bool used(std::size_t argument) const;
     std::size_t elements(std::size_t argument) const;  // of an array, with its history; 0 where it is not used
+    std::size_t history(std::size_t argument) const;   // of these, before the pointer
+    double number(std::size_t argument) const;         // a value
+    bool inPlace(std::size_t argument) const { return same[argument] >= 0; }
     void setInteger(std::size_t argument, Vsp64s x) { cells[argument].integer = x; }
 
     // The error that the function must report, or vspStsNoErr.
@@ -67,6 +70,7 @@ class Draw {
 
   private:
     Vsp64s integer(const Function& f, std::size_t argument, Limits limits);
+    double real(const Argument& a);
     Bytes contents(const Call& call, std::size_t argument, bool faults);
     bool oneIn(unsigned n) { return random_() % n == n - 1; }
 

@@ -74,6 +74,7 @@ Function describing::make(const char* name, std::size_t slot, std::vector<Parame
         expect(types[i].pointer == a.pointer(), number + (types[i].pointer ? " is a pointer" : " is no pointer"));
         expect(!types[i].constant || !a.written(), number + " is constant");
         a.elements.setFirstLength(firstLength);
+        a.history.setFirstLength(firstLength);
     }
     return {.name = name,
             .family = {},

@@ -61,18 +61,20 @@ using Initialiser = std::function<void(const Api&, int start, void* state)>;
 struct Argument {
     enum class Kind { value, in, out, io, state } kind;
     Count elements = 0;  // that a call may touch, without the history
-    int history = 0;     // elements before the pointer
+    Count history = 0;   // elements before the pointer
 
     // The integers that the argument or its elements may be; others give the error, or with vspStsNoErr are only rare.
     std::function<Limits(const Values&, int element)> limits = {};
     std::vector<Vsp64s> choices = {};  // in place of limits
     bool dependent = false;            // the limits depend on other arguments
     VspStatus error = vspStsNoErr;
-    int step = 1;  // of a length
+    VspStatus errorAbove = vspStsNoErr;  // of a value above its limits, where it is another one
+    int step = 1;                        // of a length
+    Vsp64s most = 0x7FFFFFFF;            // tests have no larger values, though these are legal
 
     std::function<bool(const Values&)> used =
-        {};           // of a pointer that is not always used: checked after all other arguments
-    int source = -1;  // the argument that this may be the same memory as
+        {};                         // of a pointer that is not always used: checked after all other arguments
+    std::vector<int> sources = {};  // arguments whose memory this may be
     bool onlyInitialised = false;
     Initialiser initialise = {};
     Vsp64s always = -1;  // the only content that the function writes
@@ -80,13 +82,14 @@ struct Argument {
     bool keptOnWarning = false;
 
     // The pointer points behind so many elements of the array.
-    Argument after(int elementsBefore) const {
-        return with([&](Argument& a) { a.history = elementsBefore; });
+    Argument after(Count elementsBefore) const {
+        return with([&](Argument& a) { a.history = std::move(elementsBefore); });
     }
-    // The pointer may be the same as that argument, which the function then changes.
-    Argument mayBe(int position) const {
-        return with([&](Argument& a) { a.source = position; });
+    // The pointer may be the same as one of these arguments.
+    Argument mayBe(std::vector<int> positions) const {
+        return with([&](Argument& a) { a.sources = std::move(positions); });
     }
+    Argument mayBe(int position) const { return mayBe(std::vector<int>{position}); }
     // The array is only used in some calls, by the other arguments: values[place in the argument list].
     Argument when(std::function<bool(const Values&)> condition) const {
         return with([&](Argument& a) { a.used = std::move(condition); });
@@ -118,10 +121,19 @@ struct Argument {
         return with([&](Argument& a) { a.error = errorElsewhere, a.choices = std::move(all); });
     }
 
+    // A value above the limits gives another error.
+    Argument above(VspStatus otherError) const {
+        return with([&](Argument& a) { a.errorAbove = otherError; });
+    }
     // A length that must be a multiple of so much.
     Argument multipleOf(int number) const {
         return with([&](Argument& a) { a.step = number; });
     }
+    // Tests have no larger values, though these are legal.
+    Argument upTo(Vsp64s largest) const {
+        return with([&](Argument& a) { a.most = largest; });
+    }
+    // Only an initialiser and the functions themselves write the state.
     Argument alwaysInitialised() const {
         return with([&](Argument& a) { a.onlyInitialised = true; });
     }

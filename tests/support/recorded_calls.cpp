@@ -163,11 +163,20 @@ RecordedCall withNames(const Function& f, const VectorCase& c) {
         if (c.status >= 0 && (a.kind == 'o' || a.kind == 'b') && !c.advisory)
             recorded.expected[i] = {a.expected, 0, double(a.tolerance), 0};
     }
-    if (c.status >= 0)
-        for (std::size_t i = 0; i < c.arguments.size(); i++)
-            if (c.arguments[i].kind != 'v' && (c.arguments[i].offset != f.arguments[i].history ||
-                                               std::size_t(c.arguments[i].count) < recorded.call.elements(i)))
-                throw std::runtime_error(c.arguments[i].name + " is recorded with another length or history");
+    // The history may be longer than what the function reads.
+    for (std::size_t i = 0; i < c.arguments.size() && c.status >= 0; i++) {
+        const auto& a = c.arguments[i];
+        if (a.kind == 'v' || a.count < 0) continue;
+        const std::size_t history = recorded.call.history(i), elements = recorded.call.elements(i);
+        const std::ptrdiff_t more = a.offset - std::ptrdiff_t(history);
+        if (more < 0 || std::size_t(a.count) - std::size_t(more) != elements)
+            throw std::runtime_error(a.name + " is recorded with another length or history");
+        const auto shorten = [&](Bytes& bytes) {
+            bytes.erase(bytes.begin(), bytes.begin() + more * std::ptrdiff_t(f.types[i].size));
+        };
+        shorten(*recorded.call.arrays[i]);
+        if (recorded.expected[i]) shorten(recorded.expected[i]->bytes);
+    }
     return recorded;
 }
 
