@@ -50,12 +50,21 @@ set(vspsc_level_sources
     src/gsmamr/adaptive_codebook_gain.cpp
     src/gsmamr/adaptive_codebook_search.cpp
     src/gsmamr/adaptive_vector.cpp
+    src/gsmamr/algebraic_codebook_decode.cpp
+    src/gsmamr/background_noise.cpp
+    src/gsmamr/code_gain_prediction.cpp
+    src/gsmamr/code_gain_smoothing.cpp
     src/gsmamr/delay_decode.cpp
+    src/gsmamr/excitation_control.cpp
+    src/gsmamr/excitation_emphasis.cpp
     src/gsmamr/fft128.cpp
     src/gsmamr/high_pass.cpp
     src/gsmamr/lp_analysis.cpp
     src/gsmamr/lsp.cpp
     src/gsmamr/open_loop_pitch.cpp
+    src/gsmamr/gain_concealment.cpp
+    src/gsmamr/gain_decode.cpp
+    src/gsmamr/phase_dispersion.cpp
     src/gsmamr/vad1.cpp
     src/gsmamr/vad2.cpp
     src/gsmamr/weighted_error_update.cpp
@@ -79,7 +88,10 @@ set(vspsc_common_sources
     src/g729/tables.cpp
     src/gsmamr/lp_tables.cpp
     src/gsmamr/open_loop_tables.cpp
+    src/gsmamr/gain_tables.cpp
+    src/gsmamr/phase_dispersion_tables.cpp
     src/gsmamr/pitch_tables.cpp
+    src/gsmamr/square_root.cpp
     src/gsmamr/tables.cpp
     src/gsmfr/tables.cpp
     src/vector/real_fft_plan.cpp

@@ -1,0 +1,39 @@
+/**
+ * @file
+ * GSM-AMR (narrow band): the algebraic codebooks (3GPP TS 26.090, 5.7 and 6.1).
+ *
+ * The bit rates (mode): 0 = 4.75, 1 = 5.15, 3 = 5.90, 6 = 6.70, 7 = 7.40, 8 = 7.95, 11 = 10.2, 12 = 12.2 kbit/s. Bit-exact
+ * with the fixed-point reference of the standard (3GPP TS 26.073).
+ */
+#ifndef VSPSC_GSMAMR_ALGEBRAIC_CODEBOOK_H
+#define VSPSC_GSMAMR_ALGEBRAIC_CODEBOOK_H
+
+#include "vspsc/types.h"
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/**
+ * Pulses of the algebraic codebook from their indices, with pitch sharpening (`decode_2i40_9bits` to `dec_10i40_35bits`).
+ *
+ * @param[in]  pIndex    position and signs; at mode 11 four signs and three words of positions; at mode 12 ten words. Not
+ * used at mode 25, and may then be null
+ * @param[in]  mode      bit rate, or 25 (silence descriptor): no pulses
+ * @param[in]  subframe  0..3
+ * @param[in]  lag       lag of the adaptive codebook, 17..144
+ * @param[in]  sharp     sharpening, Q14
+ * @param[out] pCode     40 samples, Q13, at mode 12 Q12
+ * @retval vspStsNullPtrErr  pCode is null
+ * @retval vspStsRangeErr    mode, subframe or lag outside its range
+ * @retval vspStsNullPtrErr  pIndex is null where it is used
+ * @retval vspStsRangeErr    an index of more than its bits
+ */
+VspStatus vspsAlgebraicCodebookDecode_GSMAMR_16s(const Vsp16s* pIndex, Vsp32s mode, Vsp32s subframe, Vsp16s lag,
+                                                 Vsp16s sharp, Vsp16s* pCode);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif
