@@ -12,6 +12,8 @@
 #include "vspsc/gsmamr/concealment.h"
 #include "vspsc/gsmamr/excitation.h"
 #include "vspsc/gsmamr/gain.h"
+#include "vspsc/gsmamr/lp_analysis.h"
+#include "vspsc/gsmamr/lsp.h"
 #include "vspsc/gsmamr/open_loop_pitch.h"
 #include "vspsc/gsmamr/pre_post_process.h"
 #include "vspsc/gsmamr/vad.h"
