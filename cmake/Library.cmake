@@ -42,6 +42,8 @@ set(vspsc_level_sources
     src/g729/fixed_codebook_search.cpp
     src/g729/fixed_codebook_search_a.cpp
     src/g729/fixed_codebook_search_d.cpp
+    src/g729/fixed_codebook_search_e.cpp
+    src/g729/norm_corr.cpp
     src/g729/interpol_3.cpp
     src/g729/open_loop_pitch.cpp
     src/g729/pitch_32f.cpp

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "arithmetic/basic_ops.h"
+#include "common/cross_correlation.h"
 #include "common/lengths.h"
 #include "vector/dot.h"
 #include "vector/eight_32s.h"
@@ -32,6 +33,26 @@ VSP_INLINE void sharpen(Subframe& x, int lag, Vsp16s gain) {
         Vsp16s* const at = x.samples + i;
         addSat(S16_128::load(at), mulShift15Sat(S16_128::load(at - lag), factor)).store(at);
     }
+}
+
+// The target correlated with the impulse response, scaled by the largest magnitudes of the tracks (`cor_h_x`, G.729 Annex E
+// and GSM-AMR).
+template <int Tracks>
+VSP_INLINE void filterBackwards(const Vsp16s* target, const Vsp16s* impulse, int headroom, Vsp16s* d) {
+    Vsp32s sums[kL_subfr];
+    ownCrossCorr_32s(target, impulse, kL_subfr, sums);
+    Vsp32s total = 5;
+    for (int t = 0; t < Tracks; t++) {
+        Vsp32s largest = 0;
+        for (int i = t; i < kL_subfr; i += Tracks) {
+            const Vsp32s magnitude = Abs_32s(sums[i]);
+            largest = magnitude > largest ? magnitude : largest;
+        }
+        total = Add_32s(total, largest >> 1);
+    }
+    const int shift = norm_32s_Pos(total) - headroom;
+    for (int i = 0; i < kL_subfr; i++)
+        d[i] = round_32s(shift < 0 ? sums[i] >> -shift : Cnvrt_64s32s(sums[i] * (1LL << shift)));
 }
 
 // The samples by tracks.

@@ -1,5 +1,6 @@
 // Normalised cross-correlation of a target with an impulse response (G.729 Cor_h_X).
 #include "arithmetic/basic_ops.h"
+#include "common/cross_correlation.h"
 #include "common/exports.h"
 #include "common/lengths.h"
 #include "core/checks.h"
@@ -41,6 +42,18 @@ void crossCorrLong(const Vsp16s* target, const Vsp16s* impulse, int len, Vsp16s*
 
 }  // namespace
 
+void ownCrossCorr_32s(const Vsp16s* target, const Vsp16s* impulse, int len, Vsp32s* sums) {
+    if (!doubledSumsFit(energy(target, len), energy(impulse, len))) {
+        for (int n = 0; n < len; n++) sums[n] = dotSaturating(target + n, impulse, len - n);
+        return;
+    }
+    Vsp16s padded[kMaxFast + Sliding16::width];
+    for (int i = 0; i < len; i++) padded[i] = target[i];
+    for (int i = len; i < len + Sliding16::width; i++) padded[i] = 0;
+    correlateTails(padded, impulse, sums, 0, len);
+    for (int n = 0; n < len; n++) sums[n] *= 2;
+}
+
 VspStatus vspsCrossCorr_NormM_16s(const Vsp16s* pSrc1, const Vsp16s* pSrc2, Vsp32s len, Vsp16s* pDst) {
     if (anyNull(pSrc1, pSrc2, pDst)) return vspStsNullPtrErr;
     if (len < 1) return vspStsSizeErr;
@@ -49,15 +62,7 @@ VspStatus vspsCrossCorr_NormM_16s(const Vsp16s* pSrc1, const Vsp16s* pSrc2, Vsp3
         return vspStsNoErr;
     }
     Vsp32s sums[kMaxFast];
-    if (doubledSumsFit(energy(pSrc1, len), energy(pSrc2, len))) {
-        Vsp16s target[kMaxFast + Sliding16::width];
-        for (int i = 0; i < len; i++) target[i] = pSrc1[i];
-        for (int i = len; i < len + Sliding16::width; i++) target[i] = 0;
-        correlateTails(target, pSrc2, sums, 0, len);
-        for (int n = 0; n < len; n++) sums[n] *= 2;
-    } else {
-        for (int n = 0; n < len; n++) sums[n] = dotSaturating(pSrc1 + n, pSrc2, len - n);
-    }
+    ownCrossCorr_32s(pSrc1, pSrc2, len, sums);
     Vsp32s largest = 0;
     for (int n = 0; n < len; n++) {
         const Vsp32s a = Abs_32s(sums[n]);

@@ -13,6 +13,8 @@ VSP_INLINE S16_128 narrowSat(Eight32s a) {
 }
 // The products of the lower halves of the elements with x.
 VSP_INLINE Eight32s mulLower(Eight32s a, Vsp16s x) { return dot2(S16_256{a.v}, S16_256{S32_256::splat(Vsp16u(x)).v}); }
+// The products of the halves of the elements with the two samples at p, added.
+VSP_INLINE Eight32s dotPairs(Eight32s a, const Vsp16s* p) { return dot2(S16_256{a.v}, splatPair<S16_256>(p)); }
 #else
 struct Eight32s {
     S32_128 lo, hi;
@@ -28,6 +30,10 @@ VSP_INLINE S16_128 narrowSat(Eight32s a) { return packSat(a.lo, a.hi); }
 VSP_INLINE Eight32s mulLower(Eight32s a, Vsp16s x) {
     const S16_128 factor{S32_128::splat(Vsp16u(x)).v};
     return {dot2(S16_128{a.lo.v}, factor), dot2(S16_128{a.hi.v}, factor)};
+}
+VSP_INLINE Eight32s dotPairs(Eight32s a, const Vsp16s* p) {
+    const S16_128 factors = splatPair<S16_128>(p);
+    return {dot2(S16_128{a.lo.v}, factors), dot2(S16_128{a.hi.v}, factors)};
 }
 #endif
 

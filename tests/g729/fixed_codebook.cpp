@@ -58,6 +58,27 @@ TEST_P(FixedCodebook, RecordedCalls) {
     };
     runCases("vspsFixedCodebookDecode_G729_16s", 1, 0, decode(api.vspsFixedCodebookDecode_G729_16s));
     runCases("vspsFixedCodebookDecode_G729D_16s", 1, 0, decode(api.vspsFixedCodebookDecode_G729D_16s));
+    const auto withStatus = [](std::size_t status, auto call) {  // the recorded status stands before the outputs
+        return [=](const Items& items, auto out) {
+            EXPECT_EQ(vspStsNoErr, items.at(status).values<Vsp32s>().at(0));
+            return call(items, out);
+        };
+    };
+    runCases("vspsFixedCodebookSearch_G729E_16s", 3, 0, withStatus(6, [&](const Items& items, auto out) {
+                 return api.vspsFixedCodebookSearch_G729E_16s(value(items, 0), input(items, 1).data(),
+                                                              input(items, 2).data(), input(items, 3).data(),
+                                                              value(items, 4), value(items, 5), out(0), out(1), out(2));
+             }));
+    runCases("vspsFixedCodebookDecode_G729E_16s", 1, 0, withStatus(4, [&](const Items& items, auto out) {
+                 return api.vspsFixedCodebookDecode_G729E_16s(value(items, 0), input(items, 1).data(), value(items, 2),
+                                                              value(items, 3), out(0));
+             }));
+    for (const auto& items : readItemCases("g729/vspsFixedCodebookRandom_G729E_16s.vec")) {
+        Vsp16s seed = value(items, 0), index[5];
+        EXPECT_EQ(vspStsNoErr, api.vspsFixedCodebookRandom_G729E_16s(&seed, index));
+        EXPECT_EQ(value(items, 2), seed);
+        EXPECT_EQ(items.at(3).values<Vsp16s>(), std::vector<Vsp16s>(index, index + 5));
+    }
     for (const auto& items : readItemCases("g729/vspsFixedCodebookRandom_G729_16s.vec")) {
         Vsp16s seed = value(items, 0), seedD = seed, index[2], indexD[2];
         EXPECT_EQ(vspStsNoErr, api.vspsFixedCodebookRandom_G729_16s(&seed, index));

@@ -78,6 +78,30 @@ VspStatus vspsFixedCodebookSearch_G729D_16s(const Vsp16s* pTarget, const Vsp16s*
                                             Vsp16s* pCode, Vsp16s* pFiltered, Vsp16s* pIndex);
 
 /**
+ * Search of the codebooks of the 11.8 kbit/s coder: ten pulses, 35 bits, with forward prediction, twelve pulses, 44 bits,
+ * with backward prediction (G.729 Annex E, ACELP_10i40_35bits and ACELP_12i40_44bits).
+ *
+ * The signs of the pulses are those of a mean of the residual and the backward-filtered target. From each of three starts,
+ * two pulses at the largest places of neighbouring tracks, the others are found pair by pair on the tracks that follow. The
+ * impulse response is halved before the filtered code vector is formed.
+ *
+ * @param[in]  mode       0 forward, 1 backward prediction
+ * @param[in]  pTarget    target without the adaptive-codebook part, 40 samples
+ * @param[in]  pResidual  LP residual without the adaptive-codebook part, 40 samples
+ * @param[in]  pImpulse   impulse response of the weighted synthesis filter, 40 samples, Q12
+ * @param[in]  lag        integer lag, 18 .. 145
+ * @param[in]  sharp      sharpening gain, Q14
+ * @param[out] pCode      sharpened code vector, 40 samples, Q13
+ * @param[out] pFiltered  code vector filtered by the impulse response, 40 samples, Q12
+ * @param[out] pIndex     5 indices: 7 bits each in mode 0; 13, 10, 7, 7 and 7 bits in mode 1
+ * @retval vspStsNullPtrErr  pTarget, pResidual, pImpulse, pCode, pFiltered or pIndex is null
+ * @retval vspStsRangeErr    mode neither 0 nor 1, or lag outside 18 .. 145
+ */
+VspStatus vspsFixedCodebookSearch_G729E_16s(Vsp16s mode, const Vsp16s* pTarget, const Vsp16s* pResidual,
+                                            const Vsp16s* pImpulse, Vsp16s lag, Vsp16s sharp, Vsp16s* pCode,
+                                            Vsp16s* pFiltered, Vsp16s* pIndex);
+
+/**
  * Code vector of the four-pulse codebook with its sharpening (G.729 4.1.4, Decod_ACELP).
  *
  * @param[in]  pIndex  positions and signs, of which the low 13 and 4 bits are used
@@ -102,6 +126,21 @@ VspStatus vspsFixedCodebookDecode_G729_16s(const Vsp16s* pIndex, Vsp16s lag, Vsp
 VspStatus vspsFixedCodebookDecode_G729D_16s(const Vsp16s* pIndex, Vsp16s lag, Vsp16s sharp, Vsp16s* pCode);
 
 /**
+ * Code vector of the 11.8 kbit/s coder with its sharpening (G.729 Annex E, Dec_ACELP_10i40_35bits and
+ * Dec_ACELP_12i40_44bits).
+ *
+ * @param[in]  mode    0 forward, 1 backward prediction
+ * @param[in]  pIndex  5 indices, of which the low bits are used: 7 each in mode 0; 13, 10, 7, 7 and 7 in mode 1, where a
+ *                     track above 4 in the first counts as 4
+ * @param[in]  lag     integer lag, 18 .. 145
+ * @param[in]  sharp   sharpening gain, Q14
+ * @param[out] pCode   code vector, 40 samples, Q13
+ * @retval vspStsNullPtrErr  pIndex or pCode is null
+ * @retval vspStsRangeErr    mode neither 0 nor 1, or lag outside 18 .. 145
+ */
+VspStatus vspsFixedCodebookDecode_G729E_16s(Vsp16s mode, const Vsp16s* pIndex, Vsp16s lag, Vsp16s sharp, Vsp16s* pCode);
+
+/**
  * Codes in place of those of an erased subframe (G.729 4.4.4, Random): two draws of seed = seed * 31821 + 13849 modulo
  * 2^16, of which the low 13 and 4 bits are kept.
  *
@@ -120,6 +159,16 @@ VspStatus vspsFixedCodebookRandom_G729_16s(Vsp16s* pSeed, Vsp16s* pIndex);
  * @retval vspStsNullPtrErr  pSeed or pIndex is null
  */
 VspStatus vspsFixedCodebookRandom_G729D_16s(Vsp16s* pSeed, Vsp16s* pIndex);
+
+/**
+ * Codes of the 11.8 kbit/s coder in place of those of an erased subframe (G.729 Annex E), as
+ * vspsFixedCodebookRandom_G729_16s with five draws, of which the low 13, 10, 7, 7 and 7 bits are kept.
+ *
+ * @param[in,out] pSeed   seed, which is the value of the last draw
+ * @param[out]    pIndex  5 indices
+ * @retval vspStsNullPtrErr  pSeed or pIndex is null
+ */
+VspStatus vspsFixedCodebookRandom_G729E_16s(Vsp16s* pSeed, Vsp16s* pIndex);
 
 #ifdef __cplusplus
 }
