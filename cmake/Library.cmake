@@ -43,7 +43,6 @@ set(vspsc_level_sources
     src/g729/fixed_codebook_search_a.cpp
     src/g729/fixed_codebook_search_d.cpp
     src/g729/fixed_codebook_search_e.cpp
-    src/g729/norm_corr.cpp
     src/g729/interpol_3.cpp
     src/g729/open_loop_pitch.cpp
     src/g729/pitch_32f.cpp
@@ -60,12 +59,12 @@ set(vspsc_level_sources
     src/gsmamr/excitation_control.cpp
     src/gsmamr/excitation_emphasis.cpp
     src/gsmamr/fft128.cpp
+    src/gsmamr/gain_concealment.cpp
+    src/gsmamr/gain_decode.cpp
     src/gsmamr/high_pass.cpp
     src/gsmamr/lp_analysis.cpp
     src/gsmamr/lsp.cpp
     src/gsmamr/open_loop_pitch.cpp
-    src/gsmamr/gain_concealment.cpp
-    src/gsmamr/gain_decode.cpp
     src/gsmamr/phase_dispersion.cpp
     src/gsmamr/vad1.cpp
     src/gsmamr/vad2.cpp
@@ -88,9 +87,9 @@ set(vspsc_common_sources
     src/g722/tables.cpp
     src/g726/tables.cpp
     src/g729/tables.cpp
+    src/gsmamr/gain_tables.cpp
     src/gsmamr/lp_tables.cpp
     src/gsmamr/open_loop_tables.cpp
-    src/gsmamr/gain_tables.cpp
     src/gsmamr/phase_dispersion_tables.cpp
     src/gsmamr/pitch_tables.cpp
     src/gsmamr/square_root.cpp

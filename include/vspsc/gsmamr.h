@@ -6,8 +6,6 @@
 #define VSPSC_GSMAMR_H
 
 #include "vspsc/gsmamr/adaptive_codebook.h"
-#include "vspsc/gsmamr/lp_analysis.h"
-#include "vspsc/gsmamr/lsp.h"
 #include "vspsc/gsmamr/algebraic_codebook.h"
 #include "vspsc/gsmamr/concealment.h"
 #include "vspsc/gsmamr/excitation.h"
