@@ -4,6 +4,7 @@ set(vspsc_level_sources
     src/alc/alc.cpp
     src/amrwb/state_sizes.cpp
     src/common/adaptive_vector.cpp
+    src/common/auto_corr.cpp
     src/common/auto_scale.cpp
     src/common/convolution.cpp
     src/common/correlation.cpp
@@ -38,15 +39,22 @@ set(vspsc_level_sources
     src/g729/adaptive_codebook_gain.cpp
     src/g729/adaptive_codebook_search.cpp
     src/g729/adaptive_vector.cpp
+    src/g729/backward_lp.cpp
     src/g729/fixed_codebook_decode.cpp
     src/g729/fixed_codebook_search.cpp
     src/g729/fixed_codebook_search_a.cpp
     src/g729/fixed_codebook_search_d.cpp
     src/g729/fixed_codebook_search_e.cpp
     src/g729/interpol_3.cpp
+    src/g729/high_pass.cpp
+    src/g729/hybrid_window.cpp
+    src/g729/lp_32f.cpp
+    src/g729/lp_analysis.cpp
+    src/g729/lsp.cpp
     src/g729/open_loop_pitch.cpp
     src/g729/pitch_32f.cpp
     src/g729/state_sizes.cpp
+    src/g729/weighting_factors.cpp
     src/g7291/state_sizes.cpp
     src/gsmamr/adaptive_codebook_gain.cpp
     src/gsmamr/adaptive_codebook_search.cpp
@@ -86,6 +94,7 @@ set(vspsc_common_sources
     src/ec/tables.cpp
     src/g722/tables.cpp
     src/g726/tables.cpp
+    src/g729/lp_tables.cpp
     src/g729/tables.cpp
     src/gsmamr/gain_tables.cpp
     src/gsmamr/lp_tables.cpp

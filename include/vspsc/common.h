@@ -348,6 +348,39 @@ VspStatus vspsConvPartial_16s_Sfs(const Vsp16s* pSrc1, const Vsp16s* pSrc2, Vsp1
 VspStatus vspsSynthesisFilter_NR_16s_Sfs(const Vsp16s* pLPC, const Vsp16s* pSrc, Vsp16s* pDst, Vsp32s len,
                                          Vsp32s scaleFactor, const Vsp16s* pMem);
 
+/**
+ * LP synthesis filter 1/A(z) of order 10 in place, as vspsSynthesisFilter_NR_16s_Sfs.
+ *
+ * @param[in]     pLPC         11 coefficients in Q(scaleFactor)
+ * @param[in,out] pSrcDst      len samples
+ * @param[in]     len          number of samples
+ * @param[in]     scaleFactor  0 .. 15
+ * @param[in]     pMem         the 10 outputs before the first one, the newest last
+ * @retval vspStsNullPtrErr     pLPC, pSrcDst or pMem is null
+ * @retval vspStsSizeErr        len < 1
+ * @retval vspStsScaleRangeErr  scaleFactor outside 0 .. 15
+ * @retval vspStsOverflow       warning: some step saturated; all outputs are written
+ */
+VspStatus vspsSynthesisFilter_NR_16s_ISfs(const Vsp16s* pLPC, Vsp16s* pSrcDst, Vsp32s len, Vsp32s scaleFactor,
+                                          const Vsp16s* pMem);
+
+/**
+ * Autocorrelation of a windowed signal, normalised (G.729 3.2.1, Autocorr).
+ *
+ * While 2 * sum of y[n]^2 + 1 leaves 32 bits, all samples y of a copy are divided by 4 (>> 2). Then dst[k] = (2 * sum of
+ * y[n] * y[n-k]) << m, 1 added to the sum of k = 0, which m normalises; bit 0 is cleared.
+ *
+ * @param[in]  pSrc    windowed signal, len samples
+ * @param[in]  len     number of samples
+ * @param[out] pDst    autocorrelations of lags 0 .. lenDst-1, Q31
+ * @param[in]  lenDst  number of lags
+ * @param[out] pNorm   m - 4 times the number of divisions
+ * @retval vspStsNullPtrErr  pSrc, pDst or pNorm is null
+ * @retval vspStsSizeErr     len < 1, lenDst < 1 or lenDst > len
+ * @retval vspStsOverflow    warning: the copy was divided by 4
+ */
+VspStatus vspsAutoCorr_NormE_16s32s(const Vsp16s* pSrc, Vsp32s len, Vsp32s* pDst, Vsp32s lenDst, Vsp32s* pNorm);
+
 #ifdef __cplusplus
 }
 #endif

@@ -7,7 +7,10 @@
 
 #include "vspsc/g729/backward_lp.h"
 #include "vspsc/g729/excitation.h"
+#include "vspsc/g729/filters.h"
 #include "vspsc/g729/fixed_codebook.h"
+#include "vspsc/g729/lp_analysis.h"
+#include "vspsc/g729/lsp.h"
 #include "vspsc/g729/pitch.h"
 #include "vspsc/g729/pre_post_process.h"
 

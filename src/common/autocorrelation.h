@@ -7,55 +7,58 @@
 
 namespace vsp::VSP_LEVEL {
 
-// A signal between the zeros that make every lag a plain sum of products.
-template <int kLen, int kLags>
-struct PaddedSignal {
-    static constexpr int kGroup = 4;  // lags that are summed at a time
-    static constexpr int kLagGroups = (kLags + kGroup - 1) / kGroup;
-    static constexpr int kBefore = kLagGroups * kGroup;
-    static constexpr int kWhole = (kLen + Sliding16::width - 1) / Sliding16::width * Sliding16::width;
-    Vsp16s buffer[kBefore + kWhole];
-    Vsp16s* const samples = buffer + kBefore;
+constexpr int kLagGroup = 4;  // lags that are summed at a time
+constexpr int wholeLagGroups(int lags) { return (lags + kLagGroup - 1) / kLagGroup * kLagGroup; }
 
-    [[gnu::always_inline]] PaddedSignal() {
-        for (int i = 0; i < kBefore; i++) buffer[i] = 0;
-        for (int i = kLen; i < kWhole; i++) samples[i] = 0;
-    }
-
-    // r[k] = sum of samples[i] * samples[i - k]; the sums wrap, which none does if the energy is below 2^31.
-    [[gnu::always_inline]] void correlate(Vsp32s (&r)[kBefore]) const {
-        using V = Sliding16;
-        for (int k = 0; k < kBefore; k += kGroup) {
-            Wide<V> sum[kGroup];
-            for (auto& s : sum) s = Wide<V>::splat(0);
-            for (int i = 0; i < kWhole; i += V::width) {
-                const V x = V::load(samples + i);
-                for (int j = 0; j < kGroup; j++) sum[j] = add(sum[j], dot2(x, V::load(samples + i - k - j)));
-            }
-            sums(sum[0], sum[1], sum[2], sum[3]).store(r + k);
+// r[k] = sum of x[i] * x[i - k] over i = 0 .. len-1 for whole groups of lags, in 32 bits that wrap. Behind the len samples
+// zeros fill the last vector.
+VSP_INLINE void correlateLags(const Vsp16s* x, int len, Vsp32s* r, int lags) {
+    using V = Sliding16;
+    for (int k = 0; k < lags; k += kLagGroup) {
+        Wide<V> sum[kLagGroup];
+        for (auto& s : sum) s = Wide<V>::splat(0);
+        for (int i = 0; i < len; i += V::width) {
+            const V samples = V::load(x + i);
+            for (int j = 0; j < kLagGroup; j++) sum[j] = add(sum[j], dot2(samples, V::load(x + i - k - j)));
         }
+        sums(sum[0], sum[1], sum[2], sum[3]).store(r + k);
+    }
+}
+
+// A signal between the zeros that make every lag a plain sum of products.
+template <int kMaxLen, int kMaxLags>
+struct PaddedSignal {
+    static constexpr int kLags = wholeLagGroups(kMaxLags);
+    static constexpr int kWhole = (kMaxLen + Sliding16::width - 1) / Sliding16::width * Sliding16::width;
+    Vsp16s buffer[kLags + kWhole];
+    Vsp16s* const samples = buffer + kLags;
+    const int len;
+
+    [[gnu::always_inline]] explicit PaddedSignal(int length) : len(length) {
+        for (int i = 0; i < kLags; i++) buffer[i] = 0;
+        for (int i = length; i < kWhole; i++) samples[i] = 0;
     }
 };
 
-// Doubled sums of squares that leave 32 bits.
-constexpr Vsp64s kEnergyLimit = 1 << 30;
+constexpr Vsp64s kEnergyLimit = 1 << 30;  // from which on a doubled energy leaves 32 bits
 
-// r[k] = the doubled correlations of lags 0 .. kLags-1, 1 added to the first, normalised by it, bit 0 cleared. While the
-// energy leaves 32 bits, the signal is divided by 4 first. Returns the number of these divisions; norm is the left shift.
-template <int kLen, int kLags>
-VSP_INLINE int normalisedAutoCorr(PaddedSignal<kLen, kLags>& signal, Vsp32s* r, Vsp32s* norm) {
-    using Signal = PaddedSignal<kLen, kLags>;
+// r[k] = the doubled correlations of lags 0 .. lags-1, 1 added to the first, normalised by it, bit 0 cleared. While the
+// energy leaves 32 bits, the signal is divided by 4 first. norm: the left shift less 4 times the number of these divisions,
+// which is returned.
+template <int kMaxLen, int kMaxLags>
+VSP_INLINE int normalisedAutoCorr(PaddedSignal<kMaxLen, kMaxLags>& signal, Vsp32s* r, int lags, Vsp32s* norm) {
     int divisions = 0;
-    while (energy(signal.samples, kLen) >= kEnergyLimit) {
-        for (int i = 0; i < kLen; i++) signal.samples[i] = Vsp16s(signal.samples[i] >> 2);
+    while (energy(signal.samples, signal.len) >= kEnergyLimit) {
+        for (int i = 0; i < signal.len; i++) signal.samples[i] = Vsp16s(signal.samples[i] >> 2);
         divisions++;
     }
-    Vsp32s sums[Signal::kBefore];
-    signal.correlate(sums);
+    Vsp32s sums[wholeLagGroups(kMaxLags)];
+    correlateLags(signal.samples, signal.len, sums, lags);  // none is above the energy, whatever it has summed
     const Vsp32s r0 = 2 * sums[0] + 1;
-    *norm = norm_32s_Pos(r0);
-    r[0] = splitValue(r0 << *norm);
-    for (int k = 1; k < kLags; k++) r[k] = 2 * sums[k] * (1 << *norm);
+    const int shift = norm_32s_Pos(r0);
+    r[0] = splitValue(r0 << shift);
+    for (int k = 1; k < lags; k++) r[k] = 2 * sums[k] * (1 << shift);
+    *norm = shift - 4 * divisions;
     return divisions;
 }
 

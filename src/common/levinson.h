@@ -61,6 +61,23 @@ struct Levinson {
         lpc[0] = 4096;
         for (int i = 1; i <= kOrder; i++) lpc[i] = round_32s(Mul2_32s(a[i]));
     }
+
+    // Results of the G.729 coders: filter, reflection coefficients, Q15, and error. mem has the last good filter and its
+    // first two reflection coefficients, which take the place of an unstable one.
+    [[gnu::always_inline]] VspStatus finish(Vsp16s* lpc, Vsp16s* rc, Vsp16s* err, Vsp16s* mem) const {
+        constexpr int kKept = 2;
+        if (!stable) {
+            for (int i = 0; i <= kOrder; i++) lpc[i] = mem[i];
+            for (int i = 0; i < kKept; i++) rc[i] = mem[kOrder + 1 + i];
+            return vspStsOverflow;
+        }
+        round(lpc);
+        for (int i = 0; i < kOrder; i++) rc[i] = Vsp16s(reflection[i] >> 16);
+        *err = error;
+        for (int i = 0; i <= kOrder; i++) mem[i] = lpc[i];
+        for (int i = 0; i < kKept; i++) mem[kOrder + 1 + i] = rc[i];
+        return vspStsNoErr;
+    }
 };
 
 }  // namespace vsp::VSP_LEVEL

@@ -18,15 +18,13 @@ static constexpr int kOrder = 10, kWindow = 240;
 VspStatus vspsAutoCorr_GSMAMR_16s32s(const Vsp16s* pSrc, Vsp32s window, Vsp32s* pDst, Vsp32s* pNorm) {
     if (anyNull(pSrc, pDst, pNorm)) return vspStsNullPtrErr;
     if (window < 0 || window > 2) return vspStsRangeErr;
-    PaddedSignal<kWindow, kOrder + 1> signal;
+    PaddedSignal<kWindow, kOrder + 1> signal(kWindow);
     map(
         kWindow, [](auto x, auto w) { return mulRound(x, w); }, signal.samples, pSrc,
         window == 0   ? hammingCosine
         : window == 1 ? window_160_80
                       : window_232_8);
-    Vsp32s norm;
-    const int divisions = normalisedAutoCorr(signal, pDst, &norm);
-    *pNorm = norm - 4 * divisions;
+    normalisedAutoCorr(signal, pDst, kOrder + 1, pNorm);
     return vspStsNoErr;
 }
 
