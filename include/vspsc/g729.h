@@ -6,11 +6,14 @@
 #define VSPSC_G729_H
 
 #include "vspsc/g729/backward_lp.h"
+#include "vspsc/g729/delay.h"
 #include "vspsc/g729/excitation.h"
 #include "vspsc/g729/filters.h"
 #include "vspsc/g729/fixed_codebook.h"
+#include "vspsc/g729/gain.h"
 #include "vspsc/g729/lp_analysis.h"
 #include "vspsc/g729/lsp.h"
+#include "vspsc/g729/lsp_quant.h"
 #include "vspsc/g729/pitch.h"
 #include "vspsc/g729/pre_post_process.h"
 
