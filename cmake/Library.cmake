@@ -40,6 +40,7 @@ set(vspsc_level_sources
     src/g729/adaptive_codebook_search.cpp
     src/g729/adaptive_vector.cpp
     src/g729/backward_lp.cpp
+    src/g729/delay_index.cpp
     src/g729/fixed_codebook_decode.cpp
     src/g729/fixed_codebook_search.cpp
     src/g729/fixed_codebook_search_a.cpp
@@ -49,6 +50,7 @@ set(vspsc_level_sources
     src/g729/gain_decode.cpp
     src/g729/gain_quant.cpp
     src/g729/gain_quant_32f.cpp
+    src/g729/interpol_3.cpp
     src/g729/lsf_decode.cpp
     src/g729/lsp_predictor.cpp
     src/g729/lsp_quant_32f.cpp
