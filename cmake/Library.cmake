@@ -51,8 +51,10 @@ set(vspsc_level_sources
     src/g729/gain_quant.cpp
     src/g729/gain_quant_32f.cpp
     src/g729/interpol_3.cpp
+    src/g729/lpc_mode.cpp
     src/g729/lsf_decode.cpp
     src/g729/lsp_predictor.cpp
+    src/g729/lsp_quant.cpp
     src/g729/lsp_quant_32f.cpp
     src/g729/norm_corr.cpp
     src/g729/interpol_3.cpp
@@ -61,11 +63,15 @@ set(vspsc_level_sources
     src/g729/lp_32f.cpp
     src/g729/lp_analysis.cpp
     src/g729/lsp.cpp
+    src/g729/music_detect.cpp
     src/g729/open_loop_pitch.cpp
     src/g729/pitch_32f.cpp
+    src/g729/pitch_track.cpp
     src/g729/state_sizes.cpp
     src/g729/weighting_factors.cpp
     src/g729/taming.cpp
+    src/g729/vad.cpp
+    src/g729/vad_32f.cpp
     src/g729/weighted_error.cpp
     src/g7291/state_sizes.cpp
     src/gsmamr/adaptive_codebook_gain.cpp
@@ -109,6 +115,7 @@ set(vspsc_common_sources
     src/g729/lp_tables.cpp
     src/g729/gain_tables.cpp
     src/g729/lsp_tables.cpp
+    src/g729/silence_tables.cpp
     src/g729/tables.cpp
     src/gsmamr/gain_tables.cpp
     src/gsmamr/lp_tables.cpp

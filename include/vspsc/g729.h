@@ -12,9 +12,11 @@
 #include "vspsc/g729/fixed_codebook.h"
 #include "vspsc/g729/gain.h"
 #include "vspsc/g729/lp_analysis.h"
+#include "vspsc/g729/lpc_mode.h"
 #include "vspsc/g729/lsp.h"
 #include "vspsc/g729/lsp_quant.h"
 #include "vspsc/g729/pitch.h"
 #include "vspsc/g729/pre_post_process.h"
+#include "vspsc/g729/silence.h"
 
 #endif

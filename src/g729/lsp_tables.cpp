@@ -359,6 +359,18 @@ constexpr LspPredictor<Vsp32f> lspPredictors_32f[2] = {
      {2.2466859817505f, 1.7873100042343f, 1.6572753190994f, 1.8892878293991f, 1.9948137998581f, 1.9908419847488f,
       2.162162065506f, 2.1528525352478f, 2.0424838066101f, 2.0859408378601f}}};
 
+// The first is that of speech, the second one mixes 0.6 of it with 0.4 of the other one of speech.
+static consteval LspPredictor<Vsp16s> mixture() {
+    LspPredictor<Vsp16s> p{{},
+                           {10514, 12402, 12833, 11914, 11447, 11670, 11132, 11311, 11844, 11447},
+                           {12764, 10821, 10458, 11264, 11724, 11500, 12056, 11865, 11331, 11724}};
+    for (int k = 0; k < kMaTaps; k++)
+        for (int j = 0; j < kLspOrder; j++)
+            p.fg[k][j] = Vsp16s((lspPredictors[0].fg[k][j] * 19660 + lspPredictors[1].fg[k][j] * 13107) >> 15);
+    return p;
+}
+constexpr LspPredictor<Vsp16s> noisePredictors[2] = {lspPredictors[0], mixture()};
+
 static consteval LspPairs1 pairs1() {
     LspPairs1 t{};
     for (int i = 0; i < kNc0; i++)
@@ -416,6 +428,6 @@ static consteval bool consistent(const LspPredictor<Vsp16s>& p) {
     }
     return true;
 }
-static_assert(consistent(lspPredictors[0]) && consistent(lspPredictors[1]));
+static_assert(consistent(lspPredictors[0]) && consistent(lspPredictors[1]) && consistent(noisePredictors[1]));
 
 }  // namespace vsp

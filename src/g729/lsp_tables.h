@@ -41,6 +41,7 @@ struct LspPredictor {
     T sumInverse[kLspOrder];   // Q12
 };
 extern const LspPredictor<Vsp16s> lspPredictors[2];
+extern const LspPredictor<Vsp16s> noisePredictors[2];  // of silence frames (noise_fg)
 extern const LspPredictor<Vsp32f> lspPredictors_32f[2];
 
 }  // namespace vsp

@@ -79,6 +79,19 @@ VspStatus vspsDelayDecode_G729_16s(Vsp16s index, Vsp16s lag, Vsp16s subframe, Vs
  */
 VspStatus vspsDelayDecode_G729D_16s(Vsp16s index, Vsp16s lag, Vsp16s subframe, Vsp16s* pDelay);
 
+/**
+ * Smooths the delay that erased frames at 11.8 kbit/s take (G.729 Annex E, track_pit).
+ *
+ * A delay near the last one is believed and stored. One whose ratio to the last one is near 2, 3 or 4 gives way to the
+ * stored one for as many subframes as there were near ones before, at most 7. Any other one is stored.
+ *
+ * @param[in,out] pDelay  delay pair of the subframe, lag 18 .. 145
+ * @param[in,out] pMem    last lag, number of near ones, stored delay pair; 30, 0, 0, 0 at the start
+ * @retval vspStsNullPtrErr    pDelay or pMem is null
+ * @retval vspStsCodeRangeErr  lag outside 18 .. 145, or fraction outside -1 .. 1
+ */
+VspStatus vspsPitchTrack_G729E_16s(Vsp16s* pDelay, Vsp16s* pMem);
+
 #ifdef __cplusplus
 }
 #endif

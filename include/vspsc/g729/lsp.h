@@ -25,7 +25,8 @@ extern "C" {
 VspStatus vspsLPCToLSP_G729_16s(const Vsp16s* pLPC, const Vsp16s* pPrevLSP, Vsp16s* pLSP);
 
 /**
- * LP filter to line spectral pairs, fast search (G.729 A.3.2.3): as vspsLPCToLSP_G729_16s with 50 intervals, bisected twice.
+ * LP filter to line spectral pairs, fast search (G.729 A.3.2.3): as vspsLPCToLSP_G729_16s with 50 intervals, bisected
+ * twice.
  *
  * @param[in]  pLPC      11 coefficients, Q12
  * @param[in]  pPrevLSP  previous LSPs, 10

@@ -19,6 +19,21 @@ extern "C" {
 #endif
 
 /**
+ * Quantises the line spectral pairs of a frame (G.729 3.2.4, Qua_lsp).
+ *
+ * For each of the two predictors the entry of the first stage (128) with the smallest squared error is found, then those of
+ * the second stage (32 each) for the lower and the upper half with the smallest weighted one; of equal ones the first. The
+ * predictor with the smaller weighted error of all ten frequencies is taken, of equal ones the first.
+ *
+ * @param[in]     pLSP       LSP, 10 values, Q15
+ * @param[in,out] pPrevFreq  memory of the predictor, 40 values, Q13
+ * @param[out]    pQLSP      quantised LSP, 10 values, Q15
+ * @param[out]    pIndex     predictor and first stage, 1 + 7 bits; second stage, 5 + 5 bits
+ * @retval vspStsNullPtrErr  pLSP, pPrevFreq, pQLSP or pIndex is null
+ */
+VspStatus vspsLSPQuant_G729_16s(const Vsp16s* pLSP, Vsp16s* pPrevFreq, Vsp16s* pQLSP, Vsp16s* pIndex);
+
+/**
  * Decodes the line spectral frequencies of a frame (G.729 3.2.4 and 4.1.1, Lsp_iqua_cs).
  *
  * @param[in]     pIndex     predictor and first stage, of which the low 8 bits are used; second stage, the low 10 bits
@@ -44,9 +59,7 @@ VspStatus vspsLSFDecodeErased_G729_16s(Vsp16s mode, const Vsp16s* pPrevLSF, Vsp1
 /**
  * Quantises the line spectral pairs of a frame in floating point (G.729 3.2.4 and Annex C, qua_lsp).
  *
- * For each of the two predictors the entry of the first stage (128) with the smallest squared error is found, then those of
- * the second stage (32 each) for the lower and the upper half with the smallest weighted one; of equal ones the first. The
- * predictor with the smaller weighted error of all ten frequencies is taken, of equal ones the first. Sums run from the
+ * As vspsLSPQuant_G729_16s; sums run from the
  * first frequency to the last.
  *
  * @param[in]     pLSP       LSP, 10 values
