@@ -95,6 +95,33 @@ TEST_P(VoicePeriodRepetition, AVoicedSoundGoesOnAndIsTakenUpAgainWithoutAClick) 
     }
 }
 
+// Silence would be at 0 dB, and a repetition at random below it.
+TEST_P(VoicePeriodRepetition, OfSpeechItIsNearerToTheFrameThanSilence) {
+    const Octets coded = Encoder(codec)(recordedSpeech());
+    const Samples whole = Decoder(codec)(coded);
+    double sum = 0;
+    int frames = 0;
+    for (const int first : {3, 6, 9}) {
+        Decoder decoder(codec);
+        for (std::ptrdiff_t i = 0; (i + 1) * frameBytes <= std::ssize(coded); i++) {
+            if (i % 10 != first) {
+                decoder.frame(frame(coded, i), goodFrame(codec));
+                continue;
+            }
+            const Samples heard = decoder.lost(),
+                          expected(&whole[std::size_t(i) * 160], &whole[std::size_t(i) * 160] + 160);
+            if (energy(expected) < 160 * 100.0 * 100) continue;
+            Samples error;
+            for (std::size_t k = 0; k < 160; k++) error.push_back(Vsp16s((expected[k] - heard[k]) / 2));
+            sum += std::max(-10.0, 10 * std::log10(energy(expected) / (4 * energy(error) + 1)));
+            frames++;
+        }
+    }
+    EXPECT_GT(frames, 200);
+    EXPECT_GT(sum / frames, 1.5);
+    RecordProperty("dB", std::to_string(sum / frames));
+}
+
 TEST_P(VoicePeriodRepetition, EveryLostFrameIsQuieterThanTheOneBefore) {
     Decoder decoder(codec);
     decoder(Encoder(codec)(voiced(160 * 20, 70.0)));

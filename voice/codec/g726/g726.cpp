@@ -61,7 +61,7 @@ void decode(void* decoder, const Codec& codec, const Vsp8u* bytes, const VspvFra
     d.repeater.decoded(samples, kFrame);
 }
 
-// The coder keeps what it has adapted to, which fits better than what any made-up codes would make of it.
+// The coder keeps what it has adapted to. To let it follow the repetition, with the codes that come nearest, gains nothing.
 void conceal(void* decoder, const Codec&, const Vsp8u*, const VspvFrame&, Vsp16s* samples) {
     static_cast<Decoder*>(decoder)->repeater.conceal(samples, kFrame);
 }
