@@ -40,7 +40,7 @@ const Format& formatFor(const VspvCodec& codec, const std::string& extension) {
     for (const Format& f : kFormats)
         if (extension == f.extension && (f.codec == nullptr || names(f, codec))) return f;
     for (const Format& f : kFormats)
-        if (extension != std::string(".") + codec.name && names(f, codec)) return f;
+        if (names(f, codec)) return f;
     return kOctets;
 }
 
