@@ -115,7 +115,7 @@ class Program : public Adapter {
     explicit Program(std::string name) : name_(std::move(name)) {}
 
     Signal process(const Signal& far, const Signal& near) override {
-        constexpr std::size_t kLatency = 104;  // of examples/echo_canceller.c
+        constexpr std::size_t kLatency = 104;  // of examples/subband_filter.c
         const std::filesystem::path folder = std::filesystem::temp_directory_path();
         const std::string stem = (folder / ("echo_" + std::to_string(getpid()))).string();
         const std::string files[] = {stem + ".far", stem + ".near", stem + ".out"};

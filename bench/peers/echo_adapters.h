@@ -17,7 +17,7 @@ class Adapter {
 };
 
 // name: subband, fullband, each with -fixed or -bare (without tone detector and search of the bulk delay, which speexdsp
-// has not either) or as it is; speexdsp; webrtc, whose tail is fixed; a program as examples/echo_canceller, with a slash.
+// has not either) or as it is; speexdsp; webrtc, whose tail is fixed; a program as examples/subband_filter, with a slash.
 std::unique_ptr<Adapter> makeAdapter(const std::string& name, double tailMs);
 
 // Ours, to be called in steps.

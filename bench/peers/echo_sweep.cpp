@@ -4,7 +4,7 @@
 //     vspsc_bench_echo_sweep FOLDER [louder|talk] [CANCELLER...]
 //
 // FOLDER and CANCELLER as for vspsc_bench_echo_cancellers; a CANCELLER with a slash in it is a program that is called as
-// examples/echo_canceller is.
+// examples/subband_filter is.
 #include <algorithm>
 #include <cmath>
 #include <cstdio>

@@ -1,15 +1,18 @@
-"""examples/echo_canceller: removes an echo, and makes no line louder."""
+"""examples/echo_canceller and examples/subband_filter: remove an echo, and make no line louder."""
 import array
 import itertools
 import math
 import os
+import pathlib
 import random
 import subprocess
 
 import pytest
 from signals import pcm, speech, tone, voice
 
-LATENCY = 104
+EXAMPLE = pathlib.Path(os.environ["EXAMPLE"])
+COMPLETE = EXAMPLE.stem == "echo_canceller"
+LATENCY = 0 if COMPLETE else 104
 SECONDS = 8
 COUNT = SECONDS * 8000
 
@@ -18,7 +21,7 @@ def cancel(directory, far, near):
     files = [directory / name for name in ("far.raw", "near.raw", "out.raw")]
     for file, samples in zip(files, (far, near)):
         file.write_bytes(pcm(samples + [0] * LATENCY))
-    subprocess.run([os.environ["EXAMPLE"], *files], check=True, timeout=60)
+    subprocess.run([EXAMPLE, *files], check=True, timeout=60)
     out = array.array("h", files[2].read_bytes()).tolist()
     assert out[:LATENCY] == [0] * LATENCY
     return out[LATENCY:]
@@ -66,8 +69,8 @@ NEAR = {
 def test_no_line_without_echo_gets_louder(tmp_path, near, far):
     out = cancel(tmp_path, FAR[far], NEAR[near])
     assert louder(NEAR[near], out) <= 1
-    # What has no steady tone that could be predicted from the far end is left as it is.
-    if near != "hum" and "voice" not in near:
+    # What has no steady tone that could be predicted from the far end is left as it is by the simple one.
+    if not COMPLETE and near != "hum" and "voice" not in near:
         assert out == NEAR[near]
 
 
@@ -85,4 +88,4 @@ def test_echo_is_removed(tmp_path, far):
     talker = [0] * half + [x // 3 for x in TALKER[half:]]
     out = cancel(tmp_path, FAR[far], [e + t for e, t in zip(echo, talker)])
     left = [o - t for o, t in zip(out, talker)]
-    assert decibels(energy(echo[half:]), energy(left[half:])) > 5
+    assert decibels(energy(echo[half:]), energy(left[half:])) > (15 if COMPLETE else 5)
