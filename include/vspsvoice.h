@@ -1,13 +1,13 @@
 /**
  * @file
- * Ready-to-call voice processing, put together from the building blocks of vspsc.h: speech codecs, an echo
- * canceller, level control and the detection of answer tones.
+ * Ready-to-call voice processing, put together from the building blocks of vspsc.h: speech codecs, an echo canceller,
+ * level control and the detection of answer tones.
  *
  * The application owns every buffer and every object: it asks for the size, provides that much memory (what malloc
  * returns is aligned for all of them), initialises it and passes it to each call. The functions keep nothing, allocate
  * nothing, print nothing and may be called from any number of threads at once, as long as no two calls share an object
- * or an output buffer. Unless its comment says otherwise an object holds no pointers into itself:
- * it may be copied to other memory, and goes on there.
+ * or an output buffer. Unless its comment says otherwise an object holds no pointers into itself: it may be copied to other
+ * memory, and goes on there.
  *
  * Status codes are those of vspsc.h. Arguments are checked before anything is written, in the order in which a function's
  * comment lists its codes, and after an error every output and every object is what it was.
