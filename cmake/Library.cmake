@@ -46,33 +46,30 @@ set(vspsc_level_sources
     src/g729/fixed_codebook_search_a.cpp
     src/g729/fixed_codebook_search_d.cpp
     src/g729/fixed_codebook_search_e.cpp
-    src/g729/delay_index.cpp
     src/g729/gain_decode.cpp
     src/g729/gain_quant.cpp
     src/g729/gain_quant_32f.cpp
+    src/g729/high_pass.cpp
+    src/g729/hybrid_window.cpp
     src/g729/interpol_3.cpp
+    src/g729/lp_32f.cpp
+    src/g729/lp_analysis.cpp
     src/g729/lpc_mode.cpp
     src/g729/lsf_decode.cpp
+    src/g729/lsp.cpp
     src/g729/lsp_predictor.cpp
     src/g729/lsp_quant.cpp
     src/g729/lsp_quant_32f.cpp
-    src/g729/norm_corr.cpp
-    src/g729/interpol_3.cpp
-    src/g729/high_pass.cpp
-    src/g729/hybrid_window.cpp
-    src/g729/lp_32f.cpp
-    src/g729/lp_analysis.cpp
-    src/g729/lsp.cpp
     src/g729/music_detect.cpp
     src/g729/open_loop_pitch.cpp
     src/g729/pitch_32f.cpp
     src/g729/pitch_track.cpp
     src/g729/state_sizes.cpp
-    src/g729/weighting_factors.cpp
     src/g729/taming.cpp
     src/g729/vad.cpp
     src/g729/vad_32f.cpp
     src/g729/weighted_error.cpp
+    src/g729/weighting_factors.cpp
     src/g7291/state_sizes.cpp
     src/gsmamr/adaptive_codebook_gain.cpp
     src/gsmamr/adaptive_codebook_search.cpp
@@ -112,8 +109,8 @@ set(vspsc_common_sources
     src/ec/tables.cpp
     src/g722/tables.cpp
     src/g726/tables.cpp
-    src/g729/lp_tables.cpp
     src/g729/gain_tables.cpp
+    src/g729/lp_tables.cpp
     src/g729/lsp_tables.cpp
     src/g729/silence_tables.cpp
     src/g729/tables.cpp
