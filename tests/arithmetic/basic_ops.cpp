@@ -6,7 +6,6 @@
 #include <cmath>
 
 #include "common/definitions.h"
-#include "support/run_vectors.h"
 #include "support/samples.h"
 
 namespace vsp::test {
@@ -107,50 +106,6 @@ TEST(BasicOps, LogarithmAndPowerOfTwoAreCloseToTheExactOnes) {
                 ASSERT_NEAR(exact, result, 0.51 + exact * 2e-4) << exponent << ", " << fraction;
             }
         }
-}
-
-TEST(BasicOps, RecordedValues) {
-    runVectors(
-        "arithmetic/Exp_16s_Pos.vec", +[](Vsp16s x, Vsp32s* count) -> VspStatus {
-            *count = Exp_16s_Pos(Vsp16u(x));
-            return 0;
-        });
-    runVectors(
-        "arithmetic/Norm_32s_Pos_I.vec", +[](Vsp32s* x, Vsp32s* count) -> VspStatus {
-            *count = Norm_32s_Pos_I(x);
-            return 0;
-        });
-    runVectors(
-        "arithmetic/ShiftL_16s.vec", +[](Vsp16s x, Vsp32s n, Vsp16s* result) -> VspStatus {
-            *result = ShiftL_16s(x, n);
-            return 0;
-        });
-    runVectors(
-        "arithmetic/Mul_32s.vec", +[](Vsp32s a, Vsp32s b, Vsp32s* result) -> VspStatus {
-            *result = Mul_32s(a, b);
-            return 0;
-        });
-    runVectors(
-        "arithmetic/ownLog2.vec", +[](Vsp32s x, Vsp16s* exponent, Vsp16s* fraction) -> VspStatus {
-            ownLog2(x, exponent, fraction);
-            return 0;
-        });
-    runVectors(
-        "arithmetic/ownPow2.vec", +[](Vsp16s exponent, Vsp16s fraction, Vsp32s* result) -> VspStatus {
-            *result = ownPow2(exponent, fraction);
-            return 0;
-        });
-    runVectors(
-        "arithmetic/saturating_operators.vec",
-        +[](Vsp32s a, Vsp32s b, Vsp32s* sum, Vsp32s* difference, Vsp32s* magnitude, Vsp32s* twice,
-            Vsp32s* fourTimes) -> VspStatus {
-            *sum = Add_32s(a, b);
-            *difference = Sub_32s(a, b);
-            *magnitude = Abs_32s(a);
-            *twice = Mul2_32s(a);
-            *fourTimes = Mul4_32s(a);
-            return 0;
-        });
 }
 
 }  // namespace vsp::test

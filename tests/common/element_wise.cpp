@@ -8,7 +8,6 @@
 #include "support/guarded.h"
 #include "support/level_test.h"
 #include "support/samples.h"
-#include "support/status_order.h"
 
 namespace vsp::test {
 
@@ -211,32 +210,6 @@ TEST_P(ElementWise, AutoScaleMatchesTheDefinition) {
                          src, src);
                 ASSERT_FALSE(HasFailure()) << "length " << len << ", scale " << wanted << ", shift " << shift;
             }
-}
-
-TEST_P(ElementWise, ReportTheFirstBadArgumentAndTouchNothing) {
-    const std::vector<VspStatus> lengthFirst{vspStsNullPtrErr, vspStsSizeErr, vspStsScaleRangeErr};
-    const std::vector<VspStatus> scaleFirst{vspStsNullPtrErr, vspStsScaleRangeErr, vspStsSizeErr};
-    expectStatusOrder(api.vspsMulC_NR_16s_Sfs, lengthFirst, pointer, value, pointer, length, scale);
-    expectStatusOrder(api.vspsMulC_NR_16s_ISfs, lengthFirst, value, pointer, length, scale);
-    expectStatusOrder(api.vspsMul_NR_16s_Sfs, lengthFirst, pointer, pointer, pointer, length, scale);
-    expectStatusOrder(api.vspsMul_NR_16s_ISfs, lengthFirst, pointer, pointer, length, scale);
-    expectStatusOrder(api.vspsMulPowerC_NR_16s_Sfs, scaleFirst, pointer, value, pointer, length, scale);
-    expectStatusOrder(api.vspsInterpolate_G729_16s, lengthFirst, pointer, pointer, pointer, length);
-    expectStatusOrder(api.vspsInterpolateC_G729_16s_Sfs, scaleFirst, pointer, value, pointer, value, pointer, length,
-                      scale);
-    expectStatusOrder(api.vspsInterpolateC_NR_G729_16s_Sfs, scaleFirst, pointer, value, pointer, value, pointer, length,
-                      scale);
-    expectStatusOrder(api.vspsInterpolateC_NR_16s, lengthFirst, pointer, value, scale, pointer, value, scale, pointer,
-                      length);
-
-    // The scale to be read is good, negative or absent.
-    Guarded<Vsp32s> good(std::vector{3}), negative(std::vector{-1}), lowest(std::vector{kLowest});
-    const Choices<Vsp32s*> scaleToRead{
-        good.data(),
-        {{nullptr, vspStsNullPtrErr}, {negative.data(), vspStsScaleRangeErr}, {lowest.data(), vspStsScaleRangeErr}}};
-    expectStatusOrder(api.vspsAutoScale_16s, lengthFirst, pointer, pointer, length, scaleToRead);
-    expectStatusOrder(api.vspsAutoScale_16s_I, lengthFirst, pointer, length, scaleToRead);
-    EXPECT_TRUE(good[0] == 3 && negative[0] == -1 && lowest[0] == kLowest);
 }
 
 }  // namespace vsp::test

@@ -1,11 +1,13 @@
-// Every exported function is described, so that nothing escapes the checks that the descriptions drive.
-#include <gtest/gtest.h>
-
+// Every exported function is described, so that nothing escapes the checks that the descriptions drive; and all of them at
+// the same time.
 #include <algorithm>
+#include <random>
 #include <string>
+#include <thread>
 #include <vector>
 
-#include "support/described.h"
+#include "support/call.h"
+#include "support/level_test.h"
 
 namespace vsp::test {
 
@@ -13,9 +15,6 @@ namespace {
 
 // Those that are tested by hand. New functions are described: this list only gets shorter.
 const std::vector<std::string> kNotDescribed = {
-    "vspsHighPassFilterGetSize_AMRWB_16s",
-    "vspsAdaptiveCodebookDecodeGetSize_AMRWB_16s",
-    "vspsVADGetSize_AMRWB_16s",
     "vspsSubbandProcessGetSize_32f",
     "vspsSubbandProcessGetSize_16s",
     "vspsSubbandProcessInit_32f",
@@ -41,18 +40,6 @@ const std::vector<std::string> kNotDescribed = {
     "vspsToneDetectInit_EC_16s",
     "vspsToneDetect_EC_32f",
     "vspsToneDetect_EC_16s",
-    "vspsFullbandControllerGetSize_EC_16s",
-    "vspsFullbandControllerGetSize_EC_32f",
-    "vspsCombinedFilterGetStateSize_G728_16s",
-    "vspsIIR16sGetStateSize_G728_16s",
-    "vspsPostFilterGetStateSize_G728_16s",
-    "vspsPostFilterAdapterGetStateSize_G728",
-    "vspsSynthesisFilterGetStateSize_G728_16s",
-    "vspsFilterHighpassGetStateSize_G7291_16s",
-    "vspsGenerateExcitationGetStateSize_G7291_16s",
-    "vspsQMFGetStateSize_G7291_16s",
-    "vspsPostFilterGetStateSize_RTA_32f",
-    "vspsQMFGetStateSize_RTA_32f",
     "vspscGetLibVersion",
 };
 
@@ -74,6 +61,33 @@ TEST(Descriptions, EveryExportedFunctionHasOne) {
         else
             EXPECT_TRUE(contains(kNotDescribed, name)) << name << " is not described";
     }
+}
+
+class Threads : public LevelTest {};
+VSPSC_EVERY_LEVEL(Threads);
+
+// Each thread calls all functions in an order and with arguments and states of its own.
+TEST_P(Threads, DoNotDisturbEachOther) {
+    const auto work = [this](unsigned seed) {
+        std::mt19937 random(seed);
+        States states;
+        Draw draw([&] { return std::uint32_t(random()); }, states);
+        const auto& functions = Described::all();
+        std::vector<Result> results;
+        for (std::size_t i = 0; i < 3 * functions.size(); i++) {
+            const Call call = draw.call(functions[random() % functions.size()], random(), false);
+            results.push_back(run(api, call, Guard::end));
+            draw.keep(call, results.back());
+        }
+        return results;
+    };
+    constexpr unsigned kThreads = 8;
+    std::vector<std::vector<Result>> results(kThreads);
+    std::vector<std::thread> threads;
+    for (unsigned i = 0; i < kThreads; i++) threads.emplace_back([&, i] { results[i] = work(i); });
+    for (std::thread& thread : threads) thread.join();
+    for (unsigned i = 0; i < kThreads; i++) EXPECT_TRUE(work(i) == results[i]) << "thread " << i;
+    EXPECT_FALSE(results[0] == results[1]);
 }
 
 }  // namespace vsp::test

@@ -6,7 +6,6 @@
 #include "support/guarded.h"
 #include "support/level_test.h"
 #include "support/samples.h"
-#include "support/status_order.h"
 #include "support/test_data.h"
 #include "support/upper_halves.h"
 #include "support/vector_case.h"
@@ -189,19 +188,6 @@ TEST_P(G722, RecordedConcealment) {
         ASSERT_EQ(samplesOf(items[3]), concealed);
         ASSERT_TRUE(history[0] >= 0 && history[0] <= 5);
     }
-}
-
-TEST_P(G722, ChecksComeInOrder) {
-    const std::vector<VspStatus> order{vspStsNullPtrErr, vspStsSizeErr, vspStsRangeErr};
-    Choices<Vsp32s> even = length, mode{2, {{0, vspStsRangeErr}, {4, vspStsRangeErr}, {kLowest, vspStsRangeErr}}};
-    even.bad.insert(even.bad.end(), {{1, vspStsSizeErr}, {321, vspStsSizeErr}});
-    expectStatusOrder(api.vspsSBADPCMEncodeInit_G722_16s, order, pointer);
-    expectStatusOrder(api.vspsSBADPCMDecodeInit_G722_16s, order, pointer);
-    expectStatusOrder(api.vspsQMFAnalysis_G722_16s, order, pointer, pointer, even, pointer);
-    expectStatusOrder(api.vspsQMFSynthesis_G722_16s, order, pointer, pointer, even, pointer);
-    expectStatusOrder(api.vspsSBADPCMEncode_G722_16s, order, pointer, pointer, even, pointer);
-    expectStatusOrder(api.vspsSBADPCMDecode_G722_16s, order, pointer, pointer, length, mode, pointer);
-    expectStatusOrder(api.vspsConcealCodes_G722_16s_I, order, pointer, length, value, pointer);
 }
 
 }  // namespace vsp::test

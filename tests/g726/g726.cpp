@@ -8,7 +8,6 @@
 #include "support/guarded.h"
 #include "support/level_test.h"
 #include "support/samples.h"
-#include "support/status_order.h"
 #include "support/test_data.h"
 #include "support/vector_case.h"
 
@@ -169,21 +168,6 @@ TEST_P(G726, AnyInputGivesWhatTheDefinitionGives) {
             ASSERT_EQ(signal, linearDecoder(codes, 20));
         }
     }
-}
-
-TEST_P(G726, ReportsTheFirstBadArgumentAndTouchesNothing) {
-    const std::vector<VspStatus> order{vspStsNullPtrErr, vspStsSizeErr, vspStsRangeErr};
-    Choices<Vsp32s> rates{17, {}}, laws{1, {}};
-    for (const Vsp32s bad : {0, 2, 16, 18, 21, 25, 32, -1, kLowest}) rates.bad.emplace_back(bad, vspStsRangeErr);
-    for (const Vsp32s bad : {2, -1, kLowest}) laws.bad.emplace_back(bad, vspStsRangeErr);
-    expectStatusOrder(api.vspsEncodeInit_G726_16s8u, order, pointer, rates);
-    expectStatusOrder(api.vspsDecodeInit_G726_8u16s, order, pointer, rates);
-    expectStatusOrder(api.vspsEncodeSetRate_G726_16s8u, order, pointer, rates);
-    expectStatusOrder(api.vspsDecodeSetRate_G726_8u16s, order, pointer, rates);
-    expectStatusOrder(api.vspsEncode_G726_16s8u, order, pointer, pointer, length, pointer);
-    expectStatusOrder(api.vspsDecode_G726_8u16s, order, pointer, pointer, length, pointer);
-    expectStatusOrder(api.vspsEncodePCM_G726_8u, order, pointer, pointer, length, laws, pointer);
-    expectStatusOrder(api.vspsDecodePCM_G726_8u, order, pointer, pointer, length, laws, pointer);
 }
 
 }  // namespace vsp::test

@@ -11,7 +11,6 @@
 #include "support/level_test.h"
 #include "support/samples.h"
 #include "support/speech.h"
-#include "support/status_order.h"
 
 namespace vsp::test {
 

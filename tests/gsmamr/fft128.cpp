@@ -68,6 +68,4 @@ TEST_P(Transform, MatchesTheDefinitionWhereItSaturates) {
     }
 }
 
-TEST_P(Transform, ChecksItsPointer) { EXPECT_EQ(vspStsNullPtrErr, api.vspsFFTFwd_RToPerm_GSMAMR_16s_I(nullptr)); }
-
 }  // namespace vsp::test

@@ -149,8 +149,4 @@ TEST(Vad1Record, IsInitialisedAlikeInC) {
     EXPECT_EQ(bytesOf(State VSP_GSMAMR_VAD1_STATE_INIT), bytesOf(vad1InitialisedInC));
 }
 
-TEST_P(Vad1, ChecksItsPointers) {
-    expectStatusOrder(api.vspsVAD1_GSMAMR_16s, {vspStsNullPtrErr}, pointer, pointer, pointer, value, value);
-}
-
 }  // namespace vsp::test

@@ -117,8 +117,4 @@ TEST(Vad2Record, IsInitialisedAlikeInC) {
     EXPECT_EQ(bytesOf(State VSP_GSMAMR_VAD2_STATE_INIT), bytesOf(vad2InitialisedInC));
 }
 
-TEST_P(Vad2, ChecksItsPointers) {
-    expectStatusOrder(api.vspsVAD2_GSMAMR_16s, {vspStsNullPtrErr}, pointer, pointer, pointer, value);
-}
-
 }  // namespace vsp::test

@@ -335,12 +335,12 @@ Call Draw::call(const Function& f, std::size_t number, bool faults) {
                 x -= (x % a.step + a.step) % a.step;
                 if (x < limits.low) x += a.step;
             }
-            if (faults && a.checked() && oneIn(16)) x = integer(f, i, all);
+            if (faults && a.checked() && a.error != vspStsNoErr && oneIn(16)) x = integer(f, i, all);
             call.setInteger(i, x);
         }
     for (std::size_t i = 0; i < f.arguments.size(); i++) {
         const Argument& a = f.arguments[i];
-        if (!a.pointer() || (faults && oneIn(64)) || (!call.used(i) && oneIn(2))) continue;
+        if (!a.pointer() || (faults && f.direct == nullptr && oneIn(64)) || (!call.used(i) && oneIn(2))) continue;
         call.arrays[i] = contents(call, i, faults);
         if (a.sources.empty() || !oneIn(3)) continue;
         const int source = a.sources[random_() % a.sources.size()];
@@ -368,7 +368,7 @@ std::vector<Fault> faultsOf(const Call& legal) {
     for (std::size_t i = 0; i < f.arguments.size(); i++) {
         const Argument& a = f.arguments[i];
         const char type = f.types[i].type;
-        if (a.pointer() && legal.used(i)) {
+        if (a.pointer() && legal.used(i) && f.direct == nullptr) {
             faults.push_back({i, [i](Call& c) {
                                   c.arrays[i].reset();
                                   c.same[i] = -1;

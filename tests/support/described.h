@@ -63,7 +63,8 @@ struct Argument {
     Count elements = 0;  // that a call may touch, without the history
     Count history = 0;   // elements before the pointer
 
-    // The integers that the argument or its elements may be; others give the error, or with vspStsNoErr are only rare.
+    // The integers that the argument or its elements may be; others give the error. With vspStsNoErr tests give a value no
+    // others, and an array seldom.
     std::function<Limits(const Values&, int element)> limits = {};
     std::vector<Vsp64s> choices = {};  // in place of limits
     bool dependent = false;            // the limits depend on other arguments
@@ -259,7 +260,8 @@ struct Function {
     std::string name, family;
     std::vector<ParameterType> types;
     std::vector<Argument> arguments;
-    std::size_t slot;  // its place in the table
+    std::size_t slot;      // its place in the table
+    Any direct = nullptr;  // one that is not exported and checks nothing
     VspStatus (*invoke)(Any, const Cell*);
     std::vector<Recording> recordings;
     bool named = false, withoutRecordings = false;
@@ -269,13 +271,16 @@ struct Function {
     Function checks(std::initializer_list<VspStatus> inOrder) const;
     // Recorded calls: without any of these the file has the function's name, and the usual order of items.
     Function recorded(const std::string& file, std::vector<Place> places = {}, int statusItem = -1) const;
+    Function recorded(std::vector<Place> places, int statusItem = -1) const {
+        return recorded(name, std::move(places), statusItem);
+    }
     Function stream(const std::string& file, int kind = -1, std::vector<Place> places = {}, int statusItem = -1,
                     Initialiser initialise = {}) const;
     Function notRecorded() const;
     Function recordedWithNames() const;  // the layout of arguments with names
 
     VspStatus call(const Api& api, const Cell* cells) const {
-        return invoke(reinterpret_cast<const Any*>(&api)[slot], cells);
+        return invoke(direct != nullptr ? direct : reinterpret_cast<const Any*>(&api)[slot], cells);
     }
 };
 
@@ -333,6 +338,14 @@ Function function(const char* name, VspStatus (*Api::*member)(P...), std::initia
         std::size_t(reinterpret_cast<const char*>(&(kApi_y8.*member)) - reinterpret_cast<const char*>(&kApi_y8)) /
         sizeof(Function::Any);
     return make(name, slot, {parameterType<P>()...}, arguments, invoke<P...>);
+}
+
+// One that is not exported: its calls and levels are tested, but no checks.
+template <class... P>
+Function internal(const char* name, VspStatus (*function)(P...), std::initializer_list<Argument> arguments) {
+    Function f = make(name, 0, {parameterType<P>()...}, arguments, invoke<P...>);
+    f.direct = reinterpret_cast<Function::Any>(function);
+    return f;
 }
 
 }  // namespace describing

@@ -124,7 +124,7 @@ RecordedCall fromItems(const Function& f, const Recording& recording, const Item
             expected.bytes = converted(itemAt(p.after), f.types[i].type, p.before < 0 ? p.element : -1);
             expected.first = std::size_t(p.afterAt);
             const std::size_t offset = expected.first * f.types[i].size;
-            const bool partly = !recording.places.empty() || (recorded.status > 0 && a.onWarning >= 0) || a.used;
+            const bool partly = !recording.places.empty() || (recorded.status > 0 && a.onWarning >= 0);
             if (expected.bytes.size() + offset > size || (!partly && expected.bytes.size() != size))
                 throw std::runtime_error(name + " has " + std::to_string(size) + " bytes, but is recorded with " +
                                          std::to_string(expected.bytes.size()));

@@ -1,6 +1,8 @@
 // The recorded calls of described functions.
 #pragma once
 
+#include <ostream>
+
 #include "support/call.h"
 
 namespace vsp::test {
@@ -30,6 +32,8 @@ struct RecordedFile {
 };
 
 std::vector<RecordedFile> recordedFiles();
+
+inline std::ostream& operator<<(std::ostream& stream, const RecordedFile& file) { return stream << file.name; }
 
 // What differs from the recording, or nothing.
 std::string differenceOf(const RecordedCall& recorded, const Result& result);

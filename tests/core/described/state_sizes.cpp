@@ -1,0 +1,25 @@
+// Families of which the sizes of states are all that is there.
+#include "support/described.h"
+
+namespace vsp::test {
+
+static const Described functions(
+    "core", {
+                VSPSC_FUNCTION(vspsHighPassFilterGetSize_AMRWB_16s, range(2, 3), size(40)).notRecorded(),
+                VSPSC_FUNCTION(vspsAdaptiveCodebookDecodeGetSize_AMRWB_16s, size(24)).notRecorded(),
+                VSPSC_FUNCTION(vspsVADGetSize_AMRWB_16s, size(172)).notRecorded(),
+                VSPSC_FUNCTION(vspsCombinedFilterGetStateSize_G728_16s, size(208)).notRecorded(),
+                VSPSC_FUNCTION(vspsIIR16sGetStateSize_G728_16s, size(64)).notRecorded(),
+                VSPSC_FUNCTION(vspsPostFilterGetStateSize_G728_16s, size(64)).notRecorded(),
+                VSPSC_FUNCTION(vspsPostFilterAdapterGetStateSize_G728, size(176)).notRecorded(),
+                VSPSC_FUNCTION(vspsSynthesisFilterGetStateSize_G728_16s, size(144)).notRecorded(),
+                VSPSC_FUNCTION(vspsFilterHighpassGetStateSize_G7291_16s, size(24)).notRecorded(),
+                VSPSC_FUNCTION(vspsGenerateExcitationGetStateSize_G7291_16s, size(128)).notRecorded(),
+                VSPSC_FUNCTION(vspsQMFGetStateSize_G7291_16s, size(128)).notRecorded(),
+                VSPSC_FUNCTION(vspsPostFilterGetStateSize_RTA_32f, size(32)).notRecorded(),
+                VSPSC_FUNCTION(vspsQMFGetStateSize_RTA_32f, size(208)).notRecorded(),
+                VSPSC_FUNCTION(vspsFullbandControllerGetSize_EC_16s, size(96)).notRecorded(),
+                VSPSC_FUNCTION(vspsFullbandControllerGetSize_EC_32f, size(72)).notRecorded(),
+            });
+
+}  // namespace vsp::test
