@@ -75,6 +75,7 @@ set(vspsc_level_sources
     src/gsmamr/adaptive_codebook_search.cpp
     src/gsmamr/adaptive_vector.cpp
     src/gsmamr/algebraic_codebook_decode.cpp
+    src/gsmamr/algebraic_codebook_search.cpp
     src/gsmamr/background_noise.cpp
     src/gsmamr/code_gain_prediction.cpp
     src/gsmamr/code_gain_smoothing.cpp
@@ -88,7 +89,11 @@ set(vspsc_level_sources
     src/gsmamr/lp_analysis.cpp
     src/gsmamr/lsp.cpp
     src/gsmamr/open_loop_pitch.cpp
+    src/gsmamr/gain_concealment.cpp
+    src/gsmamr/gain_decode.cpp
+    src/gsmamr/paired_pulse_search.cpp
     src/gsmamr/phase_dispersion.cpp
+    src/gsmamr/single_pulse_search.cpp
     src/gsmamr/vad1.cpp
     src/gsmamr/vad2.cpp
     src/gsmamr/weighted_error_update.cpp

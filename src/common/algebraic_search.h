@@ -62,17 +62,17 @@ VSP_INLINE void byTracks(const Vsp16s* x, Vsp16s (&tracks)[kTracks][kPlaces]) {
 }
 
 // The autocorrelations of an impulse response h that fall to pairs of positions: of p <= q the high half of
-// start + the sum of 2 * h[k] * h[k + q - p], k = 0 .. 39 - q ascending, products and partial sums saturated.
+// start + the sum of 2 * h[k] * h[k + q - p] + rounding, k = 0 .. 39 - q ascending, products and partial sums saturated.
 class TrackCorrelations {
   public:
     // Of the pairs of tracks whose difference modulo 5 has its bit in Differences. The diagonal has a start of its own.
     template <unsigned Differences>
-    [[gnu::always_inline]] void form(const Vsp16s* h, Vsp32s start, Vsp32s diagonalStart) {
+    [[gnu::always_inline]] void form(const Vsp16s* h, Vsp32s start, Vsp32s diagonalStart, Vsp32s rounding = 0) {
         // No partial sum is larger than the energy.
-        if (2 * energy(h, kL_subfr) + start + diagonalStart <= kMax32)
-            formExact<Differences>(h, start >> 1, diagonalStart >> 1);
+        if (2 * energy(h, kL_subfr) + start + diagonalStart + rounding <= kMax32)
+            formExact<Differences>(h, (start + rounding) >> 1, (diagonalStart + rounding) >> 1);
         else
-            formSaturating(h, start, diagonalStart);
+            formSaturating(h, start, diagonalStart, rounding);
     }
 
     // With the eight places of a track: the energy of the response from there on.
@@ -138,14 +138,15 @@ class TrackCorrelations {
         }
     }
 
-    [[gnu::noinline]] void formSaturating(const Vsp16s* h, Vsp32s start, Vsp32s diagonalStart) {
+    [[gnu::noinline]] void formSaturating(const Vsp16s* h, Vsp32s start, Vsp32s diagonalStart, Vsp32s rounding) {
         for (int distance = 0; distance < kL_subfr; distance++) {
             Vsp32s sum = distance == 0 ? diagonalStart : start;
             for (int k = 0; k + distance < kL_subfr; k++) {
                 sum = mac_32s(sum, h[k], h[k + distance]);
                 const int q = kL_subfr - 1 - k, p = q - distance;
-                row(q % kTracks, p % kTracks, q / kTracks)[p / kTracks] = Vsp16s(sum >> 16);
-                if (distance == 0) diagonal_[q % kTracks][q / kTracks] = Vsp16s(sum >> 16);
+                const Vsp16s rounded = Vsp16s(Add_32s(sum, rounding) >> 16);
+                row(q % kTracks, p % kTracks, q / kTracks)[p / kTracks] = rounded;
+                if (distance == 0) diagonal_[q % kTracks][q / kTracks] = rounded;
             }
         }
     }

@@ -20,6 +20,10 @@ struct Eight32s {
     S32_128 lo, hi;
     [[gnu::always_inline]] static Eight32s splat(Vsp32s x) { return {S32_128::splat(x), S32_128::splat(x)}; }
     [[gnu::always_inline]] static Eight32s load(const Vsp32s* p) { return {S32_128::load(p), S32_128::load(p + 4)}; }
+    [[gnu::always_inline]] void store(Vsp32s* p) const {
+        lo.store(p);
+        hi.store(p + 4);
+    }
 };
 VSP_INLINE Eight32s add(Eight32s a, Eight32s b) { return {add(a.lo, b.lo), add(a.hi, b.hi)}; }
 VSP_INLINE Eight32s shr(Eight32s a, int n) { return {shr(a.lo, n), shr(a.hi, n)}; }

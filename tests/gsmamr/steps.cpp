@@ -102,6 +102,7 @@ VSPSC_RECORDED(PhaseDispersion, i, i, i, i, b, b, b)
 VSPSC_RECORDED(ExcitationControl, i, i, i, b, b)
 VSPSC_RECORDED(ExcitationEmphasis, i, i, i, i, i, o)
 VSPSC_RECORDED(BackgroundNoiseDetect, i, i, b, b, o)
+VSPSC_RECORDED(AlgebraicCodebookSearch, i, i, i, i, i, i, i, o, o, o)
 VSPSC_RECORDED(DelayDecode, i, i, i, i, i, i, b, b, o)
 
 }  // namespace vsp::test
