@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <list>
+#include <memory>
 #include <random>
 
 #include "support/upper_halves.h"
@@ -17,9 +19,9 @@ using Kind = Argument::Kind;
 // A number of elements, also where it comes from an illegal argument.
 std::size_t bounded(Vsp64s elements) { return std::size_t(std::clamp<Vsp64s>(elements, 0, 1 << 16)); }
 
-Limits limitsOfType(char type) { return type == 'B' ? Limits{0, 255} : type == 'h' ? Limits{-32768, 32767} : Limits{}; }
-
-bool hasIntegers(char type) { return type == 'B' || type == 'h' || type == 'i'; }
+Limits limitsOfType(char type) {
+    return type == 'B' ? Limits{0, 255} : type == 'h' ? Limits{-32768, 32767} : type == 'u' ? Limits{0, 0xFFFFFFFF} : Limits{};
+}
 
 bool contains(const std::vector<Vsp64s>& all, Vsp64s x) { return std::find(all.begin(), all.end(), x) != all.end(); }
 
@@ -35,41 +37,64 @@ VspStatus errorOf(const Argument& a, double x, const Values& values) {
     return a.errorAbove != vspStsNoErr && x > double(a.limits(values, 0).high) ? a.errorAbove : a.error;
 }
 
-// Integers that an argument or element must not be: beside its limits, and extremes.
-std::vector<Vsp64s> illegal(const Argument& a, char type, const Values& values, int element = 0) {
-    std::vector<Vsp64s> candidates;
-    Limits near{};
+// Numbers that an argument or element must not be: beside its limits, and extremes.
+std::vector<double> illegal(const Argument& a, char type, const Values& values, int element) {
+    std::vector<double> candidates;
     if (a.choices.empty()) {
-        near = a.limits(values, element);
-        for (const Vsp64s x : {near.low, near.high})
-            for (const Vsp64s away : {-1, 1}) candidates.push_back(x + away);
+        const Limits limits = a.limits(values, element);
+        const double beside = hasIntegers(type) ? 1 : 0.01;
+        candidates = {double(limits.low) - beside, double(limits.low) + beside, double(limits.high) - beside,
+                      double(limits.high) + beside};
     } else {
         const auto [least, most] = std::minmax_element(a.choices.begin(), a.choices.end());
-        for (Vsp64s x = *least - 2; x <= *most + 2; x++) candidates.push_back(x);
+        for (Vsp64s x = *least - 2; x <= *most + 2; x++) candidates.push_back(double(x));
     }
     const Limits all = limitsOfType(type);
-    candidates.insert(candidates.end(), {0, -1, all.low, all.high});
-    std::vector<Vsp64s> bad;
-    for (const Vsp64s x : candidates)
-        if (x >= all.low && x <= all.high && !isLegal(a, double(x), values, element) && !contains(bad, x)) bad.push_back(x);
+    candidates.insert(candidates.end(), {0, -1, double(all.low), double(all.high)});
+    if (!a.pointer() && !hasIntegers(type)) candidates.insert(candidates.end(), {-HUGE_VAL, double(NAN)});
+    std::vector<double> bad;
+    for (const double x : candidates) {
+        const bool possible = !hasIntegers(type) || (x >= double(all.low) && x <= double(all.high));
+        if (possible && !isLegal(a, x, values, element) && std::find(bad.begin(), bad.end(), x) == bad.end()) bad.push_back(x);
+    }
     return bad;
 }
 
 }  // namespace
 
-Vsp64s integerAt(const Bytes& bytes, char type, std::size_t i) {
+std::size_t widthOf(char type) { return type == 'B' || type == 's' ? 1 : type == 'h' ? 2 : type == 'd' ? 8 : 4; }
+
+bool hasIntegers(char type) { return type == 'B' || type == 'h' || type == 'i' || type == 'u'; }
+
+template <class Number>
+static Number readAt(const Bytes& bytes, char type, std::size_t i) {
     const auto read = [&]<class T>(T x) {
         std::memcpy(&x, bytes.data() + i * sizeof x, sizeof x);
-        return Vsp64s(x);
+        return Number(x);
     };
-    return type == 'B' ? read(Vsp8u()) : type == 'h' ? read(Vsp16s()) : read(Vsp32s());
+    switch (type) {
+        case 'h': return read(Vsp16s());
+        case 'i': return read(Vsp32s());
+        case 'u': return read(Vsp32u());
+        case 'f': return read(Vsp32f());
+        case 'd': return read(Vsp64f());
+        default: return read(Vsp8u());
+    }
 }
 
-void setIntegerAt(Bytes& bytes, char type, std::size_t i, Vsp64s x) {
+Vsp64s integerAt(const Bytes& bytes, char type, std::size_t i) { return readAt<Vsp64s>(bytes, type, i); }
+double numberAt(const Bytes& bytes, char type, std::size_t i) { return readAt<double>(bytes, type, i); }
+
+void setNumberAt(Bytes& bytes, char type, std::size_t i, double x) {
     const auto write = [&](auto y) { std::memcpy(bytes.data() + i * sizeof y, &y, sizeof y); };
-    if (type == 'B') write(Vsp8u(x));
-    if (type == 'h') write(Vsp16s(x));
-    if (type == 'i') write(Vsp32s(x));
+    switch (type) {
+        case 'h': return write(Vsp16s(x));
+        case 'i': return write(Vsp32s(x));
+        case 'u': return write(Vsp32u(x));
+        case 'f': return write(Vsp32f(x));
+        case 'd': return write(Vsp64f(x));
+        default: return write(Vsp8u(x));
+    }
 }
 
 Call::Call(const Function& f)
@@ -91,7 +116,12 @@ bool Call::used(std::size_t argument) const {
 
 std::size_t Call::elements(std::size_t argument) const {
     if (!used(argument)) return 0;
-    return bounded(function->arguments[argument].elements(values())) + history(argument);
+    const Argument& a = function->arguments[argument];
+    return (bounded(a.elements(values())) + history(argument)) * rows(argument);
+}
+
+std::size_t Call::rows(std::size_t argument) const {
+    return function->types[argument].rows ? bounded(function->arguments[argument].rows(values())) : 1;
 }
 
 std::size_t Call::history(std::size_t argument) const { return bounded(function->arguments[argument].history(values())); }
@@ -103,72 +133,100 @@ double Call::number(std::size_t argument) const {
 VspStatus Call::expectedError() const {
     const auto& order = function->order;
     const Values v = values();
-    std::size_t first = 2 * order.size();
-    const auto report = [&](VspStatus error, bool late) {
-        const auto place = std::size_t(std::find(order.begin(), order.end(), error) - order.begin());
-        if (place == order.size()) std::fprintf(stderr, "%s: error %d has no place\n", function->name.c_str(), error);
-        first = std::min(first, place + (late ? order.size() : 0));
-    };
-    // What depends on other arguments is looked at when these are good.
-    for (const bool dependent : {false, true})
-        for (const bool late : {false, true}) {
+    for (const bool late : {false, true}) {
+        std::size_t first = order.size();
+        const auto report = [&](VspStatus error) {
+            const auto place = std::size_t(std::find(order.begin(), order.end(), error) - order.begin());
+            if (place == order.size()) std::fprintf(stderr, "%s: error %d has no place\n", function->name.c_str(), error);
+            first = std::min(first, place);
+        };
+        // Limits that depend on other arguments are looked at when these are good.
+        for (const bool dependent : {false, true})
             for (std::size_t i = 0; i < cells.size(); i++) {
                 const Argument& a = function->arguments[i];
-                if (bool(a.used) != late || (late && !used(i))) continue;
-                if (a.pointer() && !arrays[i] && !inPlace(i)) report(vspStsNullPtrErr, late);
+                const char type = function->types[i].type;
+                if ((a.used || a.late) != late || !used(i)) continue;
+                if (a.pointer() && !arrays[i] && !inPlace(i)) report(vspStsNullPtrErr);
                 if (a.error == vspStsNoErr || a.dependent != dependent) continue;
-                if (!a.pointer() && !isLegal(a, number(i), v)) report(errorOf(a, number(i), v), late);
-                const std::size_t n = a.pointer() && arrays[i] ? arrays[i]->size() / function->types[i].size : 0;
+                if (dependent && first < order.size() && !a.known) continue;
+                if (!a.pointer() && !isLegal(a, number(i), v)) report(errorOf(a, number(i), v));
+                const std::size_t n = a.pointer() && arrays[i] ? arrays[i]->size() / widthOf(type) : 0;
                 for (std::size_t e = 0; e < n; e++)
-                    if (!isLegal(a, double(integerAt(*arrays[i], function->types[i].type, e)), v, int(e)))
-                        report(a.error, late);
+                    if (!isLegal(a, numberAt(*arrays[i], type, e), v, int(e))) report(a.error);
             }
-            if (first < 2 * order.size()) return order[first % order.size()];
-        }
+        if (first < order.size()) return order[first];
+    }
     return vspStsNoErr;
 }
+
+namespace {
+
+// The array of an argument in guarded memory, one piece for each row.
+class Memory {
+  public:
+    Memory(const Call& call, std::size_t argument, Guard guard, std::size_t gap)
+        : size_(call.function->types[argument].size), history_(call.history(argument) * size_) {
+        const Bytes& bytes = *call.arrays[argument];
+        const std::size_t rows = call.rows(argument), row = rows == 0 ? 0 : bytes.size() / rows;
+        const std::size_t away = gap * (call.function->arguments[argument].kind == Kind::state ? 16 : size_);
+        for (std::size_t i = 0; i < rows; i++) {
+            const auto begin = bytes.begin() + std::ptrdiff_t(i * row);
+            rows_.emplace_back(Bytes(begin, begin + std::ptrdiff_t(row)), guard, away);
+            pointers_.push_back(rows_.back().data() + history_);
+        }
+        if (call.function->types[argument].rows) table_ = std::make_unique<Guarded<std::byte*>>(pointers_, guard);
+    }
+    void* pointer() { return table_ ? static_cast<void*>(table_->data()) : pointers_[0]; }
+    bool changedOutside() const {
+        return std::any_of(rows_.begin(), rows_.end(), [](const auto& row) { return row.changedOutside(); });
+    }
+    bool changedPointers() const { return table_ && table_->values() != pointers_; }
+    Bytes values(bool withHistory) const {
+        Bytes all;
+        for (const auto& row : rows_) all.insert(all.end(), row.begin() + (withHistory ? 0 : history_), row.end());
+        return all;
+    }
+
+  private:
+    std::size_t size_, history_;
+    std::list<Guarded<std::byte>> rows_;
+    std::vector<std::byte*> pointers_;
+    std::unique_ptr<Guarded<std::byte*>> table_;
+};
+
+}  // namespace
 
 Result run(const Api& api, const Call& call, Guard guard, std::size_t gap) {
     static const GuardedPages nothing(1);  // what follows its end cannot be touched
     const Function& f = *call.function;
     const bool bad = call.expectedError() != vspStsNoErr;
     for (int attempt = 0;; attempt++) {
-        std::list<Guarded<std::byte>> memory;
-        std::vector<Guarded<std::byte>*> own(call.cells.size());
+        std::vector<std::unique_ptr<Memory>> memory(call.cells.size());
         std::vector<Cell> cells = call.cells;
         for (std::size_t i = 0; i < cells.size(); i++) {
-            const Argument& a = f.arguments[i];
-            if (!a.pointer()) continue;
+            if (!f.arguments[i].pointer()) continue;
             cells[i].pointer = nullptr;
-            if (call.inPlace(i)) {
-                continue;
-            } else if (call.arrays[i] && ((bad && !a.checked()) || !call.used(i))) {
+            if (!call.arrays[i]) continue;
+            if ((bad && !f.arguments[i].checked()) || !call.used(i)) {
                 cells[i].pointer = nothing.end();
-            } else if (call.arrays[i]) {
-                const std::size_t away = gap * (a.kind == Kind::state ? 16 : f.types[i].size);
-                own[i] = &memory.emplace_back(*call.arrays[i], guard, away);
-                cells[i].pointer = own[i]->data() + call.history(i) * f.types[i].size;
+            } else {
+                memory[i] = std::make_unique<Memory>(call, i, guard, gap);
+                cells[i].pointer = memory[i]->pointer();
             }
         }
         for (std::size_t i = 0; i < cells.size(); i++)
-            if (call.inPlace(i)) {
-                own[i] = own[std::size_t(call.same[i])];
-                cells[i].pointer = cells[std::size_t(call.same[i])].pointer;
-            }
+            if (call.inPlace(i)) cells[i].pointer = cells[std::size_t(call.same[i])].pointer;
         Result result{f.call(api, cells.data()), std::vector<Bytes>(cells.size()), upperHalvesInUse()};
         for (std::size_t i = 0; i < cells.size(); i++) {
-            if (own[i] == nullptr) {
+            const auto& own = call.inPlace(i) ? memory[std::size_t(call.same[i])] : memory[i];
+            if (!own) {
                 if (call.arrays[i]) result.arrays[i] = *call.arrays[i];
                 continue;
             }
-            if (own[i]->changedOutside())
+            if (own->changedOutside() || own->changedPointers())
                 std::fprintf(stderr, "%s: memory outside of argument %zu has changed\n", f.name.c_str(), i);
-            result.arrays[i] = own[i]->values();
-            if (call.inPlace(i)) {  // the part behind the pointer
-                const auto begin = result.arrays[i].begin();
-                result.arrays[i].erase(begin,
-                                       begin + std::ptrdiff_t(call.history(std::size_t(call.same[i])) * f.types[i].size));
-            }
+            if (own->changedPointers()) std::abort();
+            result.arrays[i] = own->values(!call.inPlace(i));
         }
         // A change of threads may make the processor say so once.
         if (!result.upperHalves || attempt == 2) return result;
@@ -208,7 +266,7 @@ std::size_t Draw::combinations(const Function& f) {
         Vsp64s n = Vsp64s(a.choices.size());
         if (a.choices.empty()) {
             const Limits limits = a.limits({}, 0);
-            n = limits.high - limits.low + 1;
+            n = std::min(limits.high, a.most) - limits.low + 1;
         }
         if (n <= 512) product *= std::size_t(n);
         if (product > 5000) return 0;
@@ -258,10 +316,8 @@ Bytes Draw::contents(const Call& call, std::size_t argument, bool faults) {
         return states_[key];
     }
     Bytes bytes(call.elements(argument) * f.types[argument].size);
-    // As 16-bit words, unless the type has others; structures and states are words too.
-    const char as = hasIntegers(type) ? type : bytes.size() % 2 == 0 && (type == 's') ? 'h' : type == 's' ? 'B' : 'f';
-    const std::size_t width = as == 'B' ? 1 : as == 'h' ? 2 : type == 'd' ? 8 : 4;
-    const std::size_t n = bytes.size() / width;
+    const char as = type != 's' ? type : bytes.size() % 2 == 0 ? 'h' : 'B';  // structures and states are words too
+    const std::size_t width = widthOf(as), n = bytes.size() / width;
     const unsigned pattern = random_() % 10, shift = random_() % 16, period = 1 + random_() % 32;
     const Limits all = limitsOfType(as);
     std::mt19937 elements(random_());  // so that long arrays do not use up short inputs
@@ -275,28 +331,24 @@ Bytes Draw::contents(const Call& call, std::size_t argument, bool faults) {
             case 3: x = all.low; break;
             case 4: x = i / period % 2 == 0 ? all.high : all.low; break;
             case 5: x = any(); break;
-            case 6: x = any() >> shift; break;
-            case 7: x = i < period ? any() >> shift : integerAt(bytes, as == 'f' ? 'i' : as, i - period); break;
+            case 6:
+            case 7: x = any() >> shift; break;
             default: x = elements() % 5 == 0 ? (elements() % 2 == 0 ? all.high : all.low) : any() >> elements() % 31;
         }
-        if (as != 'f') {
-            setIntegerAt(bytes, as, i, x);
-        } else if (pattern == 7 && i >= period) {
+        if (pattern == 7 && i >= period)
             std::memcpy(&bytes[i * width], &bytes[(i - period) * width], width);
-        } else {  // of any magnitude around that of samples
-            const double y = double(x) / 65536;
-            const float single = float(y);
-            std::memcpy(&bytes[i * width], type == 'd' ? static_cast<const void*>(&y) : &single, width);
-        }
+        else  // real numbers of any magnitude around that of samples
+            setNumberAt(bytes, as, i, hasIntegers(as) ? double(x) : double(x) / 65536);
     }
     const bool legal = a.error == vspStsNoErr ? !oneIn(4) : !faults || !oneIn(16);
     const Values values = call.values();
-    if (a.checked() && legal)
-        for (std::size_t i = 0; i < n; i++)
-            if (!isLegal(a, double(integerAt(bytes, type, i)), values, int(i)))
-                setIntegerAt(bytes, type, i,
-                             a.choices.empty() ? integer(f, argument, a.limits(values, int(i)))
-                                               : a.choices[random_() % a.choices.size()]);
+    for (std::size_t i = 0; a.checked() && legal && i < n; i++) {
+        if (isLegal(a, numberAt(bytes, as, i), values, int(i))) continue;
+        const double x = !hasIntegers(as)    ? real(a)
+                         : a.choices.empty() ? double(integer(f, argument, a.limits(values, int(i))))
+                                             : double(a.choices[random_() % a.choices.size()]);
+        setNumberAt(bytes, as, i, x);
+    }
     return bytes;
 }
 
@@ -375,22 +427,14 @@ std::vector<Fault> faultsOf(const Call& legal) {
                               }});
         }
         if (a.error == vspStsNoErr) continue;
-        if (!hasIntegers(type)) {
-            for (const double x :
-                 {double(a.limits({}, 0).low) - 0.01, double(a.limits({}, 0).high) * 1.01, -HUGE_VAL, double(NAN)})
-                if (!isLegal(a, x, values)) faults.push_back({i, [=](Call& c) { c.cells[i].real = x; }});
-            continue;
-        }
-        const std::size_t n = a.pointer() ? legal.elements(i) : 1;
+        const std::size_t n = a.pointer() ? legal.elements(i) * f.types[i].size / widthOf(type) : 1;
         for (std::size_t e = 0; e < n; e++)
-            for (const Vsp64s x : illegal(a, type, values, int(e))) {
-                if (a.pointer())
-                    faults.push_back({i, [=](Call& c) {
-                                          if (c.arrays[i]) setIntegerAt(*c.arrays[i], type, e, x);
-                                      }});
-                else
-                    faults.push_back({i, [=](Call& c) { c.setInteger(i, x); }});
-            }
+            for (const double x : illegal(a, type, values, int(e)))
+                faults.push_back({i, [=](Call& c) {
+                                      if (!a.pointer() && hasIntegers(type)) c.setInteger(i, Vsp64s(x));
+                                      if (!a.pointer() && !hasIntegers(type)) c.cells[i].real = x;
+                                      if (a.pointer() && c.arrays[i]) setNumberAt(*c.arrays[i], type, e, x);
+                                  }});
     }
     return faults;
 }

@@ -26,6 +26,7 @@ struct Call {
     bool used(std::size_t argument) const;
     std::size_t elements(std::size_t argument) const;  // of an array, with its history; 0 where it is not used
     std::size_t history(std::size_t argument) const;   // of these, before the pointer
+    std::size_t rows(std::size_t argument) const;      // that the elements are in, where the pointer is one to pointers
     double number(std::size_t argument) const;         // a value
     bool inPlace(std::size_t argument) const { return same[argument] >= 0; }
     void setInteger(std::size_t argument, Vsp64s x) { cells[argument].integer = x; }
@@ -85,8 +86,11 @@ struct Fault {
 };
 std::vector<Fault> faultsOf(const Call& legal);
 
-// Elements of an array as integers.
+// Numbers in an array of a type: h, i, u, f, d, B; s for bytes.
 Vsp64s integerAt(const Bytes& bytes, char type, std::size_t i);
-void setIntegerAt(Bytes& bytes, char type, std::size_t i, Vsp64s x);
+double numberAt(const Bytes& bytes, char type, std::size_t i);
+void setNumberAt(Bytes& bytes, char type, std::size_t i, double x);
+std::size_t widthOf(char type);
+bool hasIntegers(char type);
 
 }  // namespace vsp::test

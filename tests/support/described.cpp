@@ -75,6 +75,7 @@ Function describing::make(const char* name, std::size_t slot, std::vector<Parame
         expect(!types[i].constant || !a.written(), number + " is constant");
         a.elements.setFirstLength(firstLength);
         a.history.setFirstLength(firstLength);
+        a.rows.setFirstLength(firstLength);
     }
     return {.name = name,
             .family = {},

@@ -62,12 +62,15 @@ struct Argument {
     enum class Kind { value, in, out, io, state } kind;
     Count elements = 0;  // that a call may touch, without the history
     Count history = 0;   // elements before the pointer
+    Count rows = 1;      // arrays that a pointer to pointers has
 
     // The integers that the argument or its elements may be; others give the error. With vspStsNoErr tests give a value no
     // others, and an array seldom.
     std::function<Limits(const Values&, int element)> limits = {};
     std::vector<Vsp64s> choices = {};  // in place of limits
     bool dependent = false;            // the limits depend on other arguments
+    bool known = false;                // even if these are bad
+    bool late = false;                 // checked after all others
     VspStatus error = vspStsNoErr;
     VspStatus errorAbove = vspStsNoErr;  // of a value above its limits, where it is another one
     int step = 1;                        // of a length
@@ -126,6 +129,14 @@ struct Argument {
     Argument above(VspStatus otherError) const {
         return with([&](Argument& a) { a.errorAbove = otherError; });
     }
+    // The checks come after those of all other arguments.
+    Argument checkedLast() const {
+        return with([&](Argument& a) { a.late = true; });
+    }
+    // Limits by other arguments hold even if these are bad.
+    Argument anyway() const {
+        return with([&](Argument& a) { a.known = true; });
+    }
     // A length that must be a multiple of so much.
     Argument multipleOf(int number) const {
         return with([&](Argument& a) { a.step = number; });
@@ -173,6 +184,8 @@ inline Argument io(Count elements) { return {.kind = Argument::Kind::io, .elemen
 inline Argument state(Count bytes, Initialiser initialise = {}) {
     return {.kind = Argument::Kind::state, .elements = std::move(bytes), .initialise = std::move(initialise)};
 }
+// Arrays of so many elements each, behind an array of pointers to them.
+inline Argument rows(Count number, Argument each) { return each.rows = std::move(number), each; }
 // A written word that is always this number: the size of a state.
 inline Argument size(Vsp64s bytes) { return {.kind = Argument::Kind::out, .elements = 1, .always = bytes}; }
 
@@ -248,9 +261,9 @@ union Cell {
 };
 
 struct ParameterType {
-    char type;  // h, i, f, d, B as in the recorded items; s for anything else
-    std::size_t size;
-    bool pointer, constant;
+    char type;         // h, i, f, d, B as in the recorded items, u for unsigned 32 bits, s for anything else
+    std::size_t size;  // of an element
+    bool pointer, constant, rows;
 };
 
 // A function of the library with its arguments.
@@ -293,22 +306,29 @@ class Described {
 
 namespace describing {
 
+// Of complex values the type of their parts.
 template <class T>
 constexpr char typeOf() {
-    return std::is_same_v<T, Vsp8u>                                 ? 'B'
-           : std::is_same_v<T, Vsp16s> || std::is_same_v<T, Vsp16u> ? 'h'
-           : std::is_same_v<T, Vsp32s> || std::is_same_v<T, Vsp32u> ? 'i'
-           : std::is_same_v<T, Vsp32f>                              ? 'f'
-           : std::is_same_v<T, Vsp64f>                              ? 'd'
-                                                                    : 's';
+    if constexpr (requires { &T::re; })
+        return typeOf<std::remove_cvref_t<decltype(std::declval<T>().re)>>();
+    else
+        return std::is_same_v<T, Vsp8u>                                 ? 'B'
+               : std::is_same_v<T, Vsp16s> || std::is_same_v<T, Vsp16u> ? 'h'
+               : std::is_same_v<T, Vsp32s>                              ? 'i'
+               : std::is_same_v<T, Vsp32u>                              ? 'u'
+               : std::is_same_v<T, Vsp32f>                              ? 'f'
+               : std::is_same_v<T, Vsp64f>                              ? 'd'
+                                                                        : 's';
 }
 
 template <class P>
 constexpr ParameterType parameterType() {
-    using T = std::remove_cv_t<std::remove_pointer_t<P>>;
+    using Row = std::remove_cv_t<std::remove_pointer_t<P>>;
+    using Target = std::remove_pointer_t<std::conditional_t<std::is_pointer_v<Row>, Row, P>>;
+    using T = std::remove_cv_t<Target>;
     std::size_t bytes = 1;
     if constexpr (requires { sizeof(T); } && !std::is_void_v<T>) bytes = sizeof(T);
-    return {typeOf<T>(), bytes, std::is_pointer_v<P>, std::is_const_v<std::remove_pointer_t<P>>};
+    return {typeOf<T>(), bytes, std::is_pointer_v<P>, std::is_pointer_v<P> && std::is_const_v<Target>, std::is_pointer_v<Row>};
 }
 
 template <class P>

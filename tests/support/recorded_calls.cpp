@@ -14,14 +14,7 @@ namespace {
 using Kind = Argument::Kind;
 using Items = std::vector<Item>;
 
-std::size_t widthOf(char type) { return type == 'B' ? 1 : type == 'h' ? 2 : type == 'd' ? 8 : 4; }
 bool isFloat(char type) { return type == 'f' || type == 'd'; }
-
-double realAt(const Bytes& bytes, char type, std::size_t i) {
-    if (type == 'f') return double(elementsOf<Vsp32f>(bytes).at(i));
-    if (type == 'd') return elementsOf<Vsp64f>(bytes).at(i);
-    return double(integerAt(bytes, type, i));
-}
 
 // An item, or one element of it, in another type.
 Bytes converted(const Item& item, char type, int element) {
@@ -38,8 +31,8 @@ Bytes converted(const Item& item, char type, int element) {
             continue;
         }
         const Vsp64s x = integerAt(item.bytes, item.type, i);
-        setIntegerAt(bytes, type, i - first, x);
-        if (integerAt(bytes, type, i - first) != x) throw std::runtime_error("an item does not fit the argument's type");
+        setNumberAt(bytes, type, i - first, type == 'u' ? double(Vsp32u(x)) : double(x));
+        if (type != 'u' && integerAt(bytes, type, i - first) != x) throw std::runtime_error("an item does not fit the argument's type");
     }
     return bytes;
 }
@@ -90,7 +83,7 @@ RecordedCall fromItems(const Function& f, const Recording& recording, const Item
         } else if (p.before >= 0) {
             const Bytes bytes = converted(itemAt(p.before), type, p.element < 0 ? 0 : p.element);
             if (isFloat(type))
-                call.cells[i].real = realAt(bytes, type, 0);
+                call.cells[i].real = numberAt(bytes, type, 0);
             else
                 call.setInteger(i, integerAt(bytes, type, 0));
         } else {
@@ -130,10 +123,15 @@ RecordedCall fromItems(const Function& f, const Recording& recording, const Item
                                          std::to_string(expected.bytes.size()));
             if (recorded.status > 0 && a.onWarning >= 0)
                 expected.bytes.resize(std::min(expected.bytes.size(), std::size_t(a.onWarning) * f.types[i].size));
-            if (isFloat(f.types[i].type)) {
-                const Item& tolerance = itemAt(p.after + 1);
-                expected.absolute = realAt(tolerance.bytes, tolerance.type, 0);
-                expected.relative = realAt(tolerance.bytes, tolerance.type, 1);
+            const auto next = std::size_t(p.after) + 1;
+            const bool named = std::any_of(places.begin(), places.end(), [&](const Place& q) {
+                return q.before == int(next) || q.after == int(next);
+            });
+            if (isFloat(f.types[i].type) && next < items.size() && !named) {  // a tolerance
+                expected.absolute = numberAt(items[next].bytes, items[next].type, 0);
+                expected.relative = numberAt(items[next].bytes, items[next].type, 1);
+            } else if (isFloat(f.types[i].type) && recording.places.empty()) {
+                throw std::runtime_error(name + " is recorded without a tolerance");
             }
             if (recorded.status >= 0 && !(a.keptOnWarning && recorded.status > 0)) recorded.expected[i] = expected;
         }
@@ -152,7 +150,7 @@ RecordedCall withNames(const Function& f, const VectorCase& c) {
         if (a.kind == 'v') {
             const Bytes bytes = converted({a.type, a.input}, type, 0);
             if (isFloat(type))
-                recorded.call.cells[i].real = realAt(bytes, type, 0);
+                recorded.call.cells[i].real = numberAt(bytes, type, 0);
             else
                 recorded.call.setInteger(i, integerAt(bytes, type, 0));
             continue;
@@ -225,18 +223,18 @@ std::string differenceOf(const RecordedCall& recorded, const Result& result) {
         if (!recorded.expected[i]) continue;
         const auto& expected = *recorded.expected[i];
         const char type = f.types[i].type;
-        const std::size_t width = f.types[i].size, n = expected.bytes.size() / width;
+        const std::size_t width = widthOf(type), n = expected.bytes.size() / width;
         double largest = 0, allowed = 0;
         if (isFloat(type)) {
-            for (std::size_t e = 0; e < n; e++) largest = std::max(largest, std::fabs(realAt(expected.bytes, type, e)));
+            for (std::size_t e = 0; e < n; e++) largest = std::max(largest, std::fabs(numberAt(expected.bytes, type, e)));
             allowed = expected.absolute + expected.relative * largest;
         }
-        const Bytes part(result.arrays[i].begin() + std::ptrdiff_t(expected.first * width),
-                         result.arrays[i].begin() + std::ptrdiff_t((expected.first + n) * width));
+        const auto begin = result.arrays[i].begin() + std::ptrdiff_t(expected.first * f.types[i].size);
+        const Bytes part(begin, begin + std::ptrdiff_t(n * width));
         if (part == expected.bytes) continue;
         if (type == 's') return "argument " + std::to_string(i) + " differs";
         for (std::size_t e = 0; e < n; e++) {
-            const double is = realAt(part, type, e), wanted = realAt(expected.bytes, type, e);
+            const double is = numberAt(part, type, e), wanted = numberAt(expected.bytes, type, e);
             if (!(std::fabs(is - wanted) <= allowed))
                 return "argument " + std::to_string(i) + "[" + std::to_string(expected.first + e) + "] is " +
                        std::to_string(is) + ", expected " + std::to_string(wanted);
