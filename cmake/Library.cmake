@@ -89,8 +89,6 @@ set(vspsc_level_sources
     src/gsmamr/lp_analysis.cpp
     src/gsmamr/lsp.cpp
     src/gsmamr/open_loop_pitch.cpp
-    src/gsmamr/gain_concealment.cpp
-    src/gsmamr/gain_decode.cpp
     src/gsmamr/paired_pulse_search.cpp
     src/gsmamr/phase_dispersion.cpp
     src/gsmamr/single_pulse_search.cpp
