@@ -24,8 +24,8 @@ extern "C" {
 
 /** How the echo is estimated. */
 enum {
-    vspvEchoSubband = 0, /**< complex sub-bands, one short adaptive filter in each: long paths at little cost */
-    vspvEchoFullband = 1 /**< one long adaptive filter of the signal: a latency of 5 ms */
+    vspvEchoSubband = 0, /**< complex sub-bands, a short filter in each: long paths at little cost, late by 110 ms */
+    vspvEchoFullband = 1 /**< one long adaptive filter of the signal, late by 5 ms */
 };
 
 /** With which functions of vspsc.h. */
@@ -36,26 +36,24 @@ enum {
 
 /** What a canceller is to be. */
 typedef struct {
-    Vsp32s samplingRate;  /**< Hz: 8000 or 16000 */
-    Vsp32s engine;        /**< vspvEchoSubband or vspvEchoFullband */
-    Vsp32s arithmetic;    /**< vspvEchoFloat or vspvEchoFixed */
-    Vsp32s toneDisabling; /**< 1: stop at a modem's answer tone (2100 Hz with phase reversals), ITU-T G.168; 0: do not */
-    Vsp64f tailMs;        /**< longest echo path that can be cancelled, without its bulk delay: 1 to 500 ms */
-    Vsp64f
-        maxBulkDelayMs; /**< the pure delay before the echo path is searched up to here: 0, taken to be none, to 1000 ms */
+    Vsp32s samplingRate;   /**< Hz: 8000 or 16000 */
+    Vsp32s engine;         /**< vspvEchoSubband or vspvEchoFullband */
+    Vsp32s arithmetic;     /**< vspvEchoFloat or vspvEchoFixed */
+    Vsp32s toneDisabling;  /**< 1: stop at a modem's answer tone (2100 Hz with phase reversals), ITU-T G.168; 0: do not */
+    Vsp64f tailMs;         /**< longest echo path that can be cancelled, without its bulk delay: 1 to 500 ms */
+    Vsp64f maxBulkDelayMs; /**< the pure delay before the path is searched up to here: 0, taken to be none, to 1000 ms */
 } VspvEchoSettings;
 
 /** What a canceller was doing at the end of the last block. */
 typedef struct {
-    Vsp32s echoFound;  /**< 1: some echo has been removed so far; without it, the bulk delay means nothing */
-    Vsp32s farActive;  /**< 1: there is a far-end signal to cancel */
-    Vsp32s doubleTalk; /**< 1: far-end and near-end speech at the same time; short pauses in either count as pauses */
-    Vsp32s
-        toneDisabled; /**< 1: stopped by a modem's tone, neither adapts nor cancels: the output is the near end, delayed */
-    Vsp64f bulkDelayMs; /**< found between far end and near end, compensated before the adaptive filter */
-    Vsp64f stepSize;    /**< how fast the filter adapts: 0 not at all, 1 as fast as an NLMS filter can */
-    Vsp64f erle;        /**< echo return loss enhancement, dB: power of the near end over that of the output, smoothed over
-                             0.5 s; tells what is removed of an echo while there is echo alone */
+    Vsp32s echoFound;    /**< 1: some echo has been removed so far; without it, the bulk delay means nothing */
+    Vsp32s farActive;    /**< 1: there is a far-end signal to cancel */
+    Vsp32s doubleTalk;   /**< 1: near-end speech while the far end is active, at this moment: 0 between syllables */
+    Vsp32s toneDisabled; /**< 1: stopped by a modem's tone, neither adapts nor cancels: out is near, delayed */
+    Vsp64f bulkDelayMs;  /**< found between far end and near end, compensated before the adaptive filter */
+    Vsp64f stepSize;     /**< how fast the filter adapts: 0 not at all, 1 as fast as an NLMS filter can */
+    Vsp64f erle;         /**< echo return loss enhancement, dB: power of the near end over that of the output, smoothed over
+                              0.5 s; tells what is removed of an echo while there is echo alone */
 } VspvEchoStatus;
 
 /** Object of an echo canceller; the memory must be aligned to 8 bytes. It points into itself, so it must not be moved. */

@@ -11,7 +11,6 @@
 
 namespace vspv {
 
-// Of an object that init has made; the pointer is to the memory that init got.
 struct EchoEngine {
     Vsp32s (*size)(const VspvEchoSettings& settings);
     void* (*init)(void* memory, const VspvEchoSettings& settings);  // returns the object
