@@ -64,6 +64,11 @@ set(vspsc_level_sources
     src/g729/open_loop_pitch.cpp
     src/g729/pitch_32f.cpp
     src/g729/pitch_track.cpp
+    src/g729/long_term_post_filter.cpp
+    src/g729/open_loop_pitch.cpp
+    src/g729/pitch_32f.cpp
+    src/g729/post_filter.cpp
+    src/g729/post_filter_a.cpp
     src/g729/state_sizes.cpp
     src/g729/taming.cpp
     src/g729/vad.cpp

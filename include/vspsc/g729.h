@@ -16,6 +16,7 @@
 #include "vspsc/g729/lsp.h"
 #include "vspsc/g729/lsp_quant.h"
 #include "vspsc/g729/pitch.h"
+#include "vspsc/g729/post_filter.h"
 #include "vspsc/g729/pre_post_process.h"
 #include "vspsc/g729/silence.h"
 

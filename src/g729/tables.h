@@ -14,6 +14,9 @@ using ThirdFilters = FractionFilters<T, 3>;
 extern const ThirdFilters<Vsp16s> inter_3l_taps;      // Q15
 extern const ThirdFilters<Vsp32f> inter_3l_32f_taps;  // the same as floats
 
+// Interpolation filters of the long-term post-filter at eighths of a sample, 1/8 .. 7/8, Q15.
+extern const Vsp16s tab_hup_s[7][4], tab_hup_l[7][16];
+
 // Positions of the two pulses of Annex D by their places.
 extern const Vsp8u trackTable0[16], trackTable1[32];
 
