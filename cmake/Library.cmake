@@ -41,6 +41,7 @@ set(vspsc_level_sources
     src/g729/adaptive_vector.cpp
     src/g729/backward_lp.cpp
     src/g729/delay_index.cpp
+    src/g729/fixed_codebook_32f.cpp
     src/g729/fixed_codebook_decode.cpp
     src/g729/fixed_codebook_search.cpp
     src/g729/fixed_codebook_search_a.cpp
@@ -52,6 +53,7 @@ set(vspsc_level_sources
     src/g729/high_pass.cpp
     src/g729/hybrid_window.cpp
     src/g729/interpol_3.cpp
+    src/g729/long_term_post_filter.cpp
     src/g729/lp_32f.cpp
     src/g729/lp_analysis.cpp
     src/g729/lpc_mode.cpp
@@ -62,14 +64,12 @@ set(vspsc_level_sources
     src/g729/lsp_quant_32f.cpp
     src/g729/music_detect.cpp
     src/g729/open_loop_pitch.cpp
+    src/g729/phase_dispersion.cpp
     src/g729/pitch_32f.cpp
     src/g729/pitch_track.cpp
-    src/g729/long_term_post_filter.cpp
-    src/g729/open_loop_pitch.cpp
-    src/g729/pitch_32f.cpp
     src/g729/post_filter.cpp
+    src/g729/post_filter_32f.cpp
     src/g729/post_filter_a.cpp
-    src/g729/state_sizes.cpp
     src/g729/taming.cpp
     src/g729/vad.cpp
     src/g729/vad_32f.cpp

@@ -1,4 +1,4 @@
-// The post-filter of the main body (G.729 4.2).
+// The post-filter of the main body (G.729 4.2) and that of Annex E.
 #include "g729/post_filter.h"
 #include "core/checks.h"
 #include "core/state_size.h"
@@ -17,7 +17,8 @@ struct State {
     Vsp16s gain, unused;
 };
 using MainState = State<10>;
-static_assert(sizeof(MainState) == 328);
+using LongState = State<30>;
+static_assert(sizeof(MainState) == 328 && sizeof(LongState) == 368);
 
 struct Weights {
     Vsp16s denominator, numerator, harmonic;
@@ -129,10 +130,17 @@ void filter(const Vsp16s* syn, const Vsp16s* lpc, Vsp16s lag, bool voiced, const
 }  // namespace
 
 VspStatus vspsPostFilterGetStateSize_G729_16s(Vsp32s* pSize) { return fixedSize(pSize, sizeof(MainState)); }
+VspStatus vspsPostFilterGetStateSize_G729E_16s(Vsp32s* pSize) { return fixedSize(pSize, sizeof(LongState)); }
 
 VspStatus vspsPostFilterInit_G729_16s(VspPostFilterState_G729_16s* pState) {
     if (anyNull(pState)) return vspStsNullPtrErr;
     initialise(*reinterpret_cast<MainState*>(pState));
+    return vspStsNoErr;
+}
+
+VspStatus vspsPostFilterInit_G729E_16s(VspPostFilterState_G729E_16s* pState) {
+    if (anyNull(pState)) return vspStsNullPtrErr;
+    initialise(*reinterpret_cast<LongState*>(pState));
     return vspStsNoErr;
 }
 
@@ -143,6 +151,21 @@ VspStatus vspsPostFilter_G729_16s(const Vsp16s* pSyn, const Vsp16s* pLPC, Vsp16s
     if (frameType < 0 || frameType > 2) return vspStsRangeErr;
     filter<10>(pSyn, pLPC, lag, frameType == 1, {kGammaDenominator, kGammaNumerator, kPlainHarmonic}, 20, pDst, pVoicing,
                *reinterpret_cast<MainState*>(pState));
+    return vspStsNoErr;
+}
+
+VspStatus vspsPostFilter_G729E_16s(const Vsp16s* pSyn, const Vsp16s* pLPC, Vsp32s order, Vsp16s lag, Vsp16s frameType,
+                                   const Vsp16s* pGamma, Vsp32s length, Vsp16s* pDst, Vsp16s* pVoicing,
+                                   VspPostFilterState_G729E_16s* pState) {
+    if (anyNull(pSyn, pLPC, pGamma, pDst, pVoicing, pState)) return vspStsNullPtrErr;
+    if (order != 10 && order != 30) return vspStsRangeErr;
+    if (!isLegalLag(lag)) return vspStsRangeErr;
+    if (frameType < 0 || frameType > 2) return vspStsRangeErr;
+    if (length != 20 && length != 32) return vspStsRangeErr;
+    LongState& state = *reinterpret_cast<LongState*>(pState);
+    const Weights weights{pGamma[0], pGamma[1], pGamma[2]};
+    const auto run = order == 10 ? filter<10, 30> : filter<30, 30>;
+    run(pSyn, pLPC, lag, frameType == 1, weights, length, pDst, pVoicing, state);
     return vspStsNoErr;
 }
 

@@ -44,8 +44,10 @@ struct ResidualHistory {
 // 1/A(z) with the outputs before it, the newest last.
 template <int Order>
 VSP_INLINE void synthesise(const Vsp16s* lpc, const Vsp16s* src, Vsp16s* dst, int len, const Vsp16s* memory) {
-    static_assert(Order == 10);
-    vspsSynthesisFilter_NR_16s_Sfs(lpc, src, dst, len, 12, memory);
+    if constexpr (Order == 10)
+        vspsSynthesisFilter_NR_16s_Sfs(lpc, src, dst, len, 12, memory);
+    else
+        vspsSynthesisFilter_G729E_16s(lpc, src, dst, len, Order, memory);
 }
 
 // The response of A(z / gammaNumerator) / A(z / gammaDenominator), which begins as the numerator does.

@@ -102,6 +102,43 @@ VspStatus vspsFixedCodebookSearch_G729E_16s(Vsp16s mode, const Vsp16s* pTarget, 
                                             Vsp16s* pFiltered, Vsp16s* pIndex);
 
 /**
+ * Search of the four-pulse codebook in floating point (G.729 Annex C, ACELP_codebook), as
+ * vspsFixedCodebookSearch_G729_16s with real values: pulses of 1 and -1, a sharpening gain as a factor.
+ *
+ * @param[in]     pTarget    target without the adaptive-codebook part, 40 samples
+ * @param[in]     pImpulse   impulse response of the weighted synthesis filter, 40 samples
+ * @param[in]     lag        integer lag, 18 .. 145
+ * @param[in]     sharp      sharpening gain
+ * @param[in]     subframe   0 or 1
+ * @param[in,out] pExtra     visits left over; read in subframe 1 only
+ * @param[out]    pCode      sharpened code vector, 40 samples
+ * @param[out]    pFiltered  code vector filtered by the impulse response, 40 samples
+ * @param[out]    pIndex     positions, 13 bits, and signs, 4 bits
+ * @retval vspStsNullPtrErr  pTarget, pImpulse, pExtra, pCode, pFiltered or pIndex is null
+ * @retval vspStsRangeErr    lag outside 18 .. 145, or subframe neither 0 nor 1
+ */
+VspStatus vspsFixedCodebookSearch_G729_32f(const Vsp32f* pTarget, const Vsp32f* pImpulse, Vsp32s lag, Vsp32f sharp,
+                                           Vsp32s subframe, Vsp32s* pExtra, Vsp32f* pCode, Vsp32f* pFiltered,
+                                           Vsp32s* pIndex);
+
+/**
+ * Search of the four-pulse codebook, depth first, in floating point (G.729 Annex C, ACELP_code_A), as
+ * vspsFixedCodebookSearch_G729A_16s with real values.
+ *
+ * @param[in]  pTarget    target without the adaptive-codebook part, 40 samples
+ * @param[in]  pImpulse   impulse response of the weighted synthesis filter, 40 samples
+ * @param[in]  lag        integer lag, 18 .. 145
+ * @param[in]  sharp      sharpening gain
+ * @param[out] pCode      sharpened code vector, 40 samples
+ * @param[out] pFiltered  code vector filtered by the impulse response, 40 samples
+ * @param[out] pIndex     positions, 13 bits, and signs, 4 bits
+ * @retval vspStsNullPtrErr  pTarget, pImpulse, pCode, pFiltered or pIndex is null
+ * @retval vspStsRangeErr    lag outside 18 .. 145
+ */
+VspStatus vspsFixedCodebookSearch_G729A_32f(const Vsp32f* pTarget, const Vsp32f* pImpulse, Vsp32s lag, Vsp32f sharp,
+                                            Vsp32f* pCode, Vsp32f* pFiltered, Vsp32s* pIndex);
+
+/**
  * Code vector of the four-pulse codebook with its sharpening (G.729 4.1.4, Decod_ACELP).
  *
  * @param[in]  pIndex  positions and signs, of which the low 13 and 4 bits are used

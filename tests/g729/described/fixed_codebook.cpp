@@ -19,6 +19,9 @@ static const Described functions(
                               {item(0), item(1), item(2), item(3), result(4), result(5), result(6)}),
                 VSPSC_FUNCTION(vspsFixedCodebookSearch_G729E_16s, mode, in(40), in(40), in(40), lag, value(), out(40),
                                out(40), out(5)),
+                VSPSC_FUNCTION(vspsFixedCodebookSearch_G729_32f, in(40), in(40), lag, value(), subframe, io(1), out(40),
+                               out(40), out(2)),
+                VSPSC_FUNCTION(vspsFixedCodebookSearch_G729A_32f, in(40), in(40), lag, value(), out(40), out(40), out(2)),
                 VSPSC_FUNCTION(vspsFixedCodebookDecode_G729_16s, in(2), lag, value(), out(40))
                     .recorded("vspsFixedCodebookDecode_G729_16s", {item(0), item(1), item(2), result(3)}),
                 VSPSC_FUNCTION(vspsFixedCodebookDecode_G729D_16s, in(2), lag, value(), out(40))

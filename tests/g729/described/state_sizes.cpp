@@ -3,12 +3,10 @@
 
 namespace vsp::test {
 
-static const Described functions("g729",
-                                 {
-                                     VSPSC_FUNCTION(vspsHighPassFilterSize_G729, size(24)).notRecorded(),
-                                     VSPSC_FUNCTION(vspsPhaseDispersionGetStateSize_G729D_16s, size(20)).notRecorded(),
-                                     VSPSC_FUNCTION(vspsWinHybridGetStateSize_G729E_16s, size(124)).notRecorded(),
-                                     VSPSC_FUNCTION(vspsWinHybridGetStateSize_G729E_32f, size(124)).notRecorded(),
-                                 });
+static const Described functions("g729", {
+                                             VSPSC_FUNCTION(vspsHighPassFilterSize_G729, size(24)).notRecorded(),
+                                             VSPSC_FUNCTION(vspsWinHybridGetStateSize_G729E_16s, size(124)).notRecorded(),
+                                             VSPSC_FUNCTION(vspsWinHybridGetStateSize_G729E_32f, size(124)).notRecorded(),
+                                         });
 
 }  // namespace vsp::test
