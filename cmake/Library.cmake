@@ -40,7 +40,10 @@ set(vspsc_level_sources
     src/g729/adaptive_codebook_search.cpp
     src/g729/adaptive_vector.cpp
     src/g729/backward_lp.cpp
+    src/g729/cng_decode.cpp
+    src/g729/comfort_noise.cpp
     src/g729/delay_index.cpp
+    src/g729/dtx.cpp
     src/g729/fixed_codebook_32f.cpp
     src/g729/fixed_codebook_decode.cpp
     src/g729/fixed_codebook_search.cpp
@@ -63,6 +66,7 @@ set(vspsc_level_sources
     src/g729/lsp_quant.cpp
     src/g729/lsp_quant_32f.cpp
     src/g729/music_detect.cpp
+    src/g729/noise_lsp.cpp
     src/g729/open_loop_pitch.cpp
     src/g729/phase_dispersion.cpp
     src/g729/pitch_32f.cpp

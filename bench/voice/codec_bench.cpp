@@ -39,28 +39,31 @@ Second encode(const VspvCodec& codec, VspvEncoder* encoder) {
 }
 
 void addLayer(const VspvCodec& codec) {
-    benchmark::RegisterBenchmark((std::string("voice_encode/") + codec.name + "/layer").c_str(), [&](benchmark::State& run) {
-        auto memory = memoryFor(vspvEncoderGetSize, codec);
-        const auto encoder = reinterpret_cast<VspvEncoder*>(memory.data());
-        vspvEncoderInit(encoder, &codec);
-        std::vector<Vsp8u> bytes(std::size_t(codec.maxFrameBytes));
-        VspvFrame frame;
-        for (auto _ : run)
-            for (int at = 0; at + codec.frameSamples <= codec.samplingRate; at += codec.frameSamples)
-                vspvEncode(encoder, &noise()[std::size_t(at)], bytes.data(), &frame);
-    });
-    benchmark::RegisterBenchmark((std::string("voice_decode/") + codec.name + "/layer").c_str(), [&](benchmark::State& run) {
-        auto encoderMemory = memoryFor(vspvEncoderGetSize, codec), memory = memoryFor(vspvDecoderGetSize, codec);
-        const auto encoder = reinterpret_cast<VspvEncoder*>(encoderMemory.data());
-        vspvEncoderInit(encoder, &codec);
-        const Second coded = encode(codec, encoder);
-        const auto decoder = reinterpret_cast<VspvDecoder*>(memory.data());
-        vspvDecoderInit(decoder, &codec);
-        std::vector<Vsp16s> samples(std::size_t(codec.frameSamples));
-        for (auto _ : run)
-            for (std::size_t i = 0; i < coded.frames.size(); i++)
-                vspvDecode(decoder, &coded.bytes[i * std::size_t(codec.maxFrameBytes)], &coded.frames[i], samples.data());
-    });
+    benchmark::RegisterBenchmark(
+        (std::string("voice_encode/") + codec.name + "/layer").c_str(), [&](benchmark::State& run) {
+            auto memory = memoryFor(vspvEncoderGetSize, codec);
+            const auto encoder = reinterpret_cast<VspvEncoder*>(memory.data());
+            vspvEncoderInit(encoder, &codec);
+            std::vector<Vsp8u> bytes(std::size_t(codec.maxFrameBytes));
+            VspvFrame frame;
+            for (auto _ : run)
+                for (int at = 0; at + codec.frameSamples <= codec.samplingRate; at += codec.frameSamples)
+                    vspvEncode(encoder, &noise()[std::size_t(at)], bytes.data(), &frame);
+        });
+    benchmark::RegisterBenchmark(
+        (std::string("voice_decode/") + codec.name + "/layer").c_str(), [&](benchmark::State& run) {
+            auto encoderMemory = memoryFor(vspvEncoderGetSize, codec), memory = memoryFor(vspvDecoderGetSize, codec);
+            const auto encoder = reinterpret_cast<VspvEncoder*>(encoderMemory.data());
+            vspvEncoderInit(encoder, &codec);
+            const Second coded = encode(codec, encoder);
+            const auto decoder = reinterpret_cast<VspvDecoder*>(memory.data());
+            vspvDecoderInit(decoder, &codec);
+            std::vector<Vsp16s> samples(std::size_t(codec.frameSamples));
+            for (auto _ : run)
+                for (std::size_t i = 0; i < coded.frames.size(); i++)
+                    vspvDecode(decoder, &coded.bytes[i * std::size_t(codec.maxFrameBytes)], &coded.frames[i],
+                               samples.data());
+        });
 }
 
 template <class Frame>
@@ -117,9 +120,8 @@ void addBareGsm() {
     const vsp::test::gsmfr::Codec coder(*library);
     std::vector<Vsp16s> parameters(76), samples(160);
     vsp::test::gsmfr::Codec(*library).encode(noise().data(), parameters.data());
-    addBare("voice_encode/gsm/bare", 50, [=, x = coder](int i) mutable {
-        x.encode(&noise()[160 * std::size_t(i)], parameters.data());
-    });
+    addBare("voice_encode/gsm/bare", 50,
+            [=, x = coder](int i) mutable { x.encode(&noise()[160 * std::size_t(i)], parameters.data()); });
     addBare("voice_decode/gsm/bare", 50, [=, x = coder](int) mutable { x.decode(parameters.data(), samples.data()); });
 }
 

@@ -20,7 +20,10 @@ using Kind = Argument::Kind;
 std::size_t bounded(Vsp64s elements) { return std::size_t(std::clamp<Vsp64s>(elements, 0, 1 << 16)); }
 
 Limits limitsOfType(char type) {
-    return type == 'B' ? Limits{0, 255} : type == 'h' ? Limits{-32768, 32767} : type == 'u' ? Limits{0, 0xFFFFFFFF} : Limits{};
+    return type == 'B'   ? Limits{0, 255}
+           : type == 'h' ? Limits{-32768, 32767}
+           : type == 'u' ? Limits{0, 0xFFFFFFFF}
+                         : Limits{};
 }
 
 bool contains(const std::vector<Vsp64s>& all, Vsp64s x) { return std::find(all.begin(), all.end(), x) != all.end(); }
@@ -55,7 +58,8 @@ std::vector<double> illegal(const Argument& a, char type, const Values& values, 
     std::vector<double> bad;
     for (const double x : candidates) {
         const bool possible = !hasIntegers(type) || (x >= double(all.low) && x <= double(all.high));
-        if (possible && !isLegal(a, x, values, element) && std::find(bad.begin(), bad.end(), x) == bad.end()) bad.push_back(x);
+        if (possible && !isLegal(a, x, values, element) && std::find(bad.begin(), bad.end(), x) == bad.end())
+            bad.push_back(x);
     }
     return bad;
 }

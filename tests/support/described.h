@@ -328,7 +328,8 @@ constexpr ParameterType parameterType() {
     using T = std::remove_cv_t<Target>;
     std::size_t bytes = 1;
     if constexpr (requires { sizeof(T); } && !std::is_void_v<T>) bytes = sizeof(T);
-    return {typeOf<T>(), bytes, std::is_pointer_v<P>, std::is_pointer_v<P> && std::is_const_v<Target>, std::is_pointer_v<Row>};
+    return {typeOf<T>(), bytes, std::is_pointer_v<P>, std::is_pointer_v<P> && std::is_const_v<Target>,
+            std::is_pointer_v<Row>};
 }
 
 template <class P>

@@ -32,7 +32,8 @@ Bytes converted(const Item& item, char type, int element) {
         }
         const Vsp64s x = integerAt(item.bytes, item.type, i);
         setNumberAt(bytes, type, i - first, type == 'u' ? double(Vsp32u(x)) : double(x));
-        if (type != 'u' && integerAt(bytes, type, i - first) != x) throw std::runtime_error("an item does not fit the argument's type");
+        if (type != 'u' && integerAt(bytes, type, i - first) != x)
+            throw std::runtime_error("an item does not fit the argument's type");
     }
     return bytes;
 }
@@ -124,9 +125,8 @@ RecordedCall fromItems(const Function& f, const Recording& recording, const Item
             if (recorded.status > 0 && a.onWarning >= 0)
                 expected.bytes.resize(std::min(expected.bytes.size(), std::size_t(a.onWarning) * f.types[i].size));
             const auto next = std::size_t(p.after) + 1;
-            const bool named = std::any_of(places.begin(), places.end(), [&](const Place& q) {
-                return q.before == int(next) || q.after == int(next);
-            });
+            const bool named = std::any_of(places.begin(), places.end(),
+                                           [&](const Place& q) { return q.before == int(next) || q.after == int(next); });
             if (isFloat(f.types[i].type) && next < items.size() && !named) {  // a tolerance
                 expected.absolute = numberAt(items[next].bytes, items[next].type, 0);
                 expected.relative = numberAt(items[next].bytes, items[next].type, 1);

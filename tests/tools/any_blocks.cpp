@@ -17,7 +17,8 @@ std::vector<std::int16_t> makeSamples(std::size_t count) {
     std::vector<std::int16_t> samples(count);
     for (std::size_t i = 0; i < count; i++) {
         const double time = double(i) / 8000, voice = std::max(0.0, std::sin(2 * std::numbers::pi * time));
-        samples[i] = std::int16_t(8000 * voice * std::sin(2 * std::numbers::pi * 140 * time) + double(g_random() % 400) - 200);
+        samples[i] =
+            std::int16_t(8000 * voice * std::sin(2 * std::numbers::pi * 140 * time) + double(g_random() % 400) - 200);
     }
     return samples;
 }

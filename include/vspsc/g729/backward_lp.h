@@ -30,8 +30,8 @@ VspStatus vspsWinHybridInit_G729E_16s(void* pState);
 /**
  * Autocorrelation of the past synthesis by the hybrid window (G.729 Annex E, autocorr_hyb_window).
  *
- * w[n] = src[n] * window[n] >> 15. Of each lag k the state keeps c[k] = 0.3164 * c[k] + half the doubled sum of w[n] * w[n-k]
- * over n = 30 .. 109; dst[k] adds to it the sum over n = 110 .. 144. Every product and every partial sum saturates.
+ * w[n] = src[n] * window[n] >> 15. Of each lag k the state keeps c[k] = 0.3164 * c[k] + half the doubled sum of w[n] *
+ * w[n-k] over n = 30 .. 109; dst[k] adds to it the sum over n = 110 .. 144. Every product and every partial sum saturates.
  *
  * @param[in]     pSrc       145 samples, the newest last
  * @param[out]    pAutoCorr  autocorrelations of lags 0 .. 30

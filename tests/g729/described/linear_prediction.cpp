@@ -23,14 +23,18 @@ const Described functions(
         VSPSC_FUNCTION(vspsHighPassFilterSize_G729, size(24)).notRecorded(),
         VSPSC_FUNCTION(vspsHighPassFilterInit_G729, in(6), state(24)).notRecorded(),
         VSPSC_FUNCTION(vspsHighPassFilter_G729_16s_ISfs, io(len), length(), scale(12, 13), state(24, kInputFilter))
-            .stream("vspsHighPassFilter_G729_16s_ISfs-12", -1, {item(1).to(2), constant(80), constant(12), unrecorded()}, -1,
-                    kInputFilter)
-            .stream("vspsHighPassFilter_G729_16s_ISfs-13", -1, {item(1).to(2), constant(80), constant(13), unrecorded()}, -1,
-                    kOutputFilter),
+            .stream("vspsHighPassFilter_G729_16s_ISfs-12", -1, {item(1).to(2), constant(80), constant(12), unrecorded()},
+                    -1, kInputFilter)
+            .stream("vspsHighPassFilter_G729_16s_ISfs-13", -1, {item(1).to(2), constant(80), constant(13), unrecorded()},
+                    -1, kOutputFilter),
         VSPSC_FUNCTION(vspsAnalysisWindow_G729_16s, in(240), out(240).mayBe(0))
             .recorded("vspsAutoCorr_NormE_16s32s", {item(0), result(1)}),
         VSPSC_FUNCTION(vspsAutoCorr_NormE_16s32s, in(len), length(), out(argument(3)),
-                       limited(vspStsSizeErr, [](const Values& v) { return Limits{1, v[1]}; }), out(1))
+                       limited(vspStsSizeErr,
+                               [](const Values& v) {
+                                   return Limits{1, v[1]};
+                               }),
+                       out(1))
             .recorded("vspsAutoCorr_NormE_16s32s", {item(1), constant(240), result(2), constant(13), result(4)}, 5),
         VSPSC_FUNCTION(vspsLevinsonDurbin_G729_32s16s, in(11), out(11), out(10).firstOnWarning(2),
                        out(1).unchangedOnWarning(), io(13)),
@@ -42,8 +46,7 @@ const Described functions(
             .recorded("vspsLPCToLSP_G729_16s", {item(0), item(1), result(2)}),
         VSPSC_FUNCTION(vspsLPCToLSP_G729A_16s, in(11), in(10), out(10).mayBe(1))
             .recorded("vspsLPCToLSP_G729A_16s", {item(0), item(1), result(2)}),
-        VSPSC_FUNCTION(vspsLSPToLPC_G729_16s, in(10), out(11))
-            .recorded("vspsLSPToLPC_G729_16s", {item(0), result(1)}),
+        VSPSC_FUNCTION(vspsLSPToLPC_G729_16s, in(10), out(11)).recorded("vspsLSPToLPC_G729_16s", {item(0), result(1)}),
         VSPSC_FUNCTION(vspsLSPToLSF_Norm_G729_16s, in(10), out(10).mayBe(0))
             .recorded("vspsLSPToLSF_Norm_G729_16s", {item(0), result(1)}),
         VSPSC_FUNCTION(vspsLSPToLSF_G729_16s, in(10), out(10).mayBe(0))
@@ -55,9 +58,8 @@ const Described functions(
 
         VSPSC_FUNCTION(vspsWinHybridGetStateSize_G729E_16s, size(124)).notRecorded(),
         VSPSC_FUNCTION(vspsWinHybridInit_G729E_16s, state(124)).notRecorded(),
-        VSPSC_FUNCTION(vspsWinHybrid_G729E_16s32s, in(145), out(31), state(124, [](const Api& api, int, void* s) {
-                           api.vspsWinHybridInit_G729E_16s(s);
-                       }))
+        VSPSC_FUNCTION(vspsWinHybrid_G729E_16s32s, in(145), out(31),
+                       state(124, [](const Api& api, int, void* s) { api.vspsWinHybridInit_G729E_16s(s); }))
             .stream("vspsWinHybrid_G729E_16s32s"),
         VSPSC_FUNCTION(vspsLagWindow_G729E_32s_I, io(31)),
         VSPSC_FUNCTION(vspsLevinsonDurbin_G729E_32s16s, in(31), out(31), out(30).firstOnWarning(2),
@@ -82,9 +84,8 @@ const Described functions(
             .stream("vspsHighPassFilter_G729_32f_I"),
         VSPSC_FUNCTION(vspsWinHybridGetStateSize_G729E_32f, size(124)).notRecorded(),
         VSPSC_FUNCTION(vspsWinHybridInit_G729E_32f, state(124)).notRecorded(),
-        VSPSC_FUNCTION(vspsWinHybrid_G729E_32f, in(145), out(31), state(124, [](const Api& api, int, void* s) {
-                           api.vspsWinHybridInit_G729E_32f(s);
-                       }))
+        VSPSC_FUNCTION(vspsWinHybrid_G729E_32f, in(145), out(31),
+                       state(124, [](const Api& api, int, void* s) { api.vspsWinHybridInit_G729E_32f(s); }))
             .stream("vspsWinHybrid_G729E_32f"),
     });
 
