@@ -88,18 +88,27 @@ set(vspsc_level_sources
     src/gsmamr/background_noise.cpp
     src/gsmamr/code_gain_prediction.cpp
     src/gsmamr/code_gain_smoothing.cpp
+    src/gsmamr/comfort_noise_decode.cpp
     src/gsmamr/delay_decode.cpp
+    src/gsmamr/dtx.cpp
     src/gsmamr/excitation_control.cpp
     src/gsmamr/excitation_emphasis.cpp
     src/gsmamr/fft128.cpp
     src/gsmamr/gain_concealment.cpp
     src/gsmamr/gain_decode.cpp
+    src/gsmamr/gain_quant.cpp
+    src/gsmamr/gain_quant_475.cpp
+    src/gsmamr/gain_quant_795.cpp
     src/gsmamr/high_pass.cpp
     src/gsmamr/lp_analysis.cpp
+    src/gsmamr/lsf_decode.cpp
     src/gsmamr/lsp.cpp
+    src/gsmamr/lsp_quant.cpp
     src/gsmamr/open_loop_pitch.cpp
     src/gsmamr/paired_pulse_search.cpp
     src/gsmamr/phase_dispersion.cpp
+    src/gsmamr/post_filter.cpp
+    src/gsmamr/random_parameters.cpp
     src/gsmamr/single_pulse_search.cpp
     src/gsmamr/vad1.cpp
     src/gsmamr/vad2.cpp
@@ -128,7 +137,9 @@ set(vspsc_common_sources
     src/g729/tables.cpp
     src/gsmamr/gain_tables.cpp
     src/gsmamr/lp_tables.cpp
+    src/gsmamr/lsf_tables.cpp
     src/gsmamr/open_loop_tables.cpp
+    src/gsmamr/parameter_bits.cpp
     src/gsmamr/phase_dispersion_tables.cpp
     src/gsmamr/pitch_tables.cpp
     src/gsmamr/square_root.cpp

@@ -3,6 +3,8 @@
 set(vspsvoice_exports "${PROJECT_SOURCE_DIR}/voice/exports.map")
 add_library(
     vspsvoice SHARED
+    voice/codec/amr/decoder.cpp
+    voice/codec/amr/encoder.cpp
     voice/codec/codec.cpp
     voice/codec/g711/g711.cpp
     voice/codec/g722/g722.cpp

@@ -43,6 +43,17 @@ VspStatus vspsCodeGainConceal_GSMAMR_16s(Vsp32s bfi, Vsp32s prevBfi, Vsp32s bfSt
                                          Vsp16s* pGain);
 
 /**
+ * Random parameters for a frame of speech that did not arrive (`build_CN_param`).
+ *
+ * @param[in]     mode    bit rate
+ * @param[in,out] pSeed   reset 21845
+ * @param[out]    pParam  the parameters of a frame: 17, 19, 19, 19, 19, 23, 39 or 57 of them, from the lowest rate on
+ * @retval vspStsNullPtrErr  a pointer is null
+ * @retval vspStsRangeErr    mode outside its set
+ */
+VspStatus vspsRandomParameters_GSMAMR_16s(Vsp32s mode, Vsp16s* pSeed, Vsp16s* pParam);
+
+/**
  * Tells background noise from speech in the decoder (`Bgn_scd`).
  *
  * @param[in]     pPitchGain       pitch gains of nine subframes, newest last, Q14

@@ -15,6 +15,40 @@ extern "C" {
 #endif
 
 /**
+ * Quantises the gains of a subframe (`gainQuant`).
+ *
+ * At mode 0 subframes 0 and 2 only prepare: pGain[1] becomes a gain that is not quantised, and subframes 1 and 3 quantise
+ * the gains of both. At mode 12 pGain[0], which is quantised already, stays.
+ *
+ * @param[in]     pResidual  40 samples of the LP residual; mode 8 only
+ * @param[in]     pExc       40 samples of the adaptive-codebook vector; mode 8 only
+ * @param[in]     pCode      40 samples of the code
+ * @param[in]     pTarget    40 samples of the target of the adaptive codebook; not at mode 12
+ * @param[in]     pTarget2   40 samples of the target of the algebraic codebook; modes 0, 8 and 12 only
+ * @param[in]     pY1        40 samples of the filtered adaptive-codebook vector; not at mode 12
+ * @param[in]     pY2        40 samples of the filtered code
+ * @param[in]     pCoeff     4 words of vspsAdaptiveCodebookGain_GSMAMR_16s; not at mode 12
+ * @param[in]     mode       bit rate
+ * @param[in]     subframe   0..3
+ * @param[in]     limit      largest pitch gain to choose, Q14, 6556 or more
+ * @param[in,out] pPred      8 words of the predictor: four corrections in decibels (reset -14336), four as logarithms
+ * (reset -2381), Q10, newest first
+ * @param[in,out] pMem       30 words, modes 0 and 8 only: a predictor that is not quantised[8], onset, weight of the
+ * energy, code gain, long-term prediction gains[5], newest first, and 14 words from an even subframe to the next; reset:
+ * the predictor's, 22 zeros
+ * @param[in,out] pGain      pitch gain, Q14, and code gain, Q1
+ * @param[out]    pGainPrev  the two gains of the subframe before; mode 0, subframes 1 and 3 only
+ * @param[out]    pIndex     index of the gains; two at mode 8; at mode 0 in subframes 1 and 3 only
+ * @retval vspStsNullPtrErr  pCode, pY2, pPred or pGain is null
+ * @retval vspStsRangeErr    mode, subframe or limit outside its range
+ * @retval vspStsNullPtrErr  another pointer is null where it is used
+ */
+VspStatus vspsGainQuant_GSMAMR_16s(const Vsp16s* pResidual, const Vsp16s* pExc, const Vsp16s* pCode, const Vsp16s* pTarget,
+                                   const Vsp16s* pTarget2, const Vsp16s* pY1, const Vsp16s* pY2, const Vsp16s* pCoeff,
+                                   Vsp32s mode, Vsp32s subframe, Vsp16s limit, Vsp16s* pPred, Vsp16s* pMem, Vsp16s* pGain,
+                                   Vsp16s* pGainPrev, Vsp16s* pIndex);
+
+/**
  * Pitch gain from its index, at the bit rates that code it on its own (`d_gain_pitch`).
  *
  * @param[in]  mode   8 or 12
