@@ -4,6 +4,9 @@
 
 namespace vsp::VSP_LEVEL {
 
+// 8 * a >> 16 of an a that is not negative, saturated.
+VSP_INLINE int eighthOfHigh(int a) { return (a < 1 << 28 ? a : (1 << 28) - 1) >> 13; }
+
 void ownLspWeights(const Vsp16s* lsf, Vsp16s* weights) {
     constexpr Vsp16s kOne = 8192, kFirst = 1029, kLast = 23677;  // Q13 of 1, 0.04 pi and 0.92 pi
     Vsp16s distance[kLspOrder];
@@ -11,19 +14,16 @@ void ownLspWeights(const Vsp16s* lsf, Vsp16s* weights) {
     for (int i = 1; i < kLspOrder - 1; i++) distance[i] = Sub_16s(Sub_16s(lsf[i + 1], lsf[i - 1]), kOne);
     distance[kLspOrder - 1] = Sub_16s(kLast - kOne, lsf[kLspOrder - 2]);
 
-    Vsp16s largest = 0;
-    for (int i = 0; i < kLspOrder; i++) {
-        Vsp16s excess = 0;  // 10 times the square, Q11
-        if (distance[i] <= 0) {
-            const Vsp16s square = high_32s(Mul4_32s(Mul2_16s32s(distance[i], distance[i])));
-            excess = high_32s(Mul4_32s(Mul2_16s32s(square, 20480)));
-        }
-        weights[i] = Add_16s(excess, 2048);
-        if (i == 4 || i == 5) weights[i] = high_32s(Mul2_32s(Mul2_16s32s(weights[i], 19661)));  // 1.2
-        if (weights[i] > largest) largest = weights[i];
+    int values[kLspOrder], largest = 0;
+    for (int i = 0; i < kLspOrder; i++) {  // 1 and, where frequencies are close, 10 times the square, Q11
+        const int close = distance[i] < 0 ? distance[i] : 0;
+        const int weight = eighthOfHigh(eighthOfHigh(close * close) * 20480) + 2048;
+        values[i] = weight < kMax16 ? weight : kMax16;
     }
-    const int shift = norm_16s(largest);
-    for (int i = 0; i < kLspOrder; i++) weights[i] = ShiftL_16s(weights[i], shift);
+    for (int i = 4; i < 6; i++) values[i] = Mul2_32s(Mul2_16s32s(Vsp16s(values[i]), 19661)) >> 16;  // 1.2
+    for (const int value : values) largest = value > largest ? value : largest;
+    const int shift = norm_16s(Vsp16s(largest));
+    for (int i = 0; i < kLspOrder; i++) weights[i] = Vsp16s(values[i] << shift);
 }
 
 void ownLspSpread(Vsp16s* lsf, int first, int last, Vsp16s gap) {
@@ -43,11 +43,29 @@ void ownLspCompose(const LspPredictor<Vsp16s>& predictor, const Vsp16s* coded, c
     }
 }
 
+// high(shl_32s(2 * a * b, 3))
+VSP_INLINE Vsp16s extracted(Vsp16s a, Vsp16s b) {
+    constexpr int kLimit = 1 << 27;
+    const int product = a * b;
+    return Vsp16s((product < -kLimit ? -kLimit : product < kLimit ? product : kLimit - 1) >> 12);
+}
+
 void ownLspExtract(const LspPredictor<Vsp16s>& predictor, const Vsp16s* lsf, const Vsp16s* previous, Vsp16s* coded) {
+    int signs = 0;
+    for (int j = 0; j < kLspOrder; j++) signs |= lsf[j];
+    for (int i = 0; i < kMaTaps * kLspOrder; i++) signs |= previous[i];
+    if (signs >= 0) {  // then nothing saturates
+        Vsp32s sums[kLspOrder];
+        for (int j = 0; j < kLspOrder; j++) sums[j] = lsf[j] << 15;
+        for (int k = 0; k < kMaTaps; k++)
+            for (int j = 0; j < kLspOrder; j++) sums[j] -= previous[k * kLspOrder + j] * predictor.fg[k][j];
+        for (int j = 0; j < kLspOrder; j++) coded[j] = extracted(Vsp16s(sums[j] >> 15), predictor.sumInverse[j]);
+        return;
+    }
     for (int j = 0; j < kLspOrder; j++) {
         Vsp32s sum = lsf[j] * 0x10000;
         for (int k = 0; k < kMaTaps; k++) sum = msu_32s(sum, previous[k * kLspOrder + j], predictor.fg[k][j]);
-        coded[j] = high_32s(shl_32s(Mul2_16s32s(high_32s(sum), predictor.sumInverse[j]), 3));
+        coded[j] = extracted(high_32s(sum), predictor.sumInverse[j]);
     }
 }
 

@@ -47,6 +47,18 @@ int nearest2(int half, const Vsp16s* target, const Vsp16s* weights) {
     });
 }
 
+// Lsp_get_tdist: no product is negative, so that the sum saturates as its partial sums do.
+Vsp32s distanceOf(const LspPredictor<Vsp16s>& predictor, const Vsp16s* coded, const Vsp16s* target, const Vsp16s* weights) {
+    constexpr int kLimit = 1 << 26;
+    Vsp64s sum = 0;
+    for (int j = 0; j < kLspOrder; j++) {
+        const int error = (Sub_16s(coded[j], target[j]) * predictor.sum[j]) >> 15;
+        const int product = weights[j] * error;
+        sum += ((product < -kLimit ? -kLimit : product < kLimit ? product : kLimit - 1) >> 11) * error;
+    }
+    return Cnvrt_64s32s(2 * sum);
+}
+
 // The entries for one of the predictors, and the weighted distance of the LSFs that they give.
 Choice choose(const LspPredictor<Vsp16s>& predictor, const Vsp16s* lsf, const Vsp16s* weights, const Vsp16s* previous) {
     Vsp16s target[kLspOrder], remainder[kLspOrder], coded[kLspOrder];
@@ -63,11 +75,7 @@ Choice choose(const LspPredictor<Vsp16s>& predictor, const Vsp16s* lsf, const Vs
     ownLspSpread(coded, kLspHalf, kLspOrder - 1, kGap1);
     ownLspSpread(coded, 1, kLspOrder - 1, kGap2);
 
-    for (int j = 0; j < kLspOrder; j++) {  // Lsp_get_tdist
-        const Vsp16s error = Mul_16s(Sub_16s(coded[j], target[j]), predictor.sum[j]);
-        const Vsp16s weighted = high_32s(shl_32s(Mul2_16s32s(weights[j], error), 4));
-        choice.distance = mac_32s(choice.distance, weighted, error);
-    }
+    choice.distance = distanceOf(predictor, coded, target, weights);
     return choice;
 }
 

@@ -16,15 +16,10 @@ VSP_INLINE int firstSmallest(int entries, Distance distanceOf) {
         block = max(block, S32{smaller.v & S32::splat(i).v});
         best = min(best, distance);
     }
-    Vsp32s distances[S32::width], blocks[S32::width];
-    best.store(distances);
-    block.store(blocks);
-    Vsp64s smallest = Vsp64s(distances[0]) << 32 | blocks[0];
-    for (int lane = 1; lane < S32::width; lane++) {
-        const Vsp64s candidate = Vsp64s(distances[lane]) << 32 | (blocks[lane] + lane);
-        smallest = candidate < smallest ? candidate : smallest;
-    }
-    return int(smallest & 0x7FFFFFFF);
+    static constexpr Vsp32s kLanes[16] = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15};
+    const S32 above = sub(best, S32::splat(smallestU(best)));
+    const S32 notSmallest = shr(sub(S32::splat(0), above), 31);
+    return smallestU(S32{add(block, S32::load(kLanes)).v | notSmallest.v});
 }
 
 // Sums of products of 16-bit values that saturate as the doubled sums of the standards do: from here on a doubled sum is

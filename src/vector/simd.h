@@ -299,6 +299,23 @@ VSP_INLINE bool anyBit(S32_128 a) { return _mm_testz_si128(a.v, a.v) == 0; }
 VSP_IF_256(VSP_INLINE bool anyBit(S32_256 a) { return _mm256_testz_si256(a.v, a.v) == 0; })
 VSP_IF_512(VSP_INLINE bool anyBit(S32_512 a) { return _mm512_test_epi32_mask(a.v, a.v) != 0; })
 
+VSP_IF_256(VSP_INLINE S32_128 foldMinU(S32_256 a) {
+    return minU(S32_128{_mm256_castsi256_si128(a.v)}, S32_128{_mm256_extracti128_si256(a.v, 1)});
+})
+VSP_IF_512(VSP_INLINE S32_256 foldMinU(S32_512 a) {
+    return minU(S32_256{_mm512_castsi512_si256(a.v)}, S32_256{_mm512_extracti64x4_epi64(a.v, 1)});
+})
+
+// The smallest element as an unsigned value.
+VSP_INLINE Vsp32s smallestU(S32_128 a) {
+    const S32_128 pairs = minU(a, S32_128{_mm_unpackhi_epi64(a.v, a.v)});
+    return _mm_cvtsi128_si32(minU(pairs, S32_128{_mm_shuffle_epi32(pairs.v, 1)}).v);
+}
+template <class V>
+VSP_INLINE Vsp32s smallestU(V a) {
+    return smallestU(foldMinU(a));
+}
+
 VSP_INLINE Vsp64s sum(S64_128 a) { return _mm_cvtsi128_si64(a.v) + _mm_extract_epi64(a.v, 1); }
 VSP_INLINE Vsp32s sum(S32_128 a) {  // wraps
     const __m128i pairs = _mm_add_epi32(a.v, _mm_unpackhi_epi64(a.v, a.v));
