@@ -10,8 +10,7 @@ static void initMusic(const Api& api, int, void* s) { api.vspsMusicDetectInit_G7
 static void initDtx(const Api& api, int, void* s) { api.vspsDTXInit_G729B_16s(s); }
 static void initCng(const Api& api, int, void* s) { api.vspsCNGInit_G729B_16s(s); }
 
-// The high words of an autocorrelation are recorded only, as 16-bit values: tests/g729/silence.cpp runs the streams of the
-// encoder.
+// The indices of a silence descriptor, where there is one.
 static Limits descriptor(const Values& values, int element) {
     static constexpr int kLast[4] = {1, 31, 15, 31};
     return values[0] == 2 ? Limits{0, kLast[element]} : Limits{};
@@ -39,6 +38,7 @@ static const Described functions(
             .stream("vspsMusicDetect_G729E_16s+g"),
         VSPSC_FUNCTION(vspsDTXGetStateSize_G729B_16s, size(208)).notRecorded(),
         VSPSC_FUNCTION(vspsDTXInit_G729B_16s, state(208)).notRecorded(),
+        // Recorded with the high words of the autocorrelation alone: g729/silence.cpp runs the streams.
         VSPSC_FUNCTION(vspsDTXUpdate_G729B_16s, in(11), value(), range(0, 1), state(208, initDtx)).notRecorded(),
         VSPSC_FUNCTION(vspsDTXEncode_G729B_16s, range(0, 1), io(80).after(154), io(10), io(40), io(1), io(13), io(4),
                        out(22), out(1), io(4), state(208, initDtx))
