@@ -1,6 +1,5 @@
 // Dot products, inverse square root, lag window and noise generator.
 #include <cmath>
-#include <limits>
 #include <numeric>
 
 #include "common/definitions.h"
@@ -88,7 +87,7 @@ TEST_P(Sums, InvSqrtMatchesTheDefinition) {
     for (int i = -70000; i < 70000; i++) x.push_back(i);
     for (int k = 0; k < 31; k++)
         for (const Vsp64s d : {-1, 0, 1}) x.push_back(Vsp32s((1LL << k) + d));
-    x.insert(x.end(), {0x7FFFFFFF, std::numeric_limits<Vsp32s>::min(), 0x3FFFFFFF});
+    x.insert(x.end(), {0x7FFFFFFF, kLowest, 0x3FFFFFFF});
     Guarded<Vsp32s> result(x);
     ASSERT_EQ(vspStsNoErr, api.vspsInvSqrt_32s_I(result.data(), Vsp32s(x.size())));
     for (std::size_t i = 0; i < x.size(); i++) {

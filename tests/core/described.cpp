@@ -13,34 +13,12 @@ namespace vsp::test {
 
 namespace {
 
-// Those that are tested by hand. New functions are described: this list only gets shorter.
+// Those that are tested by hand: the version query, and the filter bank, whose states point into themselves. New functions
+// are described: this list only gets shorter.
 const std::vector<std::string> kNotDescribed = {
-    "vspsSubbandProcessGetSize_32f",
-    "vspsSubbandProcessGetSize_16s",
-    "vspsSubbandProcessInit_32f",
-    "vspsSubbandProcessInit_16s",
-    "vspsSubbandAnalysis_32f32fc",
-    "vspsSubbandAnalysis_16s32sc_Sfs",
-    "vspsSubbandSynthesis_32fc32f",
-    "vspsSubbandSynthesis_32sc16s_Sfs",
-    "vspsFIRSubband_EC_32fc",
-    "vspsFIRSubband_EC_32sc_Sfs",
-    "vspsFIRSubbandLow_EC_32sc_Sfs",
-    "vspsFIRSubbandCoeffUpdate_EC_32fc_I",
-    "vspsFIRSubbandCoeffUpdate_EC_32sc_I",
-    "vspsFIRSubbandLowCoeffUpdate_EC_32sc_I",
-    "vspsFIRSubbandAPCoeffUpdate_EC_32fc_I",
-    "vspsFIR_EC_32f",
-    "vspsFIR_EC_16s",
-    "vspsNLMS_EC_32f",
-    "vspsNLMS_EC_16s",
-    "vspsToneDetectGetStateSize_EC_32f",
-    "vspsToneDetectGetStateSize_EC_16s",
-    "vspsToneDetectInit_EC_32f",
-    "vspsToneDetectInit_EC_16s",
-    "vspsToneDetect_EC_32f",
-    "vspsToneDetect_EC_16s",
-    "vspscGetLibVersion",
+    "vspsSubbandProcessGetSize_32f", "vspsSubbandProcessGetSize_16s",    "vspsSubbandProcessInit_32f",
+    "vspsSubbandProcessInit_16s",    "vspsSubbandAnalysis_32f32fc",      "vspsSubbandAnalysis_16s32sc_Sfs",
+    "vspsSubbandSynthesis_32fc32f",  "vspsSubbandSynthesis_32sc16s_Sfs", "vspscGetLibVersion",
 };
 
 }  // namespace

@@ -3,7 +3,6 @@
 #include "support/guarded.h"
 #include "support/level_test.h"
 #include "support/samples.h"
-#include "support/status_order.h"
 #include "support/upper_halves.h"
 
 namespace vsp::test {
@@ -221,15 +220,6 @@ TEST_P(FullBand, FloatingPointNlmsDoesNotDependOnCalls) {
     };
     const auto whole = run(c.len);
     for (const Vsp32s part : {1, 7, 50}) EXPECT_EQ(whole, run(part));
-}
-
-TEST_P(FullBand, PointersAreCheckedBeforeCounts) {
-    const Choices<Vsp32s> count{8, {{0, vspStsBadArgErr}, {-1, vspStsBadArgErr}, {kLowest, vspStsBadArgErr}}};
-    const Vector<VspStatus> order = {vspStsNullPtrErr, vspStsBadArgErr};
-    expectStatusOrder(api.vspsFIR_EC_16s, order, pointer, pointer, pointer, count, pointer, count);
-    expectStatusOrder(api.vspsFIR_EC_32f, order, pointer, pointer, pointer, count, pointer, count);
-    expectStatusOrder(api.vspsNLMS_EC_16s, order, pointer, pointer, pointer, pointer, count, pointer, count, pointer);
-    expectStatusOrder(api.vspsNLMS_EC_32f, order, pointer, pointer, pointer, pointer, count, pointer, count, pointer);
 }
 
 }  // namespace vsp::test

@@ -3,7 +3,6 @@
 
 #include "ec/band_vectors.h"
 #include "support/level_test.h"
-#include "support/status_order.h"
 #include "support/upper_halves.h"
 
 namespace vsp::test {
@@ -132,29 +131,6 @@ TEST_P(SubbandFilters, AcceptTheLargestCounts) {
     const auto x = complexSamples<Vsp32fc>(n, 1), c = complexSamples<Vsp32fc>(n, 2);
     expectFloat({255, 4097, Guard::end, 0}, x, c);
     expectFixed({255, 4097, Guard::end, 0}, complexSamples<Vsp32sc>(n, 1), complexSamples<Vsp32sc>(n, 2), {24});
-}
-
-TEST_P(SubbandFilters, ReportTheFirstBadArgument) {
-    const std::vector<VspStatus> order{vspStsNullPtrErr, vspStsCountRangeErr, vspStsRangeErr};
-    Choices<Vsp32s> len{255, {}}, bands{4097, {}}, signedScale{-31, {}}, lowScale{31, {}}, first{0, {}}, count{4097, {}};
-    for (const Vsp32s bad : {0, -1, 256, 0x7FFFFFFF, kLowest}) len.bad.emplace_back(bad, vspStsRangeErr);
-    for (const Vsp32s bad : {0, -1, 4098, 0x7FFFFFFF, kLowest}) bands.bad.emplace_back(bad, vspStsCountRangeErr);
-    for (const Vsp32s bad : {-32, 32, kLowest}) signedScale.bad.emplace_back(bad, vspStsRangeErr);
-    for (const Vsp32s bad : {-1, 32, kLowest}) lowScale.bad.emplace_back(bad, vspStsRangeErr);
-    for (const Vsp32s bad : {-1, kLowest, 4099, 0x7FFFFFFF}) first.bad.emplace_back(bad, vspStsRangeErr);
-    for (const Vsp32s bad : {0, 4098}) count.bad.emplace_back(bad, vspStsCountRangeErr);
-    expectStatusOrder(api.vspsFIRSubband_EC_32fc, order, pointer, pointer, pointer, len, bands);
-    expectStatusOrder(api.vspsFIRSubband_EC_32sc_Sfs, order, pointer, pointer, pointer, len, bands, signedScale);
-    // The low filter tests the taps and the first band before the count, and the scale factor after it.
-    const auto low = api.vspsFIRSubbandLow_EC_32sc_Sfs;
-    const Choices<Vsp32s> none{0, {}}, goodLen{255, {}}, goodScale{31, {}};
-    expectStatusOrder(low, {vspStsNullPtrErr, vspStsRangeErr, vspStsCountRangeErr}, pointer, pointer, len, pointer, first,
-                      count, goodScale);
-    expectStatusOrder(low, order, pointer, pointer, goodLen, pointer, none, count, lowScale);
-    const Choices<Vsp32s> one{1, {}},
-        beforeFirst{1, {{0, vspStsRangeErr}, {-1, vspStsRangeErr}, {kLowest, vspStsRangeErr}}};
-    expectStatusOrder(low, {vspStsNullPtrErr, vspStsRangeErr}, pointer, pointer, goodLen, pointer, one, beforeFirst,
-                      goodScale);
 }
 
 }  // namespace vsp::test

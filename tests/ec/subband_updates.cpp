@@ -256,36 +256,4 @@ TEST_P(SubbandUpdates, RefuseANegativeStepInAnyBand) {
         }
 }
 
-TEST_P(SubbandUpdates, ReportTheFirstBadArgument) {
-    const std::vector<VspStatus> order{vspStsNullPtrErr, vspStsCountRangeErr, vspStsRangeErr};
-    Choices<Vsp32s> len{255, {}}, bands{4097, {}}, scale31{31, {}}, first{0, {}}, count{4097, {}};
-    Choices<Vsp32u> lenU{255, {}}, bandsU{4097, {}};
-    for (const Vsp32s bad : {0, -1, 256, 0x7FFFFFFF, kLowest}) {
-        len.bad.emplace_back(bad, vspStsRangeErr);
-        lenU.bad.emplace_back(Vsp32u(bad), vspStsRangeErr);
-    }
-    for (const Vsp32s bad : {0, -1, 4098, 0x7FFFFFFF, kLowest}) {
-        bands.bad.emplace_back(bad, vspStsCountRangeErr);
-        bandsU.bad.emplace_back(Vsp32u(bad), vspStsCountRangeErr);
-    }
-    for (const Vsp32s bad : {-1, 32, kLowest}) scale31.bad.emplace_back(bad, vspStsRangeErr);
-    for (const Vsp32s bad : {-1, kLowest, 4099, 0x7FFFFFFF}) first.bad.emplace_back(bad, vspStsRangeErr);
-    for (const Vsp32s bad : {0, 4098}) count.bad.emplace_back(bad, vspStsCountRangeErr);
-    expectStatusOrder(api.vspsFIRSubbandCoeffUpdate_EC_32fc_I, order, pointer, pointer, pointer, pointer, len, bands);
-    expectStatusOrder(api.vspsFIRSubbandCoeffUpdate_EC_32sc_I, order, pointer, pointer, pointer, pointer, len, bands,
-                      scale31);
-    const Choices<Vsp32u> projection{0xFFFFFFFF, {{0, vspStsRangeErr}}};
-    expectStatusOrder(api.vspsFIRSubbandAPCoeffUpdate_EC_32fc_I, order, pointer, pointer, pointer, pointer, lenU, bandsU,
-                      projection);
-    // The low update tests the taps and the first band before the count, and the scale factor after it.
-    const auto low = api.vspsFIRSubbandLowCoeffUpdate_EC_32sc_I;
-    const Choices<Vsp32s> goodLen{255, {}}, none{0, {}}, one{1, {}}, goodScale{31, {}};
-    const Choices<Vsp32s> beforeFirst{1, {{0, vspStsRangeErr}, {-1, vspStsRangeErr}, {kLowest, vspStsRangeErr}}};
-    expectStatusOrder(low, {vspStsNullPtrErr, vspStsRangeErr, vspStsCountRangeErr}, pointer, pointer, pointer, len, pointer,
-                      pointer, first, count, goodScale);
-    expectStatusOrder(low, order, pointer, pointer, pointer, goodLen, pointer, pointer, none, count, scale31);
-    expectStatusOrder(low, {vspStsNullPtrErr, vspStsRangeErr}, pointer, pointer, pointer, goodLen, pointer, pointer, one,
-                      beforeFirst, goodScale);
-}
-
 }  // namespace vsp::test

@@ -11,7 +11,6 @@
 #include "support/guarded.h"
 #include "support/level_test.h"
 #include "support/samples.h"
-#include "support/status_order.h"
 #include "support/upper_halves.h"
 
 namespace vsp::test {
@@ -359,27 +358,6 @@ TEST_P(ToneDetector, CountersStayAtTheLargestValue) {
     };
     for (const Vsp32s left : {0, 1, 31, 1000}) both(kMost - left, 0);
     for (const Vsp32s left : {0, 1, 2}) both(0, kMost - left);
-}
-
-TEST_P(ToneDetector, RatesAndPointersAreChecked) {
-    const Choices<Vsp32s> rate{
-        8000, {{0, vspStsRangeErr}, {7999, vspStsRangeErr}, {48000, vspStsRangeErr}, {-1, vspStsRangeErr}}};
-    const Choices<Vsp32s> count{8, {{0, vspStsBadArgErr}, {-1, vspStsBadArgErr}, {kLowest, vspStsBadArgErr}}};
-    const std::vector<VspStatus> rateOrder = {vspStsNullPtrErr, vspStsRangeErr},
-                                 order = {vspStsNullPtrErr, vspStsBadArgErr};
-    expectStatusOrder(api.vspsToneDetectGetStateSize_EC_16s, rateOrder, rate, pointer);
-    expectStatusOrder(api.vspsToneDetectGetStateSize_EC_32f, rateOrder, rate, pointer);
-    expectStatusOrder(api.vspsToneDetectInit_EC_16s, rateOrder, pointer, rate);
-    expectStatusOrder(api.vspsToneDetectInit_EC_32f, rateOrder, pointer, rate);
-    expectStatusOrder(api.vspsToneDetect_EC_16s, order, pointer, count, pointer, pointer);
-    expectStatusOrder(api.vspsToneDetect_EC_32f, order, pointer, count, pointer, pointer);
-    for (const Vsp32s good : {8000, 16000}) {
-        Vsp32s size = 0;
-        EXPECT_EQ(vspStsNoErr, api.vspsToneDetectGetStateSize_EC_16s(good, &size));
-        EXPECT_EQ(72, size);
-        EXPECT_EQ(vspStsNoErr, api.vspsToneDetectGetStateSize_EC_32f(good, &size));
-        EXPECT_EQ(80, size);
-    }
 }
 
 }  // namespace vsp::test

@@ -1,7 +1,6 @@
-// The echo-cancellation functions against recorded calls.
+// Recorded signals through the filter bank and the tone detectors, call by call.
 #include <algorithm>
 
-#include "ec/band_vectors.h"
 #include "support/guarded.h"
 #include "support/level_test.h"
 #include "support/upper_halves.h"
@@ -45,34 +44,6 @@ void forEveryCase(const std::string& file, Check check) {
     }
 }
 
-template <class T, class Function>
-void checkFir(const std::string& file, Function function) {
-    forEveryCase(file, [&](const Items& items, const std::vector<Vsp32s>& p) {
-        const auto ref = guarded<T>(items[1]), taps = guarded<T>(items[3]);
-        auto near = guarded<T>(items[2]);
-        Guarded<T> dst(near.size());
-        ASSERT_EQ(vspStsNoErr, function(ref.data() + p[1] - 1, near.data(), dst.data(), p[0], taps.data(), p[1]));
-        expectSame<T>(items[4], itemOf(dst));
-        ASSERT_EQ(vspStsNoErr, function(ref.data() + p[1] - 1, near.data(), near.data(), p[0], taps.data(), p[1]));
-        expectSame<T>(items[4], itemOf(near));
-    });
-}
-
-template <class T, class Step, class Function>
-void checkNlms(const std::string& file, Function function) {
-    forEveryCase(file, [&](const Items& items, const std::vector<Vsp32s>& p) {
-        const auto ref = guarded<T>(items[1]), near = guarded<T>(items[2]);
-        const auto steps = guarded<Step>(items[3]);
-        auto taps = guarded<T>(items[4]), scaledErr = guarded<T>(items[5]);
-        Guarded<T> dst(near.size());
-        ASSERT_EQ(vspStsNoErr, function(ref.data() + p[1], near.data(), steps.data(), dst.data(), p[0], taps.data(), p[1],
-                                        scaledErr.data()));
-        expectSame<T>(items[6], itemOf(dst));
-        expectSame<T>(items[7], itemOf(taps));
-        expectSame<T>(items[8], itemOf(scaledErr));
-    });
-}
-
 // Frames through a freshly initialised state; the memory begins at an odd address.
 template <class In, class Out, class State, class Window, class GetSize, class Init, class Process>
 void checkFilterBank(const std::string& file, GetSize getSize, Init init,
@@ -110,79 +81,6 @@ std::size_t frame(Vsp32s, Vsp32s frameSize) { return std::size_t(frameSize); }
 
 class EcVectors : public LevelTest {};
 VSPSC_EVERY_LEVEL(EcVectors);
-
-TEST_P(EcVectors, FullBandFilters) {
-    checkFir<Vsp32f>("fir_32f", api.vspsFIR_EC_32f);
-    checkFir<Vsp16s>("fir_16s", api.vspsFIR_EC_16s);
-}
-
-TEST_P(EcVectors, FullBandNlms) {
-    checkNlms<Vsp32f, Vsp32f>("nlms_32f", api.vspsNLMS_EC_32f);
-    checkNlms<Vsp16s, Vsp32s>("nlms_16s", api.vspsNLMS_EC_16s);
-}
-
-TEST_P(EcVectors, SubbandFilters) {
-    forEveryCase("fir_subband_32fc", [&](const Items& items, const std::vector<Vsp32s>& p) {
-        const BandVectors<Vsp32fc> src(items[1].values<Vsp32fc>(), std::size_t(p[1])),
-            coef(items[2].values<Vsp32fc>(), std::size_t(p[1]));
-        Guarded<Vsp32fc> dst{std::size_t(p[1])};
-        ASSERT_EQ(vspStsNoErr, api.vspsFIRSubband_EC_32fc(src.data(), coef.data(), dst.data(), p[0], p[1]));
-        expectSame<Vsp32f>(items[3], itemOf(dst));
-    });
-    forEveryCase("fir_subband_32sc", [&](const Items& items, const std::vector<Vsp32s>& p) {
-        const BandVectors<Vsp32sc> src(items[1].values<Vsp32sc>(), std::size_t(p[1])),
-            coef(items[2].values<Vsp32sc>(), std::size_t(p[1]));
-        Guarded<Vsp32sc> dst{std::size_t(p[1])};
-        ASSERT_EQ(vspStsNoErr, api.vspsFIRSubband_EC_32sc_Sfs(src.data(), coef.data(), dst.data(), p[0], p[1], p[2]));
-        expectSame<Vsp32s>(items[3], itemOf(dst));
-    });
-    forEveryCase("fir_subband_low_32sc", [&](const Items& items, const std::vector<Vsp32s>& p) {
-        const BandVectors<Vsp32sc> src(items[1].values<Vsp32sc>(), std::size_t(p[2])),
-            coef(items[2].values<Vsp32sc>(), std::size_t(p[2]));
-        auto dst = guarded<Vsp32sc>(items[3]);
-        ASSERT_EQ(vspStsNoErr,
-                  api.vspsFIRSubbandLow_EC_32sc_Sfs(src.data(), coef.data(), p[0], dst.data(), p[1], p[2], p[3]));
-        expectSame<Vsp32s>(items[4], itemOf(dst));
-    });
-}
-
-TEST_P(EcVectors, SubbandUpdates) {
-    forEveryCase("update_32fc", [&](const Items& items, const std::vector<Vsp32s>& p) {
-        const auto steps = guarded<Vsp64f>(items[1]);
-        const auto err = guarded<Vsp32fc>(items[3]);
-        const BandVectors<Vsp32fc> src(items[2].values<Vsp32fc>(), std::size_t(p[1])),
-            coef(items[4].values<Vsp32fc>(), std::size_t(p[1]));
-        ASSERT_EQ(vspStsNoErr,
-                  api.vspsFIRSubbandCoeffUpdate_EC_32fc_I(steps.data(), src.data(), err.data(), coef.data(), p[0], p[1]));
-        expectSameBands(items[5].values<Vsp32fc>(), coef.values());
-    });
-    forEveryCase("update_32sc", [&](const Items& items, const std::vector<Vsp32s>& p) {
-        const auto steps = guarded<Vsp32sc>(items[1]), err = guarded<Vsp32sc>(items[3]);
-        const BandVectors<Vsp32sc> src(items[2].values<Vsp32sc>(), std::size_t(p[1])),
-            coef(items[4].values<Vsp32sc>(), std::size_t(p[1]));
-        ASSERT_EQ(vspStsNoErr, api.vspsFIRSubbandCoeffUpdate_EC_32sc_I(steps.data(), src.data(), err.data(), coef.data(),
-                                                                       p[0], p[1], p[2]));
-        expectSameBands(items[5].values<Vsp32sc>(), coef.values());
-    });
-    forEveryCase("update_low_32sc", [&](const Items& items, const std::vector<Vsp32s>& p) {
-        const auto steps = guarded<Vsp32sc>(items[1]), err = guarded<Vsp32sc>(items[3]);
-        const BandVectors<Vsp32sc> src(items[2].values<Vsp32sc>(), std::size_t(p[2])),
-            coef(items[4].values<Vsp32sc>(), std::size_t(p[2]));
-        auto scratch = guarded<Vsp32sc>(items[5]);
-        ASSERT_EQ(vspStsNoErr, api.vspsFIRSubbandLowCoeffUpdate_EC_32sc_I(src.data(), err.data(), coef.data(), p[0],
-                                                                          scratch.data(), steps.data(), p[1], p[2], p[3]));
-        expectSameBands(items[6].values<Vsp32sc>(), coef.values());
-        expectSame<Vsp32s>(items[7], itemOf(scratch));
-    });
-    forEveryCase("update_ap_32fc", [&](const Items& items, const std::vector<Vsp32s>& p) {
-        const BandVectors<Vsp64f> steps(items[1].values<Vsp64f>(), std::size_t(p[1]));
-        const BandVectors<Vsp32fc> src(items[2].values<Vsp32fc>(), std::size_t(p[1])),
-            err(items[3].values<Vsp32fc>(), std::size_t(p[1])), coef(items[4].values<Vsp32fc>(), std::size_t(p[1]));
-        ASSERT_EQ(vspStsNoErr, api.vspsFIRSubbandAPCoeffUpdate_EC_32fc_I(steps.data(), src.data(), err.data(), coef.data(),
-                                                                         Vsp32u(p[0]), Vsp32u(p[1]), Vsp32u(p[2])));
-        expectSameBands(items[5].values<Vsp32fc>(), coef.values());
-    });
-}
 
 TEST_P(EcVectors, FilterBank) {
     checkFilterBank<Vsp32f, Vsp32fc, VspSubbandProcessState_32f, Vsp32f>(

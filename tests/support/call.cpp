@@ -17,7 +17,8 @@ namespace {
 using Kind = Argument::Kind;
 
 // A number of elements, also where it comes from an illegal argument.
-std::size_t bounded(Vsp64s elements) { return std::size_t(std::clamp<Vsp64s>(elements, 0, 1 << 16)); }
+constexpr std::size_t kMost = 1 << 16;
+std::size_t bounded(Vsp64s elements) { return std::size_t(std::clamp<Vsp64s>(elements, 0, kMost)); }
 
 Limits limitsOfType(char type) {
     return type == 'B'   ? Limits{0, 255}
@@ -120,8 +121,8 @@ bool Call::used(std::size_t argument) const {
 
 std::size_t Call::elements(std::size_t argument) const {
     if (!used(argument)) return 0;
-    const Argument& a = function->arguments[argument];
-    return (bounded(a.elements(values())) + history(argument)) * rows(argument);
+    const std::size_t each = bounded(function->arguments[argument].elements(values())) + history(argument);
+    return each * rows(argument) > kMost ? rows(argument) : each * rows(argument);
 }
 
 std::size_t Call::rows(std::size_t argument) const {
@@ -172,7 +173,9 @@ class Memory {
         : size_(call.function->types[argument].size), history_(call.history(argument) * size_) {
         const Bytes& bytes = *call.arrays[argument];
         const std::size_t rows = call.rows(argument), row = rows == 0 ? 0 : bytes.size() / rows;
-        const std::size_t away = gap * (call.function->arguments[argument].kind == Kind::state ? 16 : size_);
+        const Argument& a = call.function->arguments[argument];
+        const std::size_t toMultiple = a.hasAddresses && guard == Guard::end ? (16 - bytes.size() % 16) % 16 : 0;
+        const std::size_t away = gap * (a.kind == Kind::state ? 16 : size_) + toMultiple;
         for (std::size_t i = 0; i < rows; i++) {
             const auto begin = bytes.begin() + std::ptrdiff_t(i * row);
             rows_.emplace_back(Bytes(begin, begin + std::ptrdiff_t(row)), guard, away);
@@ -262,6 +265,16 @@ std::string problemOf(const Call& call, const Result& result) {
     return {};
 }
 
+namespace {
+
+// Of the states that the same initialiser makes.
+std::size_t keyOf(const Argument& a) {
+    const auto* function = a.initialise.target<void (*)(const Api&, int, void*)>();
+    return a.initialise.target_type().hash_code() + (function == nullptr ? 0 : reinterpret_cast<std::size_t>(*function));
+}
+
+}  // namespace
+
 std::size_t Draw::combinations(const Function& f) {
     std::size_t product = 1;
     for (std::size_t i = 0; i < f.arguments.size(); i++) {
@@ -310,10 +323,9 @@ Bytes Draw::contents(const Call& call, std::size_t argument, bool faults) {
     const Argument& a = f.arguments[argument];
     const char type = f.types[argument].type;
     if (a.kind == Kind::state && a.initialise && (a.onlyInitialised || !oneIn(4))) {
-        const std::size_t key = a.initialise.target_type().hash_code();
-        const std::size_t bytes = call.elements(argument);
+        const std::size_t key = keyOf(a), bytes = call.elements(argument);
         if (!states_.contains(key) || states_[key].size() != bytes || oneIn(100)) {
-            Guarded<std::byte> memory(bytes);
+            Guarded<std::byte> memory(bytes, Guard::begin);
             a.initialise(kApi_y8, 1, memory.data());
             states_[key] = memory.values();
         }
@@ -391,7 +403,10 @@ Call Draw::call(const Function& f, std::size_t number, bool faults) {
                 x -= (x % a.step + a.step) % a.step;
                 if (x < limits.low) x += a.step;
             }
-            if (faults && a.checked() && a.error != vspStsNoErr && oneIn(16)) x = integer(f, i, all);
+            if (faults && a.checked() && a.error != vspStsNoErr && oneIn(16)) {
+                const Vsp64s other = integer(f, i, all);  // what is legal may be too large for arrays
+                if (!isLegal(a, double(other), values)) x = other;
+            }
             call.setInteger(i, x);
         }
     for (std::size_t i = 0; i < f.arguments.size(); i++) {
@@ -411,8 +426,7 @@ void Draw::keep(const Call& call, const Result& result) {
     for (std::size_t i = 0; i < call.cells.size(); i++) {
         const Argument& a = call.function->arguments[i];
         if (a.kind == Kind::state && a.initialise && call.arrays[i] && call.expectedError() == vspStsNoErr)
-            if (const auto found = states_.find(a.initialise.target_type().hash_code());
-                found != states_.end() && found->second == *call.arrays[i])
+            if (const auto found = states_.find(keyOf(a)); found != states_.end() && found->second == *call.arrays[i])
                 found->second = result.arrays[i];
     }
 }

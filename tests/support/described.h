@@ -79,7 +79,7 @@ struct Argument {
     std::function<bool(const Values&)> used =
         {};                         // of a pointer that is not always used: checked after all other arguments
     std::vector<int> sources = {};  // arguments whose memory this may be
-    bool onlyInitialised = false;
+    bool onlyInitialised = false, hasAddresses = false;
     Initialiser initialise = {};
     Vsp64s always = -1;  // the only content that the function writes
     int onWarning = -1;  // elements that count with a positive status
@@ -148,6 +148,10 @@ struct Argument {
     // Only an initialiser and the functions themselves write the state.
     Argument alwaysInitialised() const {
         return with([&](Argument& a) { a.onlyInitialised = true; });
+    }
+    // The state is laid out by its address modulo 16, and points to tables of the program or library that initialised it.
+    Argument withAddresses() const {
+        return with([&](Argument& a) { a.onlyInitialised = a.hasAddresses = true; });
     }
     // With a positive status only the first elements count, or the array is left as it was.
     Argument firstOnWarning(int number) const {

@@ -11,6 +11,8 @@
 
 namespace vsp::test {
 
+inline constexpr Vsp32s kLowest = std::numeric_limits<Vsp32s>::min();
+
 // n values: mostly random ones of every magnitude, every fifth an extreme one.
 template <class T = Vsp16s>
 std::vector<T> samples(std::size_t n, unsigned seed = 1) {

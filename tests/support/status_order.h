@@ -5,13 +5,13 @@
 
 #include <algorithm>
 #include <initializer_list>
-#include <limits>
 #include <tuple>
 #include <type_traits>
 #include <utility>
 #include <vector>
 
 #include "support/guarded.h"
+#include "support/samples.h"
 #include "vspsc/types.h"
 
 namespace vsp::test {
@@ -42,7 +42,6 @@ struct ValueChoices {
 
 inline const PointerChoices pointer;
 inline const ValueChoices value;
-inline constexpr Vsp32s kLowest = std::numeric_limits<Vsp32s>::min();
 inline const Choices<Vsp32s> length{8, {{0, vspStsSizeErr}, {-1, vspStsSizeErr}, {kLowest, vspStsSizeErr}}};
 inline const Choices<Vsp32s> scale{1, {{-1, vspStsScaleRangeErr}, {kLowest, vspStsScaleRangeErr}}};
 

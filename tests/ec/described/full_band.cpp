@@ -7,10 +7,10 @@ static const std::initializer_list<VspStatus> kOrder = {vspStsNullPtrErr, vspSts
 static const Argument kCount = limited(vspStsBadArgErr, 1, 0x7FFFFFFF).upTo(150), kRate = oneOf({8000, 16000});
 static const Argument kState_16s = state(72, [](const Api& api, int, void* s) {
                                        api.vspsToneDetectInit_EC_16s(static_cast<VspToneDetectState_EC_16s*>(s), 8000);
-                                   }).alwaysInitialised();
+                                   }).withAddresses();
 static const Argument kState_32f = state(80, [](const Api& api, int, void* s) {
                                        api.vspsToneDetectInit_EC_32f(static_cast<VspToneDetectState_EC_32f*>(s), 8000);
-                                   }).alwaysInitialised();
+                                   }).withAddresses();
 
 static const std::vector<Place> kFir = {item(1), item(2), result(4), item(0)[0], item(3), item(0)[1]};
 static const std::vector<Place> kNlms = {item(1),    item(2),       item(3),    result(6),
