@@ -1,10 +1,11 @@
-// Any samples into any encoder, any octets, qualities and losses into any decoder. A decoder goes on on a copy of its
-// memory every other frame; errors change nothing.
+// Any samples into any encoder, any octets, qualities and losses into any decoder, with the same results at every level of
+// the library. A decoder goes on on a copy of its memory every other frame; errors change nothing.
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <vector>
 
+#include "chosen_level.h"
 #include "vspsvoice.h"
 
 namespace {
@@ -25,10 +26,17 @@ void check(bool good, const char* problem) {
     std::abort();
 }
 
-}  // namespace
+// What comes out: octets, statuses and samples.
+struct Results {
+    std::vector<Vsp8u> bytes;
+    std::vector<Vsp32s> statuses;
+    std::vector<Vsp16s> samples;
 
-extern "C" int LLVMFuzzerTestOneInput(const Vsp8u* data, std::size_t size) {
-    Input in(data, size);
+    bool operator==(const Results&) const = default;
+};
+
+Results code(Input in) {
+    Results results;
     const VspvCodec* codec = vspvCodec(in.take() % vspvCodecCount());
     Vsp32s encoderBytes = 0, decoderBytes = 0;
     vspvEncoderGetSize(codec, &encoderBytes);
@@ -50,6 +58,8 @@ extern "C" int LLVMFuzzerTestOneInput(const Vsp8u* data, std::size_t size) {
         VspvFrame frame{};
         check(vspvEncode(encoder, samples.data(), bytes.data(), &frame) == vspStsNoErr, "a frame is not coded");
 
+        results.bytes.insert(results.bytes.end(), bytes.begin(), bytes.end());
+
         const int signature = bytes[0] & 0xF0;  // where a codec has one
         if (choice % 2 == 0)
             for (Vsp8u& b : bytes) b = Vsp8u((noise = noise * 1664525u + 1013904223u) >> 24);
@@ -68,6 +78,21 @@ extern "C" int LLVMFuzzerTestOneInput(const Vsp8u* data, std::size_t size) {
             check(again == samples && before == decoderMemory, "a copy of a decoder decodes otherwise");
             decoderMemory = before;
         }
+        results.statuses.push_back(status);
+        results.samples.insert(results.samples.end(), samples.begin(), samples.end());
     }
+    return results;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const Vsp8u* data, std::size_t size) {
+    const std::vector<const vsp::Api*> levels = runnableLevels();
+    const auto at = [&](const vsp::Api* level) {
+        chooseLevel(*level);
+        return code(Input(data, size));
+    };
+    const Results first = at(levels.front());
+    for (std::size_t i = 1; i < levels.size(); i++) check(at(levels[i]) == first, "the levels differ");
     return 0;
 }
