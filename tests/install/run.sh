@@ -106,3 +106,9 @@ for built in "$tmp/codec_roundtrip" "$tmp/outside/build/codec_roundtrip"; do
     if "$built" no-such-codec </dev/null >/dev/null 2>"$tmp/err"; then fail "codec_roundtrip knows every codec"; fi
     grep -q "pcmu" "$tmp/err" || fail "codec_roundtrip does not list the codecs"
 done
+
+# Speech detector: none in silence, and the speech that follows it.
+"$tmp/outside/build/speech_detector" < <(head -c 64000 /dev/zero) >"$tmp/out"
+[[ ! -s $tmp/out ]] || fail "speech_detector hears speech in silence: $(cat "$tmp/out")"
+"$tmp/outside/build/speech_detector" < <(head -c 32000 /dev/zero && tail -c +3245 "$speech") >"$tmp/out"
+grep -qE '^ +2\.[0-9]+ s to ' "$tmp/out" || fail "speech_detector does not hear the speech: $(cat "$tmp/out")"
