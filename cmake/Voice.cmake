@@ -27,7 +27,9 @@ add_library(
     voice/echo/prototype_window.cpp
     voice/echo/step_size.cpp
     voice/echo/subband_canceller.cpp
-    voice/level/level_control.cpp)
+    voice/level/level_control.cpp
+    voice/pitch/pitch_tracker.cpp
+    voice/pitch/speech_analysis.cpp)
 add_library(vspsc::vspsvoice ALIAS vspsvoice)
 target_link_libraries(vspsvoice PUBLIC vspscy8 PRIVATE $<BUILD_INTERFACE:vspsc_options>)
 target_include_directories(vspsvoice PRIVATE ${PROJECT_SOURCE_DIR}/voice)

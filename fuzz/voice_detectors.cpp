@@ -38,16 +38,20 @@ class Run {
             vspvToneDetectorGetSize(rate_, arithmetic_, &bytes);
         else if (kind_ < 6)
             vspvSpeechDetectorGetSize(kind_ - 3, &bytes);
-        else
+        else if (kind_ < 7)
             vspvLevelControlGetSize(&bytes);
+        else
+            vspvPitchTrackerGetSize(&bytes);
         memory_.resize(std::size_t(bytes) / 8);
         const VspvLevelSettings settings{20, 1, 20, 1};
         if (kind_ < 4)
             vspvToneDetectorInit(object<VspvToneDetector>(), rate_, arithmetic_);
         else if (kind_ < 6)
             vspvSpeechDetectorInit(object<VspvSpeechDetector>(), kind_ - 3);
-        else
+        else if (kind_ < 7)
             vspvLevelControlInit(object<VspvLevelControl>(), &settings);
+        else
+            vspvPitchTrackerInit(object<VspvPitchTracker>(), kind_ - 7);
     }
 
     void hear(const Vsp16s* samples, Vsp32s count) {
@@ -62,10 +66,15 @@ class Run {
             Vsp32s made = 0;
             vspvSpeechDetectorProcess(object<VspvSpeechDetector>(), samples, count, decisions.data(), &made);
             for (Vsp32s i = 0; i < made; i++) append(results, decisions[std::size_t(i)]);
-        } else {
+        } else if (kind_ < 7) {
             Samples controlled(static_cast<std::size_t>(count));
             vspvLevelControlProcess(object<VspvLevelControl>(), samples, controlled.data(), count);
             for (const Vsp16s x : controlled) append(results, x);
+        } else {
+            std::vector<VspvPitchPoint> points(2 * ((std::size_t(count) + vspvPitchFrame - 1) / vspvPitchFrame));
+            Vsp32s made = 0;
+            vspvPitchTrackerProcess(object<VspvPitchTracker>(), samples, count, points.data(), &made);
+            for (Vsp32s i = 0; i < made; i++) append(results, points[std::size_t(i)]);
         }
     }
 
@@ -86,7 +95,7 @@ class Run {
 
 extern "C" int LLVMFuzzerTestOneInput(const Vsp8u* data, std::size_t size) {
     Input in(data, size);
-    const int kind = in.take() % 7;
+    const int kind = in.take() % 10;
     Samples samples;
     std::vector<Vsp32s> blocks;
     for (Vsp32u noise = 1; !in.empty() && samples.size() < 20000;) {

@@ -4,7 +4,7 @@
 #include <array>
 #include <cstdint>
 
-#include "analysis/linear_prediction.h"
+#include "voice/double_linear_prediction.h"
 
 constexpr std::size_t kAmrFrame = 160;     // samples, 20 ms
 constexpr std::size_t kAmrLookAhead = 40;  // samples after the frame that the linear prediction sees

@@ -23,8 +23,7 @@ struct Options {
     bool json = false;
 };
 
-const std::map<std::string, PitchSearch> kSearches = {
-    {"main", PitchSearch::kMain}, {"a", PitchSearch::kAnnexA}, {"d", PitchSearch::kAnnexD}};
+const std::map<std::string, Vsp32s> kSearches = {{"main", vspvPitchMain}, {"a", vspvPitchAnnexA}, {"d", vspvPitchAnnexD}};
 
 // What is made of the points of a recording while it is searched.
 struct Results {
@@ -32,9 +31,9 @@ struct Results {
     std::unique_ptr<PitchTable> table;
     std::vector<PitchCurves> curves;  // of the channels that are plotted
 
-    void add(std::vector<std::vector<PitchPoint>>& points) {
+    void add(std::vector<std::vector<VspvPitchPoint>>& points) {
         for (std::size_t c = 0; c < points.size(); c++)
-            for (const PitchPoint& point : points[c]) {
+            for (const VspvPitchPoint& point : points[c]) {
                 report.channels[c].add(point);
                 if (c < curves.size()) curves[c].add(point);
             }
@@ -43,10 +42,10 @@ struct Results {
     }
 };
 
-void searchPitch(AudioReader& in, PitchSearch search, Results& results) {
+void searchPitch(AudioReader& in, Vsp32s search, Results& results) {
     std::vector<PitchTracker> trackers;
     for (std::size_t c = 0; c < in.channels(); c++) trackers.emplace_back(search);
-    std::vector<std::vector<PitchPoint>> points(in.channels());
+    std::vector<std::vector<VspvPitchPoint>> points(in.channels());
     Progress progress("searching the pitch", in.expected());
     for (Block block; in.read(kBlockLength, block); progress.advance(block[0].size())) {
         for (std::size_t c = 0; c < trackers.size(); c++) trackers[c].process(block[c], points[c]);
@@ -109,8 +108,9 @@ void addPitch(CommandLine& vsps) {
         "thirds, to be added to lag; f0_hz; gain of the adaptive codebook; prediction_gain_db, what its contribution\n"
         "removes from the target; level_dbov of the subframe, -inf for silence; voiced.\n"
         "Voiced is a subframe with a gain of at least 0.5 that removes at least 3 dB, and a frame with two of them.\n\n"
-        "The encoder's steps before the search (G.729 3.1 to 3.6) run in floating point and nothing is quantised: the\n"
-        "fixed codebook is taken to be ideal, so that the excitation is the residual of the linear prediction.\n\n"
+        "The encoder's steps before the search (G.729 3.1 to 3.6) run without its quantisation: the fixed codebook is "
+        "taken\n"
+        "to be ideal, so that the excitation is the residual of the linear prediction.\n\n"
         "The table or the plot can be - for standard output; the report goes to standard error then.\n\n"
         "Examples:\n"
         "  vsps pitch call.wav\n"

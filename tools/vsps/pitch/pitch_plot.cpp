@@ -44,7 +44,7 @@ void PitchCurves::Contour::operator+=(const Contour& next) {
     voiced += next.voiced;
 }
 
-void PitchCurves::add(const PitchPoint& point) { contour_.add({1, point.voiced(), point.f0(), point.predictionGain}); }
+void PitchCurves::add(const VspvPitchPoint& point) { contour_.add({1, point.voiced != 0, point.f0, point.predictionGain}); }
 
 std::string drawPitch(const Gnuplot& gnuplot, const std::string& title, double seconds,
                       const std::vector<PitchCurves>& channels) {

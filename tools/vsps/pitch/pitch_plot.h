@@ -19,7 +19,7 @@ class PitchCurves {
     };
 
     void add(std::span<const std::int16_t> samples) { waveform_.add(samples); }
-    void add(const PitchPoint& point);
+    void add(const VspvPitchPoint& point);
 
     const WaveformOutline& waveform() const { return waveform_; }
     const BoundedTrace<Contour>& contour() const { return contour_; }

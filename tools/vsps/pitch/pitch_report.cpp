@@ -28,13 +28,13 @@ Json channelJson(const PitchSummary& s) {
 
 }  // namespace
 
-void PitchSummary::add(const PitchPoint& point) {
-    const bool voiced = point.voiced();
+void PitchSummary::add(const VspvPitchPoint& point) {
+    const bool voiced = point.voiced != 0;
     voicedFrames_ += points_ % 2 == 1 && lastVoiced_ && voiced;
     lastVoiced_ = voiced;
     points_++;
     if (!voiced) return;
-    f0_[point.f0()]++;
+    f0_[point.f0]++;
     gains_ += point.predictionGain;
     voicedPoints_++;
 }

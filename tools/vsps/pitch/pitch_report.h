@@ -11,7 +11,7 @@
 // What is reported of a channel, gathered point by point.
 class PitchSummary {
   public:
-    void add(const PitchPoint& point);
+    void add(const VspvPitchPoint& point);
 
     std::size_t frames() const { return points_ / 2; }
     std::size_t voicedFrames() const { return voicedFrames_; }  // with two voiced subframes

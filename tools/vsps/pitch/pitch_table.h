@@ -13,7 +13,7 @@ class PitchTable {
     explicit PitchTable(const std::string& file);
 
     // The next points of each channel, as many of each.
-    void add(const std::vector<std::vector<PitchPoint>>& points);
+    void add(const std::vector<std::vector<VspvPitchPoint>>& points);
     void commit() { out_.commit(); }
 
   private:

@@ -1,9 +1,7 @@
-#include "analysis/linear_prediction.h"
+#include "voice/double_linear_prediction.h"
 
 #include <cmath>
 #include <numbers>
-
-#include "audio/audio.h"
 
 namespace {
 
@@ -24,7 +22,7 @@ std::array<double, kLpWindow> makeWindow() {
 LpFilter makeLagWindow() {
     LpFilter window{1.0001};
     for (std::size_t k = 1; k < window.size(); k++) {
-        const double x = 2 * pi * 60 * double(k) / kRate;
+        const double x = 2 * pi * 60 * double(k) / 8000;
         window[k] = std::exp(-x * x / 2);
     }
     return window;
