@@ -22,10 +22,15 @@ OpenLoop::OpenLoop(Vsp32s option, void* highPass) : option_(option) {
 }
 
 void OpenLoop::read(const Vsp16s* frame, void* highPass) {
+    Vsp16s processed[kFrame];
+    for (Vsp32s i = 0; i < kFrame; i++) processed[i] = Vsp16s(frame[i] & ~7);
+    vspsHighPassFilter_GSMAMR_16s_I(processed, kFrame, highPass);
+    readProcessed(processed);
+}
+
+void OpenLoop::readProcessed(const Vsp16s* frame) {
     memmove(speech_, speech_ + kFrame, sizeof speech_ - kFrame * sizeof *speech_);
-    Vsp16s* const next = speech_ + kWindow - kFrame;
-    for (Vsp32s i = 0; i < kFrame; i++) next[i] = Vsp16s(frame[i] & ~7);
-    vspsHighPassFilter_GSMAMR_16s_I(next, kFrame, highPass);
+    memcpy(speech_ + kWindow - kFrame, frame, kFrame * sizeof *frame);
 }
 
 void OpenLoop::search(Vsp16s* pitchFlags) {

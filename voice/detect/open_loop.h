@@ -18,6 +18,8 @@ class OpenLoop {
 
     // Takes a frame and pre-processes it.
     void read(const Vsp16s* frame, void* highPass);
+    // Takes a frame that has been pre-processed.
+    void readProcessed(const Vsp16s* frame);
     // The pre-processed frame; 40 samples of the last one lie before it.
     const Vsp16s* frame() const { return speech_ + kWindow - kFrame; }
     // After the detector has decided: the linear prediction, the weighting and the search of the encoder's frame, which

@@ -31,7 +31,7 @@ bool ReversalDetector::detect(const Vsp16s* block, Vsp32s count, void* state) {
     if (fixedPoint_) {
         vspsToneDetect_EC_16s(block, count, &reported, fixedState(placed));
     } else {
-        Vsp32f samples[kLongestMillisecond];
+        Vsp32f samples[kLongestMillisecond] = {};
         for (Vsp32s i = 0; i < count; i++) samples[i] = block[i];
         vspsToneDetect_EC_32f(samples, count, &reported, floatState(placed));
     }
