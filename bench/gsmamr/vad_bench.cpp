@@ -20,7 +20,7 @@ template <class Function, class Detect>
 bool addDetector(const char* name, Function vsp::Api::*member, Detect detect) {
     return bench::add(name, member, {160}, [detect](auto function, bench::Buffers&, int) {
         thread_local std::size_t position = 0;
-        position = position + 400 > signal().size() ? 0 : position + 160;
+        position = position + 480 > signal().size() ? 0 : position + 160;
         benchmark::DoNotOptimize(detect(function, signal().data() + position));
     });
 }
@@ -39,6 +39,14 @@ const bool registered[] = {
                     Vsp16s flag;
                     function(src, &state, &flag, 0);
                     return flag;
+                }),
+    addDetector("vspsOpenLoopPitchSearch_GSMAMR_16s", &vsp::Api::vspsOpenLoopPitchSearch_GSMAMR_16s,
+                [](auto function, const Vsp16s* src) {
+                    thread_local Vsp16s mem[10] = {40, 40, 40, 40, 40, 0, 0, 40, 0, 0}, vadMem[5] = {0, 13106, 0, 0, 0};
+                    Vsp16s pitchFlags = 0, lags[2];
+                    constexpr Vsp32s k74 = 7, kOption1 = 1;
+                    function(src + 143, k74, kOption1, mem, vadMem, &pitchFlags, lags);
+                    return lags[1];
                 }),
     bench::add("vspsFFTFwd_RToPerm_GSMAMR_16s_I", &vsp::Api::vspsFFTFwd_RToPerm_GSMAMR_16s_I, {128},
                [](auto function, bench::Buffers& x, int) { benchmark::DoNotOptimize(function(x.inPlace())); }),
