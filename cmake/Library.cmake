@@ -107,6 +107,7 @@ set(vspsc_level_sources
     src/gsmamr/open_loop_pitch.cpp
     src/gsmamr/paired_pulse_search.cpp
     src/gsmamr/phase_dispersion.cpp
+    src/gsmamr/pitch_target.cpp
     src/gsmamr/post_filter.cpp
     src/gsmamr/random_parameters.cpp
     src/gsmamr/single_pulse_search.cpp

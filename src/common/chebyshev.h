@@ -2,7 +2,7 @@
 #pragma once
 
 #include "arithmetic/split_32.h"
-#include "vector/simd.h"
+#include "vector/signs.h"
 
 namespace vsp::VSP_LEVEL {
 
@@ -62,32 +62,37 @@ VSP_INLINE Vsp16s chebyshev(const LspPolynomial<kHalf>& p, const ChebyshevForm& 
     return sat_16s(Vsp32s(sum) >> form.resultShift);
 }
 
-// The values at the 16-bit elements of a vector; one that may have saturated on the way sets a bit of uncertain.
+// The values at the 16-bit elements of a vector. Where one may have saturated on the way a sign bit of outside is set.
 template <int kHalf, class V>
-VSP_INLINE V chebyshev(const LspPolynomial<kHalf>& p, const ChebyshevForm& form, V x, Wide<V>& uncertain) {
+VSP_INLINE V chebyshev(const LspPolynomial<kHalf>& p, const ChebyshevForm& form, V x, Wide<V>& outside) {
     using W = Wide<V>;
-    const auto isLarge = [&](W a, int bits) {
-        uncertain.v = uncertain.v | shrU(W{a.v ^ shr(a, 31).v}, bits).v;
-        return a;
+    const W highs = W::splat(-0x10000), lows = W::splat(0x7FFF), even = W::splat(~1);
+    const auto note = [&](auto bits) { outside.v = outside.v | bits; };
+    // a - b + c, and where that leaves 32 bits
+    const auto sum = [&](W a, W b, W c) {
+        b.v = b.v & even.v;
+        const W difference = sub(a, b), result = add(difference, c);
+        note((a.v ^ b.v) & (a.v ^ difference.v));
+        note(~(difference.v ^ c.v) & (difference.v ^ result.v));
+        return result;
     };
-    const W highs = W::splat(-0x10000), lows = W::splat(0x7FFF);
-    // (b >> 1) * x >> 15, exact: below 2^31
-    const auto product = [&](W b, V pairs) {
-        const W high = dot2(V{b.v & highs.v}, pairs), low = dot2(V{shrU(b, 1).v & lows.v}, pairs);
-        return add(high, shr(low, 15));
-    };
+    // The pairs are each of the same element twice.
     const auto half = [&](V pairs) {
+        // twice b * x in Q15 of x, exact: (b >> 1) * x >> 15, the half of which is below 2^29, or its doubling saturates
+        const auto product = [&](W b) {
+            const W high = dot2(V{b.v & highs.v}, pairs), low = dot2(V{shrU(b, 1).v & lows.v}, pairs);
+            const W t = add(high, shr(low, 15)), doubled = add(t, t), fourfold = add(doubled, doubled);
+            note((t.v ^ doubled.v) | (doubled.v ^ fourfold.v));
+            return doubled;
+        };
         const W slope = dot2(pairs, V{W::splat(form.slope).v});  // the slope stands in the lower half of the pairs
         W b2 = W::splat(form.one * 65536), b1 = add(add(slope, slope), W::splat(2 * p.f[1] * form.addend));
-        isLarge(b1, 29);
         for (int i = 2; i < kHalf; i++) {
-            const W t = isLarge(product(b1, pairs), 28), doubled = add(t, t);
-            const W b0 = add(sub(add(doubled, doubled), W{b2.v & W::splat(~1).v}), W::splat(2 * p.f[i] * form.addend));
+            const W doubled = product(b1), b0 = sum(add(doubled, doubled), b2, W::splat(2 * p.f[i] * form.addend));
             b2 = b1;
-            b1 = isLarge(b0, 29);
+            b1 = b0;
         }
-        const W t = isLarge(product(b1, pairs), 28);
-        return shr(add(sub(add(t, t), W{b2.v & W::splat(~1).v}), W::splat(2 * p.f[kHalf] * form.last)), form.resultShift);
+        return shr(sum(product(b1), b2, W::splat(2 * p.f[kHalf] * form.last)), form.resultShift);
     };
     return packSat(half(V{zipLo(x, x).v}), half(V{zipHi(x, x).v}));
 }
@@ -96,9 +101,9 @@ VSP_INLINE V chebyshev(const LspPolynomial<kHalf>& p, const ChebyshevForm& form,
 template <int kHalf>
 VSP_INLINE void chebyshevOnGrid(const LspPolynomial<kHalf>& p, const ChebyshevForm& form, const Vsp16s* grid,
                                 Vsp16s* values) {
-    Wide<S16> uncertain = Wide<S16>::splat(0);
-    for (int i = 0; i < kMaxLspGrid; i += S16::width) chebyshev(p, form, S16::load(grid + i), uncertain).store(values + i);
-    if (anyBit(uncertain)) [[unlikely]]
+    Wide<S16> outside = Wide<S16>::splat(0);
+    for (int i = 0; i < kMaxLspGrid; i += S16::width) chebyshev(p, form, S16::load(grid + i), outside).store(values + i);
+    if (anyNegative(outside)) [[unlikely]]
         for (int i = 0; i < kMaxLspGrid; i++) values[i] = chebyshevSaturating(p, form, grid[i]);
 }
 

@@ -9,7 +9,7 @@ namespace vsp::VSP_LEVEL {
 struct LspGrid {
     const Vsp16s* points;
     int count;
-    int bisections;  // of the interval in which a root lies
+    int bisections;  // of the interval in which a root lies: 2 or 4
 };
 
 template <int kHalf>
@@ -17,8 +17,10 @@ struct LspRootSearch {
     const LspPolynomial<kHalf> (&polynomials)[2];
     const ChebyshevForm& form;
     const LspGrid& grid;
-    Vsp16s values[2][kMaxLspGrid];  // at the points of the grid
-    Vsp64u signChanges[2];          // bit j: between the points j - 1 and j
+    Vsp16s values[2][kMaxLspGrid + 8];  // at the points of the grid
+    Vsp64u signChanges[2];              // bit j: between the points j - 1 and j
+
+    static constexpr int kMaxLeaves = 16;
 
     struct Point {
         Vsp16s x, y;
@@ -33,18 +35,93 @@ struct LspRootSearch {
     [[gnu::always_inline]] void evaluateGrid() {
         for (int p = 0; p < 2; p++) {
             chebyshevOnGrid(polynomials[p], form, grid.points, values[p]);
-            signChanges[p] = 0;
-            for (int j = 1; j < kMaxLspGrid; j++)
-                signChanges[p] |= Vsp64u(changesSign(values[p][j - 1], values[p][j])) << j;
-            signChanges[p] &= (1ULL << grid.count) - 1;
+            Vsp64u same = 0;  // bit j: at the points j and j + 1
+            for (int j = 0; j < kMaxLspGrid; j += 8)
+                same |= Vsp64u(sameSign(S16_128::load(values[p] + j), S16_128::load(values[p] + j + 1))) << j;
+            signChanges[p] = ~same << 1 & ((1ULL << grid.count) - 1);
         }
     }
 
-    [[gnu::always_inline]] Vsp16s rootBetween(int polynomial, Point low, Point high) const {
+    // The interval of the last bisection. All points that the bisections may need are evaluated at once, and nothing
+    // depends on a branch, so that roots overlap in the processor.
+    template <int kBisections>
+    [[gnu::always_inline]] void bisect(int polynomial, Point& low, Point& high) const {
+        constexpr int kLeaves = 1 << kBisections;
+        const auto halfway = [](S16_128 a, S16_128 b) { return add(shr(a, 1), shr(b, 1)); };
+        struct Leaves {
+            S16_128 from, to;
+        };
+        // Each leaf takes the half of the interval that a bit of its number tells.
+        const auto leavesOf = [&](Vsp16s from, Vsp16s to) {
+            Leaves leaves{S16_128::splat(from), S16_128::splat(to)};
+            S16_128 middle;
+            if (kBisections > 2) {
+                middle = halfway(leaves.from, leaves.to);
+                leaves = {blend<0xF0>(leaves.from, middle), blend<0xF0>(middle, leaves.to)};
+            }
+            middle = halfway(leaves.from, leaves.to);
+            leaves = {blend<0xCC>(leaves.from, middle), blend<0xCC>(middle, leaves.to)};
+            middle = halfway(leaves.from, leaves.to);
+            return Leaves{blend<0xAA>(leaves.from, middle), blend<0xAA>(middle, leaves.to)};
+        };
+        Vsp16s x[kMaxLeaves], end[kMaxLeaves], y[kMaxLeaves + 1];  // the lower and upper ends of the leaves
+        const auto store = [&](const Leaves& leaves, int i) {
+            leaves.from.store(x + i);
+            leaves.to.store(end + i);
+        };
+        Vsp32u same;  // bit k: at the lower end of leaf k as at that of the first
+        bool uncertain;
+        if constexpr (kBisections == 4) {
+            const Vsp16s middle = Vsp16s((low.x >> 1) + (high.x >> 1));
+            const Leaves lower = leavesOf(low.x, middle), upper = leavesOf(middle, high.x);
+            store(lower, 0);
+            store(upper, 8);
+            uncertain = evaluate(polynomial, lower.from, upper.from, y);
+            same = sameSign(S16_128::load(y), S16_128::splat(low.y)) | sameSign(S16_128::load(y + 8), S16_128::splat(low.y))
+                                                                           << 8;
+        } else {
+            const Leaves leaves = leavesOf(low.x, high.x);
+            store(leaves, 0);
+            auto outside = Wide<S16_128>::splat(0);
+            const S16_128 atLeaves = chebyshev(polynomials[polynomial], form, leaves.from, outside);
+            atLeaves.store(y);
+            same = sameSign(atLeaves, S16_128::splat(low.y));
+            uncertain = anyNegative(outside);
+        }
+        if (uncertain) [[unlikely]]
+            return bisectSlowly(polynomial, low, high);
+        y[0] = low.y;
+        y[kLeaves] = high.y;
+        int leaf = 0;
+        for (int bit = kLeaves / 2; bit > 0; bit /= 2) leaf += int(same >> (leaf + bit) & 1) * bit;
+        low = {x[leaf], y[leaf]};
+        high = {end[leaf], y[leaf + 1]};
+    }
+
+    // The values at sixteen places. Returns whether one may have saturated on the way.
+    [[gnu::always_inline]] bool evaluate(int polynomial, S16_128 x0, S16_128 x8, Vsp16s* y) const {
+        auto outside = Wide<Sliding16>::splat(0);
+#if defined(__AVX2__)
+        chebyshev(polynomials[polynomial], form, joined(x0, x8), outside).store(y);
+#else
+        chebyshev(polynomials[polynomial], form, x0, outside).store(y);
+        chebyshev(polynomials[polynomial], form, x8, outside).store(y + 8);
+#endif
+        return anyNegative(outside);
+    }
+
+    [[gnu::noinline]] void bisectSlowly(int polynomial, Point& low, Point& high) const {
         for (int i = 0; i < grid.bisections; i++) {
             const Point middle = at(polynomial, Vsp16s((low.x >> 1) + (high.x >> 1)));
             (changesSign(low.y, middle.y) ? high : low) = middle;
         }
+    }
+
+    [[gnu::always_inline]] Vsp16s rootBetween(int polynomial, Point low, Point high) const {
+        if (grid.bisections == 4)
+            bisect<4>(polynomial, low, high);
+        else
+            bisect<2>(polynomial, low, high);
         const Vsp16s x = sat_16s(high.x - low.x), y = sat_16s(high.y - low.y);
         if (y == 0) return low.x;
         const Vsp16s magnitude = Vsp16s(y == kMin16 ? kMax16 : y < 0 ? -y : y);

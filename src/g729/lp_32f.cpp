@@ -115,12 +115,12 @@ VspStatus vspsLevinsonDurbin_G729_32f(const Vsp32f* pAutoCorr, Vsp32f* pLPC, Vsp
     if (anyNull(pAutoCorr, pLPC, pRC, pErr)) return vspStsNullPtrErr;
     Vsp32f a[kOrder + 1], rc[kOrder];
     a[0] = 1;
-    a[1] = rc[0] = -pAutoCorr[1] / pAutoCorr[0];
+    a[1] = rc[0] = 0 - pAutoCorr[1] / pAutoCorr[0];
     Vsp32f err = pAutoCorr[0] + pAutoCorr[1] * rc[0];
     for (int i = 2; i <= kOrder; i++) {
         Vsp32f s = 0;
         for (int j = 0; j < i; j++) s += pAutoCorr[i - j] * a[j];
-        const Vsp32f k = -s / err;
+        const Vsp32f k = 0 - s / err;
         rc[i - 1] = k;
         for (int j = 1, m = i - 1; j <= m; j++, m--) {  // both of a pair from the values before
             const Vsp32f low = a[j] + k * a[m], high = a[m] + k * a[j];

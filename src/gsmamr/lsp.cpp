@@ -1,5 +1,6 @@
 // Conversions between LP filters, line spectral pairs and frequencies, and their interpolation (3GPP TS 26.090 5.2.3, 5.2.4
 // and 5.2.6).
+#include "arithmetic/standard_ops.h"
 #include "common/lsf.h"
 #include "common/lsp_roots.h"
 #include "common/lsp_to_lpc.h"
@@ -61,6 +62,34 @@ VspStatus vspsInterpolateLSP_GSMAMR_16s(const Vsp16s* pPrevLSP, const Vsp16s* pM
         pLSP[2 * kOrder + i] = mode == kMode122 ? half(middle, after) : quarter(before, after);
         pLSP[3 * kOrder + i] = after;
     }
+    return vspStsNoErr;
+}
+
+VspStatus vspsLSFAverage_GSMAMR_16s(const Vsp16s* pLSF, Vsp16s* pMean) {
+    constexpr Vsp16s kNew = 5243;  // 0.16, Q15
+    if (anyNull(pLSF, pMean)) return vspStsNullPtrErr;
+    for (int i = 0; i < kOrder; i++)
+        pMean[i] = round_32s(mac_32s(msu_32s(pMean[i] * 65536, kNew, pMean[i]), kNew, pLSF[i]));
+    return vspStsNoErr;
+}
+
+// 26.073 check_lsp
+VspStatus vspsResonanceDetect_GSMAMR_16s(const Vsp16s* pLSP, Vsp16s* pCount, Vsp32s* pFlag) {
+    constexpr Vsp16s kFrames = 12;  // in a row that make a resonance
+    if (anyNull(pLSP, pCount, pFlag)) return vspStsNullPtrErr;
+    const auto smallestDistance = [pLSP](int first, int last) {
+        Vsp16s smallest = kMax16;
+        for (int i = first; i <= last; i++) {
+            const Vsp16s distance = sat_16s(pLSP[i] - pLSP[i + 1]);
+            if (distance < smallest) smallest = distance;
+        }
+        return smallest;
+    };
+    const Vsp16s limit = pLSP[1] > 32000 ? 600 : pLSP[1] > 30500 ? 800 : 1100;
+    const bool close = smallestDistance(3, 7) < 1500 || smallestDistance(1, 2) < limit;
+    const Vsp16s count = close ? sat_16s(*pCount + 1) : Vsp16s(0);
+    *pFlag = count >= kFrames;
+    *pCount = count < kFrames ? count : kFrames;
     return vspStsNoErr;
 }
 

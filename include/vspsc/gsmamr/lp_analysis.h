@@ -59,6 +59,29 @@ VspStatus vspsLevinsonDurbin_GSMAMR_32s16s(const Vsp32s* pAutoCorr, Vsp16s* pMem
  */
 VspStatus vspsWeightedSpeech_GSMAMR_16s(const Vsp16s* pSrc, const Vsp16s* pLPC, Vsp32s mode, Vsp16s* pMem, Vsp16s* pDst);
 
+/**
+ * Impulse response, target and residual of a subframe, on which its codebook searches work (3GPP TS 26.090 5.4 and 5.5,
+ * subframePreProc).
+ *
+ * With W(z) = A(z/g1) / A(z/g2) of the unquantised filter as in vspsWeightedSpeech_GSMAMR_16s: the impulse response of W(z)
+ * / Aq(z); the residual of the speech by Aq(z); and the target, the residual through W(z) / Aq(z) with the memories.
+ *
+ * @param[in]  pSrc       the first of the 40 samples of the subframe; 10 samples of history before it
+ * @param[in]  pLPC       unquantised filter, 11 coefficients, Q12
+ * @param[in]  pQuantLPC  quantised filter Aq, 11 coefficients, Q12
+ * @param[in]  pMemErr    the last 10 samples of the error of the synthesis, the newest last
+ * @param[in]  pMemW0     the last 10 samples of the weighted error, the newest last
+ * @param[in]  mode       rate
+ * @param[out] pImpulse   40 samples, Q12
+ * @param[out] pTarget    40 samples
+ * @param[out] pResidual  40 samples
+ * @retval vspStsNullPtrErr  pSrc, pLPC, pQuantLPC, pMemErr, pMemW0, pImpulse, pTarget or pResidual is null
+ * @retval vspStsRangeErr    mode is not a rate
+ */
+VspStatus vspsPitchTarget_GSMAMR_16s(const Vsp16s* pSrc, const Vsp16s* pLPC, const Vsp16s* pQuantLPC, const Vsp16s* pMemErr,
+                                     const Vsp16s* pMemW0, Vsp32s mode, Vsp16s* pImpulse, Vsp16s* pTarget,
+                                     Vsp16s* pResidual);
+
 #ifdef __cplusplus
 }
 #endif

@@ -69,6 +69,26 @@ VspStatus vspsLSFToLSP_GSMAMR_16s(const Vsp16s* pLSF, Vsp16s* pLSP);
 VspStatus vspsInterpolateLSP_GSMAMR_16s(const Vsp16s* pPrevLSP, const Vsp16s* pMidLSP, const Vsp16s* pNewLSP, Vsp32s mode,
                                         Vsp16s* pLSP);
 
+/**
+ * Long-term mean of the line spectral frequencies in a decoder (lsp_avg): 0.84 times the mean and 0.16 times the new ones.
+ *
+ * @param[in]     pLSF   10 LSFs
+ * @param[in,out] pMean  mean of 10 LSFs
+ * @retval vspStsNullPtrErr  pLSF or pMean is null
+ */
+VspStatus vspsLSFAverage_GSMAMR_16s(const Vsp16s* pLSF, Vsp16s* pMean);
+
+/**
+ * Tells frames whose filter has a resonance, for which an encoder limits the pitch gain (check_lsp): for twelve frames some
+ * neighbouring pairs have been close to each other.
+ *
+ * @param[in]     pLSP    10 LSPs
+ * @param[in,out] pCount  such frames in a row, at most 12; reset to 0
+ * @param[out]    pFlag   1 or 0
+ * @retval vspStsNullPtrErr  pLSP, pCount or pFlag is null
+ */
+VspStatus vspsResonanceDetect_GSMAMR_16s(const Vsp16s* pLSP, Vsp16s* pCount, Vsp32s* pFlag);
+
 #ifdef __cplusplus
 }
 #endif

@@ -66,7 +66,7 @@ const Described functions(
                        out(1).unchangedOnWarning(), io(33))
             .recorded("vspsLevinsonDurbin_G729E_32s16s")
             .recorded("vspsLevinsonDurbin_G729E_32s16s+g"),
-        VSPSC_FUNCTION(vspsResidualFilter_G729E_16s, in(len).after(30), in(argument(4) + 1), out(len), length(),
+        VSPSC_FUNCTION(vspsResidualFilter_G729E_16s, in(len).after(argument(4)), in(argument(4) + 1), out(len), length(),
                        range(1, 30)),
         VSPSC_FUNCTION(vspsSynthesisFilter_G729E_16s, in(argument(4) + 1), in(len), out(len).mayBe(1), length(),
                        range(1, 30), in(argument(4))),
@@ -80,12 +80,14 @@ const Described functions(
         VSPSC_FUNCTION(vspsLSPToLPC_G729_32f, in(10), out(11)),
         VSPSC_FUNCTION(vspsHighPassFilterSize_G729_32f, size(40)).notRecorded(),
         VSPSC_FUNCTION(vspsHighPassFilterInit_G729_32f, in(6), state(40)).notRecorded(),
-        VSPSC_FUNCTION(vspsHighPassFilter_G729_32f_I, io(len), length(), state(40, initialiseFloatFilter))
+        VSPSC_FUNCTION(vspsHighPassFilter_G729_32f_I, io(len), length(),
+                       state(40, initialiseFloatFilter).alwaysInitialised())
             .stream("vspsHighPassFilter_G729_32f_I"),
         VSPSC_FUNCTION(vspsWinHybridGetStateSize_G729E_32f, size(124)).notRecorded(),
         VSPSC_FUNCTION(vspsWinHybridInit_G729E_32f, state(124)).notRecorded(),
-        VSPSC_FUNCTION(vspsWinHybrid_G729E_32f, in(145), out(31),
-                       state(124, [](const Api& api, int, void* s) { api.vspsWinHybridInit_G729E_32f(s); }))
+        VSPSC_FUNCTION(
+            vspsWinHybrid_G729E_32f, in(145), out(31),
+            state(124, [](const Api& api, int, void* s) { api.vspsWinHybridInit_G729E_32f(s); }).alwaysInitialised())
             .stream("vspsWinHybrid_G729E_32f"),
     });
 

@@ -1,0 +1,108 @@
+// Linear prediction on any input against the definitions, saturation included: the kernels take short cuts where nothing
+// can saturate.
+#include "common/lp_definitions.h"
+#include "common/tables.h"
+#include "g729/lp_tables.h"
+#include "support/guarded.h"
+#include "support/level_test.h"
+#include "support/samples.h"
+
+namespace vsp::test {
+
+class LinearPrediction : public LevelTest {
+  protected:
+    using Signal = std::vector<Vsp16s>;
+
+    // Full scale every fourth time.
+    static Signal scaled(std::size_t n, unsigned seed) {
+        auto x = samples(n, seed);
+        for (Vsp16s& a : x) a = Vsp16s(a >> (seed % 4 == 0 ? 0 : seed % 13));
+        return x;
+    }
+    // Autocorrelations of a windowed signal, or any.
+    std::vector<Vsp32s> correlations(int lags, unsigned seed) {
+        std::vector<Vsp32s> r(static_cast<std::size_t>(lags));
+        Vsp32s norm;
+        auto x = scaled(240, seed);
+        for (std::size_t i = 1; seed % 3 != 0 && i < x.size(); i++) x[i] = Vsp16s((x[i] + 31 * x[i - 1]) / 32);
+        plain::lp::autoCorr(x.data(), 240, r.data(), lags, &norm);
+        return seed % 7 == 0 ? samples<Vsp32s>(r.size(), seed) : r;
+    }
+};
+VSPSC_EVERY_LEVEL(LinearPrediction);
+
+TEST_P(LinearPrediction, FiltersAndCorrelationsAreTheDefinitions) {
+    for (unsigned seed = 1; seed <= 400; seed++) {
+        SCOPED_TRACE(seed);
+        const int len = 1 + int(seed % 90), order = seed % 3 == 0 ? 10 : 1 + int(seed % 30), lags = 1 + int(seed) % len;
+        const auto at = [](int n) { return static_cast<std::size_t>(n); };
+        const Guarded<Vsp16s> src(scaled(at(order + len), seed)), lpc(scaled(at(order + 1), seed + 1000)),
+            mem(scaled(at(order), seed + 2000));
+        Signal expected(at(len));
+        plain::lp::residual(src.data() + order, lpc.data(), order, expected.data(), len);
+        Guarded<Vsp16s> dst(at(len));
+        ASSERT_EQ(vspStsNoErr, api.vspsResidualFilter_G729E_16s(src.data() + order, lpc.data(), dst.data(), len, order));
+        ASSERT_EQ(expected, dst.values());
+
+        const bool overflow = plain::lp::synthesis(lpc.data(), src.data(), expected.data(), len, order, mem.data());
+        ASSERT_EQ(overflow ? vspStsOverflow : vspStsNoErr,
+                  api.vspsSynthesisFilter_G729E_16s(lpc.data(), src.data(), dst.data(), len, order, mem.data()));
+        ASSERT_EQ(expected, dst.values());
+
+        std::vector<Vsp32s> r(at(lags));
+        Vsp32s norm, expectedNorm;
+        const bool divided = plain::lp::autoCorr(src.data(), len, r.data(), lags, &expectedNorm);
+        Guarded<Vsp32s> correlation(at(lags));
+        ASSERT_EQ(divided ? vspStsOverflow : vspStsNoErr,
+                  api.vspsAutoCorr_NormE_16s32s(src.data(), len, correlation.data(), lags, &norm));
+        ASSERT_EQ(r, correlation.values());
+        ASSERT_EQ(expectedNorm, norm);
+    }
+}
+
+TEST_P(LinearPrediction, RecursionsAreTheDefinition) {
+    for (unsigned seed = 1; seed <= 400; seed++) {
+        SCOPED_TRACE(seed);
+        const int order = seed % 2 == 0 ? 10 : 30;
+        const auto r = correlations(order + 1, seed);
+        std::vector<Vsp32s> a, k;
+        Vsp16s err, expectedErr, lpc[31], rc[30], mem[33];
+        const bool stable = plain::lp::levinson(r.data(), order, order == 30, a, k, expectedErr);
+        const auto function = order == 10 ? api.vspsLevinsonDurbin_G729_32s16s : api.vspsLevinsonDurbin_G729E_32s16s;
+        ASSERT_EQ(stable ? vspStsNoErr : vspStsOverflow, function(r.data(), lpc, rc, &err, mem));
+        if (!stable) continue;
+        ASSERT_EQ(expectedErr, err);
+        for (int i = 1; i <= order; i++) {
+            ASSERT_EQ(round_32s(Mul2_32s(a[std::size_t(i)])), lpc[i]);
+            ASSERT_EQ(k[std::size_t(i - 1)] >> 16, rc[i - 1]);
+        }
+    }
+}
+
+TEST_P(LinearPrediction, RootSearchesAreTheDefinition) {
+    int complete = 0;
+    for (unsigned seed = 1; seed <= 600; seed++) {
+        SCOPED_TRACE(seed);
+        Signal lpc = scaled(11, seed);
+        std::vector<Vsp32s> a, k;
+        Vsp16s err;
+        if (seed % 3 != 0 && plain::lp::levinson(correlations(11, seed).data(), 10, false, a, k, err))
+            for (std::size_t i = 1; i <= 10; i++) lpc[i] = round_32s(Mul2_32s(a[i]));
+        const Signal previous = samples(10, seed);
+        const auto compare = [&](auto function, const Vsp16s* grid, plain::lp::RootSearch search) {
+            Signal expected(10), lsp(10);
+            if (!plain::lp::lpcToLsp(lpc.data(), grid, search, expected.data()))
+                expected = previous;
+            else
+                complete++;
+            ASSERT_EQ(vspStsNoErr, function(lpc.data(), previous.data(), lsp.data()));
+            ASSERT_EQ(expected, lsp);
+        };
+        compare(api.vspsLPCToLSP_G729_16s, lspGrid, {61, 4, false});
+        compare(api.vspsLPCToLSP_G729A_16s, gridAnnexA, {51, 2, false});
+        compare(api.vspsLPCToLSP_GSMAMR_16s, lspGrid, {61, 4, true});
+    }
+    EXPECT_GT(complete, 300);
+}
+
+}  // namespace vsp::test
