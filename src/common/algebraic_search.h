@@ -185,6 +185,54 @@ VSP_INLINE void compare(Best& best, S16_128 square, S16_128 energy, Take take) {
     } while (better != 0);
 }
 
+// Eight candidates for each of some outer places.
+struct Candidates {
+    S16_128 squares, energies;
+};
+
+// The best of candidates(0), candidates(1), ... in their order, from a square of -1 over an energy of 1 on. take is called
+// with its outer place and its own, perhaps after others. Where all energies are positive, the quotients are in order: then
+// every lane finds its best, and of these the best, the first of equal ones, is the one.
+template <class Generate, class Take>
+VSP_INLINE Best bestOf(int outerPlaces, Generate candidates, Take take) {
+    const S16_128 zero = S16_128::splat(0);
+    Candidates best = candidates(0);
+    S16_128 minusSquares = sub(zero, best.squares), places = zero, smallest = best.energies;
+    for (int i = 1; i < outerPlaces; i++) {
+        const Candidates c = candidates(i);
+        const auto difference = [&](auto zip) {
+            return dot2(S16_128{zip(c.squares, c.energies).v}, S16_128{zip(best.energies, minusSquares).v});
+        };
+        const S16_128 better{_mm_cmpgt_epi16(packSat(difference([](S16_128 a, S16_128 b) { return zipLo(a, b); }),
+                                                     difference([](S16_128 a, S16_128 b) { return zipHi(a, b); }))
+                                                 .v,
+                                             zero.v)};
+        minusSquares = select(better, sub(zero, c.squares), minusSquares);
+        best.energies = select(better, c.energies, best.energies);
+        places = select(better, S16_128::splat(Vsp16s(i)), places);
+        smallest = min(smallest, c.energies);
+    }
+    if (_mm_movemask_epi8(_mm_cmpgt_epi16(smallest.v, zero.v)) == 0xFFFF) {
+        Vsp16s minusSquare[kPlaces], energies[kPlaces], outer[kPlaces];
+        minusSquares.store(minusSquare);
+        best.energies.store(energies);
+        places.store(outer);
+        int first = 0;
+        for (int i = 1; i < kPlaces; i++) {
+            const Vsp32s difference = minusSquare[first] * energies[i] - minusSquare[i] * energies[first];
+            first = difference > 0 || (difference == 0 && outer[i] < outer[first]) ? i : first;
+        }
+        take(outer[first], first);
+        return {Vsp16s(-minusSquare[first]), energies[first]};
+    }
+    Best found{-1, 1};
+    for (int i = 0; i < outerPlaces; i++) {
+        const Candidates c = candidates(i);
+        compare(found, c.squares, c.energies, [&](int place) { take(i, place); });
+    }
+    return found;
+}
+
 VSP_INLINE bool isBetter(Best best, Best candidate) {
     return best.energy * candidate.square > best.square * candidate.energy;
 }

@@ -71,24 +71,25 @@ class Search {
 
     template <class Row>
     Pair bestPair(int firstTrack, int secondTrack, Row row) const {
-        Best best = kNone;
-        Pair pair{0, 0, 0, 1};
-        int largest = -1;
         const Vsp16s* const d = target_.d[firstTrack];
-        for (int i = 0; i < 2; i++) {
-            int next = largest == 0 ? 1 : 0;
-            for (int place = next + 1; place < kPlaces; place++)
-                if (place != largest && d[place] > d[next]) next = place;
-            largest = next;
-            const Eight32s sum = add(add(times(2, row(next)), widen(diagonal(secondTrack))),
-                                     Eight32s::splat(correlations_.diagonal(firstTrack)[next]));
-            compare(best, squares(d[next], target_.d[secondTrack]), rounded(sum, 2), [&](int place) {
-                pair.first = next;
-                pair.second = place;
-            });
-        }
+        int firsts[2] = {0, 0};
+        for (int place = 1; place < kPlaces; place++)
+            if (d[place] > d[firsts[0]]) firsts[0] = place;
+        firsts[1] = firsts[0] == 0 ? 1 : 0;
+        for (int place = firsts[1] + 1; place < kPlaces; place++)
+            if (place != firsts[0] && d[place] > d[firsts[1]]) firsts[1] = place;
+        const Eight32s ofSecond = widen(diagonal(secondTrack));
+        const auto candidates = [&](int i) {
+            const Vsp32s ofFirst = correlations_.diagonal(firstTrack)[firsts[i]];
+            const Eight32s sum = add(add(times(2, row(firsts[i])), ofSecond), Eight32s::splat(ofFirst));
+            return Candidates{squares(d[firsts[i]], target_.d[secondTrack]), rounded(sum, 2)};
+        };
+        Pair pair{0, 0, 0, 1};
+        pair.energy = bestOf(2, candidates, [&](int i, int place) {
+                          pair.first = firsts[i];
+                          pair.second = place;
+                      }).energy;
         pair.sum = sat_16s(d[pair.first] + target_.d[secondTrack][pair.second]);
-        pair.energy = best.energy;
         return pair;
     }
 
@@ -97,18 +98,18 @@ class Search {
     template <class Outer, class Take>
     void bestOfBoth(const Pair& pair, int outerTrack, int innerTrack, const Pairs& cross, Outer outer, S16_128 inner,
                     Take take) {
-        Best best = kNone;
         int outerPlace = 0, innerPlace = 0;
         const Eight32s ofInner = times(8, inner);
-        for (int i = 0; i < kPlaces; i++) {
+        const auto candidates = [&](int i) {
             const Vsp32s ofOuter = 4 * pair.energy + 2 * outer(i) + correlations_.diagonal(outerTrack)[i];
             const Eight32s sum = add(add(ofInner, Eight32s::splat(ofOuter)), times(2, S16_128::load(cross[i])));
-            const Vsp16s ps = sat_16s(pair.sum + target_.d[outerTrack][i]);
-            compare(best, squares(ps, target_.d[innerTrack]), rounded(sum, 4), [&](int place) {
-                outerPlace = i;
-                innerPlace = place;
-            });
-        }
+            return Candidates{squares(sat_16s(pair.sum + target_.d[outerTrack][i]), target_.d[innerTrack]),
+                              rounded(sum, 4)};
+        };
+        const Best best = bestOf(kPlaces, candidates, [&](int i, int place) {
+            outerPlace = i;
+            innerPlace = place;
+        });
         if (!isBetter(best_, best)) return;
         best_ = best;
         take(outerPlace, innerPlace);

@@ -163,16 +163,16 @@ class Search {
             addSat(S16_128::splat(alp), added[0]).store(outer);
             inner = added[1];
         }
-        Best best = kNone;
         const S16_128 d = S16_128::load(target_.d[next]);
-        for (int i = 0; i < kPlaces; i++) {
+        const auto candidates = [&](int i) {
             const S16_128 sums = addSat(S16_128::splat(sat_16s(ps + target_.d[track][i])), d);
-            const S16_128 energies = addSat(S16_128::splat(outer[i]), addSat(inner, S16_128::load(crossed_[track][i])));
-            compare(best, mulShift15Sat(sums, sums), energies, [&](int place) {
-                pair[0] = {track, i};
-                pair[1] = {next, place};
-            });
-        }
+            return Candidates{mulShift15Sat(sums, sums),
+                              addSat(S16_128::splat(outer[i]), addSat(inner, S16_128::load(crossed_[track][i])))};
+        };
+        const Best best = bestOf(kPlaces, candidates, [&](int i, int place) {
+            pair[0] = {track, i};
+            pair[1] = {next, place};
+        });
         return best.energy;
     }
 

@@ -85,7 +85,8 @@ class Search {
   public:
     Search(const Scaled& scaled, int lag) : s_(scaled.now), lag_(lag) {}
 
-    // Returns the delay, 0 where the filter is not used. In the scale of the residual with 12 bits all sums are exact.
+    // Returns the delay, 0 where the filter is not used. With 12 bits of the residual and filters of four taps, whose
+    // magnitudes add up to less than 1.25, no sum leaves 32 bits.
     int run() {
         const Vsp32s total = doubledEnergy(s_, kL_subfr);
         if (total == 0) return 0;
@@ -152,8 +153,9 @@ class Search {
   private:
     static constexpr int kPhases = 7;
 
+    // With the delayed signal or what four taps make of it: exact.
     Vsp32s correlate(const Vsp16s* y) const {
-        const Vsp32s sum = doubledDot(s_, y, kL_subfr);
+        const Vsp32s sum = Vsp32s(2 * dot(s_, y, kL_subfr));
         return sum > 0 ? sum : 0;
     }
 
@@ -161,7 +163,8 @@ class Search {
     void useInterpolation(int phase, int offset, int delay) {
         delayed = interpolated_[phase] + offset;
         interpolate<kLongTaps>(s_ + kAhead - delay, tab_hup_l[phase], long_, kL_subfr);
-        const Vsp32s correlation = correlate(long_), total = doubledEnergy(long_, kL_subfr);
+        const Vsp32s sum = doubledDot(s_, long_, kL_subfr), total = doubledEnergy(long_, kL_subfr);
+        const Vsp32s correlation = sum > 0 ? sum : 0;
         Ratio ratio{0, 0, shiftTo16Bits(correlation), shiftTo16Bits(total)};
         ratio.num = Vsp16s(correlation >> ratio.shNum);
         ratio.den = Vsp16s(total >> ratio.shDen);

@@ -34,7 +34,7 @@ void initialise(State<Memory>& state) {
 
 // The first reflection coefficient of a response.
 Vsp16s firstReflection(const Vsp16s* h, int len) {
-    const Vsp32s r0 = doubledEnergy(h, len), r1 = doubledDot(h, h + 1, len - 1);
+    const Vsp32s r0 = doubledEnergy(h, len), r1 = neighbourCorrelation(h, len, r0);
     const int shift = norm_32s(r0);
     const Vsp16s acf0 = high_32s(shl_32s(r0, shift)), acf1 = high_32s(shl_32s(r1, shift)), magnitude = Abs_16s(acf1);
     if (magnitude > acf0 || acf0 == 0) return 0;
@@ -94,10 +94,14 @@ void controlGain(const Vsp16s* input, Vsp16s* output, Vsp16s& gain) {
         }
         g0 = mulRound_16s(shr_16s(g0, shift), 410);
     }
-    for (int n = 0; n < kL_subfr; n++) {
-        gain = Add_16s(mulRound_16s(32358, gain), g0);
-        output[n] = round_32s(Mul2_32s(Mul2_16s32s(gain, output[n])));
+    Vsp16s gains[kL_subfr];
+    int current = gain;
+    for (Vsp16s& g : gains) {
+        current = ((32358 * current + 0x4000) >> 15) + g0;  // g0 is at most 410
+        g = Vsp16s(current);
     }
+    gain = Vsp16s(current);
+    multiplyGains<14, true>(gains, output);
 }
 
 template <int Order, int Memory>

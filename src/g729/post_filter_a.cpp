@@ -5,6 +5,7 @@
 #include "g729/exports.h"
 #include "g729/fixed_codebook.h"
 #include "g729/post_filter.h"
+#include "vector/correlate.h"
 
 namespace vsp::VSP_LEVEL {
 
@@ -32,13 +33,21 @@ Normalised normalised(Vsp32s correlation, Vsp32s delayed, Vsp32s present) {
 // G.729 A.4.2.1: the residual and the delayed residual, mixed by their correlation. Both have Past samples before them.
 void longTerm(const Vsp16s* residual, const Vsp16s* scaled, int lag, Vsp16s* dst) {
     const int longest = lag + 3 > kPitMax ? kPitMax : lag + 3, shortest = longest - 6;
+    constexpr int kLags = 7;
+    const Vsp16s* const earliest = scaled - longest;
+    Vsp32s sums[kLags + 1];
+    if (doubledSumsFit(energy(scaled, kL_subfr), energy(earliest, kL_subfr + kLags - 1))) {
+        correlateUnits<1, S16_128>(scaled, kL_subfr, earliest, sums);
+        for (Vsp32s& sum : sums) sum *= 2;
+    } else {
+        for (int i = 0; i < kLags; i++) sums[i] = dotSaturating(scaled, earliest + i, kL_subfr);
+    }
     Vsp32s best = kMin32;
     int delay = shortest;
-    for (int k = shortest; k <= longest; k++) {
-        const Vsp32s sum = doubledDot(scaled, scaled - k, kL_subfr);
-        if (sum <= best) continue;
-        best = sum;
-        delay = k;
+    for (int i = kLags - 1; i >= 0; i--) {
+        if (sums[i] <= best) continue;
+        best = sums[i];
+        delay = longest - i;
     }
     const auto oneMore = [](Vsp32s sum) { return Add_32s(sum, 1); };
     Normalised n = normalised(best > 0 ? best : 0, oneMore(doubledEnergy(scaled - delay, kL_subfr)),
@@ -66,7 +75,8 @@ void longTerm(const Vsp16s* residual, const Vsp16s* scaled, int lag, Vsp16s* dst
 // The factor of the tilt compensation from the response of the short-term filter.
 Vsp16s tilt(const Vsp16s* h) {
     constexpr int kLength = 22;
-    const Vsp16s a0 = high_32s(doubledEnergy(h, kLength)), a1 = high_32s(doubledDot(h, h + 1, kLength - 1));
+    const Vsp32s r0 = doubledEnergy(h, kLength);
+    const Vsp16s a0 = high_32s(r0), a1 = high_32s(neighbourCorrelation(h, kLength, r0));
     return a1 <= 0 ? Vsp16s(0) : Div_16s(Mul_16s(a1, 26214), a0);
 }
 
@@ -91,10 +101,14 @@ void controlGain(const Vsp16s* input, Vsp16s* output, Vsp16s& gain) {
         const Vsp32s scaled = shr_32s(shl_32s(ratio, 7), shiftOut - shiftIn);
         g0 = Mul_16s(round_32s(shl_32s(ownInvSqrt(scaled), 9)), 3276);
     }
-    for (int n = 0; n < kL_subfr; n++) {
-        gain = Add_16s(Mul_16s(gain, 29491), g0);
-        output[n] = high_32s(shl_32s(Mul2_16s32s(output[n], gain), 3));
+    Vsp16s gains[kL_subfr];
+    int current = gain;
+    for (Vsp16s& g : gains) {
+        current = ((current * 29491) >> 15) + g0;  // g0 is at most 3276
+        g = Vsp16s(current);
     }
+    gain = Vsp16s(current);
+    multiplyGains<12, false>(gains, output);
 }
 
 }  // namespace
