@@ -63,9 +63,19 @@ bool addFloat(const char* name, Function vsp::Api::*member, const std::vector<in
     addFloat(#name, &vsp::Api::name, lengths, [](auto f, FloatSignals& s, [[maybe_unused]] int len) __VA_ARGS__)
 
 using Lengths = std::vector<int>;
-Vsp16s result[40], delay[2], scalar;
+Vsp16s result[40], filtered[40], delay[2], index[5], scalar, lpc30[31] = {4096, -5000, 2500, -600};
+const Vsp16s gamma729E[3] = {22938, 21300, 8192};
 Vsp32s word, lag;
-Vsp32f floats[40], real;
+Vsp32s words[2];
+Vsp32f floats[40], floats2[40], real;
+const Vsp32f lpcFloats[11] = {1, -1.2f, 0.6f, -0.15f};
+
+// A state of zeros, which is a legal one.
+template <class State>
+State* stateOf() {
+    alignas(16) static char bytes[1024];
+    return reinterpret_cast<State*>(bytes);
+}
 
 [[maybe_unused]] const bool registered[] = {
     VSPSC_BENCH(vspsAutoCorrLagMax_Inv_16s, Lengths{80}, { return f(s.weighted + 143, len, 20, 143, &word, &lag); }),
@@ -89,6 +99,31 @@ Vsp32f floats[40], real;
     VSPSC_BENCH(vspsAdaptiveCodebookGain_G729_16s, Lengths{40},
                 { return f(s.target, s.impulse, s.vector, result, &scalar); }),
     VSPSC_BENCH(vspsAdaptiveCodebookGain_G729A_16s, Lengths{40}, { return f(s.target, s.lpc, s.vector, result, &scalar); }),
+    VSPSC_BENCH(vspsFixedCodebookSearch_G729_16s, Lengths{40},
+                { return f(s.target, s.impulse, 57, 8000, 0, &scalar, result, filtered, index); }),
+    VSPSC_BENCH(vspsFixedCodebookSearch_G729A_16s, Lengths{40},
+                { return f(s.target, s.impulse, 57, 8000, result, filtered, index); }),
+    VSPSC_BENCH(vspsFixedCodebookSearch_G729D_16s, Lengths{40},
+                { return f(s.target, s.impulse, 57, 8000, result, filtered, index); }),
+    add("vspsFixedCodebookSearch_G729E_16s_by_pulses", &vsp::Api::vspsFixedCodebookSearch_G729E_16s, Lengths{10, 12},
+        [](auto f, Signals& s, int pulses) {
+            return f(pulses == 12, s.target, s.vector, s.impulse, 57, 8000, result, filtered, index);
+        }),
+    VSPSC_BENCH(vspsFixedCodebookDecode_G729_16s, Lengths{40}, { return f(delay, 57, 8000, result); }),
+    VSPSC_BENCH(vspsPostFilter_G729_16s, Lengths{40},
+                { return f(s.excitation + 10, s.lpc, 57, 1, result, &scalar, stateOf<VspPostFilterState_G729_16s>()); }),
+    VSPSC_BENCH(vspsPostFilter_G729A_16s, Lengths{40},
+                { return f(s.excitation + 10, s.lpc, 57, 1, result, stateOf<VspPostFilterState_G729A_16s>()); }),
+    add("vspsPostFilter_G729E_16s_by_order", &vsp::Api::vspsPostFilter_G729E_16s, Lengths{10, 30},
+        [](auto f, Signals& s, int order) {
+            return f(s.excitation + 30, lpc30, order, 57, 1, gamma729E, 32, result, &scalar,
+                     stateOf<VspPostFilterState_G729E_16s>());
+        }),
+    VSPSC_BENCH(vspsPhaseDispersion_G729D_16s, Lengths{40},
+                {
+                    static const Vsp16s code[40] = {0, 0, 8191, 0, 0, 0, 0, -8192};
+                    return f(s.excitation, delay, code, result, stateOf<VspPhaseDispersionState_G729D_16s>());
+                }),
     VSPSC_BENCH(vspsAdaptiveCodebookContribution_G729_16s, Lengths{40}, { return f(12000, s.vector, s.target, result); }),
     VSPSC_BENCH_32F(vspsAdaptiveCodebookContribution_G729_32f, Lengths{40}, { return f(s.a, s.b, floats, 0.7f); }),
     VSPSC_BENCH_32F(vspsDecodeAdaptiveVector_G729_32f_I, Lengths{40},
@@ -97,6 +132,15 @@ Vsp32f floats[40], real;
                         return f(pair, s.excitation + 160);
                     }),
     VSPSC_BENCH_32F(vspsOpenLoopPitchSearch_G729A_32f, Lengths{80}, { return f(s.weighted + 143, &lag); }),
+    VSPSC_BENCH_32F(vspsFixedCodebookSearch_G729_32f, Lengths{40},
+                    { return f(s.a, s.b, 57, 0.5f, 0, &word, floats, floats2, words); }),
+    VSPSC_BENCH_32F(vspsFixedCodebookSearch_G729A_32f, Lengths{40},
+                    { return f(s.a, s.b, 57, 0.5f, floats, floats2, words); }),
+    VSPSC_BENCH_32F(
+        vspsPostFilter_G729_32f, Lengths{40},
+        { return f(s.excitation + 10, lpcFloats, 57, 1, floats, &word, stateOf<VspPostFilterState_G729_32f>()); }),
+    VSPSC_BENCH_32F(vspsPostFilter_G729A_32f, Lengths{40},
+                    { return f(s.excitation + 10, lpcFloats, 57, 1, floats, stateOf<VspPostFilterState_G729A_32f>()); }),
     VSPSC_BENCH_32F(vspsFilteredExcitation_G729_32f, Lengths{40}, { return f(s.b, s.a, len, 3.0f); }),
     VSPSC_BENCH_32F(vspsDotProd_G729A_32f, Lengths{40}, { return f(s.a, s.b, len, &real); }),
     VSPSC_BENCH_32F(vspsInterpolateC_G729_32f, Lengths{40}, { return f(s.a, s.b, floats, len, 0.3f, 0.7f); }),

@@ -69,8 +69,9 @@ Argument openLag() {
     });
 }
 Argument lagBefore() {
-    return io(1).holding(vspStsRangeErr,
-                         [](const Values& v, int) { return isDelta(v[3], v[4]) ? Limits{17, 144} : Limits{}; });
+    return io(1).holding(vspStsRangeErr, [](const Values& v, int) {
+        return isDelta(v[3], v[4]) ? Limits{17, 144} : Limits{};
+    });
 }
 
 Argument delay() {
@@ -108,8 +109,8 @@ const Described functions(
                        subframe(), lag(), value(), out(40)),
 
         VSPSC_FUNCTION(vspsGainQuant_GSMAMR_16s, in(40).when(8, {8}), in(40).when(8, {8}), in(40), in(40).unless(8, {12}),
-                       in(40).when(8, {0, 8, 12}), in(40).unless(8, {12}), in(40), in(4).unless(8, {12}), mode(), subframe(),
-                       range(6556, 32767), io(8), io(30).when(8, {0, 8}), io(2),
+                       in(40).when(8, {0, 8, 12}), in(40).unless(8, {12}), in(40), in(4).unless(8, {12}), mode(),
+                       subframe(), range(6556, 32767), io(8), io(30).when(8, {0, 8}), io(2),
                        out(2).when([](const Values& v) { return v[8] == 0 && v[9] % 2 == 1; }),
                        out(byRate(8, [](Vsp64s rate) { return rate == 8 ? 2 : 1; })).when([](const Values& v) {
                            return v[8] != 0 || v[9] % 2 == 1;
