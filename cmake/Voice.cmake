@@ -5,10 +5,26 @@ add_library(
     vspsvoice SHARED
     voice/codec/amr/decoder.cpp
     voice/codec/amr/encoder.cpp
+    voice/codec/amr/amr.cpp
+    voice/codec/amr/decoder.cpp
+    voice/codec/amr/encoder.cpp
+    voice/codec/amr/forms.cpp
+    voice/codec/amr/frame.cpp
+    voice/codec/amr/frame_type.cpp
+    voice/codec/amr/payload.cpp
+    voice/codec/amr/tables.cpp
     voice/codec/codec.cpp
     voice/codec/g711/g711.cpp
     voice/codec/g722/g722.cpp
     voice/codec/g726/g726.cpp
+    voice/codec/g729/backward_analysis.cpp
+    voice/codec/g729/decoder.cpp
+    voice/codec/g729/encoder.cpp
+    voice/codec/g729/fast_encoder.cpp
+    voice/codec/g729/frame.cpp
+    voice/codec/g729/g729.cpp
+    voice/codec/g729/lp_analysis.cpp
+    voice/codec/g729/silence_coder.cpp
     voice/codec/gsmfr/decoder.cpp
     voice/codec/gsmfr/encoder.cpp
     voice/codec/gsmfr/frame.cpp

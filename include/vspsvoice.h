@@ -15,6 +15,7 @@
 #ifndef VSPSVOICE_H
 #define VSPSVOICE_H
 
+#include "vspsvoice/amr.h"
 #include "vspsvoice/codec.h"
 #include "vspsvoice/echo_canceller.h"
 #include "vspsvoice/level.h"

@@ -25,7 +25,7 @@ enum {
 
 /** A codec, constant data. */
 typedef struct {
-    const char* name;        /**< the RTP encoding name in lower case, for example "g726-32" */
+    const char* name;        /**< for example "g726-32": mostly the RTP encoding name in lower case */
     const char* description; /**< one line for people */
     const char* standard;    /**< where the coding and the order of its bits are given */
     Vsp32s samplingRate;     /**< Hz */
@@ -33,7 +33,7 @@ typedef struct {
     Vsp32s maxFrameBytes;    /**< octets of the longest frame */
     Vsp32s numBitRates;      /**< number of bit rates */
     const Vsp32s* pBitRates; /**< bit/s; the first one is what an encoder begins with */
-    const char* rtpName;     /**< RTP encoding name */
+    const char* rtpName;     /**< RTP encoding name, or null where none is registered */
     Vsp32s rtpClockRate;     /**< RTP clock rate, which is not always the sampling rate */
     Vsp32s rtpPayloadType;   /**< static RTP payload type, or -1 */
     Vsp32u capabilities;     /**< vspvCodecRates, vspvCodecDTX, vspvCodecConceals */
@@ -44,7 +44,8 @@ enum {
     vspvFrameSpeech = 0,    /**< speech */
     vspvFrameSIDFirst = 1,  /**< the first silence descriptor of a pause */
     vspvFrameSIDUpdate = 2, /**< a later silence descriptor */
-    vspvFrameNoData = 3     /**< nothing: the encoder sends no octets */
+    vspvFrameNoData = 3,    /**< nothing: the encoder sends no octets */
+    vspvFrameOnset = 4      /**< amr: a receiver knows that speech begins, but has no octets of it */
 };
 
 /** How a frame has arrived. */
@@ -93,6 +94,18 @@ const VspvCodec* vspvCodec(Vsp32s index);
 const VspvCodec* vspvFindCodec(const char* pName);
 
 /**
+ * Octets of a frame of speech.
+ *
+ * @param[in]  pCodec   a codec, as vspvCodec or vspvFindCodec returns it
+ * @param[in]  bitRate  bit/s, one of the codec's
+ * @param[out] pBytes   number of octets
+ * @retval vspStsNullPtrErr  pCodec or pBytes is null
+ * @retval vspStsBadArgErr   pCodec is not such a pointer
+ * @retval vspStsRangeErr    the codec does not have this rate
+ */
+VspStatus vspvSpeechBytes(const VspvCodec* pCodec, Vsp32s bitRate, Vsp32s* pBytes);
+
+/**
  * Size of an encoder.
  *
  * @param[in]  pCodec  a codec, as vspvCodec or vspvFindCodec returns it
@@ -127,7 +140,7 @@ VspStatus vspvEncoderSetRate(VspvEncoder* pEncoder, Vsp32s bitRate);
  * without data. An encoder begins without it.
  *
  * @param[in,out] pEncoder  initialised encoder
- * @param[in]     mode      0 off, 1 on
+ * @param[in]     mode      0 off, 1 on; amr: 1 or 2, the option of the voice activity detector
  * @retval vspStsNullPtrErr  pEncoder is null
  * @retval vspStsRangeErr    no such mode; without vspvCodecDTX there is mode 0 only
  */
@@ -171,7 +184,7 @@ VspStatus vspvDecoderInit(VspvDecoder* pDecoder, const VspvCodec* pCodec);
  * but the quality counts.
  *
  * @param[in,out] pDecoder  initialised decoder
- * @param[in]     pBytes    numBytes octets; may be null if the frame is lost or has no data
+ * @param[in]     pBytes    numBytes octets; may be null if the frame is lost or has none
  * @param[in]     pFrame    type, quality, rate and number of octets
  * @param[out]    pSamples  frameSamples samples
  * @retval vspStsNullPtrErr    pDecoder, pFrame or pSamples is null, or pBytes is and the frame should have octets

@@ -4,8 +4,8 @@
 namespace vspv {
 
 static constexpr const Codec* kCodecs[] = {
-    &kPcma,    &kPcmu,    &kG722,        &kGsm,         &kG726_16,     &kG726_24,
-    &kG726_32, &kG726_40, &kAal2G726_16, &kAal2G726_24, &kAal2G726_32, &kAal2G726_40,
+    &kPcma,        &kPcmu,        &kG722,        &kGsm,  &kG726_16, &kG726_24, &kG726_32, &kG726_40, &kAal2G726_16,
+    &kAal2G726_24, &kAal2G726_32, &kAal2G726_40, &kG729, &kG729A,   &kG729D,   &kG729E,   &kG729I,   &kAmr,
 };
 static constexpr Vsp32s kCodecCount = sizeof kCodecs / sizeof kCodecs[0];
 
@@ -66,6 +66,17 @@ const VspvCodec* vspvFindCodec(const char* pName) {
     for (const Codec* codec : kCodecs)
         if (sameName(codec->record.name, pName)) return &codec->record;
     return nullptr;
+}
+
+VspStatus vspvSpeechBytes(const VspvCodec* pCodec, Vsp32s bitRate, Vsp32s* pBytes) {
+    if (pCodec == nullptr || pBytes == nullptr) return vspStsNullPtrErr;
+    const Codec* codec = listed(pCodec);
+    if (codec == nullptr) return vspStsBadArgErr;
+    if (!hasRate(*pCodec, bitRate)) return vspStsRangeErr;
+    const Vsp32s rateOfOneBit = pCodec->samplingRate / pCodec->frameSamples;
+    const bool oneLength = codec->family->check == checkSpeech;
+    *pBytes = oneLength ? pCodec->maxFrameBytes : (bitRate / rateOfOneBit + 7) / 8;
+    return vspStsNoErr;
 }
 
 VspStatus vspvEncoderGetSize(const VspvCodec* pCodec, Vsp32s* pSize) {
@@ -133,7 +144,7 @@ VspStatus vspvDecoderInit(VspvDecoder* pDecoder, const VspvCodec* pCodec) {
 VspStatus vspvDecode(VspvDecoder* pDecoder, const Vsp8u* pBytes, const VspvFrame* pFrame, Vsp16s* pSamples) {
     if (pDecoder == nullptr || pFrame == nullptr || pSamples == nullptr) return vspStsNullPtrErr;
     const VspvFrame frame = *pFrame;
-    const bool noOctets = frame.quality == vspvQualityLost || frame.type == vspvFrameNoData;
+    const bool noOctets = frame.quality == vspvQualityLost || frame.type == vspvFrameNoData || frame.type == vspvFrameOnset;
     if (pBytes == nullptr && !noOctets) return vspStsNullPtrErr;
     if (frame.quality < vspvQualityGood || frame.quality > vspvQualityLost) return vspStsRangeErr;
     const Codec& codec = *headOf(pDecoder)->codec;

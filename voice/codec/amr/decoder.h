@@ -1,38 +1,65 @@
+// Decoder of GSM-AMR (3GPP TS 26.090 to 26.092).
 #pragma once
 
 #include "codec/amr/frame.h"
+#include "codec/samples.h"
+#include "vspsc/gsmamr.h"
 
 namespace vspv::amr {
+
+// What a receiver says of a frame, as the library numbers it.
+enum Received : Vsp32s {
+    kGood = 0,
+    kDegraded = 1,
+    kOnset = 2,
+    kBad = 3,
+    kSilenceFirst = 4,
+    kSilenceUpdate = 5,
+    kSilenceBad = 6,
+    kNoData = 7
+};
 
 class Decoder {
   public:
     void reset();
-
-    // Parameters of a frame that did not arrive are not read. mode is the bit rate, also of silence descriptors.
-    void decode(const Parameters& parameters, Vsp32s mode, ReceivedType type, Vsp16s* samples);
+    // Parameters of speech, also where they are bad, or of a silence descriptor; null for onset and no data.
+    void decode(Received type, Vsp32s mode, const Vsp16s* parameters, Vsp16s* samples);
 
   private:
-    struct FrameState;
+    static constexpr Vsp32s kFrame = 160, kSubframe = 40, kPast = 154;
 
-    void resetSpeech();
-    void decodeNoise(const Parameters& parameters, Vsp32s mode, Vsp32s newState, Vsp16s* synthesis, Vsp16s* lpc);
-    void decodeSpeech(const Parameters& parameters, Vsp32s mode, ReceivedType type, Vsp16s* synthesis, Vsp16s* lpc);
-    void decodeLsp(const Vsp16s* index, Vsp32s mode, bool bad, Vsp16s* lpc, Vsp16s* subframeLsf);
-    void decodeSubframe(const Vsp16s*& index, int number, const FrameState& frame, Vsp16s* synthesis);
-    void synthesise(const Vsp16s* lpc, const Vsp16s* emphasised, Vsp16s* plain, Vsp16s* synthesis);
+    // What comfort noise resets.
+    struct SpeechMemory {
+        Vsp16s excitation[kPast + kSubframe];
+        Vsp16s sharpening, previousLag, receivedLag, seed;
+        Vsp32s previousBad, previousDegraded, badFrames;
+        Vsp16s inNoise, voicedHangover, pitchGains[9], noiseDetector[61];
+        Vsp16s smoothing[9], lsfResidual[10], lsf[10], pitchConcealment[7], codeConcealment[7], dispersion[8];
 
-    // What a frame of comfort noise resets.
-    struct Speech {
-        Vsp16s excitation[154 + kSubframe], sharp, prevLag, lagBuffer, prevBad, prevDegraded, badState;
-        Vsp16s inNoise, voicedHangover, pitchGains[9], noiseMemory[61], seed, smoothing[9];
-        Vsp16s lspResidual[kOrder], lsf[kOrder], pitchConcealment[7], codeConcealment[7], dispersion[8];
-        Vsp16s gainIndex475;
+        void reset();
     };
 
-    Speech speech_;
-    Vsp16s lsp_[kOrder], memSyn_[kOrder], energies_[9], lsfMean_[kOrder], predictor_[8];
-    Vsp32s lastMode_, dtxState_;
-    alignas(8) unsigned char noise_[408], postFilter_[44], highPass_[16];
+    // A frame of speech while it is decoded.
+    struct Speech {
+        Vsp32s code;
+        bool bad, degraded;
+        const Vsp16s* next;  // parameter
+        Vsp16s lpc[44], lsf[40];
+        Vsp16s gainIndex;  // 4.75 kbit/s: of two subframes
+    };
+
+    void decodeFrame(Received type, Vsp32s mode, const Vsp16s* parameters, Vsp16s* samples);
+    void speech(Received type, Vsp32s mode, const Vsp16s* parameters, Vsp32s lastState, Vsp16s* synthesised, Vsp16s* lpc);
+    void findFilters(Speech& s);
+    void decodeSubframe(Speech& s, Vsp32s i, Vsp16s* synthesised);
+    void decodeGains(Speech& s, Vsp32s i, const Vsp16s* code, Vsp16s* gain);
+    void concealPitchGain(const Speech& s, Vsp16s* gain);
+    void synthesise(const Vsp16s* lpc, const Vsp16s* emphasised, Vsp16s* controlled, Vsp16s* synthesised);
+
+    SpeechMemory m_;
+    Vsp16s lsp_[10], synthesisMemory_[10], energies_[9], lsfMean_[10], predictor_[8];
+    Vsp32s mode_, noiseState_, home_;
+    alignas(8) Vsp8u noise_[408], postFilter_[48], output_[16];  // states of the library
 };
 
 }  // namespace vspv::amr
