@@ -3,8 +3,6 @@
 set(vspsvoice_exports "${PROJECT_SOURCE_DIR}/voice/exports.map")
 add_library(
     vspsvoice SHARED
-    voice/codec/amr/decoder.cpp
-    voice/codec/amr/encoder.cpp
     voice/codec/amr/amr.cpp
     voice/codec/amr/decoder.cpp
     voice/codec/amr/encoder.cpp

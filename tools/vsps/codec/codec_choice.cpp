@@ -24,6 +24,12 @@ int chooseBitRate(const VspvCodec& codec, int asked) {
     return codec.pBitRates[0];
 }
 
+std::size_t speechBytes(const VspvCodec& codec, int bitRate) {
+    Vsp32s bytes = 0;
+    vspvSpeechBytes(&codec, bitRate, &bytes);
+    return std::size_t(bytes);
+}
+
 // What codes by the frame needs less than two bits a sample.
 bool codesSampleBySample(const VspvCodec& codec) {
     const auto samples = std::size_t(codec.frameSamples);
@@ -31,11 +37,11 @@ bool codesSampleBySample(const VspvCodec& codec) {
 }
 
 std::size_t bytesOf(const VspvCodec& codec, std::size_t samples) {
-    const auto frame = std::size_t(codec.frameSamples);
-    if (!codesSampleBySample(codec)) return (samples + frame - 1) / frame * std::size_t(codec.maxFrameBytes);
-    return (samples * std::size_t(codec.maxFrameBytes) + frame - 1) / frame;
+    const auto frame = std::size_t(codec.frameSamples), bytes = std::size_t(codec.maxFrameBytes);
+    return codesSampleBySample(codec) ? (samples * bytes + frame - 1) / frame : samples == 0 ? 0 : bytes;
 }
 
 std::size_t samplesOf(const VspvCodec& codec, std::size_t bytes) {
-    return bytes * std::size_t(codec.frameSamples) / std::size_t(codec.maxFrameBytes);
+    const auto frame = std::size_t(codec.frameSamples);
+    return codesSampleBySample(codec) ? bytes * frame / std::size_t(codec.maxFrameBytes) : frame;
 }

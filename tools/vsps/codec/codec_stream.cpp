@@ -18,7 +18,7 @@ StreamEncoder::StreamEncoder(const VspvCodec& codec, int bitRate)
     vspvEncoderSetRate(encoder(), bitRate);
 }
 
-bool StreamEncoder::setDTX() { return vspvEncoderSetDTX(encoder(), 1) == vspStsNoErr; }
+bool StreamEncoder::setDTX(int mode) { return vspvEncoderSetDTX(encoder(), mode) == vspStsNoErr; }
 
 const CodedFrame& StreamEncoder::encode(Samples samples) {
     frame_.samples = samples.size();

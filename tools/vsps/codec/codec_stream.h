@@ -10,8 +10,8 @@ class StreamEncoder {
   public:
     StreamEncoder(const VspvCodec& codec, int bitRate);
 
-    // False if the codec has no discontinuous transmission.
-    bool setDTX();
+    // False if the codec has no such mode of discontinuous transmission.
+    bool setDTX(int mode);
 
     // One frame; a shorter one is completed with silence. The reference holds until the next call.
     const CodedFrame& encode(Samples samples);

@@ -18,8 +18,8 @@ void printText() {
         std::string rates;
         for (Vsp32s k = 0; k < c.numBitRates; k++) rates += (k == 0 ? "" : " ") + std::to_string(c.pBitRates[k]);
         std::cout << format("%-13s%5d  %2d ms  %-20s %-12s/%5d  %-8s %s (%s)\n", c.name, c.samplingRate,
-                            1000 * c.frameSamples / c.samplingRate, rates.c_str(), c.rtpName, c.rtpClockRate,
-                            payloadType(c).c_str(), c.description, c.standard);
+                            1000 * c.frameSamples / c.samplingRate, rates.c_str(), c.rtpName == nullptr ? "-" : c.rtpName,
+                            c.rtpClockRate, payloadType(c).c_str(), c.description, c.standard);
     }
 }
 
@@ -37,7 +37,7 @@ void printJson() {
                        {"max_frame_octets", c.maxFrameBytes},
                        {"bit_rates", rates},
                        {"rtp",
-                        {{"name", c.rtpName},
+                        {{"name", c.rtpName == nullptr ? Json(nullptr) : Json(c.rtpName)},
                          {"clock_rate_hz", c.rtpClockRate},
                          {"payload_type", c.rtpPayloadType < 0 ? Json(nullptr) : Json(c.rtpPayloadType)}}},
                        {"several_rates", (c.capabilities & vspvCodecRates) != 0},

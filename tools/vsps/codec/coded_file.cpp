@@ -1,8 +1,10 @@
 #include "codec/coded_file.h"
 
 #include "audio/extension.h"
+#include "codec/amr_file.h"
 #include "codec/codec_choice.h"
 #include "codec/coded_wav.h"
+#include "codec/itu_serial.h"
 #include "codec/octet_stream.h"
 #include "console/error.h"
 #include "console/options.h"
@@ -22,8 +24,12 @@ constexpr Format kOctets = {"", nullptr, openOctets, createOctets};
 
 // The first line with a codec is its format where the extension does not tell one.
 constexpr Format kFormats[] = {
-    {".al", "pcma", openOctets, createOctets},       {".alaw", "pcma", openOctets, createOctets},
-    {".ul", "pcmu", openOctets, createOctets},       {".ulaw", "pcmu", openOctets, createOctets},
+    {".al", "pcma", openOctets, createOctets},
+    {".alaw", "pcma", openOctets, createOctets},
+    {".ul", "pcmu", openOctets, createOctets},
+    {".ulaw", "pcmu", openOctets, createOctets},
+    {".amr", "amr", openAmr, createAmr},
+    {".bit", nullptr, openItuSerial, createItuSerial},
     {".wav", nullptr, openCodedWav, createCodedWav},
 };
 

@@ -44,6 +44,7 @@ class FrameWriter {
     FrameWriter& operator=(const FrameWriter&) = delete;
 
     virtual std::size_t framesOfBlock() const { return 1; }  // the file has a multiple of them
+    virtual bool holdsSilence() const { return false; }      // frames of silence descriptors and of no data
     virtual void write(const CodedFrame& frame) = 0;
     virtual std::uint64_t octets() const = 0;  // written so far
     virtual void commit() = 0;                 // see OutputFile

@@ -13,7 +13,7 @@ namespace {
 struct Options {
     CodecOptions common;
     InputSettings input;
-    bool dtx = false;
+    int dtx = 0;
 };
 
 CodecResult encode(const Options& o, const CodecFiles& files) {
@@ -23,11 +23,13 @@ CodecResult encode(const Options& o, const CodecFiles& files) {
     CodecResult result{{files.in, files.out, &codec, chooseBitRate(codec, choice.bitRate)}, {}};
     CodecReport& report = result.report;
     StreamEncoder encoder(codec, report.bitRate);
-    if (o.dtx && !encoder.setDTX())
-        throw UsageError{"--dtx", std::string(codec.name) + " has no discontinuous transmission"};
+    if (!encoder.setDTX(o.dtx))
+        throw UsageError{"--dtx", std::string(codec.name) + " has no such mode of discontinuous transmission"};
     AudioReader in = openOneChannel(files.in, o.input);
     in.convertTo(codec.samplingRate);
     const std::unique_ptr<FrameWriter> out = createCoded(choice);
+    if (o.dtx != 0 && !out->holdsSilence())
+        throw UsageError{"--dtx", "needs a format with frames of several lengths, .bit or .amr"};
     OriginalComparison comparison(files, o.input, codec.samplingRate);
     StreamDecoder decoder(codec);
 
@@ -65,7 +67,10 @@ void addEncode(CommandLine& vsps) {
         "or one of " +
             codedExtensions() + "; - is standard input or output");
     addInputSettings(command, o->input, "The recordings");
-    command.flag("--dtx", o->dtx, "Send little or nothing in pauses, where the codec has discontinuous transmission");
+    command.option("--dtx", o->dtx, "Send little or nothing in pauses, where the codec can; amr: detector 1 or 2")
+        .takes("[MODE]")
+        .defaultsTo("1")
+        .within(0, 2);
     command.footer(
         "\"vsps codecs\" lists the codecs. A recording is resampled to the codec's rate. GSM frames are whole, the last "
         "one\n"

@@ -21,14 +21,14 @@ class OctetStreamReader : public FrameReader {
     std::uint64_t octets() const override { return in_.count(); }
 
     bool read(CodedFrame& frame) override {
-        const auto whole = std::size_t(codec().maxFrameBytes);
+        const std::size_t whole = speechBytes(codec(), bitRate_);
         frame.bytes = in_.read(whole);
         if (frame.bytes.empty()) return false;
         frame.samples = samplesOf(codec(), frame.bytes.size());
         if (frame.bytes.size() < whole && !codesSampleBySample(codec()))
             throw FileError(name(), "cut short, ends within a frame of " + std::string(codec().name));
         frame.bytes.resize(whole);
-        frame.told = {vspvFrameSpeech, vspvQualityGood, bitRate_, codec().maxFrameBytes};
+        frame.told = {vspvFrameSpeech, vspvQualityGood, bitRate_, Vsp32s(whole)};
         return true;
     }
 

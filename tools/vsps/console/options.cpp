@@ -38,6 +38,11 @@ Option& Option::oneOf(const std::vector<std::string>& values) {
     return *this;
 }
 
+Option& Option::defaultsTo(const std::string& value) {
+    option_->expected(0, 1)->default_str(value);
+    return *this;
+}
+
 Option& Option::showDefault() {
     option_->capture_default_str();
     return *this;

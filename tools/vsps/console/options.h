@@ -25,7 +25,8 @@ class Option {
     Option& takes(const std::string& value);  // how the help calls its value
     Option& within(double lowest, double highest, const std::string& what = "a number");
     Option& oneOf(const std::vector<std::string>& values);
-    Option& showDefault();  // the variable's value so far, in the help
+    Option& defaultsTo(const std::string& value);  // where the option is given without one
+    Option& showDefault();                         // the variable's value so far, in the help
 
   private:
     CLI::Option* option_;
