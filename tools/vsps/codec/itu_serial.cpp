@@ -6,6 +6,7 @@
 #include "codec/octet_reader.h"
 #include "console/error.h"
 #include "console/output_file.h"
+#include "console/standard_streams.h"
 
 namespace {
 
