@@ -58,7 +58,7 @@ bool addFloat(const char* name, Function vsp::Api::*member, const std::vector<in
 }
 
 #define VSPSC_BENCH(name, lengths, ...) \
-    add(#name, &vsp::Api::name, lengths, [](auto f, Signals& s, [[maybe_unused]] int len) __VA_ARGS__)
+    add(#name, &vsp::Api::name, lengths, [](auto f, [[maybe_unused]] Signals& s, [[maybe_unused]] int len) __VA_ARGS__)
 #define VSPSC_BENCH_32F(name, lengths, ...) \
     addFloat(#name, &vsp::Api::name, lengths, [](auto f, FloatSignals& s, [[maybe_unused]] int len) __VA_ARGS__)
 

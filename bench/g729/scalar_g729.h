@@ -12,4 +12,7 @@ void addScalarG729Quantisers(vsp::Api& api);
 // Sets the members of the fixed-codebook searches.
 void addScalarFixedCodebook(vsp::Api& api);
 
+// And those of the fixed-codebook searches.
+void addScalarFixedCodebook(vsp::Api& api);
+
 }  // namespace bench
