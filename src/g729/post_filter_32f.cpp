@@ -161,7 +161,7 @@ static_assert(sizeof(State) == 652);
 
 Vsp32f firstReflection(const Vsp32f* h, int len) {
     const Vsp32f acf0 = energy(h, len), acf1 = dot(h, h + 1, len - 1);
-    return magnitude(acf1) > acf0 || acf0 == 0 ? 0.0f : -acf1 / acf0;
+    return magnitude(acf1) > acf0 || acf0 == 0 ? 0.0f : (0 - acf1) / acf0;  // keeps the sign of a NaN
 }
 
 void controlGain(const Vsp32f* input, Vsp32f* output, Vsp32f& gain) {

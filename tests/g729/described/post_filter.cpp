@@ -31,15 +31,16 @@ static const Described functions(
                        filterState(368, &Api::vspsPostFilterInit_G729E_16s))
             .stream("vspsPostFilter_G729E_16s")
             .stream("vspsPostFilter_G729E_16s+g"),
+        // Of two NaNs, which any bytes may be, either may come out: these begin with an initialised state.
         VSPSC_FUNCTION(vspsPostFilterGetStateSize_G729_32f, size(652)).notRecorded(),
         VSPSC_FUNCTION(vspsPostFilterInit_G729_32f, state(652)).notRecorded(),
         VSPSC_FUNCTION(vspsPostFilter_G729_32f, in(40).after(10), in(11), lag, frameType, out(40), out(1),
-                       filterState(652, &Api::vspsPostFilterInit_G729_32f))
+                       filterState(652, &Api::vspsPostFilterInit_G729_32f).alwaysInitialised())
             .stream("vspsPostFilter_G729_32f"),
         VSPSC_FUNCTION(vspsPostFilterGetStateSize_G729A_32f, size(620)).notRecorded(),
         VSPSC_FUNCTION(vspsPostFilterInit_G729A_32f, state(620)).notRecorded(),
         VSPSC_FUNCTION(vspsPostFilter_G729A_32f, in(40).after(10), in(11), lag, frameType, out(40),
-                       filterState(620, &Api::vspsPostFilterInit_G729A_32f))
+                       filterState(620, &Api::vspsPostFilterInit_G729A_32f).alwaysInitialised())
             .stream("vspsPostFilter_G729A_32f"),
         VSPSC_FUNCTION(vspsPhaseDispersionGetStateSize_G729D_16s, size(20)).notRecorded(),
         VSPSC_FUNCTION(vspsPhaseDispersionInit_G729D_16s, state(20)).notRecorded(),
