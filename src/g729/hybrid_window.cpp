@@ -41,7 +41,9 @@ VspStatus vspsWinHybrid_G729E_16s32s(const Vsp16s* pSrc, Vsp32s* pAutoCorr, void
     if (anyNull(pSrc, pAutoCorr, pState)) return vspStsNullPtrErr;
     State& state = *static_cast<State*>(pState);
     constexpr int kNewest = kHybridWindow - kRecursive, kOlder = kRecursive - kHistory;
-    Vsp16s windowed[kHybridWindow + Sliding16::width] = {};
+    constexpr int kBefore = wholeLagGroups(kLags) - kLags;  // lags beyond the last one are read, too
+    Vsp16s buffer[kBefore + kHybridWindow + Sliding16::width] = {};
+    Vsp16s* const windowed = buffer + kBefore;
     for (int n = 0; n < kHybridWindow; n++) windowed[n] = Vsp16s((pSrc[n] * hw[n]) >> 15);
     const Vsp16s* const older = windowed + kHistory;
     const Vsp16s* const newest = windowed + kRecursive;
