@@ -4,6 +4,7 @@
 
 #include "common/hand_tuned_common.h"
 #include "common/scalar_common.h"
+#include "common/scalar_lp.h"
 #include "core/cpu.h"
 #include "ec/hand_tuned_full_band.h"
 #include "ec/hand_tuned_subband.h"
@@ -32,8 +33,8 @@ static vsp::Api apiOf(Add... add) {
 
 std::vector<Implementation> implementations() {
     static const vsp::Api scalar =
-        apiOf(addScalarCommon, addScalarG722, addScalarG726, addScalarG729, addScalarG729Quantisers, addScalarFixedCodebook,
-              addScalarGsmamr, addScalarGsmfr, addScalarSubband, addScalarFullBand);
+        apiOf(addScalarCommon, addScalarLp, addScalarG722, addScalarG726, addScalarG729, addScalarG729Quantisers,
+              addScalarFixedCodebook, addScalarGsmamr, addScalarGsmfr, addScalarSubband, addScalarFullBand);
     static const vsp::Api handTuned = apiOf(addHandTunedCommon, addHandTunedSubband, addHandTunedFullBand);
     const vsp::Level level = vsp::bestLevel(vsp::readCpuRegisters());
     std::vector<Implementation> all = {{"library", &kApi_library}, {"y8", &vsp::kApi_y8}};
