@@ -3,6 +3,7 @@
 
 #include "core/checks.h"
 #include "gsmamr/exports.h"
+#include "gsmamr/gain_search.h"
 #include "gsmamr/gain_tables.h"
 #include "vector/map.h"
 
@@ -10,19 +11,10 @@ namespace vsp::VSP_LEVEL {
 
 namespace {
 
-// Both gains at once (`Qua_gain`).
 template <int N>
-int quantiseJointly(const GainTable<N>& table, const GainSignals& signals, Vsp32s mode, Vsp16s limit, Vsp16s* pred,
-                    Vsp16s* gain) {
-    const PowerOfTwo predicted = ownPredictCodeGain(pred, signals.code, mode);
-    Vsp16s scaledY2[kL_subfr];
-    const GainTerms terms = gainTerms(signals.target, signals.y1, signals.y2, signals.coeff, 1, scaledY2);
-    int exponents[5];
-    scaleExponents(terms, predicted.exponent - 11, exponents);
-    Vsp32s c[5];
-    alignTerms(terms.term, exponents, 5, c);
-
-    const Vsp16s gcode0 = mantissaOf(predicted);
+int searchJointly(const GainTable<N>& table, const Vsp32s (&c)[5], Vsp16s gcode0, Vsp16s limit) {
+    const GainColumns columns[1] = {{table.pitch, table.code, table.largestPitch, table.largestCode}};
+    if (limit >= table.largestPitch && gainSumsFit(columns, c, {gcode0})) return searchGains(columns, c, {gcode0}, N);
     Vsp32s least = kMax32;
     int best = 0;
     for (int i = 0; i < N; i++) {
@@ -38,6 +30,21 @@ int quantiseJointly(const GainTable<N>& table, const GainSignals& signals, Vsp32
             best = i;
         }
     }
+    return best;
+}
+
+// Both gains at once (`Qua_gain`).
+template <int N>
+int quantiseJointly(const GainTable<N>& table, const GainSignals& signals, Vsp32s mode, Vsp16s limit, Vsp16s* pred,
+                    Vsp16s* gain) {
+    const PowerOfTwo predicted = ownPredictCodeGain(pred, signals.code, mode);
+    Vsp16s scaledY2[kL_subfr];
+    const GainTerms terms = gainTerms(signals.target, signals.y1, signals.y2, signals.coeff, 1, scaledY2);
+    int exponents[5];
+    scaleExponents(terms, predicted.exponent - 11, exponents);
+    Vsp32s c[5];
+    alignTerms(terms.term, exponents, 5, c);
+    const int best = searchJointly(table, c, mantissaOf(predicted), limit);
     gain[0] = table.pitch[best];
     gain[1] = ownCorrectedGain(table.code[best], predicted);
     ownUpdatePredictor(pred, {table.decibels[best], table.log2[best]});

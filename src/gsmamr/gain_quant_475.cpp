@@ -1,5 +1,6 @@
 // The gains of two subframes at once (`MR475_gain_quant`).
 #include "gsmamr/gain_quant.h"
+#include "gsmamr/gain_search.h"
 #include "gsmamr/gain_tables.h"
 
 namespace vsp::VSP_LEVEL {
@@ -66,7 +67,7 @@ Vsp32s macSplit(Vsp32s sum, Vsp32s c, Vsp16s x) {
     return mac_32s(mac_32s(sum, high_32s(c), x), Mul_16s(Vsp16s((c >> 1) & 0x7FFF), x), 1);
 }
 
-int search(const Vsp32s (&c)[10], Vsp16s gcodeEven, Vsp16s gcodeOdd, Vsp16s limit) {
+int searchSaturating(const Vsp32s (&c)[10], Vsp16s gcodeEven, Vsp16s gcodeOdd, Vsp16s limit) {
     Vsp32s least = kMax32;
     int best = 0;
     for (int i = 0; i < 256; i++) {
@@ -87,6 +88,15 @@ int search(const Vsp32s (&c)[10], Vsp16s gcodeEven, Vsp16s gcodeOdd, Vsp16s limi
         }
     }
     return best;
+}
+
+int search(const Vsp32s (&c)[10], Vsp16s gcodeEven, Vsp16s gcodeOdd, Vsp16s limit) {
+    constexpr Vsp16s kLargestPitch = 20717, kLargestCode = 26526;
+    const GainColumns columns[2] = {{gain_MR475[0], gain_MR475[1], kLargestPitch, kLargestCode},
+                                    {gain_MR475[2], gain_MR475[3], kLargestPitch, kLargestCode}};
+    const Vsp16s gcode0[2] = {gcodeEven, gcodeOdd};
+    if (limit < kLargestPitch || !gainSumsFit(columns, c, gcode0)) return searchSaturating(c, gcodeEven, gcodeOdd, limit);
+    return searchGains(columns, c, gcode0, 256);
 }
 
 void takeGains(int odd, int index, PowerOfTwo predicted, Vsp16s* pred, Vsp16s* gain) {

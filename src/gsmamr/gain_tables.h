@@ -10,6 +10,7 @@ namespace vsp {
 template <int N>
 struct GainTable {
     Vsp16s pitch[N], code[N], log2[N], decibels[N];
+    Vsp16s largestPitch, largestCode;
 };
 extern const GainTable<128> gain_highrates;
 extern const GainTable<64> gain_lowrates;

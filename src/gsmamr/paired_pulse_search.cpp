@@ -28,14 +28,22 @@ struct SignedTarget {
         const auto normalisation = [](const Vsp16s* x) {
             return high_32s(shl_32s(ownInvSqrt(Cnvrt_64s32s(2 * energy(x, kL_subfr) + 256)), 5));
         };
-        const Vsp16s ofResidual = normalisation(residual), ofTarget = normalisation(filtered);
+        // The mean round(L_shl(sum, 10)) of the residual and the target; the factors are not negative.
+        Vsp16s means[kL_subfr];
+        const S16_128 factors{S32_128::splat(Vsp16u(normalisation(residual)) | normalisation(filtered) << 16).v};
+        const S32_128 half = S32_128::splat(16);
+        for (int n = 0; n < kL_subfr; n += S16_128::width) {
+            const S16_128 r = S16_128::load(residual + n), x = S16_128::load(filtered + n);
+            packSat(shr(add(dot2(S16_128{zipLo(r, x).v}, factors), half), 5),
+                    shr(add(dot2(S16_128{zipHi(r, x).v}, factors), half), 5))
+                .store(means + n);
+        }
         int largest = -1;
         for (int t = 0; t < Tracks; t++) {
             int maximum = -1;
             for (int i = 0; i < L::places; i++) {
                 const int n = L::position(t, i);
-                const Vsp32s sum = mac_32s(Mul2_16s32s(ofResidual, residual[n]), ofTarget, filtered[n]);
-                const Vsp16s mean = round_32s(shl_32s(sum, 10));
+                const Vsp16s mean = means[n];
                 negative[t][i] = Vsp16s(mean < 0 ? -1 : 0);
                 d[t][i] = mean < 0 ? Negate_16s(filtered[n]) : filtered[n];
                 if (Abs_16s(mean) <= maximum) continue;
@@ -245,18 +253,11 @@ class Search {
         int largestV = 0;
         for (int i = 0; i < L::places; i++) largestV = v[i] > largestV ? v[i] : largestV;
 
-        Best best = kNoCandidate;
-        Pulse found[2] = {{first, 0}, {second, 0}};
-        Vsp16s ps = 0;
+        PrunedCandidates<L::places * kGroups> candidates;
         const S16_128 factors{S32_128::splat(weights.v | weights.crossed << 16).v};
         for (int i = 0; i < L::places; i++) {
             const Vsp16s* const row = correlations_.row({first, i}, second);
             const Vsp16s psFirst = Add_16s(ps_, target_.d[first][i]);
-            const auto take = [&](int place) {
-                found[0].place = i;
-                found[1].place = place;
-                ps = Add_16s(psFirst, target_.d[second][place]);
-            };
             // The sums with v stay within 32 bits, so that only their end can leave them.
             const bool exact = Vsp64s(outer[i]) + largestV * Vsp64s(weights.v) < 1 << 30;
             for (int g = 0; g < kGroups; g++) {
@@ -268,17 +269,22 @@ class Search {
                     energies = saturated(outer[i], v + kPlaces * g, row + kPlaces * g, weights);
                 const S16_128 sum = addSat(S16_128::splat(psFirst), S16_128::load(target_.d[second] + kPlaces * g));
                 S16_128 square = mulShift15Sat(sum, sum);
-                if (g > 0) {  // the padding never wins
+                S16_128 divisors = energies;
+                if (g > 0) {
                     const S16_128 mask = S16_128::load(kLastPlaces);
                     square.v &= mask.v;
                     energies.v &= mask.v;
+                    divisors = select(mask, energies, S16_128::splat(1));
                 }
-                compare(best, square, energies, [&](int place) { take(place + kPlaces * g); });
+                candidates.add(square, energies, divisors);
             }
         }
-        pulses_[count] = found[0];
-        pulses_[count + 1] = found[1];
-        ps_ = ps;
+        Best best = kNoCandidate;
+        const int number = candidates.best(best);
+        const int a = number < 0 ? 0 : number / L::width, b = number < 0 ? 0 : number % L::width;
+        pulses_[count] = {first, a};
+        pulses_[count + 1] = {second, b};
+        ps_ = number < 0 ? Vsp16s(0) : Add_16s(Add_16s(ps_, target_.d[first][a]), target_.d[second][b]);
         return best;
     }
 

@@ -7,6 +7,7 @@ namespace vsp::VSP_LEVEL {
 
 #if defined(__AVX2__)
 using Eight32s = S32_256;
+using Eight32f = F32_256;
 VSP_INLINE Eight32s widen(S16_128 a) { return {_mm256_cvtepi16_epi32(a.v)}; }
 VSP_INLINE S16_128 narrowSat(Eight32s a) {
     return {_mm_packs_epi32(_mm256_castsi256_si128(a.v), _mm256_extracti128_si256(a.v, 1))};
@@ -15,6 +16,18 @@ VSP_INLINE S16_128 narrowSat(Eight32s a) {
 VSP_INLINE Eight32s mulLower(Eight32s a, Vsp16s x) { return dot2(S16_256{a.v}, S16_256{S32_256::splat(Vsp16u(x)).v}); }
 // The products of the halves of the elements with the two samples at p, added.
 VSP_INLINE Eight32s dotPairs(Eight32s a, const Vsp16s* p) { return dot2(S16_256{a.v}, splatPair<S16_256>(p)); }
+VSP_INLINE Eight32f toFloat(Eight32s a) { return {_mm256_cvtepi32_ps(a.v)}; }
+VSP_INLINE Eight32f reciprocal(Eight32f a) { return {_mm256_rcp_ps(a.v)}; }  // wrong by 1.5 * 2^-12 at most
+VSP_INLINE Eight32f max(Eight32f a, Eight32f b) { return {_mm256_max_ps(a.v, b.v)}; }
+VSP_INLINE Vsp32f largest(Eight32f a) {
+    const __m128 four = _mm_max_ps(_mm256_castps256_ps128(a.v), _mm256_extractf128_ps(a.v, 1));
+    const __m128 two = _mm_max_ps(four, _mm_movehl_ps(four, four));
+    return _mm_cvtss_f32(_mm_max_ss(two, _mm_movehdup_ps(two)));
+}
+// Bit i tells whether a[i] >= b[i].
+VSP_INLINE Vsp32u atLeast(Eight32f a, Eight32f b) {
+    return Vsp32u(_mm256_movemask_ps(_mm256_cmp_ps(a.v, b.v, _CMP_GE_OS)));
+}
 #else
 struct Eight32s {
     S32_128 lo, hi;
@@ -38,6 +51,26 @@ VSP_INLINE Eight32s mulLower(Eight32s a, Vsp16s x) {
 VSP_INLINE Eight32s dotPairs(Eight32s a, const Vsp16s* p) {
     const S16_128 factors = splatPair<S16_128>(p);
     return {dot2(S16_128{a.lo.v}, factors), dot2(S16_128{a.hi.v}, factors)};
+}
+struct Eight32f {
+    F32_128 lo, hi;
+    [[gnu::always_inline]] static Eight32f splat(Vsp32f x) { return {F32_128::splat(x), F32_128::splat(x)}; }
+    [[gnu::always_inline]] static Eight32f load(const Vsp32f* p) { return {F32_128::load(p), F32_128::load(p + 4)}; }
+    [[gnu::always_inline]] void store(Vsp32f* p) const {
+        lo.store(p);
+        hi.store(p + 4);
+    }
+};
+VSP_INLINE Eight32f toFloat(Eight32s a) { return {{_mm_cvtepi32_ps(a.lo.v)}, {_mm_cvtepi32_ps(a.hi.v)}}; }
+VSP_INLINE Eight32f mul(Eight32f a, Eight32f b) { return {mul(a.lo, b.lo), mul(a.hi, b.hi)}; }
+VSP_INLINE Eight32f reciprocal(Eight32f a) { return {{_mm_rcp_ps(a.lo.v)}, {_mm_rcp_ps(a.hi.v)}}; }
+VSP_INLINE Eight32f max(Eight32f a, Eight32f b) { return {{_mm_max_ps(a.lo.v, b.lo.v)}, {_mm_max_ps(a.hi.v, b.hi.v)}}; }
+VSP_INLINE Vsp32f largest(Eight32f a) {
+    const __m128 four = _mm_max_ps(a.lo.v, a.hi.v), two = _mm_max_ps(four, _mm_movehl_ps(four, four));
+    return _mm_cvtss_f32(_mm_max_ss(two, _mm_movehdup_ps(two)));
+}
+VSP_INLINE Vsp32u atLeast(Eight32f a, Eight32f b) {
+    return Vsp32u(_mm_movemask_ps(_mm_cmpge_ps(a.lo.v, b.lo.v)) | _mm_movemask_ps(_mm_cmpge_ps(a.hi.v, b.hi.v)) << 4);
 }
 #endif
 
