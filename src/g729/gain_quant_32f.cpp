@@ -1,6 +1,5 @@
 // Quantisation of the gains in floating point (G.729 3.9.2 and Annex C).
-#include <math.h>
-
+#include "arithmetic/elementary.h"
 #include "core/checks.h"
 #include "g729/constants.h"
 #include "g729/exports.h"
@@ -24,7 +23,7 @@ Vsp32f product(const Vsp32f* a, const Vsp32f* b) {
 Vsp32f predictGain(const Vsp32f* code, const Vsp32f* pastEnergy) {
     Vsp32f predicted = 36;
     for (int i = 0; i < kEnergies; i++) predicted += pred_32f[i] * pastEnergy[i];
-    return powf(10, (predicted - 10 * log10f((kSmall + product(code, code)) / kL_subfr)) / 20);
+    return exp10_32f((predicted - 10 * log10_32f((kSmall + product(code, code)) / kL_subfr)) / 20);
 }
 
 // How many thresholds, times the predicted gain, a value is above; below for a predicted gain that is not positive.
@@ -79,7 +78,7 @@ VspStatus vspsGainQuant_G729_32f(const Vsp32f* pTarget, const Vsp32f* pFilteredA
     pGain[1] = predicted * factor;
     *pIndex = gainCodebooks.map1[entry1] * 16 + gainCodebooks.map2[entry2];
     for (int i = kEnergies - 1; i > 0; i--) pPastEnergy[i] = pPastEnergy[i - 1];
-    pPastEnergy[0] = 20 * log10f(factor);
+    pPastEnergy[0] = 20 * log10_32f(factor);
     return vspStsNoErr;
 }
 

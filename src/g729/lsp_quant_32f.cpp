@@ -1,6 +1,5 @@
 // Quantiser and decoder of the line spectral pairs in floating point (G.729 3.2.4 and Annex C).
-#include <math.h>
-
+#include "arithmetic/elementary.h"
 #include "core/checks.h"
 #include "g729/exports.h"
 #include "g729/lsp_tables.h"
@@ -125,14 +124,14 @@ Choice choose(const LspPredictor<Vsp32f>& predictor, const Vsp32f* lsf, const Vs
 VspStatus vspsLSPQuant_G729_32f(const Vsp32f* pLSP, Vsp32f* pPrevFreq, Vsp32f* pQLSP, Vsp32s* pIndex) {
     if (anyNull(pLSP, pPrevFreq, pQLSP, pIndex)) return vspStsNullPtrErr;
     Vsp32f lsf[kLspOrder], weights[kLspOrder];
-    for (int j = 0; j < kLspOrder; j++) lsf[j] = acosf(pLSP[j]);
+    for (int j = 0; j < kLspOrder; j++) lsf[j] = acos_32f(pLSP[j]);
     weigh(lsf, weights);
     Choice choice = choose(lspPredictors_32f[0], lsf, weights, pPrevFreq);
     const Choice other = choose(lspPredictors_32f[1], lsf, weights, pPrevFreq);
     const int mode = other.distance < choice.distance;
     if (mode == 1) choice = other;
     reconstruct(mode, choice.entry1, choice.entryLow, choice.entryHigh, pPrevFreq, lsf);
-    for (int j = 0; j < kLspOrder; j++) pQLSP[j] = cosf(lsf[j]);
+    for (int j = 0; j < kLspOrder; j++) pQLSP[j] = cos_32f(lsf[j]);
     pIndex[0] = mode << 7 | choice.entry1;
     pIndex[1] = choice.entryLow << 5 | choice.entryHigh;
     return vspStsNoErr;

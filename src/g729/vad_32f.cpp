@@ -1,6 +1,5 @@
 // Voice activity detector in floating point (G.729 B.3 and Annex C+).
-#include <math.h>
-
+#include "arithmetic/elementary.h"
 #include "core/checks.h"
 #include "core/state_size.h"
 #include "g729/exports.h"
@@ -56,7 +55,7 @@ bool beyondALine(const Features& f) {
            sle < -1.5f * se - 9 || sle < 0.714285f * se - 2.1428571f;
 }
 
-Vsp32f decibels(Vsp32f energy) { return 10 * log10f(energy / 240 + 1e-38f); }
+Vsp32f decibels(Vsp32f energy) { return 10 * log10_32f(energy / 240 + 1e-38f); }
 
 Vsp32f lowBandEnergy(const Vsp32f* autocorr) {
     Vsp32f sum = 0;
