@@ -44,7 +44,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             if (level > best) break;
             const Result result = run(*api, call, guard);
             expect(call, problemOf(call, result));
-            if (!(result == baseline)) expect(call, "the levels differ");
+            expect(call, differenceBetween(call, baseline, result));
         }
         draw.keep(call, baseline);
     }

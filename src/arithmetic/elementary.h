@@ -1,5 +1,5 @@
-// Elementary functions of floats with the same bits everywhere: in double precision, operation by operation, so that neither
-// the level nor the machine's mathematical library counts. Within one unit of the last place of a float.
+// Elementary functions of floats with the same bits everywhere: in double precision, operation by operation, so that
+// neither the level nor the machine's mathematical library counts. Within one unit of the last place of a float.
 #pragma once
 
 #include "core/inline.h"
@@ -20,14 +20,14 @@ VSP_INLINE double polynomial(const double (&coefficients)[kTerms], double z) {
 // The nearest integer of what is not large.
 VSP_INLINE Vsp64s nearest(double x) { return Vsp64s(x < 0 ? x - 0.5 : x + 0.5); }
 
-VSP_INLINE double powerOfTwo(int n) { return __builtin_bit_cast(double, Vsp64u(n + 1023) << 52); }
+VSP_INLINE double powerOfTwo(int n) { return __builtin_bit_cast(double, static_cast<unsigned long long>(n + 1023) << 52); }
 
 // Zero gives minus infinity, less than zero no number.
 VSP_INLINE Vsp32f log10_32f(Vsp32f x) {
     constexpr double kOdd[] = {1, 1.0 / 3, 1.0 / 5, 1.0 / 7, 1.0 / 9, 1.0 / 11, 1.0 / 13, 1.0 / 15};
     if (!(x > 0)) return x == 0 ? -__builtin_inff() : __builtin_nanf("");
     if (x > 3.4028235e38f) return x;
-    const Vsp64u bits = __builtin_bit_cast(Vsp64u, double(x));
+    const unsigned long long bits = __builtin_bit_cast(unsigned long long, double(x));
     int exponent = int(bits >> 52) - 1023;
     double m = __builtin_bit_cast(double, (bits & 0xFFFFFFFFFFFFF) | 0x3FF0000000000000);
     if (m > 1.4142135623730951) {
@@ -39,8 +39,9 @@ VSP_INLINE Vsp32f log10_32f(Vsp32f x) {
 }
 
 VSP_INLINE Vsp32f exp10_32f(Vsp32f x) {
-    constexpr double kInverseFactorials[] = {1,         1,          1.0 / 2,     1.0 / 6,      1.0 / 24,      1.0 / 120,
-                                             1.0 / 720, 1.0 / 5040, 1.0 / 40320, 1.0 / 362880, 1.0 / 3628800, 1.0 / 39916800};
+    constexpr double kInverseFactorials[] = {
+        1,         1,          1.0 / 2,     1.0 / 6,      1.0 / 24,      1.0 / 120,
+        1.0 / 720, 1.0 / 5040, 1.0 / 40320, 1.0 / 362880, 1.0 / 3628800, 1.0 / 39916800};
     if (!(x > -60)) return x < 0 ? 0.0f : x;
     if (x > 40) return __builtin_inff();
     const double y = x * kLn10;

@@ -34,7 +34,7 @@ struct Arithmetic {
     VSP_INLINE bool wellAboveNoise(const State& s, const Features& f) {
         return f.energy > s.meanSE + 2 && f.energy > kQuiet;
     }
-    VSP_INLINE bool similar(Vsp32f previous, Vsp32f energy) { return fabsf(previous - energy) <= kThreeDecibels; }
+    VSP_INLINE bool similar(Vsp32f previous, Vsp32f energy) { return __builtin_fabsf(previous - energy) <= kThreeDecibels; }
     VSP_INLINE bool rises(Vsp32f previous, Vsp32f energy) { return !(energy - previous <= kThreeDecibels); }
     VSP_INLINE bool nearNoise(Vsp32f energy, Vsp32f mean) { return energy < mean + kThreeDecibels; }
     VSP_INLINE bool belowMinimum(const State& s, const Features& f) {

@@ -33,6 +33,7 @@ struct Call {
 
     // The error that the function must report, or vspStsNoErr.
     VspStatus expectedError() const;
+    bool mayGive(VspStatus error) const;  // by what the state has
 };
 
 struct Result {
@@ -50,6 +51,9 @@ Result run(const Api& api, const Call& call, Guard guard, std::size_t gap = 0);
 
 // What is wrong with the result whatever the arguments: changed inputs, anything changed after an error, the wrong error.
 std::string problemOf(const Call& call, const Result& result);
+
+// The first element that is another one, or nothing.
+std::string differenceBetween(const Call& call, const Result& expected, const Result& result);
 
 // Where the arguments of a call come from: random numbers, or the bytes of a fuzzer.
 using Random = std::function<std::uint32_t()>;

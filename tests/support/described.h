@@ -71,6 +71,7 @@ struct Argument {
     bool dependent = false;            // the limits depend on other arguments
     bool known = false;                // even if these are bad
     bool late = false;                 // checked after all others
+    bool perhaps = false;              // the state decides whether it is checked
     VspStatus error = vspStsNoErr;
     VspStatus errorAbove = vspStsNoErr;  // of a value above its limits, where it is another one
     int step = 1;                        // of a length
@@ -136,6 +137,10 @@ struct Argument {
     // Limits by other arguments hold even if these are bad.
     Argument anyway() const {
         return with([&](Argument& a) { a.known = true; });
+    }
+    // What the state decides is read or not, and so refused or not.
+    Argument perhapsRead() const {
+        return with([&](Argument& a) { a.perhaps = true; });
     }
     // A length that must be a multiple of so much.
     Argument multipleOf(int number) const {

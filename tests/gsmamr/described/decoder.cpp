@@ -46,8 +46,10 @@ const Described functions(
         VSPSC_FUNCTION(vspsCNGInit_GSMAMR_16s, state(408)).notRecorded(),
         VSPSC_FUNCTION(vspsCNGHandler_GSMAMR_16s, range(0, 7), range(0, 2), out(1), cngState()).stream("stream-cng", 0),
         // The indices are read and checked after an update only, which a new state has not had.
-        VSPSC_FUNCTION(vspsCNGDecode_GSMAMR_16s, in(5), oneOf(kRatesAndSid), range(0, 2), range(1, 2), io(10), io(8),
-                       out(10), out(160), out(44), cngState().alwaysInitialised())
+        VSPSC_FUNCTION(vspsCNGDecode_GSMAMR_16s,
+                       in(5).holding(vspStsRangeErr, {{0, 7}, {0, 255}, {0, 511}, {0, 511}, {0, 63}}).perhapsRead(),
+                       oneOf(kRatesAndSid), range(0, 2), range(1, 2), io(10), io(8), out(10), out(160), out(44),
+                       cngState().alwaysInitialised())
             .stream("stream-cng", 1),
         VSPSC_FUNCTION(vspsCNGUpdate_GSMAMR_16s, in(10), in(160), cngState()).stream("stream-cng", 2),
 
