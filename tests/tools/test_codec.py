@@ -25,6 +25,8 @@ CODECS = {
     "aal2-g726-32": (80, 20),
     "aal2-g726-40": (100, 20),
 }
+# Octets of the longest frame.
+FRAMED_CODECS = {"g729": 10, "g729a": 10, "g729d": 10, "g729e": 15, "g729i": 15, "amr": 31}
 VOICE = voice(2, 120)
 
 
@@ -46,8 +48,9 @@ def decoded(vsps, name, *options):
 
 def test_the_list_of_codecs(vsps):
     codecs = vsps.json("codecs")["codecs"]
-    assert [c["name"] for c in codecs] == list(dict.fromkeys([*list(CODECS)[:2], "g722", "gsm", *CODECS]))
-    assert {c["name"]: c["max_frame_octets"] for c in codecs} == {name: octets for name, (octets, _) in CODECS.items()}
+    assert [c["name"] for c in codecs] == [*CODECS, *FRAMED_CODECS]
+    octets = {name: octets for name, (octets, _) in CODECS.items()} | FRAMED_CODECS
+    assert {c["name"]: c["max_frame_octets"] for c in codecs} == octets
     g722 = codecs[2]
     assert g722["bit_rates"] == [64000, 56000, 48000] and g722["several_rates"] and g722["rate_hz"] == 16000
     assert g722["rtp"] == {"name": "G722", "clock_rate_hz": 8000, "payload_type": 9}
@@ -278,7 +281,7 @@ def test_streams_that_cannot_be_decoded(vsps):
     "arguments",
     [
         ["encode", "in.wav", "x.g722", "--rate", 40000],
-        ["encode", "in.wav", "x.raw", "--codec", "g729"],
+        ["encode", "in.wav", "x.raw", "--codec", "g7291"],
         ["encode", "in.wav", "-"],
         ["encode", "in.wav"],
         ["encode", "in.wav", "in.wav", "x.gsm", "--json"],
@@ -297,3 +300,61 @@ def test_bad_usage(vsps, arguments):
     result = vsps.run(*arguments)
     assert (result.returncode, result.stdout) == (2, "")
     assert "--" in result.stderr and vsps.files() == ["in.wav", "x.gsm"]
+
+
+# The file's name, options of the encoder, bit rate, and octets without and with discontinuous transmission: 60 frames of
+# speech and 240 of silence, of 10 ms, or half as many of 20 ms.
+@pytest.mark.parametrize(
+    ("name", "options", "rate_of_codec", "octets"),
+    [
+        ("call.g729", ["--codec", "g729a"], 8000, 3000),
+        ("call.g729d", [], 6400, 2400),
+        ("call.g729e", [], 11800, 4500),
+        ("call.g729i", ["--rate", 6400], 6400, 2400),
+        ("call.bit", ["--codec", "g729"], 8000, 2 * 82 * 300),
+        ("call.bit", ["--codec", "g729i", "--rate", 11800], 11800, 2 * 120 * 300),
+        ("call.amr", [], 12200, 6 + 32 * 150),
+        ("call.amr", ["--rate", 4750], 4750, 6 + 13 * 150),
+    ],
+)
+def test_codecs_of_frames(vsps, name, options, rate_of_codec, octets):
+    spoken = [x // 4 for x in VOICE[:4800]] + [0] * 19200
+    vsps.put("in.wav", wav16(spoken))
+    report = vsps.json("encode", "in.wav", name, *options, "--against", "in.wav")
+    assert (report["bit_rate"], os.path.getsize(vsps.path(name))) == (rate_of_codec, octets)
+    assert report["against"]["log_spectral_distance_db"] < 7
+    heard = decoded(vsps, name, *options)
+    assert len(heard) == len(spoken) and max(map(abs, heard[-4000:])) < 100 < max(map(abs, heard[:4800]))
+    whole = vsps.path(name).read_bytes()
+    if name.endswith(("bit", "amr")):
+        vsps.ok("encode", "in.wav", "dtx." + name[5:], *options, "--dtx")
+        assert os.path.getsize(vsps.path("dtx." + name[5:])) < octets * 0.75
+        assert max(map(abs, decoded(vsps, "dtx." + name[5:], *options)[-4000:])) < 100
+    vsps.put("cut." + name[5:], whole[:-1])
+    vsps.fails("cut." + name[5:], "cut short", "decode", "cut." + name[5:], "out.wav", *options)
+
+
+def test_what_is_in_coded_files_of_frames_is_checked(vsps):
+    vsps.put("in.wav", wav16(VOICE))
+    vsps.put("wb.amr", b"#!AMR-WB\n" + bytes(61))
+    vsps.put("many.amr", b"#!AMR_MC1.0\n" + bytes(40))
+    vsps.put("other.amr", bytes(40))
+    vsps.put("type.amr", b"#!AMR\n" + bytes([12 << 3]) + bytes(40))
+    vsps.put("noise.bit", bytes(range(200)))
+    vsps.put("long.bit", struct.pack("<HH118H", 0x6B21, 118, *[0x7F] * 118))
+    vsps.put("odd.bit", struct.pack("<HH80H", 0x6B21, 80, *[0x55] * 80))
+    vsps.put("erased.bit", struct.pack("<HH80H", 0x6B21, 80, *[0] * 80) + struct.pack("<HH", 0x6B20, 0))
+    for name, reason in {
+        "wb.amr": "AMR-WB",
+        "many.amr": "several channels",
+        "other.amr": "not the header",
+        "type.amr": "frame 1 is none of AMR",
+        "noise.bit": "synchronisation",
+        "long.bit": "118 bits, which is none of g729",
+        "odd.bit": "no bit",
+    }.items():
+        vsps.fails(name, reason, "decode", name, "out.wav")
+    vsps.fails("x.bit", "holds G.729", "encode", "in.wav", "x.bit", "--codec", "gsm")
+    assert len(decoded(vsps, "erased.bit")) == 160
+    for arguments in (["x.g729", "--dtx"], ["x.amr", "--dtx", "3"], ["x.bit", "--codec", "g729e", "--dtx"]):
+        assert vsps.run("encode", "in.wav", *arguments).returncode == 2
