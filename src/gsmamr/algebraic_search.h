@@ -69,9 +69,12 @@ class PrunedCandidates {
         }
         constexpr Vsp32f kNearly = 1 - 1.0f / 512;  // each of two quotients is wrong by less than 2^-11
         const Eight32f threshold = Eight32f::splat(largest(largest_) * kNearly);
-        for (int row = 0; row < rows_; row++)
-            for (Vsp32u near = atLeast(Eight32f::load(quotients_[row]), threshold); near != 0; near &= near - 1)
-                consider(kPlaces * row + __builtin_ctz(near));
+        for (int first = 0; first < rows_; first += kPlaces) {  // as many rows as a word has octets
+            Vsp64u near = 0;
+            for (int row = first; row < rows_ && row < first + kPlaces; row++)
+                near |= Vsp64u(atLeast(Eight32f::load(quotients_[row]), threshold)) << (kPlaces * (row - first));
+            for (; near != 0; near &= near - 1) consider(kPlaces * first + __builtin_ctzll(near));
+        }
         return found;
     }
 
