@@ -28,9 +28,9 @@ extern "C" {
  * @param[out] pY         40 samples of the filtered code
  * @param[out] pIndex     positions and signs; at mode 11 four signs and three words of positions; at mode 12 ten words. Not
  *                        used at mode 25, and may then be null
- * @retval vspStsNullPtrErr  pTarget, pImpulse, pCode or pY is null
+ * @retval vspStsNullPtrErr  pTarget, pImpulse, pCode or pY is null; after the checks below, pResidual or pIndex is null
+ *                           where it is used
  * @retval vspStsRangeErr    mode, subframe or lag outside its range
- * @retval vspStsNullPtrErr  pResidual or pIndex is null where it is used
  */
 VspStatus vspsAlgebraicCodebookSearch_GSMAMR_16s(const Vsp16s* pTarget, const Vsp16s* pResidual, const Vsp16s* pImpulse,
                                                  Vsp32s mode, Vsp32s subframe, Vsp16s lag, Vsp16s sharp, Vsp16s* pCode,
@@ -46,10 +46,8 @@ VspStatus vspsAlgebraicCodebookSearch_GSMAMR_16s(const Vsp16s* pTarget, const Vs
  * @param[in]  lag       lag of the adaptive codebook, 17..144
  * @param[in]  sharp     sharpening, Q14
  * @param[out] pCode     40 samples, Q13, at mode 12 Q12
- * @retval vspStsNullPtrErr  pCode is null
- * @retval vspStsRangeErr    mode, subframe or lag outside its range
- * @retval vspStsNullPtrErr  pIndex is null where it is used
- * @retval vspStsRangeErr    an index of more than its bits
+ * @retval vspStsNullPtrErr  pCode is null; after the checks below, pIndex is null where it is used
+ * @retval vspStsRangeErr    mode, subframe or lag outside its range; last of all, an index of more than its bits
  */
 VspStatus vspsAlgebraicCodebookDecode_GSMAMR_16s(const Vsp16s* pIndex, Vsp32s mode, Vsp32s subframe, Vsp16s lag,
                                                  Vsp16s sharp, Vsp16s* pCode);

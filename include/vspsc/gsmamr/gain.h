@@ -39,9 +39,9 @@ extern "C" {
  * @param[in,out] pGain      pitch gain, Q14, and code gain, Q1
  * @param[out]    pGainPrev  the two gains of the subframe before; mode 0, subframes 1 and 3 only
  * @param[out]    pIndex     index of the gains; two at mode 8; at mode 0 in subframes 1 and 3 only
- * @retval vspStsNullPtrErr  pCode, pY2, pPred or pGain is null
+ * @retval vspStsNullPtrErr  pCode, pY2, pPred or pGain is null; after the checks below, another pointer is null where it is
+ *                           used
  * @retval vspStsRangeErr    mode, subframe or limit outside its range
- * @retval vspStsNullPtrErr  another pointer is null where it is used
  */
 VspStatus vspsGainQuant_GSMAMR_16s(const Vsp16s* pResidual, const Vsp16s* pExc, const Vsp16s* pCode, const Vsp16s* pTarget,
                                    const Vsp16s* pTarget2, const Vsp16s* pY1, const Vsp16s* pY2, const Vsp16s* pCoeff,
