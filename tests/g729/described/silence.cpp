@@ -23,7 +23,8 @@ static const Described functions(
         VSPSC_FUNCTION(vspsVADInit_G729B_16s, state(88)).notRecorded(),
         VSPSC_FUNCTION(vspsVAD_G729B_16s, in(13), value(), value(), in(10), in(240), out(1), state(88, initVad))
             .stream("vspsVAD_G729B_16s", -1, {item(1), item(2), item(3), item(4), item(5).at(119), result(6), unrecorded()})
-            .stream("vspsVADUpdate_G729B_16s", 1, {item(2), item(3), item(4), item(5), item(6).at(119), result(7), unrecorded()}),
+            .stream("vspsVADUpdate_G729B_16s", 1,
+                    {item(2), item(3), item(4), item(5), item(6).at(119), result(7), unrecorded()}),
         VSPSC_FUNCTION(vspsVADUpdate_G729B_16s, range(0, 1), state(88, initVad))
             .stream("vspsVADUpdate_G729B_16s", 0, {item(2), unrecorded()}),
         VSPSC_FUNCTION(vspsVADGetSize_G729B_32f, size(172)).notRecorded(),
