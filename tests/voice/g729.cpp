@@ -1,4 +1,11 @@
 // G.729 and its annexes: recorded codings of the reference, with erased and damaged frames and with pauses.
+#include <algorithm>
+#include <cctype>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
 #include "support/vector_case.h"
 #include "voice/coder.h"
 
@@ -83,6 +90,84 @@ void expectCodings(const char* name, const std::string& file, const std::string&
 }
 
 }  // namespace
+
+// The ITU-T's own sequences, which may not be passed on: below the folder that VSPSC_ITU_G729 names, in folders called
+// after the codec or as in the ITU's archive, the streams NAME.bit with NAME.in and NAME.pst, or what else Release 2 calls
+// them.
+TEST(VoiceG729, SequencesOfTheItu) {
+    namespace fs = std::filesystem;
+    const char* folder = std::getenv("VSPSC_ITU_G729");
+    if (folder == nullptr) GTEST_SKIP() << "VSPSC_ITU_G729 names no folder with the ITU's sequences";
+    const auto lower = [](std::string name) {
+        std::transform(name.begin(), name.end(), name.begin(), [](unsigned char c) { return std::tolower(c); });
+        return name;
+    };
+    const auto words = [](const fs::path& file) {
+        std::ifstream in(file, std::ios::binary);
+        const std::string bytes{std::istreambuf_iterator<char>(in), {}};
+        Samples samples(bytes.size() / 2);
+        std::memcpy(samples.data(), bytes.data(), 2 * samples.size());
+        return samples;
+    };
+    const auto sibling = [&](const fs::path& file, std::initializer_list<const char*> extensions) {
+        for (const auto& entry : fs::directory_iterator(file.parent_path()))
+            for (const char* extension : extensions)
+                if (lower(entry.path().filename()) == lower(file.stem()) + extension) return entry.path();
+        return fs::path();
+    };
+    int run = 0;
+    for (const auto& entry : fs::recursive_directory_iterator(folder)) {
+        if (lower(entry.path().extension()) != ".bit") continue;
+        const VspvCodec* codec = nullptr;
+        for (const auto& [part, name] : {std::pair("g729annexa", "g729a"),
+                                         {"g729annexd", "g729d"},
+                                         {"g729annexe", "g729e"},
+                                         {"g729annexi", "g729i"},
+                                         {"g729annexb", "g729"},
+                                         {"g729", "g729"},
+                                         {"g729a", "g729a"},
+                                         {"g729d", "g729d"},
+                                         {"g729e", "g729e"},
+                                         {"g729i", "g729i"}})
+            for (const fs::path& folderName : entry.path().parent_path())
+                if (lower(folderName) == part) codec = vspvFindCodec(name);
+        if (codec == nullptr) continue;
+        SCOPED_TRACE(entry.path().string());
+        Coding coding{*codec, false, {}, {}, {}, std::string(codec->name) != "g729i"};
+        Octets fates;
+        const Samples serial = words(entry.path());
+        for (std::size_t i = 0; i + 2 <= serial.size();) {
+            const auto bits = std::size_t(serial[i + 1]);
+            ASSERT_LE(i + 2 + bits, serial.size());
+            Octets octets((bits + 7) / 8);
+            bool erased = serial[i] != 0x6B21;
+            for (std::size_t k = 0; k < bits; k++) {
+                erased = erased || serial[i + 2 + k] == 0;
+                if (serial[i + 2 + k] == 0x81) octets[k / 8] |= Vsp8u(0x80 >> k % 8);
+            }
+            coding.silence = coding.silence || bits < 64;
+            coding.rates.push_back(bits == 64 ? 6400 : bits == 118 ? 11800 : bits == 80 ? 8000 : codec->pBitRates[0]);
+            coding.frames.push_back(octets);
+            fates.push_back(erased ? kErased : kReceived);
+            i += 2 + bits;
+        }
+        const bool damaged = std::find(fates.begin(), fates.end(), kErased) != fates.end();
+        const fs::path input = sibling(entry.path(), {".in", ".inp", ".bin", ".pcm"});
+        const fs::path output = sibling(entry.path(), {".pst", ".out"});
+        if (!input.empty() && !damaged) {
+            coding.pcm = words(input);
+            ASSERT_GE(coding.pcm.size(), 80 * coding.frames.size());
+            coding.expectFrames();
+        }
+        if (!output.empty()) {
+            const Samples expected = words(output);
+            ASSERT_GE(expected.size(), 80 * coding.frames.size());
+            coding.expectSamples(expected, fates);
+        }
+        run += !input.empty() || !output.empty();
+    }
+    EXPECT_GT(run, 0) << "no sequence found in " << folder;
+}
 
 TEST(VoiceG729, RecordedCodings) {
     expectCodings("g729", "codec-main", "codec-pcm", false, false);
