@@ -50,10 +50,4 @@ VSP_INLINE constexpr Vsp16s Div_16s(Vsp16s a, Vsp16s b) {
 }
 static_assert(Div_16s(1, 3) == 10922 && Div_16s(5, 5) == kMax16 && Div_16s(0, 0) == kMax16 && Div_16s(0, 5) == 0);
 
-/// Fractional 32 x 16 product in split form; product and sum saturate (Mpy_32_16).
-VSP_INLINE constexpr Vsp32s MulSplit_32s16s(Vsp32s a, Vsp16s b) {
-    return Add_32s(Mul2_32s((a >> 16) * b), 2 * ((((a >> 1) & 0x7FFF) * b) >> 15));
-}
-static_assert(MulSplit_32s16s(kMin32, kMin16) == kMax32 && MulSplit_32s16s(0x10000, 16384) == 0x8000);
-
 }  // namespace vsp

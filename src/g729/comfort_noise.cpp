@@ -1,5 +1,6 @@
 #include "g729/comfort_noise.h"
 
+#include "arithmetic/split_32.h"
 #include "arithmetic/standard_ops.h"
 #include "common/exports.h"
 #include "common/inv_sqrt.h"
@@ -22,7 +23,7 @@ NoiseLevel ownNoiseLevel(const Vsp16s* energies, const Vsp16s* shifts, int count
         for (int i = 0; i < count; i++) sum = Add_32s(sum, shl_32s(energies[i], shift - shifts[i]));
     }
     Vsp16s exponent, fraction;
-    ownLog2(MulSplit_32s16s(sum, fact[count]), &exponent, &fraction);
+    ownLog2(mulSplit_32s16s(sum, fact[count]), &exponent, &fraction);
     const Vsp16s octaves = sat_16s(shl_32s(Sub_16s(exponent, sat_16s(shift)), 10) + mulRound_16s(fraction, 1024));  // Q10
     if (octaves <= -2721) return {0, -12};
     if (octaves > 22111) return {kSidGains - 1, 66};
@@ -82,7 +83,7 @@ Parameters drawParameters(Vsp16s* seed) {
 void drawGaussian(Vsp16s gain, Vsp16s* seed, Vsp16s* noise) {
     vspsRandomNoiseExcitation_G729B_16s(seed, noise, kL_subfr);
     const Vsp32s inverse = ownInvSqrt(dotSaturating(noise, noise, kL_subfr) >> 1);
-    const Vsp32s factor = MulSplit_32s16s(inverse, Add_16s(gain, mulRound_16s(gain, 19043)));
+    const Vsp32s factor = mulSplit_32s16s(inverse, Add_16s(gain, mulRound_16s(gain, 19043)));
     const int shift = norm_32s(factor);
     const Vsp16s mantissa = high_32s(shl_32s(factor, shift));
     for (int i = 0; i < kL_subfr; i++) noise[i] = shrRound_16s(mulRound_16s(noise[i], mantissa), shift - 14);
@@ -130,7 +131,7 @@ Vsp16s pulseGain(Vsp16s gain, Parameters& p, Vsp16s* e, const Vsp16s* noise) {
         for (const int place : p.place) bits |= Abs_16s(noise[place]);
         shift = (bits & 0x4000) == 0 ? 1 : 2;
         inner = sumAtPulses(p, noise, shift);
-        rest = mac_32s(MulSplit_32s16s(wanted, 24576) >> (2 * shift - 1), inner, inner);
+        rest = mac_32s(mulSplit_32s16s(wanted, 24576) >> (2 * shift - 1), inner, inner);
         p.gainPitch = 0;
     }
     const Vsp16s magnitude = root(rest);

@@ -1,5 +1,6 @@
 #include "g729/long_term_post_filter.h"
 
+#include "arithmetic/split_32.h"
 #include "g729/post_filter.h"
 #include "g729/tables.h"
 #include "vector/magnitude.h"
@@ -32,7 +33,7 @@ struct Ratio {
     int shNum, shDen;
 };
 
-Vsp32s squareTimes(Vsp16s num, Vsp16s den) { return MulSplit_32s16s(Mul2_16s32s(num, num), den); }
+Vsp32s squareTimes(Vsp16s num, Vsp16s den) { return mulSplit_32s16s(Mul2_16s32s(num, num), den); }
 
 // Whether num^2 / den of the second is larger.
 bool secondWins(const Ratio& a, const Ratio& b) {
@@ -127,7 +128,7 @@ class Search {
                 const Vsp16s num = Vsp16s(correlate(interpolated_[f] + o) >> best.shNum);
                 const Vsp16s den = Vsp16s(energies[f][o] >> best.shDen);
                 const Vsp32s candidate = Mul2_16s32s(num, num);
-                if (MulSplit_32s16s(candidate, best.den) <= MulSplit_32s16s(square, den)) continue;
+                if (mulSplit_32s16s(candidate, best.den) <= mulSplit_32s16s(square, den)) continue;
                 square = candidate;
                 best.num = num;
                 best.den = den;

@@ -1,4 +1,5 @@
 // Music detector, which corrects the voice activity detector at 11.8 kbit/s (G.729 Annexes G and I).
+#include "arithmetic/split_32.h"
 #include "core/checks.h"
 #include "core/state_size.h"
 #include "g729/exports.h"
@@ -103,7 +104,7 @@ VspStatus vspsMusicDetect_G729E_16s(Vsp16s rate, Vsp32s r0, Vsp16s expR0, const 
     s.frames = s.frames == 32767 ? Vsp16s(256) : Vsp16s(s.frames + 1);
 
     const Vsp16s energy = vadEnergy(r0 & ~1, expR0);
-    const Vsp16s residualEnergy = vadEnergy(MulSplit_32s16s(r0, predictionError(pRC)), expR0);
+    const Vsp16s residualEnergy = vadEnergy(mulSplit_32s16s(r0, predictionError(pRC)), expR0);
     const Vsp16s change = distortion(s.meanReflection, pRC), rise = Sub_16s(residualEnergy, s.meanEnergy);
     if (*pVad == 0) {
         for (int i = 0; i < kLspOrder; i++) s.meanReflection[i] = mix(29491, s.meanReflection[i], 3277, pRC[i]);

@@ -1,5 +1,6 @@
 // What a decoder's excitation can grow to after a transmission error, and the limit that this sets to the adaptive-codebook
 // gain (G.729 3.7.3 and its reference's taming procedure).
+#include "arithmetic/split_32.h"
 #include "arithmetic/standard_ops.h"
 #include "core/checks.h"
 #include "g729/constants.h"
@@ -16,7 +17,7 @@ constexpr Vsp32s kThreshold = 983040000;  // 60000 in Q14
 int zoneOf(int sample) { return sample / kL_subfr; }
 
 // The error of a zone after one more subframe.
-Vsp32s passedOn(Vsp32s error, Vsp16s gain) { return Add_32s(0x4000, Mul2_32s(MulSplit_32s16s(error, gain))); }
+Vsp32s passedOn(Vsp32s error, Vsp16s gain) { return Add_32s(0x4000, Mul2_32s(mulSplit_32s16s(error, gain))); }
 
 }  // namespace
 
