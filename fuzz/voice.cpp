@@ -1,5 +1,5 @@
-// Any samples into any encoder, any octets, qualities and losses into any decoder, with the same results at every level of
-// the library. A decoder goes on on a copy of its memory every other frame; errors change nothing.
+// Any samples into any encoder, any octets, types, rates, qualities and losses into any decoder, with the same results at
+// every level of the library. A decoder goes on on a copy of its memory every other frame; errors change nothing.
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -44,13 +44,15 @@ Results code(Input in) {
     std::vector<Vsp64s> encoderMemory(std::size_t(encoderBytes) / 8), decoderMemory(std::size_t(decoderBytes) / 8);
     vspvEncoderInit(reinterpret_cast<VspvEncoder*>(encoderMemory.data()), codec);
     vspvDecoderInit(reinterpret_cast<VspvDecoder*>(decoderMemory.data()), codec);
+    const int quiet = in.take() % 16;  // for pauses
+    results.statuses.push_back(vspvEncoderSetDTX(reinterpret_cast<VspvEncoder*>(encoderMemory.data()), in.take() % 4));
 
     while (!in.empty()) {
         const auto encoder = reinterpret_cast<VspvEncoder*>(encoderMemory.data());
         const Vsp8u choice = in.take(), change = in.take();
         std::vector<Vsp16s> samples(std::size_t(codec->frameSamples));
         std::vector<Vsp8u> bytes(std::size_t(codec->maxFrameBytes));
-        const int shift = in.take() % 16;
+        const int shift = quiet + in.take() % (16 - quiet);
         Vsp32u noise = in.take();  // what comes of it would take too much input
         noise = noise * 256 + in.take();
         for (Vsp16s& s : samples) s = Vsp16s(Vsp16s((noise = noise * 1664525u + 1013904223u) >> 16) >> shift);
@@ -65,13 +67,19 @@ Results code(Input in) {
             for (Vsp8u& b : bytes) b = Vsp8u((noise = noise * 1664525u + 1013904223u) >> 24);
         if (choice % 4 == 0) bytes[0] = Vsp8u((bytes[0] & 15) | signature);
         if (choice / 2 % 4 == 0) frame.quality = change / 4 % 8 - 2;
-        if (choice / 8 % 8 == 0) frame.type = change / 32 - 2;
+        const bool any = choice / 8 % 4 == 0;  // of any type and rate, with the first length that the decoder takes
         if (choice / 64 == 0) frame.numBytes += change % 3 - 1;
-        std::vector<Vsp64s> before = decoderMemory;
+        if (any) {
+            frame = {change / 32 - 2, frame.quality, codec->pBitRates[change / 2 % codec->numBitRates], 0};
+        }
         const std::vector<Vsp16s> samplesBefore = samples;
-        const VspStatus status =
-            vspvDecode(reinterpret_cast<VspvDecoder*>(decoderMemory.data()), bytes.data(), &frame, samples.data());
-        if (status != vspStsNoErr) check(before == decoderMemory && samples == samplesBefore, "an error changed something");
+        std::vector<Vsp64s> before = decoderMemory;
+        VspStatus status;
+        do {
+            status = vspvDecode(reinterpret_cast<VspvDecoder*>(decoderMemory.data()), bytes.data(), &frame, samples.data());
+            if (status != vspStsNoErr)
+                check(before == decoderMemory && samples == samplesBefore, "an error changed something");
+        } while (any && status == vspStsSizeErr && frame.numBytes++ < codec->maxFrameBytes);
         if (status == vspStsNoErr && choice % 3 == 0) {
             std::vector<Vsp16s> again(samples.size());
             vspvDecode(reinterpret_cast<VspvDecoder*>(before.data()), bytes.data(), &frame, again.data());
