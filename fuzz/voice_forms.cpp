@@ -107,6 +107,7 @@ void runPayload(const std::vector<Vsp8u>& source, Vsp32s octetAligned, Vsp32s ro
     check(vspvAMRPackPayload(f.bytes, f.frames, f.number, octetAligned, f.request, packed.data(), &size) == vspStsNoErr,
           "a payload is not packed");
     packed.resize(std::size_t(size));
+    check(packed.size() <= source.size(), "a payload that is cut off is taken");
     check(unpackPayload(packed, octetAligned, room, again) == vspStsNoErr && again == f, "a payload becomes another");
 }
 
