@@ -48,7 +48,7 @@ add_library(vspsc::vspsvoice ALIAS vspsvoice)
 target_link_libraries(vspsvoice PUBLIC vspscy8 PRIVATE $<BUILD_INTERFACE:vspsc_options>)
 target_include_directories(vspsvoice PRIVATE ${PROJECT_SOURCE_DIR}/voice)
 target_compile_options(
-    vspsvoice PRIVATE $<IF:$<BOOL:${VSPSC_COVERAGE}>,-O1,-O3> -march=x86-64-v2 -ffp-contract=off -fno-math-errno
+    vspsvoice PRIVATE ${vspsc_optimisation} -march=x86-64-v2 -ffp-contract=off -fno-math-errno
                       -fno-exceptions -fno-rtti -fno-asynchronous-unwind-tables -fvisibility=hidden -fcf-protection=full)
 # Installed, it finds libvspscy8 beside itself.
 set_target_properties(vspsvoice PROPERTIES VERSION 1 SOVERSION 1 INSTALL_RPATH "$ORIGIN" LINK_DEPENDS ${vspsvoice_exports})
