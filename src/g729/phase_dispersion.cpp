@@ -43,7 +43,7 @@ int adapt(State& state, const Vsp16s* gain) {
         int small = 0;
         for (const Vsp16s g : state.pitchGains) small += g < 9830;
         if (small > 2) strength = kStrong;
-        if (strength > state.strength + 1) strength--;
+        if (strength > kStrong && strength > state.strength + 1) strength--;
     } else if (strength < kNone) {
         strength++;
     }

@@ -13,11 +13,19 @@ static const Described functions(
         internal("Exp_16s_Pos", +[](Vsp16s x, Vsp32s* count) -> VspStatus { return *count = Exp_16s_Pos(Vsp16u(x)), 0; },
                  {value(), out(1)})
             .recordedWithNames(),
-        internal("Norm_32s_Pos_I", +[](Vsp32s* x, Vsp32s* count) -> VspStatus { return *count = Norm_32s_Pos_I(x), 0; },
-                 {io(1), out(1)})
+        internal("Norm_32s_Pos_I",
+                 +[](Vsp32s* x, Vsp32s* count) -> VspStatus {
+                     if (*x < 0) return vspStsRangeErr;
+                     return *count = Norm_32s_Pos_I(x), 0;
+                 },
+                 {io(1).holding(vspStsRangeErr, 0, 0x7FFFFFFF), out(1)})
             .recordedWithNames(),
-        internal("ShiftL_16s", +[](Vsp16s x, Vsp32s n, Vsp16s* y) -> VspStatus { return *y = ShiftL_16s(x, n), 0; },
-                 {value(), value(), out(1)})
+        internal("ShiftL_16s",
+                 +[](Vsp16s x, Vsp32s n, Vsp16s* y) -> VspStatus {
+                     if (n < 0 || n > 31) return vspStsRangeErr;
+                     return *y = ShiftL_16s(x, n), 0;
+                 },
+                 {value(), range(0, 31), out(1)})
             .recordedWithNames(),
         internal("Mul_32s", +[](Vsp32s a, Vsp32s b, Vsp32s* y) -> VspStatus { return *y = Mul_32s(a, b), 0; },
                  {value(), value(), out(1)})

@@ -3,8 +3,10 @@
 
 namespace vsp::test {
 
-static const Argument kEncoder = state(144, [](const Api& api, int, void* s) { api.vspsSBADPCMEncodeInit_G722_16s(s); });
-static const Argument kDecoder = state(144, [](const Api& api, int, void* s) { api.vspsSBADPCMDecodeInit_G722_16s(s); });
+static const Argument kEncoder =
+    state(144, [](const Api& api, int, void* s) { api.vspsSBADPCMEncodeInit_G722_16s(s); }).alwaysInitialised();
+static const Argument kDecoder =
+    state(144, [](const Api& api, int, void* s) { api.vspsSBADPCMDecodeInit_G722_16s(s); }).alwaysInitialised();
 static const Argument kHistory = io(4 * len + 1).holding(vspStsNoErr, {{0, 5}});
 
 static const Described functions(
