@@ -7,7 +7,7 @@ namespace vsp::test {
 // Whether the upper halves of vector registers are in use. A function that leaves them so slows down its caller's SSE code.
 // False where the processor does not tell, and with the counters of a coverage build.
 inline bool upperHalvesInUse() {
-#ifdef VSPSC_COVERAGE
+#ifdef VSPSC_NOT_OPTIMISED
     return false;
 #endif
     static const bool tells = [] {
