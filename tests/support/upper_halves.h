@@ -5,7 +5,7 @@
 namespace vsp::test {
 
 // Whether the upper halves of vector registers are in use. A function that leaves them so slows down its caller's SSE code.
-// False where the processor does not tell, and with the counters of a coverage build.
+// False where the processor does not tell, and where the compiler was not to optimise.
 inline bool upperHalvesInUse() {
 #ifdef VSPSC_NOT_OPTIMISED
     return false;
