@@ -15,7 +15,7 @@ namespace {
 
 constexpr int kLongestFractional = 84;  // longer lags of the first subframe have no fraction
 
-bool isLegal(Vsp16s lag, Vsp16s subframe) { return lag >= 18 && lag <= 145 && (subframe == 0 || subframe == 1); }
+bool isLegal(Vsp16s lag, Vsp16s subframe) { return isLegalLag(lag) && (subframe == 0 || subframe == 1); }
 
 struct Range {
     int t_min, t_max;

@@ -3,10 +3,9 @@
 
 #include "common/algebraic_search.h"
 #include "common/exports.h"
+#include "g729/constants.h"
 
 namespace vsp::VSP_LEVEL {
-
-VSP_INLINE bool isLegalLag(Vsp16s lag) { return lag >= 18 && lag <= 145; }
 
 struct Pulse {
     int track, place;

@@ -10,8 +10,6 @@ namespace {
 constexpr int kTracks = 5, kPlaces = 8;
 constexpr int kSearches = 75, kFirstExtra = 30;
 
-bool isLegalLag(Vsp32s lag) { return lag >= 18 && lag <= 145; }
-
 void sharpen(Vsp32f* x, Vsp32s lag, Vsp32f sharp) {
     for (int i = lag; i < kL_subfr; i++) x[i] += sharp * x[i - lag];
 }

@@ -6,6 +6,7 @@
 #include "g729/decimated_signal.h"
 #include "g729/exports.h"
 #include "g729/tables.h"
+#include "vector/partial_sums_dot.h"
 #include "vector/simd.h"
 
 namespace vsp::VSP_LEVEL {
@@ -14,19 +15,6 @@ namespace {
 
 using Decimated = DecimatedSignal<Vsp32f>;
 using Largest = LagMax<Vsp32f>;
-
-// Sixteen partial sums, added in a fixed tree, so that every level gives the same bits.
-VSP_INLINE Vsp32f dotProduct(const Vsp32f* a, const Vsp32f* b, int len) {
-    constexpr int kSums = 16;
-    Vsp32f sums[kSums] = {};
-    int n = 0;
-    for (; len - n >= kSums; n += kSums)
-        for (int i = 0; i < kSums; i++) sums[i] += a[n + i] * b[n + i];
-    for (int i = 0; n + i < len; i++) sums[i] += a[n + i] * b[n + i];
-    for (int half = kSums / 2; half > 0; half /= 2)
-        for (int i = 0; i < half; i++) sums[i] += sums[i + half];
-    return sums[0];
-}
 
 // out[i] = sum of x[n] * z[n + i] in the order of n, whole vectors of outputs.
 VSP_INLINE void correlate(const Vsp32f* x, const Vsp32f* z, Vsp32f* out, int outputs) {
@@ -74,7 +62,7 @@ VspStatus vspsOpenLoopPitchSearch_G729A_32f(const Vsp32f* pSrc, Vsp32s* pLag) {
 
     const auto normalised = [&signal](Largest best) {
         const Vsp32f* const delayed = signal.delayed(best.lag);
-        return Largest{best.max / sqrtf(dotProduct(delayed, delayed, Decimated::kSamples) + 0.01f), best.lag};
+        return Largest{best.max / sqrtf(partialSumsDot<16>(delayed, delayed, Decimated::kSamples) + 0.01f), best.lag};
     };
     best1 = normalised(best1);
     best2 = normalised(best2);
@@ -88,7 +76,7 @@ VspStatus vspsOpenLoopPitchSearch_G729A_32f(const Vsp32f* pSrc, Vsp32s* pLag) {
 VspStatus vspsDotProd_G729A_32f(const Vsp32f* pSrc1, const Vsp32f* pSrc2, Vsp32s len, Vsp32f* pResult) {
     if (anyNull(pSrc1, pSrc2, pResult)) return vspStsNullPtrErr;
     if (len < 1) return vspStsSizeErr;
-    *pResult = dotProduct(pSrc1, pSrc2, len);
+    *pResult = partialSumsDot<16>(pSrc1, pSrc2, len);
     return vspStsNoErr;
 }
 
@@ -128,7 +116,7 @@ VspStatus vspsFilteredExcitation_G729_32f(const Vsp32f* pImpulse, Vsp32f* pFilte
 VspStatus vspsDecodeAdaptiveVector_G729_32f_I(const Vsp32s* pDelay, Vsp32f* pSrcDst) {
     if (anyNull(pDelay, pSrcDst)) return vspStsNullPtrErr;
     const int lag = pDelay[0], fraction = pDelay[1];
-    if (lag < 18 || lag > 145 || fraction < -1 || fraction > 1) return vspStsCodeRangeErr;
+    if (!isLegalLag(lag) || fraction < -1 || fraction > 1) return vspStsCodeRangeErr;
     constexpr int kOutputs = 8;
     const Vsp32f* const taps = inter_3l_32f_taps.taps[fraction > 0 ? 3 - fraction : -fraction];
     const Vsp32f* const z = pSrcDst - lag - (fraction > 0) - (kSideTaps - 1);

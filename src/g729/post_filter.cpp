@@ -2,8 +2,8 @@
 #include "g729/post_filter.h"
 #include "core/checks.h"
 #include "core/state_size.h"
+#include "g729/constants.h"
 #include "g729/exports.h"
-#include "g729/fixed_codebook.h"
 #include "g729/long_term_post_filter.h"
 
 namespace vsp::VSP_LEVEL {

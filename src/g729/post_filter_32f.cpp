@@ -6,6 +6,7 @@
 #include "g729/constants.h"
 #include "g729/exports.h"
 #include "g729/tables.h"
+#include "vector/partial_sums_dot.h"
 
 namespace vsp::VSP_LEVEL {
 
@@ -14,22 +15,9 @@ namespace {
 constexpr int kOrder = 10, kPast = 152;
 constexpr Vsp32f kGammaNumerator = 0.55f, kGammaDenominator = 0.7f;
 
-bool isLegalLag(Vsp32s lag) { return lag >= 18 && lag <= 145; }
-
 Vsp32f magnitude(Vsp32f x) { return x < 0 ? -x : x; }
 
-// Eight partial sums, added in a fixed tree, so that every level gives the same bits.
-Vsp32f dot(const Vsp32f* a, const Vsp32f* b, int len) {
-    constexpr int kSums = 8;
-    Vsp32f sums[kSums] = {};
-    int n = 0;
-    for (; len - n >= kSums; n += kSums)
-        for (int i = 0; i < kSums; i++) sums[i] += a[n + i] * b[n + i];
-    for (int i = 0; n + i < len; i++) sums[i] += a[n + i] * b[n + i];
-    for (int half = kSums / 2; half > 0; half /= 2)
-        for (int i = 0; i < half; i++) sums[i] += sums[i + half];
-    return sums[0];
-}
+Vsp32f dot(const Vsp32f* a, const Vsp32f* b, int len) { return partialSumsDot<8>(a, b, len); }
 
 Vsp32f energy(const Vsp32f* a, int len) { return dot(a, a, len); }
 

@@ -2,8 +2,8 @@
 #include "common/inv_sqrt.h"
 #include "core/checks.h"
 #include "core/state_size.h"
+#include "g729/constants.h"
 #include "g729/exports.h"
-#include "g729/fixed_codebook.h"
 #include "g729/post_filter.h"
 #include "vector/correlate.h"
 

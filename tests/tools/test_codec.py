@@ -343,7 +343,7 @@ def test_what_is_in_coded_files_of_frames_is_checked(vsps):
     vsps.put("noise.bit", bytes(range(200)))
     vsps.put("long.bit", struct.pack("<HH118H", 0x6B21, 118, *[0x7F] * 118))
     vsps.put("odd.bit", struct.pack("<HH80H", 0x6B21, 80, *[0x55] * 80))
-    vsps.put("erased.bit", struct.pack("<HH80H", 0x6B21, 80, *[0] * 80) + struct.pack("<HH", 0x6B20, 0))
+    vsps.put("erased.bit", struct.pack("<HH80H", 0x6B21, 80, *[0] * 80) + struct.pack("<HH", 0x6B20, 0) + bytes(4))
     for name, reason in {
         "wb.amr": "AMR-WB",
         "many.amr": "several channels",
@@ -355,6 +355,6 @@ def test_what_is_in_coded_files_of_frames_is_checked(vsps):
     }.items():
         vsps.fails(name, reason, "decode", name, "out.wav")
     vsps.fails("x.bit", "holds G.729", "encode", "in.wav", "x.bit", "--codec", "gsm")
-    assert len(decoded(vsps, "erased.bit")) == 160
+    assert len(decoded(vsps, "erased.bit")) == 240
     for arguments in (["x.g729", "--dtx"], ["x.amr", "--dtx", "3"], ["x.bit", "--codec", "g729e", "--dtx"]):
         assert vsps.run("encode", "in.wav", *arguments).returncode == 2

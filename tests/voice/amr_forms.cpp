@@ -150,6 +150,12 @@ TEST(VoiceAmrForms, WhatTheCodecDoesNotHaveIsRefused) {
     EXPECT_EQ(vspStsRangeErr, vspvAMRPackFrame(bytes, &frame, vspvAMRIF1, 12201, dst, &n));
     EXPECT_EQ(vspStsRangeErr, vspvAMRPackPayload(bytes, &frame, 1, 0, 1, dst, &n));
     EXPECT_EQ(vspStsSizeErr, vspvAMRPackPayload(bytes, &frame, 0, 0, 0, dst, &n));
+    for (const auto& [rate, status] : {std::pair(12200, vspStsNullPtrErr), {12201, vspStsRangeErr}}) {
+        frame.bitRate = rate;
+        EXPECT_EQ(status, vspvAMRPackFrame(nullptr, &frame, vspvAMRStorage, 0, dst, &n));
+        EXPECT_EQ(status, vspvAMRPackPayload(nullptr, &frame, 1, 0, 0, dst, &n));
+    }
+    frame.bitRate = 12200;
     frame.numBytes = 30;
     EXPECT_EQ(vspStsSizeErr, vspvAMRPackFrame(bytes, &frame, vspvAMRIF2, 0, dst, &n));
     EXPECT_EQ(vspStsSizeErr, vspvAMRPackPayload(bytes, &frame, 1, 0, 0, dst, &n));

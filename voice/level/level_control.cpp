@@ -3,6 +3,7 @@
 #include "vspsvoice/level.h"
 #pragma GCC visibility pop
 
+#include "samples.h"
 #include "vspsc/alc.h"
 
 namespace vspv {
@@ -20,10 +21,6 @@ static LevelControl* own(VspvLevelControl* control) { return reinterpret_cast<Le
 
 static VspALCState_G169_16s* stateOf(VspvLevelControl* control) {
     return reinterpret_cast<VspALCState_G169_16s*>(own(control) + 1);
-}
-
-static void copy(const Vsp16s* from, Vsp16s* to, Vsp32s count) {
-    for (Vsp32s i = 0; i < count; i++) to[i] = from[i];
 }
 
 }  // namespace vspv

@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr unsigned kSync = 0x6B21, kErased = 0x6B20, kZero = 0x7F, kOne = 0x81;
+constexpr unsigned kSync = 0x6B21, kZero = 0x7F, kOne = 0x81;
 constexpr std::size_t kMaxBits = 1024, kSilenceBits = 15, kSilenceOctets = 2;
 
 unsigned wordAt(const std::string& bytes, std::size_t i) {
@@ -25,7 +25,8 @@ class ItuSerialReader : public FrameReader {
     std::uint64_t expectedOctets() const override { return in_.expected(); }
     std::uint64_t octets() const override { return in_.count(); }
 
-    // A word of zero among the bits, or another word for synchronisation, says that the frame is erased.
+    // A word of zero among the bits says that the frame is erased, and of a frame without bits another word in the place of
+    // that for synchronisation.
     bool read(CodedFrame& frame) override {
         const std::string header = in_.read(4);
         if (header.empty()) return false;
@@ -33,7 +34,7 @@ class ItuSerialReader : public FrameReader {
         if (header.size() < 4) fail("is cut short");
         const unsigned sync = wordAt(header, 0);
         const std::size_t bits = wordAt(header, 1);
-        if ((sync != kSync && sync != kErased) || bits > kMaxBits) fail("does not begin with the word for synchronisation");
+        if ((sync != kSync && bits != 0) || bits > kMaxBits) fail("does not begin with the word for synchronisation");
         const std::string words = in_.read(2 * bits);
         if (words.size() < 2 * bits) fail("is cut short");
 

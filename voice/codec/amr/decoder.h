@@ -2,7 +2,7 @@
 #pragma once
 
 #include "codec/amr/frame.h"
-#include "codec/samples.h"
+#include "samples.h"
 #include "vspsc/gsmamr.h"
 
 namespace vspv::amr {

@@ -3,7 +3,7 @@
 
 #include "codec/amr/frame.h"
 #include "codec/codec.h"
-#include "codec/samples.h"
+#include "samples.h"
 #include "vspsc/gsmamr.h"
 
 namespace vspv::amr {

@@ -39,7 +39,7 @@ TypedFrame typed(const VspvFrame& f) {
 }
 
 Vsp32s bitsOf(Vsp32s type) {
-    if (type < kModes) return kLayouts[type].bits;
+    if (type >= 0 && type < kModes) return kLayouts[type].bits;
     return type == kTypeSilence ? kSilenceBits : type == kTypeNoData ? 0 : -1;
 }
 

@@ -15,13 +15,11 @@ VspStatus vspvAMRPackPayload(const Vsp8u* pBytes, const VspvFrame* pFrames, Vsp3
                              Vsp32s modeRequest, Vsp8u* pPayload, Vsp32s* pPayloadBytes) {
     if (pFrames == nullptr || pPayload == nullptr || pPayloadBytes == nullptr) return vspStsNullPtrErr;
     if (numFrames < 1 || numFrames > kMaxFrames) return vspStsSizeErr;
-    bool octets = false;
     for (Vsp32s i = 0; i < numFrames; i++) {
+        if (pBytes == nullptr && typed(pFrames[i]).bits > 0) return vspStsNullPtrErr;
         const VspStatus status = checkSent(pFrames[i]);
         if (status != vspStsNoErr) return status;
-        octets = octets || typed(pFrames[i]).bits > 0;
     }
-    if (octets && pBytes == nullptr) return vspStsNullPtrErr;
     if (modeRequest != 0 && modeOf(modeRequest) < 0) return vspStsRangeErr;
 
     const Vsp32s padding = octetAligned != 0 ? 4 : 0;

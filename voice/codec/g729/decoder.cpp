@@ -111,7 +111,7 @@ void Decoder::findFilters(const Variant& variant, Speech& s) {
     copy(s.lpc + 11, previousFilter_, 11);
 }
 
-void Decoder::delayOf(const Variant& variant, Speech& s, Vsp32s i, Vsp16s* delay) {
+void Decoder::delayOf(const Variant& variant, const Speech& s, Vsp32s i, Vsp16s* delay) {
     constexpr Vsp16s kLongestLag = 143;
     const bool parityFails =
         !s.erased && i == 0 && s.rate != k6k4 && parityOf(s.frame->subframes[0].delay, s.rate) != s.frame->parity;
@@ -132,7 +132,7 @@ void Decoder::delayOf(const Variant& variant, Speech& s, Vsp32s i, Vsp16s* delay
     if (s.rate == k11k8) copy(tracked, oldDelay_, 2);
 }
 
-void Decoder::decodeGains(const Variant&, const Speech& s, Vsp32s i, const Vsp16s* code) {
+void Decoder::decodeGains(const Speech& s, Vsp32s i, const Vsp16s* code) {
     constexpr Vsp32s kStationary = 30;
     if (!s.erased) {
         const auto decodeGain = s.rate == k6k4 ? vspsGainDecode_G729D_16s : vspsGainDecode_G729_16s;
@@ -170,7 +170,7 @@ void Decoder::decodeSubframe(const Variant& variant, Speech& s, Vsp32s i) {
         vspsFixedCodebookDecode_G729E_16s(s.mode, index, lag, sharpening_, code);
 
     backwardSubframes_ = s.mode == 0 ? 0 : backwardSubframes_ < 32767 ? backwardSubframes_ + 1 : backwardSubframes_;
-    decodeGains(variant, s, i, code);
+    decodeGains(s, i, code);
     sharpening_ = clipped(gain_[0], kLeastSharpening, kMostSharpening);
     Vsp16s gain[2] = {gain_[0], gain_[1]};
     if (s.erased && !variant.fast) gain[s.voicing == 0 ? 0 : 1] = 0;

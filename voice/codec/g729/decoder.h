@@ -35,8 +35,8 @@ class Decoder {
     void noise(const Variant& variant, const Vsp16s* index, bool erased, Vsp16s* samples);
     void findFilters(const Variant& variant, Speech& s);
     void decodeSubframe(const Variant& variant, Speech& s, Vsp32s i);
-    void delayOf(const Variant& variant, Speech& s, Vsp32s i, Vsp16s* delay);
-    void decodeGains(const Variant& variant, const Speech& s, Vsp32s i, const Vsp16s* code);
+    void delayOf(const Variant& variant, const Speech& s, Vsp32s i, Vsp16s* delay);
+    void decodeGains(const Speech& s, Vsp32s i, const Vsp16s* code);
     void scaledSynthesis(const LpFilter& filter, Vsp32s i);
     void endFrame(const Variant& variant, const LpFilter* filters, const Vsp16s* lags, Vsp16s frameType, Rate rate,
                   Vsp16s mode, bool erased, Vsp16s* samples);

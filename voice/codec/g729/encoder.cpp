@@ -209,14 +209,8 @@ void Encoder::encodeSubframe(const Filters& f, Vsp32s i, Vsp16s openLoopLag, Fra
 
 // The filters' memories as if the noise had been the frame's excitation.
 void Encoder::encodeNoise(const Variant& variant, const Filters& f, Vsp8u* bytes, VspvFrame& told) {
-    Vsp16s lpc[22], index[4];
-    const bool first = silence_.wasActive();
-    const Vsp16s type =
-        silence_.encode(analysis_, false, {excitation_ + 154, quantisedLsp_, lsfHistory_, excitationError_, lpc}, index);
-    told.type = type == 0 ? vspvFrameNoData : first ? vspvFrameSIDFirst : vspvFrameSIDUpdate;
-    told.numBytes = type == 0 ? 0 : kSilenceBytes;
-    if (type != 0) packSilence(index, bytes);
-
+    Vsp16s lpc[22];
+    silence_.encode(analysis_, false, {excitation_ + 154, quantisedLsp_, lsfHistory_, excitationError_, lpc}, bytes, told);
     sharpening_ = kLeastSharpening;
     for (Vsp32s i = 0; i < 2; i++) {
         const LpFilter filter{lpc + 11 * i, 10};

@@ -106,14 +106,8 @@ void FastEncoder::encodeSubframe(const LpFilter& weighting, Vsp32s i, Vsp16s ope
 }
 
 void FastEncoder::encodeNoise(Vsp8u* bytes, VspvFrame& told) {
-    Vsp16s lpc[22], index[4], lpResidual[80];
-    const bool first = silence_.wasActive();
-    const Vsp16s type =
-        silence_.encode(analysis_, true, {excitation_ + 154, quantisedLsp_, lsfHistory_, excitationError_, lpc}, index);
-    told.type = type == 0 ? vspvFrameNoData : first ? vspvFrameSIDFirst : vspvFrameSIDUpdate;
-    told.numBytes = type == 0 ? 0 : kSilenceBytes;
-    if (type != 0) packSilence(index, bytes);
-
+    Vsp16s lpc[22], lpResidual[80];
+    silence_.encode(analysis_, true, {excitation_ + 154, quantisedLsp_, lsfHistory_, excitationError_, lpc}, bytes, told);
     sharpening_ = kLeastSharpening;
     const Weighting weighting(lpc);
     for (Vsp32s i = 0; i < 2; i++)

@@ -1,7 +1,7 @@
 // Memory of the states of the library. Their sizes are part of its interface.
 #pragma once
 
-#include "codec/samples.h"
+#include "samples.h"
 #include "vspsc/common.h"
 #include "vspsc/g729.h"
 

@@ -1,5 +1,7 @@
 #include "codec/g729/silence_coder.h"
 
+#include "codec/g729/frame.h"
+
 namespace vspv::g729 {
 
 void SilenceCoder::reset() {
@@ -22,12 +24,17 @@ void SilenceCoder::update(const LpAnalysis& analysis, Vsp16s active) {
     vspsDTXUpdate_G729B_16s(analysis.autocorr, analysis.exponent, active, noise_);
 }
 
-Vsp16s SilenceCoder::encode(LpAnalysis& analysis, bool fast, const NoiseTarget& t, Vsp16s* index) {
-    Vsp16s type = 0;
+void SilenceCoder::encode(LpAnalysis& analysis, bool fast, const NoiseTarget& t, Vsp8u* bytes, VspvFrame& told) {
+    Vsp16s type = 0, index[4];
     const auto encodeNoise = fast ? vspsDTXEncode_G729A_16s : vspsDTXEncode_G729B_16s;
     encodeNoise(previous_, t.excitation, t.quantisedLsp, t.lsfHistory, &seed_, analysis.memory, t.excitationError, t.lpc,
                 &type, index, noise_);
-    return type;
+    told.type = vspvFrameNoData;
+    told.numBytes = 0;
+    if (type == 0) return;
+    packSilence(index, bytes);
+    told.type = wasActive() ? vspvFrameSIDFirst : vspvFrameSIDUpdate;
+    told.numBytes = kSilenceBytes;
 }
 
 void SilenceCoder::frameDone(Vsp16s active) {

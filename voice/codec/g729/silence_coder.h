@@ -1,6 +1,7 @@
 // The encoder's side of Annex B: is there speech, and if not, what noise does the decoder make of it.
 #pragma once
 
+#include "codec/codec.h"
 #include "codec/g729/lp_analysis.h"
 
 namespace vspv::g729 {
@@ -24,8 +25,8 @@ class SilenceCoder {
     void correct(Vsp16s active);
     // Every frame, with the decision in force.
     void update(const LpAnalysis& analysis, Vsp16s active);
-    // An inactive frame: 2 with an index for a silence descriptor, 0 for none. The root search is that of Annex A or not.
-    Vsp16s encode(LpAnalysis& analysis, bool fast, const NoiseTarget& target, Vsp16s* index);
+    // An inactive frame: a silence descriptor or no data, which is told. The root search is that of Annex A or not.
+    void encode(LpAnalysis& analysis, bool fast, const NoiseTarget& target, Vsp8u* bytes, VspvFrame& told);
     void frameDone(Vsp16s active);
 
     bool wasActive() const { return previous_ != 0; }
