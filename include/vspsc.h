@@ -18,6 +18,8 @@
 #include "vspsc/common.h"
 #include "vspsc/ec.h"
 #include "vspsc/g722.h"
+#include "vspsc/g7221.h"
+#include "vspsc/g723.h"
 #include "vspsc/g726.h"
 #include "vspsc/g728.h"
 #include "vspsc/g729.h"

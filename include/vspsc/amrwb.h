@@ -1,44 +1,23 @@
 /**
  * @file
- * AMR-WB: sizes of the state objects; so far the library only answers how large they will be.
+ * AMR-WB, 3GPP TS 26.171 (ITU-T G.722.2). A frame has 320 samples at 16 kHz, 256 at the core's 12.8 kHz, a subframe 64.
  */
 #ifndef VSPSC_AMRWB_H
 #define VSPSC_AMRWB_H
 
-#include "vspsc/types.h"
-
-#ifdef __cplusplus
-extern "C" {
-#endif
-
-/**
- * Size of the state of the high-pass filter, 3GPP TS 26.190 5.1: 40 bytes.
- *
- * @param[in]  mode   2 or 3
- * @param[out] pSize  bytes that the caller must provide
- * @retval vspStsNullPtrErr  pSize is null
- * @retval vspStsRangeErr    mode is neither 2 nor 3
- */
-VspStatus vspsHighPassFilterGetSize_AMRWB_16s(Vsp32s mode, Vsp32s* pSize);
-
-/**
- * Size of the state of the adaptive-codebook decoder, 3GPP TS 26.190 6.1: 24 bytes.
- *
- * @param[out] pSize  bytes that the caller must provide
- * @retval vspStsNullPtrErr  pSize is null
- */
-VspStatus vspsAdaptiveCodebookDecodeGetSize_AMRWB_16s(Vsp32s* pSize);
-
-/**
- * Size of the state of the voice activity detector, 3GPP TS 26.194: 172 bytes.
- *
- * @param[out] pSize  bytes that the caller must provide
- * @retval vspStsNullPtrErr  pSize is null
- */
-VspStatus vspsVADGetSize_AMRWB_16s(Vsp32s* pSize);
-
-#ifdef __cplusplus
-}
-#endif
+#include "vspsc/amrwb/adaptive_codebook.h"
+#include "vspsc/amrwb/algebraic_codebook.h"
+#include "vspsc/amrwb/cng.h"
+#include "vspsc/amrwb/dtx.h"
+#include "vspsc/amrwb/excitation.h"
+#include "vspsc/amrwb/filters.h"
+#include "vspsc/amrwb/gain.h"
+#include "vspsc/amrwb/high_band.h"
+#include "vspsc/amrwb/isf_quant.h"
+#include "vspsc/amrwb/isp.h"
+#include "vspsc/amrwb/lp_analysis.h"
+#include "vspsc/amrwb/open_loop_pitch.h"
+#include "vspsc/amrwb/resampling.h"
+#include "vspsc/amrwb/vad.h"
 
 #endif
