@@ -6,6 +6,12 @@
 #include <random>
 #include <vector>
 
+#ifdef VSPSC_NOT_OPTIMISED
+static constexpr int kRuns = 2000;
+#else
+static constexpr int kRuns = 5000;
+#endif
+
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
 int main(int argc, char** argv) {
@@ -17,7 +23,7 @@ int main(int argc, char** argv) {
     }
     if (argc > 1) return 0;
     std::mt19937 random(1);
-    for (int run = 0; run < 5000; run++) {
+    for (int run = 0; run < kRuns; run++) {
         std::vector<std::uint8_t> bytes(random() % 600);
         for (std::uint8_t& byte : bytes) byte = std::uint8_t(random());
         LLVMFuzzerTestOneInput(bytes.data(), bytes.size());
