@@ -35,7 +35,15 @@ set(vspsc_level_sources
     src/g726/decode.cpp
     src/g726/encode.cpp
     src/g726/state_setup.cpp
-    src/g728/state_sizes.cpp
+    src/g728/codebook.cpp
+    src/g728/conceal.cpp
+    src/g728/gain.cpp
+    src/g728/hybrid_window.cpp
+    src/g728/levinson_durbin.cpp
+    src/g728/post_filter.cpp
+    src/g728/post_filter_adapter.cpp
+    src/g728/synthesis_filter.cpp
+    src/g728/weighting_filter.cpp
     src/g729/adaptive_codebook_gain.cpp
     src/g729/adaptive_codebook_search.cpp
     src/g729/adaptive_vector.cpp
@@ -131,6 +139,7 @@ set(vspsc_common_sources
     src/ec/tables.cpp
     src/g722/tables.cpp
     src/g726/tables.cpp
+    src/g728/tables.cpp
     src/g729/gain_tables.cpp
     src/g729/lp_tables.cpp
     src/g729/lsp_tables.cpp

@@ -38,7 +38,8 @@ bool isLegal(const Argument& a, double x, const Values& values, int element = 0)
 }
 
 VspStatus errorOf(const Argument& a, double x, const Values& values) {
-    return a.errorAbove != vspStsNoErr && x > double(a.limits(values, 0).high) ? a.errorAbove : a.error;
+    const double high = a.choices.empty() && a.limits ? double(a.limits(values, 0).high) : 0;
+    return a.errorAbove != vspStsNoErr && x > high ? a.errorAbove : a.error;
 }
 
 // Numbers that an argument or element must not be: beside its limits, and extremes.
@@ -150,7 +151,7 @@ VspStatus Call::expectedError() const {
             for (std::size_t i = 0; i < cells.size(); i++) {
                 const Argument& a = function->arguments[i];
                 const char type = function->types[i].type;
-                if ((a.used || a.late) != late || !used(i)) continue;
+                if (((a.used && !a.known) || a.late) != late || !used(i)) continue;
                 if (a.pointer() && !arrays[i] && !inPlace(i)) report(vspStsNullPtrErr);
                 if (a.error == vspStsNoErr || a.perhaps || a.dependent != dependent) continue;
                 if (dependent && first < order.size() && !a.known) continue;

@@ -126,7 +126,7 @@ struct Argument {
         return with([&](Argument& a) { a.error = errorElsewhere, a.choices = std::move(all); });
     }
 
-    // A value above the limits gives another error.
+    // A value above the limits, or a positive one that is not among the choices, gives another error.
     Argument above(VspStatus otherError) const {
         return with([&](Argument& a) { a.errorAbove = otherError; });
     }
@@ -134,7 +134,7 @@ struct Argument {
     Argument checkedLast() const {
         return with([&](Argument& a) { a.late = true; });
     }
-    // Limits by other arguments hold even if these are bad.
+    // Limits by other arguments hold even if these are bad; a pointer with `when` is checked with all others.
     Argument anyway() const {
         return with([&](Argument& a) { a.known = true; });
     }

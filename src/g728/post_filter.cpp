@@ -1,0 +1,73 @@
+// The adaptive post-filter: long-term, short-term, and the gain of its output (G.728 blocks 71 to 77).
+#include "core/checks.h"
+#include "core/state_size.h"
+#include "g728/exports.h"
+#include "g728/pitch.h"
+
+namespace vsp::VSP_LEVEL {
+
+using namespace g728;
+
+namespace {
+
+constexpr int kOrder = 10;
+
+struct State {
+    Vsp16s longTerm[kOrder], shortTerm[kOrder];  // past outputs, the oldest first
+    Vsp16s gain;                                 // Q14
+    Vsp16s unused[11];
+};
+static_assert(sizeof(State) == 64);
+
+Vsp64s sumOfMagnitudes(const Vsp16s* x) {
+    Vsp64s sum = 0;
+    for (int n = 0; n < kVector; n++) sum += x[n] < 0 ? -x[n] : x[n];
+    return sum;
+}
+
+}  // namespace
+
+VspStatus vspsPostFilterGetStateSize_G728_16s(Vsp32s* pSize) { return fixedSize(pSize, sizeof(State)); }
+
+VspStatus vspsPostFilterInit_G728_16s(void* pState) {
+    if (anyNull(pState)) return vspStsNullPtrErr;
+    State& s = *static_cast<State*>(pState);
+    s = {};
+    s.gain = 16384;
+    return vspStsNoErr;
+}
+
+VspStatus vspsPostFilter_G728_16s(const Vsp16s* pSrc, const Vsp16s* pPast, Vsp32s pitch, const Vsp16s* pGain,
+                                  const Vsp16s* pZero, const Vsp16s* pPole, Vsp32s tilt, Vsp16s* pDst, void* pState) {
+    constexpr int kPast = 140, kNew = 20972, kOld = 16220;  // 0.01, Q21, and 0.99, Q14
+    if (anyNull(pSrc, pPast, pGain, pZero, pPole, pDst, pState)) return vspStsNullPtrErr;
+    if (!isPitch(pitch)) return vspStsRangeErr;
+    State& s = *static_cast<State*>(pState);
+    Vsp16s f[kOrder + kVector], y[kOrder + kVector], out[kVector];
+    for (int i = 0; i < kOrder; i++) f[i] = s.longTerm[i], y[i] = s.shortTerm[i];
+    for (int n = 0; n < kVector; n++) {
+        const Vsp64s longTerm = Vsp64s(pGain[0]) * pSrc[n] + pGain[1] * pPast[kPast + n - pitch];
+        Vsp16s *const newF = f + kOrder + n, *const newY = y + kOrder + n;
+        Vsp64s sum = longTerm;
+        for (int i = 0; i < kOrder; i++) sum += Vsp64s(pZero[i]) * newF[-1 - i] - pPole[i] * newY[-1 - i];
+        *newF = Vsp16s(roundHigh(Cnvrt_64s32s(4 * longTerm)));
+        *newY = sat16(sum >> 14);
+        out[n] = sat16((sum + Vsp64s(tilt) * newY[-1]) >> 14);
+    }
+    for (int i = 0; i < kOrder; i++) s.longTerm[i] = f[kVector + i], s.shortTerm[i] = y[kVector + i];
+
+    Float16 ratio{16384, 14};
+    const Vsp64s before = sumOfMagnitudes(pSrc), after = sumOfMagnitudes(out);
+    if (after > 4) {
+        const Float16 num = normalised(before), den = normalised(after);
+        ratio = divide(num.mantissa, num.scale, den.mantissa, den.scale);
+    }
+    const Vsp64s target = shift_32s(kNew * ratio.mantissa, 14 - 7 - ratio.scale);
+    for (int n = 0; n < kVector; n++) {
+        s.gain = Vsp16s(roundHigh(Cnvrt_64s32s(4 * (target + Vsp64s(kOld) * s.gain))));
+        pDst[n] = Vsp16s(roundHigh(Cnvrt_64s32s(4 * Vsp64s(s.gain) * out[n])));
+    }
+    return vspStsNoErr;
+}
+
+}  // namespace vsp::VSP_LEVEL

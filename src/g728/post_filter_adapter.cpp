@@ -1,0 +1,127 @@
+// What the post-filter follows: the prediction residual, its pitch and the long-term coefficients (G.728 blocks 81 to 84).
+#include "core/checks.h"
+#include "core/state_size.h"
+#include "g728/exports.h"
+#include "g728/pitch.h"
+#include "vector/dot.h"
+
+namespace vsp::VSP_LEVEL {
+
+using namespace g728;
+
+namespace {
+
+constexpr int kOrder = 10, kDecimated = 60, kDecimation = 4, kResidual = 240, kWindow = 100, kBlock = 20;
+
+struct State {
+    Vsp16s speech[kOrder];  // past input of the inverse filter, the oldest first
+    Vsp16s lowPass[3];      // past output of the low-pass filter
+    Vsp16s decimated[kDecimated];
+    Vsp16s unused[15];
+};
+static_assert(sizeof(State) == 176);
+
+Vsp32s correlation(const Vsp16s* x, int lag, int len) { return Cnvrt_64s32s(dot(x, x - lag, len)); }
+
+// The lag of the strongest correlation, the smallest of several.
+int strongest(const Vsp16s* x, int len, int from, int to, Vsp32s* most) {
+    int lag = from;
+    *most = correlation(x, from, len);
+    for (int l = from + 1; l <= to; l++) {
+        const Vsp32s c = correlation(x, l, len);
+        if (c > *most) *most = c, lag = l;
+    }
+    return lag;
+}
+
+Vsp32s within(Vsp32s x, Vsp32s most) { return x < 0 ? 0 : x < most ? x : most; }
+
+// Whether the lag near the old one predicts nearly as well as one that may be a multiple of it.
+bool prefersOld(const Vsp16s* x, int lag, Vsp32s c1, int oldLag, Vsp32s c2) {
+    constexpr Vsp64s kShare = 26214;  // 0.4, Q16
+    const Vsp32s energy = Cnvrt_64s32s(::vsp::VSP_LEVEL::energy(x - lag, kWindow));
+    const Vsp32s oldEnergy = Cnvrt_64s32s(::vsp::VSP_LEVEL::energy(x - oldLag, kWindow));
+    const int shift = norm(energy > oldEnergy ? energy : oldEnergy, 32);
+    const auto high = [&](Vsp32s value) { return shiftExact(value, shift) >> 16; };
+    return high(within(c2, oldEnergy)) * high(energy) > (high(within(c1, energy)) * high(oldEnergy) >> 16) * kShare;
+}
+
+}  // namespace
+
+VspStatus vspsPostFilterAdapterGetStateSize_G728(Vsp32s* pSize) { return fixedSize(pSize, sizeof(State)); }
+
+VspStatus vspsPostFilterAdapterInit_G728(void* pState) {
+    if (anyNull(pState)) return vspStsNullPtrErr;
+    *static_cast<State*>(pState) = {};
+    return vspStsNoErr;
+}
+
+VspStatus vspsLPCInverseFilter_G728_16s(const Vsp16s* pSrc, const Vsp16s* pCoeff, Vsp16s* pDst, void* pAdapter) {
+    if (anyNull(pSrc, pCoeff, pDst, pAdapter)) return vspStsNullPtrErr;
+    State& s = *static_cast<State*>(pAdapter);
+    Vsp16s x[kOrder + kVector];
+    for (int i = 0; i < kOrder; i++) x[i] = s.speech[i];
+    for (int n = 0; n < kVector; n++) x[kOrder + n] = pSrc[n];
+    for (int n = 0; n < kVector; n++) {
+        Vsp64s sum = 8192 * x[kOrder + n];
+        for (int i = 0; i < kOrder; i++) sum += pCoeff[i] * x[kOrder + n - 1 - i];
+        pDst[n] = Vsp16s(roundHigh(Cnvrt_64s32s(4 * sum)));
+    }
+    for (int i = 0; i < kOrder; i++) s.speech[i] = x[kVector + i];
+    return vspStsNoErr;
+}
+
+VspStatus vspsPitchExtract_G728_16s(const Vsp16s* pResidual, Vsp16s* pPitch, void* pAdapter) {
+    constexpr int kNear = 6, kNewDecimated = kBlock / kDecimation, kDecimatedWindow = kWindow / kDecimation;
+    if (anyNull(pResidual, pPitch, pAdapter)) return vspStsNullPtrErr;
+    if (!isPitch(*pPitch)) return vspStsRangeErr;
+    State& s = *static_cast<State*>(pAdapter);
+
+    for (int i = 0; i < kDecimated - kNewDecimated; i++) s.decimated[i] = s.decimated[i + kNewDecimated];
+    const Vsp16s* const x = pResidual + kResidual - kBlock;
+    Vsp16s* const y = s.lowPass;  // the newest last
+    for (int n = 0; n < kBlock; n++) {
+        Vsp64s t = (18721LL * (x[n] + x[n - 3]) - 3668LL * (x[n - 1] + x[n - 2])) >> 6;
+        t -= -19172LL * y[2] + 16481LL * y[1] - 5031LL * y[0];
+        y[0] = y[1], y[1] = y[2];
+        y[2] = Vsp16s(roundHigh(Cnvrt_64s32s(8 * t)));
+        if (n % kDecimation == kDecimation - 1) s.decimated[kDecimated - kNewDecimated + n / kDecimation] = y[2];
+    }
+
+    Vsp32s c1, c2;
+    const int coarse = strongest(s.decimated + kDecimated - kDecimatedWindow, kDecimatedWindow, 5, 35, &c1);
+    const auto from = [](int lag) { return lag > kMinPitch ? lag : kMinPitch; };
+    const auto to = [](int lag) { return lag < kMaxPitch ? lag : kMaxPitch; };
+    const Vsp16s* const newest = pResidual + kResidual - kWindow;
+    const int reach = kDecimation - 1, centre = kDecimation * coarse;
+    int pitch = strongest(newest, kWindow, from(centre - reach), to(centre + reach), &c1);
+    const int old = *pPitch;
+    if (old + kNear < pitch) {
+        const int nearOld = strongest(newest, kWindow, from(old - kNear), old + kNear, &c2);
+        if (prefersOld(newest, pitch, c1, nearOld, c2)) pitch = nearOld;
+    }
+    *pPitch = Vsp16s(pitch);
+    return vspStsNoErr;
+}
+
+VspStatus vspsPitchTap_G728_16s(const Vsp16s* pPast, Vsp32s pitch, Vsp16s* pTap, Vsp16s* pGain) {
+    constexpr int kLeastTap = 9830, kFactor = 9830;  // 0.6, Q14, and 0.15, Q16
+    if (anyNull(pPast, pTap, pGain)) return vspStsNullPtrErr;
+    if (!isPitch(pitch)) return vspStsRangeErr;
+    const Vsp16s* const newest = pPast + kResidual - kWindow;
+    const Vsp64s a = energy(newest - pitch, kWindow), c = dot(newest, newest - pitch, kWindow);
+    Vsp16s tap = 0;
+    if (a > 0 && c > 0) {
+        const Float16 num = normalised(c), den = normalised(a);
+        const Float16 ratio = divide(num.mantissa, num.scale, den.mantissa, den.scale);
+        tap = c >= a ? Vsp16s(16384) : shift_16s(ratio.mantissa, 14 - ratio.scale);
+    }
+    const int product = tap < kLeastTap ? 0 : kFactor * tap, b = product >> 14;
+    const Float16 gain = divide(16384, 14, Vsp16s((product >> 16) + 16384), 14);
+    *pTap = tap;
+    pGain[0] = Vsp16s(gain.mantissa >> (gain.scale - 14));
+    pGain[1] = Vsp16s((gain.mantissa * b) >> gain.scale);
+    return vspStsNoErr;
+}
+
+}  // namespace vsp::VSP_LEVEL
