@@ -15,6 +15,10 @@ add_library(
     voice/codec/g711/g711.cpp
     voice/codec/g722/g722.cpp
     voice/codec/g726/g726.cpp
+    voice/codec/g728/adaptation.cpp
+    voice/codec/g728/decoder.cpp
+    voice/codec/g728/encoder.cpp
+    voice/codec/g728/g728.cpp
     voice/codec/g729/backward_analysis.cpp
     voice/codec/g729/decoder.cpp
     voice/codec/g729/encoder.cpp

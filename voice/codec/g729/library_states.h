@@ -1,21 +1,12 @@
 // Memory of the states of the library. Their sizes are part of its interface.
 #pragma once
 
+#include "codec/library_state.h"
 #include "samples.h"
 #include "vspsc/common.h"
 #include "vspsc/g729.h"
 
 namespace vspv::g729 {
-
-template <Vsp32s kBytes>
-struct alignas(8) LibraryState {
-    Vsp8u bytes[kBytes];
-
-    template <class State>
-    operator State*() {
-        return static_cast<State*>(static_cast<void*>(bytes));
-    }
-};
 
 using HighPassState = LibraryState<24>;
 using VadState = LibraryState<88>;

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "codec/g728/adaptation.h"
+
+namespace vspv::g728 {
+
+class Decoder {
+  public:
+    void reset();
+    void decode(const Vsp16s* indices, Vsp16s* samples);  // a frame's four vectors; null for a lost frame
+
+  private:
+    void beginFrame(bool lost);
+    Vsp16s excite(const Vsp16s* index, Vector& excitation);
+    void filter(const Vector& speech, bool withPitch, Vsp16s* samples);
+    void adaptPostFilter();
+
+    SynthesisFilter synthesis_;
+    GainPredictor gain_;
+    Vsp16s lastGain_;
+    Vsp32s lostFrames_;      // since the last one that has arrived
+    Vsp32s recoveryFrames_;  // how long the gain may only rise slowly
+
+    Vsp16s zero_[kOrder], pole_[kOrder], tilt_, inverse_[kOrder];  // of the short-term post-filter
+    Vsp16s pitch_, tap_, longTerm_[2];                             // of the long-term post-filter
+    Vsp16s residual_[240], past_[240];                             // Q1 and Q0, the newest last
+    LibraryState<144> synthesisState_;
+    LibraryState<176> adapter_;
+    LibraryState<64> postFilter_;
+    LibraryState<384> concealment_;
+};
+
+}  // namespace vspv::g728
