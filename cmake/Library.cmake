@@ -2,6 +2,11 @@
 
 set(vspsc_level_sources
     src/alc/alc.cpp
+    src/amrwb/band_filters.cpp
+    src/amrwb/emphasis.cpp
+    src/amrwb/high_pass.cpp
+    src/amrwb/lp_filters.cpp
+    src/amrwb/resampling.cpp
     src/amrwb/state_sizes.cpp
     src/common/adaptive_vector.cpp
     src/common/auto_corr.cpp
@@ -133,6 +138,7 @@ set(vspsc_level_sources
     src/vector/real_fft_32f.cpp
     src/version/version.cpp)
 set(vspsc_common_sources
+    src/amrwb/filter_tables.cpp
     src/common/tables.cpp
     src/core/api.cpp
     src/ec/subband_windows.cpp

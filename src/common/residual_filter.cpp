@@ -19,41 +19,66 @@ VSP_INLINE Vsp32s addClipping(Vsp32s a, Vsp32s b) {
     return outside ? (a >> 31) ^ kMax32 : sum;
 }
 
-// Every product and every partial sum saturates.
-void filterSaturating(const Vsp16s* src, const Vsp16s* lpc, int order, Vsp16s* dst, int len, int scaleFactor) {
+// Every product and every partial sum saturates; first: the samples of the first product, from where the next ones are a
+// step away.
+void filterSaturating(const Vsp16s* first, int step, const Vsp16s* c, int taps, Vsp16s* dst, int len, int scaleFactor) {
     Vsp32s sums[kBlock] = {};
-    for (int j = 0; j <= order; j++)
+    for (int t = 0; t < taps; t++) {
+        const Vsp16s* const x = first + t * step;
         for (int n = 0; n < len; n++) {
-            const Vsp32s product = lpc[j] * src[n - j];
+            const Vsp32s product = c[t] * x[n];
             sums[n] = addClipping(sums[n], addClipping(product, product));
         }
+    }
     for (int n = 0; n < len; n++) dst[n] = round_32s(shl_32s(sums[n], 15 - scaleFactor));
 }
 
-VSP_INLINE void filterExact(const Vsp16s* src, const Vsp16s* lpc, int order, Vsp16s* dst, int len, int scaleFactor) {
-    Vsp16s reversed[kMaxLpOrder + 2];
-    for (int j = 0; j <= order; j++) reversed[order - j] = lpc[j];
+// The earliest sample first.
+VSP_INLINE void filterExact(const Vsp16s* src, const Vsp16s* c, int taps, Vsp16s* dst, int len, int scaleFactor) {
     Vsp32s sums[kBlock];
-    correlate(reversed, order + 1, src - order, sums, len);
+    correlate(c, taps, src, sums, len);
     const Vsp32s rounding = roundingConstant(scaleFactor);
     for (int n = 0; n < len; n++) dst[n] = sat_16s((sums[n] + rounding) >> scaleFactor);
+}
+
+VSP_INLINE Vsp64s sumOfMagnitudes(const Vsp16s* c, int taps) {
+    Vsp32s sum = 0;
+    for (int t = 0; t < taps; t++) sum += c[t] < 0 ? -c[t] : c[t];
+    return sum;
+}
+
+// Whether a doubled sum may leave 32 bits, or there is no room for the rounding.
+VSP_INLINE bool maySaturate(Vsp64s cMagnitude, const Vsp16s* src, int len) {
+    return cMagnitude * maxMagnitude(src, len) >= (1 << 30);
 }
 
 }  // namespace
 
 void ownResidual(const Vsp16s* src, const Vsp16s* lpc, int order, Vsp16s* dst, Vsp32s len, int scaleFactor) {
-    Vsp32s lpcMagnitude = 0;
-    for (int j = 0; j <= order; j++) lpcMagnitude += lpc[j] < 0 ? -lpc[j] : lpc[j];
+    const Vsp64s magnitude = sumOfMagnitudes(lpc, order + 1);
+    Vsp16s reversed[kMaxLpOrder + 2];
+    for (int j = 0; j <= order; j++) reversed[order - j] = lpc[j];
     forBlocks(len, kBlock, [&](Vsp32s first, Vsp32s count) {
         const Vsp16s* x = src + first;
-        // No doubled sum leaves 32 bits, and there is room for the rounding.
-        const Vsp64s largest = Vsp64s(lpcMagnitude) * maxMagnitude(x - order, order + count);
-        if (largest >= (1 << 30))
-            filterSaturating(x, lpc, order, dst + first, count, scaleFactor);
+        if (maySaturate(magnitude, x - order, order + count))
+            filterSaturating(x, -1, lpc, order + 1, dst + first, count, scaleFactor);
         else if (order == 10)
-            filterExact(x, lpc, 10, dst + first, count, scaleFactor);
+            filterExact(x - order, reversed, 11, dst + first, count, scaleFactor);
+        else if (order == 16)
+            filterExact(x - order, reversed, 17, dst + first, count, scaleFactor);
         else
-            filterExact(x, lpc, order, dst + first, count, scaleFactor);
+            filterExact(x - order, reversed, order + 1, dst + first, count, scaleFactor);
+    });
+}
+
+void ownFir(const Vsp16s* src, const Vsp16s* c, int taps, Vsp16s* dst, Vsp32s len) {
+    const Vsp64s magnitude = sumOfMagnitudes(c, taps);
+    forBlocks(len, kBlock, [&](Vsp32s first, Vsp32s count) {
+        const Vsp16s* x = src + first;
+        if (maySaturate(magnitude, x, taps - 1 + count))
+            filterSaturating(x, 1, c, taps, dst + first, count, 15);
+        else
+            filterExact(x, c, taps, dst + first, count, 15);
     });
 }
 

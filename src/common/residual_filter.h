@@ -11,4 +11,8 @@ constexpr int kMaxLpOrder = 30;
 // (Residu). Reads src[-order .. len-1]; dst is another array. lpc is in Q(scaleFactor), order up to kMaxLpOrder.
 void ownResidual(const Vsp16s* src, const Vsp16s* lpc, int order, Vsp16s* dst, Vsp32s len, int scaleFactor);
 
+// Any filter with Q15 taps, at most kMaxLpOrder + 1, that begin with that of the earliest sample: dst[n] = sum over t = 0
+// .. taps-1 of c[t] * src[n + t], t ascending, saturated and rounded in the same way. dst is another array.
+void ownFir(const Vsp16s* src, const Vsp16s* c, int taps, Vsp16s* dst, Vsp32s len);
+
 }  // namespace vsp::VSP_LEVEL

@@ -7,10 +7,8 @@
 
 namespace vsp::VSP_LEVEL {
 
-template <int kOrder>
+template <int kOrder, int kBlock = 40>
 struct SynthesisFilter {
-    static constexpr int kBlock = 40;
-
     enum class Outcome { exact, clipped, uncertain };
 
     // Output n, every step saturated; notes in overflow whether one was.
@@ -80,7 +78,8 @@ struct SynthesisFilter {
         return largest > kMax16 ? Outcome::uncertain : Outcome::exact;  // a shift that saturates may still round to -32768
     }
 
-    // dst may be src. mem: the outputs before dst[0], the newest last. Returns whether some step saturated.
+    // dst may be src. mem: the outputs before dst[0], the newest last. Returns whether some step saturated. scaleFactor: at
+    // most 15, and 0 or more but for exceptions.
     static bool run(const Vsp16s* lpc, const Vsp16s* src, Vsp16s* dst, Vsp32s len, int scaleFactor, const Vsp16s* mem) {
         int lpcMagnitude = 0;
         for (int j = 0; j <= kOrder; j++) lpcMagnitude += lpc[j] < 0 ? -lpc[j] : lpc[j];
@@ -90,7 +89,8 @@ struct SynthesisFilter {
         bool overflow = false;
         for (Vsp32s left = len; left > 0; left -= kBlock) {
             const Vsp32s count = left < kBlock ? left : kBlock;
-            const Outcome outcome = filterWrapping(lpc, lpcMagnitude, src, y, count, scaleFactor);
+            const Outcome outcome =
+                scaleFactor < 0 ? Outcome::uncertain : filterWrapping(lpc, lpcMagnitude, src, y, count, scaleFactor);
             if (outcome == Outcome::uncertain)
                 overflow |= filterSaturating(lpc, src, y, count, scaleFactor);
             else
