@@ -5,6 +5,11 @@ set(vspsc_level_sources
     src/amrwb/band_filters.cpp
     src/amrwb/emphasis.cpp
     src/amrwb/high_pass.cpp
+    src/amrwb/isf.cpp
+    src/amrwb/isf_decode.cpp
+    src/amrwb/isf_quant.cpp
+    src/amrwb/isp.cpp
+    src/amrwb/lp_analysis.cpp
     src/amrwb/lp_filters.cpp
     src/amrwb/resampling.cpp
     src/amrwb/state_sizes.cpp
@@ -139,6 +144,8 @@ set(vspsc_level_sources
     src/version/version.cpp)
 set(vspsc_common_sources
     src/amrwb/filter_tables.cpp
+    src/amrwb/isf_tables.cpp
+    src/amrwb/lp_tables.cpp
     src/common/tables.cpp
     src/core/api.cpp
     src/ec/subband_windows.cpp

@@ -42,9 +42,21 @@ struct PaddedSignal {
 
 constexpr Vsp64s kEnergyLimit = 1 << 30;  // from which on a doubled energy leaves 32 bits
 
-// r[k] = the doubled correlations of lags 0 .. lags-1, 1 added to the first, normalised by it, bit 0 cleared. While the
-// energy leaves 32 bits, the signal is divided by 4 first. norm: the left shift less 4 times the number of these divisions,
-// which is returned.
+// r[k] = the doubled correlations of lags 0 .. lags-1, 1 added to the first, normalised by it, bit 0 cleared. The energy is
+// below kEnergyLimit. Returns the left shift.
+template <int kMaxLen, int kMaxLags>
+VSP_INLINE int normaliseLags(const PaddedSignal<kMaxLen, kMaxLags>& signal, Vsp32s* r, int lags) {
+    Vsp32s sums[wholeLagGroups(kMaxLags)];
+    correlateLags(signal.samples, signal.len, sums, lags);  // none is above the energy, whatever it has summed
+    const Vsp32s r0 = 2 * sums[0] + 1;
+    const int shift = norm_32s_Pos(r0);
+    r[0] = splitValue(r0 << shift);
+    for (int k = 1; k < lags; k++) r[k] = 2 * sums[k] * (1 << shift);
+    return shift;
+}
+
+// The same of any signal, which is divided by 4 first while the energy leaves 32 bits. norm: the left shift less 4 times
+// the number of these divisions, which is returned.
 template <int kMaxLen, int kMaxLags>
 VSP_INLINE int normalisedAutoCorr(PaddedSignal<kMaxLen, kMaxLags>& signal, Vsp32s* r, int lags, Vsp32s* norm) {
     int divisions = 0;
@@ -52,13 +64,7 @@ VSP_INLINE int normalisedAutoCorr(PaddedSignal<kMaxLen, kMaxLags>& signal, Vsp32
         for (int i = 0; i < signal.len; i++) signal.samples[i] = Vsp16s(signal.samples[i] >> 2);
         divisions++;
     }
-    Vsp32s sums[wholeLagGroups(kMaxLags)];
-    correlateLags(signal.samples, signal.len, sums, lags);  // none is above the energy, whatever it has summed
-    const Vsp32s r0 = 2 * sums[0] + 1;
-    const int shift = norm_32s_Pos(r0);
-    r[0] = splitValue(r0 << shift);
-    for (int k = 1; k < lags; k++) r[k] = 2 * sums[k] * (1 << shift);
-    *norm = shift - 4 * divisions;
+    *norm = normaliseLags(signal, r, lags) - 4 * divisions;
     return divisions;
 }
 

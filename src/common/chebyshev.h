@@ -13,6 +13,9 @@ struct ChebyshevForm {
     Vsp16s addend;    // factor of a coefficient
     Vsp16s last;      // that of the last one
     int resultShift;  // right shift that leaves the result; it saturates to 16 bits
+    // Series of immittance spectral pairs: they begin with the first coefficient in place of `one`, steps take off low
+    // words after all else, and results do not get to -32768.
+    bool immittance = false;
 };
 
 constexpr int kMaxLspGrid = 64;  // points of a grid, with margin
@@ -27,17 +30,27 @@ struct LspPolynomial {
 template <int kHalf>
 [[gnu::noinline]] static Vsp16s chebyshevSaturating(const LspPolynomial<kHalf>& p, const ChebyshevForm& form, Vsp16s x) {
     Vsp32s b2 = form.one * 65536, b1 = mac_32s(Mul2_32s(x * form.slope), p.f[1], form.addend);
+    if (form.immittance) {
+        b2 = 2 * p.f[0] * form.addend;
+        b1 = mac_32s(Mul2_32s(mulSplit_32s16s(b2, x)), p.f[1], form.addend);
+    }
+    const auto low = [](Vsp32s b) { return 2 * ((b >> 1) & 0x7FFF); };
     // -b2, split as everything
-    const auto minus = [](Vsp32s sum, Vsp32s b) {
-        return Sub_32s(mac_32s(sum, Vsp16s(b >> 16), kMin16), 2 * ((b >> 1) & 0x7FFF));
-    };
+    const auto minus = [low](Vsp32s sum, Vsp32s b) { return Sub_32s(mac_32s(sum, Vsp16s(b >> 16), kMin16), low(b)); };
     for (int i = 2; i < kHalf; i++) {
-        const Vsp32s b0 = mac_32s(minus(Mul2_32s(mulSplit_32s16s(b1, x)), b2), p.f[i], form.addend);
+        Vsp32s b0 = mulSplit_32s16s(b1, x);
+        if (form.immittance) {
+            b0 = mac_32s(mac_32s(b0, Vsp16s(b2 >> 16), kMin16 / 2), p.f[i], form.addend / 2);
+            b0 = Sub_32s(Mul2_32s(b0), low(b2));
+        } else {
+            b0 = mac_32s(minus(Mul2_32s(b0), b2), p.f[i], form.addend);
+        }
         b2 = b1;
         b1 = b0;
     }
     const Vsp32s sum = mac_32s(minus(mulSplit_32s16s(b1, x), b2), p.f[kHalf], form.last);
-    return sat_16s(sum >> form.resultShift);
+    const Vsp16s value = sat_16s(sum >> form.resultShift);
+    return form.immittance && value == kMin16 ? Vsp16s(-kMax16) : value;
 }
 
 // The same in 64 bits, where the wide sums tell whether one of them saturates.
@@ -48,33 +61,50 @@ VSP_INLINE Vsp16s chebyshev(const LspPolynomial<kHalf>& p, const ChebyshevForm& 
         outside |= Vsp64u(a + 0x80000000LL);
         return a;
     };
-    Vsp64s b2 = form.one * 65536, b1 = note(2 * (x * form.slope + Vsp64s(p.f[1]) * form.addend));
+    const auto times = [&](Vsp64s b) { return ((b >> 1) * x) >> 15; };  // half the product
+    const auto sum = [&](Vsp64s product, Vsp64s b, Vsp64s coefficient, bool lowLast) {
+        const Vsp64s low = b & 0xFFFE, rest = note(product - (b & ~0xFFFFLL));
+        return lowLast ? note(note(rest + coefficient) - low) : note(note(rest - low) + coefficient);
+    };
+    Vsp64s b2 = form.one * 65536, b1 = 2 * x * form.slope;
+    if (form.immittance) {
+        b2 = 2 * p.f[0] * form.addend;
+        b1 = 4 * times(b2);
+    }
+    b1 = note(b1 + 2 * (Vsp64s(p.f[1]) * form.addend));
     for (int i = 2; i < kHalf; i++) {
-        const Vsp64s product = note(4 * (((b1 >> 1) * x) >> 15));
-        const Vsp64s b0 = note(note(product - (b2 & ~1LL)) + 2 * (p.f[i] * form.addend));
+        const Vsp64s b0 = sum(note(4 * times(b1)), b2, 2 * (p.f[i] * form.addend), form.immittance);
         b2 = b1;
         b1 = b0;
     }
-    const Vsp64s product = note(2 * (((b1 >> 1) * x) >> 15));
-    const Vsp64s sum = note(note(product - (b2 & ~1LL)) + 2 * (p.f[kHalf] * form.last));
+    const Vsp64s total = sum(note(2 * times(b1)), b2, 2 * (p.f[kHalf] * form.last), false);
     if (outside >> 32 != 0) [[unlikely]]
         return chebyshevSaturating(p, form, x);
-    return sat_16s(Vsp32s(sum) >> form.resultShift);
+    const Vsp16s value = sat_16s(Vsp32s(total) >> form.resultShift);
+    return form.immittance && value == kMin16 ? Vsp16s(-kMax16) : value;
 }
 
 // The values at the 16-bit elements of a vector. Where one may have saturated on the way a sign bit of outside is set.
 template <int kHalf, class V>
 VSP_INLINE V chebyshev(const LspPolynomial<kHalf>& p, const ChebyshevForm& form, V x, Wide<V>& outside) {
     using W = Wide<V>;
-    const W highs = W::splat(-0x10000), lows = W::splat(0x7FFF), even = W::splat(~1);
+    const W highs = W::splat(-0x10000), lows = W::splat(0x7FFF), doubledLows = W::splat(0xFFFE);
     const auto note = [&](auto bits) { outside.v = outside.v | bits; };
-    // a - b + c, and where that leaves 32 bits
-    const auto sum = [&](W a, W b, W c) {
-        b.v = b.v & even.v;
-        const W difference = sub(a, b), result = add(difference, c);
-        note((a.v ^ b.v) & (a.v ^ difference.v));
-        note(~(difference.v ^ c.v) & (difference.v ^ result.v));
+    const auto plus = [&](W a, W b) {
+        const W result = add(a, b);
+        note(~(a.v ^ b.v) & (a.v ^ result.v));
         return result;
+    };
+    const auto minusLow = [&](W a, W b) {
+        const W result = sub(a, W{b.v & doubledLows.v});
+        note(a.v & ~result.v);
+        return result;
+    };
+    // a - b + c, and where that leaves 32 bits
+    const auto sum = [&](W a, W b, W c, bool lowLast) {
+        const W high{b.v & highs.v}, difference = sub(a, high);
+        note((a.v ^ high.v) & (a.v ^ difference.v));
+        return lowLast ? minusLow(plus(difference, c), b) : plus(minusLow(difference, b), c);
     };
     // The pairs are each of the same element twice.
     const auto half = [&](V pairs) {
@@ -85,26 +115,37 @@ VSP_INLINE V chebyshev(const LspPolynomial<kHalf>& p, const ChebyshevForm& form,
             note((t.v ^ doubled.v) | (doubled.v ^ fourfold.v));
             return doubled;
         };
-        const W slope = dot2(pairs, V{W::splat(form.slope).v});  // the slope stands in the lower half of the pairs
-        W b2 = W::splat(form.one * 65536), b1 = add(add(slope, slope), W::splat(2 * p.f[1] * form.addend));
+        W b2, b1;
+        if (form.immittance) {
+            b2 = W::splat(2 * p.f[0] * form.addend);
+            const W doubled = product(b2);
+            b1 = add(doubled, doubled);
+        } else {
+            const W slope = dot2(pairs, V{W::splat(form.slope).v});  // the slope stands in the lower half of the pairs
+            b2 = W::splat(form.one * 65536);
+            b1 = add(slope, slope);
+        }
+        b1 = add(b1, W::splat(2 * p.f[1] * form.addend));
         for (int i = 2; i < kHalf; i++) {
-            const W doubled = product(b1), b0 = sum(add(doubled, doubled), b2, W::splat(2 * p.f[i] * form.addend));
+            const W doubled = product(b1), addend = W::splat(2 * p.f[i] * form.addend);
+            const W b0 = sum(add(doubled, doubled), b2, addend, form.immittance);
             b2 = b1;
             b1 = b0;
         }
-        return shr(sum(product(b1), b2, W::splat(2 * p.f[kHalf] * form.last)), form.resultShift);
+        return shr(sum(product(b1), b2, W::splat(2 * p.f[kHalf] * form.last), false), form.resultShift);
     };
-    return packSat(half(V{zipLo(x, x).v}), half(V{zipHi(x, x).v}));
+    const V values = packSat(half(V{zipLo(x, x).v}), half(V{zipHi(x, x).v}));
+    return form.immittance ? max(values, V::splat(-kMax16)) : values;
 }
 
-// Values at the points of a grid, which is padded to kMaxLspGrid.
-template <int kHalf>
+// Values at the points of a grid, which is padded to kGrid.
+template <int kGrid, int kHalf>
 VSP_INLINE void chebyshevOnGrid(const LspPolynomial<kHalf>& p, const ChebyshevForm& form, const Vsp16s* grid,
                                 Vsp16s* values) {
     Wide<S16> outside = Wide<S16>::splat(0);
-    for (int i = 0; i < kMaxLspGrid; i += S16::width) chebyshev(p, form, S16::load(grid + i), outside).store(values + i);
+    for (int i = 0; i < kGrid; i += S16::width) chebyshev(p, form, S16::load(grid + i), outside).store(values + i);
     if (anyNegative(outside)) [[unlikely]]
-        for (int i = 0; i < kMaxLspGrid; i++) values[i] = chebyshevSaturating(p, form, grid[i]);
+        for (int i = 0; i < kGrid; i++) values[i] = chebyshevSaturating(p, form, grid[i]);
 }
 
 }  // namespace vsp::VSP_LEVEL

@@ -5,22 +5,22 @@
 
 namespace vsp::VSP_LEVEL {
 
-// Points from the largest cosine down; padded to kMaxLspGrid.
+// Points from the largest cosine down; padded to the room that the search has.
 struct LspGrid {
     const Vsp16s* points;
     int count;
     int bisections;  // of the interval in which a root lies: 2 or 4
 };
 
-template <int kHalf>
+template <int kHalf, int kGrid = kMaxLspGrid>
 struct LspRootSearch {
     const LspPolynomial<kHalf> (&polynomials)[2];
     const ChebyshevForm& form;
     const LspGrid& grid;
-    Vsp16s values[2][kMaxLspGrid + 8];  // at the points of the grid
-    Vsp64u signChanges[2];              // bit j: between the points j - 1 and j
+    static constexpr int kMaxLeaves = 16, kWords = kGrid / 64;
 
-    static constexpr int kMaxLeaves = 16;
+    Vsp16s values[2][kGrid + 8];    // at the points of the grid
+    Vsp64u signChanges[2][kWords];  // bit j: between the points j - 1 and j
 
     struct Point {
         Vsp16s x, y;
@@ -34,12 +34,29 @@ struct LspRootSearch {
 
     [[gnu::always_inline]] void evaluateGrid() {
         for (int p = 0; p < 2; p++) {
-            chebyshevOnGrid(polynomials[p], form, grid.points, values[p]);
-            Vsp64u same = 0;  // bit j: at the points j and j + 1
-            for (int j = 0; j < kMaxLspGrid; j += 8)
-                same |= Vsp64u(sameSign(S16_128::load(values[p] + j), S16_128::load(values[p] + j + 1))) << j;
-            signChanges[p] = ~same << 1 & ((1ULL << grid.count) - 1);
+            chebyshevOnGrid<kGrid>(polynomials[p], form, grid.points, values[p]);
+            Vsp64u carried = 0;
+            for (int w = 0; w < kWords; w++) {
+                const Vsp16s* const word = values[p] + 64 * w;
+                Vsp64u same = 0;  // bit j: at the points j and j + 1 of the word
+                for (int j = 0; j < 64; j += 8)
+                    same |= Vsp64u(sameSign(S16_128::load(word + j), S16_128::load(word + j + 1))) << j;
+                const int points = grid.count - 64 * w;
+                signChanges[p][w] = (~same << 1 | carried) & (points < 64 ? (1ULL << points) - 1 : ~0ULL);
+                carried = ~same >> 63;
+            }
         }
+    }
+
+    // The first sign change at point j or behind it; kGrid if there is none.
+    [[gnu::always_inline]] int nextChange(int polynomial, int j) const {
+        Vsp64u earlier = (1ULL << (j % 64)) - 1;
+        for (int w = j / 64; w < kWords; w++) {
+            const Vsp64u changes = signChanges[polynomial][w] & ~earlier;
+            if (changes != 0) return 64 * w + __builtin_ctzll(changes);
+            earlier = 0;
+        }
+        return kGrid;
     }
 
     // The interval of the last bisection. All points that the bisections may need are evaluated at once, and nothing
@@ -140,9 +157,8 @@ struct LspRootSearch {
         while (j + 1 < grid.count) {
             j++;
             if (!changesSign(values[polynomial][j], reached.y)) {
-                const Vsp64u further = signChanges[polynomial] >> j >> 1;
-                if (further == 0) break;
-                j += 1 + __builtin_ctzll(further);
+                j = nextChange(polynomial, j + 1);
+                if (j == kGrid) break;
                 reached = {grid.points[j - 1], values[polynomial][j - 1]};
             }
             const Vsp16s root = rootBetween(polynomial, {grid.points[j], values[polynomial][j]}, reached);

@@ -6,17 +6,22 @@
 
 namespace vsp::VSP_LEVEL {
 
-// The product of 1 - 2 * lsp * z^-1 + z^-2 over every second element of lsp, up to the middle coefficient, Q24.
-template <int kHalf>
+// The product of 1 - 2 * lsp * z^-1 + z^-2 over every second element of lsp, up to the middle coefficient, in Q(kFormat).
+// kProductFirst: of the two terms of a step the product is subtracted first.
+template <int kHalf, int kFormat = 24, bool kProductFirst = false>
 VSP_INLINE void lspProduct(const Vsp16s* lsp, Vsp32s* f) {
-    f[0] = 1 << 24;
-    f[1] = -1024 * lsp[0];
+    constexpr int kSlope = 1 << (kFormat - 14);
+    f[0] = 1 << kFormat;
+    f[1] = -kSlope * lsp[0];
     for (int i = 2; i <= kHalf; i++) {
         const Vsp16s q = lsp[2 * (i - 1)];
         f[i] = f[i - 2];
-        for (int j = i; j >= 2; j--)
-            f[j] = subRare_32s(addRare_32s(f[j], f[j - 2]), Mul2_32s(mulSplit_32s16s(f[j - 1], q)));
-        f[1] = subRare_32s(f[1], 1024 * q);
+        for (int j = i; j >= 2; j--) {
+            const Vsp32s product = Mul2_32s(mulSplit_32s16s(f[j - 1], q));
+            f[j] = kProductFirst ? addRare_32s(subRare_32s(f[j], product), f[j - 2])
+                                 : subRare_32s(addRare_32s(f[j], f[j - 2]), product);
+        }
+        f[1] = subRare_32s(f[1], kSlope * q);
     }
 }
 

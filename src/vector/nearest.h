@@ -29,7 +29,14 @@ class Smallest {
         offer(1, hi, indexHi);
     }
 
-    [[gnu::always_inline]] int index() const {
+    struct Found {
+        Vsp32s value;
+        int index;
+    };
+
+    [[gnu::always_inline]] int index() const { return found().index; }
+
+    [[gnu::always_inline]] Found found() const {
         Vsp32s values[2][S32::width], indices[2][S32::width];
         for (int h = 0; h < 2; h++) {
             values_[h].store(values[h]);
@@ -42,7 +49,7 @@ class Smallest {
                     value = values[h][i];
                     index = indices[h][i];
                 }
-        return index;
+        return {value, index};
     }
 
   private:
