@@ -4,10 +4,10 @@
 #include "arithmetic/standard_ops.h"
 #include "common/exports.h"
 #include "common/inv_sqrt.h"
+#include "common/random.h"
 #include "g729/adaptive_vector.h"
 #include "g729/constants.h"
 #include "g729/exports.h"
-#include "g729/random.h"
 
 namespace vsp::VSP_LEVEL {
 

@@ -1,9 +1,9 @@
 // The code vectors of the four-pulse codebook (G.729 4.1.4) and those of Annexes D and E, and the codes that stand for
 // those of an erased frame (4.4.4).
+#include "common/random.h"
 #include "core/checks.h"
 #include "g729/exports.h"
 #include "g729/fixed_codebook.h"
-#include "g729/random.h"
 #include "g729/tables.h"
 
 namespace vsp::VSP_LEVEL {

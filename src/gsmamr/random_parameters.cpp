@@ -1,4 +1,5 @@
 // Random parameters for frames that did not arrive (`build_CN_param`).
+#include "common/random.h"
 #include "common/tables.h"
 #include "core/checks.h"
 #include "gsmamr/exports.h"
@@ -15,7 +16,7 @@ static int rateNumber(Vsp32s mode) {
 VspStatus vspsRandomParameters_GSMAMR_16s(Vsp32s mode, Vsp16s* pSeed, Vsp16s* pParam) {
     if (anyNull(pSeed, pParam)) return vspStsNullPtrErr;
     if (!isSpeechMode(mode)) return vspStsRangeErr;
-    *pSeed = Vsp16s(*pSeed * 31821 + 13849);
+    ownRandom(pSeed);
     const Vsp16s* const values = hammingCosine + (*pSeed & 127);
     const ParameterBits& parameters = parameterBits[rateNumber(mode)];
     for (int i = 0; i < parameters.count; i++) pParam[i] = Vsp16s(values[i] & ((1 << parameters.bits[i]) - 1));

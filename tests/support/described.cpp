@@ -48,6 +48,12 @@ Function Function::stream(const std::string& file, int kind, std::vector<Place> 
     return f;
 }
 
+Function Function::operation(const std::string& file, int number) const {
+    Function f = stream(file, number);
+    f.recordings.back().startsWithKind = true;
+    return f;
+}
+
 Function Function::notRecorded() const {
     Function f = *this;
     f.withoutRecordings = true;

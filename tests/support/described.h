@@ -256,11 +256,12 @@ inline Place unrecorded() { return {}; }
 // A file of recorded calls, tests/<family>/data/<file>.vec.
 struct Recording {
     std::string file;
-    bool stream = false;        // the cases belong to one state and begin with a start mark
-    int kind = -1;              // behind the start mark of a stream that several functions share
-    std::vector<Place> places;  // of the arguments; none: in the usual order
-    int statusItem = -1;        // where places are given
-    Initialiser initialise;     // in place of the state's
+    bool stream = false;          // the cases belong to one state and begin with a start mark
+    int kind = -1;                // behind the start mark of a stream that several functions share
+    std::vector<Place> places;    // of the arguments; none: in the usual order
+    int statusItem = -1;          // where places are given
+    Initialiser initialise;       // in place of the state's
+    bool startsWithKind = false;  // there is no start mark: the calls of the stream include the initialiser's
 };
 
 union Cell {
@@ -298,6 +299,8 @@ struct Function {
     }
     Function stream(const std::string& file, int kind = -1, std::vector<Place> places = {}, int statusItem = -1,
                     Initialiser initialise = {}) const;
+    // A stream whose calls begin with the number of their function, one of which initialises the state.
+    Function operation(const std::string& file, int number) const;
     Function notRecorded() const;
     Function recordedWithNames() const;  // the layout of arguments with names
 

@@ -38,14 +38,17 @@ Bytes converted(const Item& item, char type, int element) {
     return bytes;
 }
 
-// Inputs in the order of the arguments, the status, and what is written.
-std::vector<Place> usualPlaces(const Function& f, int first, int& statusItem) {
+// Inputs in the order of the arguments, the status, and what is written. Where there is an item less, none is the status,
+// which is 0.
+std::vector<Place> usualPlaces(const Function& f, int first, int count, int& statusItem) {
     std::vector<Place> places(f.arguments.size());
     for (std::size_t i = 0; i < places.size(); i++) {
         const Kind kind = f.arguments[i].kind;
         if (kind == Kind::value || kind == Kind::in || kind == Kind::io) places[i].before = first++;
     }
-    statusItem = first++;
+    const auto written = std::count_if(f.arguments.begin(), f.arguments.end(),
+                                       [](const Argument& a) { return a.kind == Kind::out || a.kind == Kind::io; });
+    statusItem = count == first + int(written) ? -1 : first++;
     for (std::size_t i = 0; i < places.size(); i++) {
         const Kind kind = f.arguments[i].kind;
         if (kind != Kind::out && kind != Kind::io) continue;
@@ -68,9 +71,10 @@ RecordedCall fromItems(const Function& f, const Recording& recording, const Item
         Call(f), 0, vspStsNoErr, std::vector<std::optional<RecordedCall::Expected>>(f.arguments.size()), {}};
     Call& call = recorded.call;
     int first = 0, statusItem = recording.statusItem;
-    if (recording.stream) recorded.start = int(integerAt(items.at(std::size_t(first++)).bytes, items[0].type, 0));
+    if (recording.stream && !recording.startsWithKind)
+        recorded.start = int(integerAt(items.at(std::size_t(first++)).bytes, items[0].type, 0));
     if (recording.kind >= 0) first++;
-    const auto places = recording.places.empty() ? usualPlaces(f, first, statusItem) : recording.places;
+    const auto places = recording.places.empty() ? usualPlaces(f, first, int(items.size()), statusItem) : recording.places;
     if (places.size() != f.arguments.size()) throw std::runtime_error("there are more or fewer places than arguments");
     const auto itemAt = [&](int number) -> const Item& { return items.at(std::size_t(number)); };
     if (statusItem >= 0) recorded.status = VspStatus(integerAt(itemAt(statusItem).bytes, 'i', 0));
@@ -190,7 +194,8 @@ std::vector<RecordedCall> RecordedFile::calls() const {
         for (const Items& items : readItemCases(name)) {
             auto user = users.begin();
             if (user->second->kind >= 0) {
-                const int kind = int(integerAt(items.at(1).bytes, items.at(1).type, 0));
+                const Item& item = items.at(user->second->startsWithKind ? 0 : 1);
+                const int kind = int(integerAt(item.bytes, item.type, 0));
                 user = std::find_if(users.begin(), users.end(), [&](const auto& u) { return u.second->kind == kind; });
                 if (user == users.end()) throw std::runtime_error("no function has kind " + std::to_string(kind));
             }
