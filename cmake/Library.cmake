@@ -4,6 +4,8 @@ set(vspsc_level_sources
     src/alc/alc.cpp
     src/amrwb/band_filters.cpp
     src/amrwb/emphasis.cpp
+    src/amrwb/excitation_enhancement.cpp
+    src/amrwb/high_band.cpp
     src/amrwb/high_pass.cpp
     src/amrwb/isf.cpp
     src/amrwb/isf_decode.cpp
@@ -11,8 +13,10 @@ set(vspsc_level_sources
     src/amrwb/isp.cpp
     src/amrwb/lp_analysis.cpp
     src/amrwb/lp_filters.cpp
+    src/amrwb/phase_dispersion.cpp
     src/amrwb/resampling.cpp
     src/amrwb/state_sizes.cpp
+    src/amrwb/vad.cpp
     src/common/adaptive_vector.cpp
     src/common/auto_corr.cpp
     src/common/auto_scale.cpp
@@ -146,6 +150,7 @@ set(vspsc_common_sources
     src/amrwb/filter_tables.cpp
     src/amrwb/isf_tables.cpp
     src/amrwb/lp_tables.cpp
+    src/amrwb/phase_dispersion_tables.cpp
     src/common/tables.cpp
     src/core/api.cpp
     src/ec/subband_windows.cpp

@@ -9,6 +9,7 @@
 #include "vspsc/amrwb/algebraic_codebook.h"
 #include "vspsc/amrwb/cng.h"
 #include "vspsc/amrwb/dtx.h"
+#include "vspsc/amrwb/enhancement.h"
 #include "vspsc/amrwb/excitation.h"
 #include "vspsc/amrwb/filters.h"
 #include "vspsc/amrwb/gain.h"

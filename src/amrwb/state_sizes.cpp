@@ -5,6 +5,5 @@
 namespace vsp::VSP_LEVEL {
 
 VspStatus vspsAdaptiveCodebookDecodeGetSize_AMRWB_16s(Vsp32s* pSize) { return fixedSize(pSize, 24); }
-VspStatus vspsVADGetSize_AMRWB_16s(Vsp32s* pSize) { return fixedSize(pSize, 172); }
 
 }  // namespace vsp::VSP_LEVEL

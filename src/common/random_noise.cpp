@@ -1,6 +1,7 @@
 // Comfort-noise excitation of G.729 Annex B (B.4.4).
 #include "arithmetic/basic_ops.h"
 #include "common/exports.h"
+#include "common/random.h"
 #include "core/checks.h"
 #include "vector/for_blocks.h"
 #include "vector/simd.h"
@@ -8,21 +9,6 @@
 namespace vsp::VSP_LEVEL {
 
 namespace {
-
-// k steps of the generator seed = seed * 31821 + 13849, modulo 2^16.
-struct Steps {
-    Vsp16u mul, add;
-};
-
-constexpr Steps generatorSteps(int k) {
-    Vsp32u mul = 1, add = 0;
-    for (; k > 0; k--) {
-        mul = mul * 31821 & 0xFFFF;
-        add = (add * 31821 + 13849) & 0xFFFF;
-    }
-    return {Vsp16u(mul), Vsp16u(add)};
-}
-static_assert(Vsp16s(generatorSteps(48).mul) == -26431 && Vsp16s(generatorSteps(48).add) == -8048);
 
 constexpr int kStepsPerElement = 12;
 
@@ -38,7 +24,7 @@ constexpr GroupTables makeGroupTables() {
     GroupTables t{};
     for (int k = 0; k < kStepsPerElement; k++)
         for (int j = 0; j < W; j++) {
-            const Steps s = generatorSteps(kStepsPerElement * j + k + 1);
+            const GeneratorSteps s = generatorSteps(kStepsPerElement * j + k + 1);
             t.randMul[k / 2][2 * j + k % 2] = Vsp16s(s.mul);
             t.randAdd[k / 2][2 * j + k % 2] = Vsp16s(s.add);
         }

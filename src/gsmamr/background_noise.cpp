@@ -1,9 +1,9 @@
 // Tells background noise from speech in the decoder (`Bgn_scd`).
 #include "arithmetic/standard_ops.h"
+#include "common/history.h"
+#include "common/median.h"
 #include "core/checks.h"
 #include "gsmamr/exports.h"
-#include "gsmamr/history.h"
-#include "gsmamr/median.h"
 #include "vector/dot.h"
 
 namespace vsp::VSP_LEVEL {

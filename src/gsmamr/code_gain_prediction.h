@@ -2,8 +2,8 @@
 #pragma once
 
 #include "arithmetic/split_32.h"
+#include "common/history.h"
 #include "core/level.h"
-#include "gsmamr/history.h"
 #include "gsmamr/mode_checks.h"
 
 namespace vsp::VSP_LEVEL {

@@ -1,9 +1,9 @@
 // Smooths the code gain where the spectrum is steady (`Cb_gain_average`; 3GPP TS 26.090, 6.1).
 #include "arithmetic/standard_ops.h"
+#include "common/history.h"
 #include "core/checks.h"
 #include "gsmamr/exports.h"
 #include "gsmamr/frame_flags.h"
-#include "gsmamr/history.h"
 #include "gsmamr/mode_checks.h"
 
 namespace vsp::VSP_LEVEL {

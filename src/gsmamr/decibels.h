@@ -1,8 +1,8 @@
 // Levels of many channels in dB, Q8, and back: ownLog2 and ownPow2 in a form without branches, which compilers vectorise.
 #pragma once
 
+#include "common/sum_of_positive.h"
 #include "core/level.h"
-#include "gsmamr/sum_of_positive.h"
 #include "gsmamr/tables.h"
 
 namespace vsp::VSP_LEVEL {

@@ -1,11 +1,11 @@
 // Keeps the excitation of doubtful frames in background noise at the energy of those before (`Ex_ctrl`).
 #include "arithmetic/standard_ops.h"
+#include "common/history.h"
 #include "common/lengths.h"
+#include "common/median.h"
 #include "core/checks.h"
 #include "gsmamr/exports.h"
 #include "gsmamr/frame_flags.h"
-#include "gsmamr/history.h"
-#include "gsmamr/median.h"
 #include "gsmamr/mode_checks.h"
 #include "gsmamr/square_root.h"
 #include "vector/dot.h"

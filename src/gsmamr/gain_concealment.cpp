@@ -1,9 +1,9 @@
 // Replaces the gains of lost frames and tames those after one (`ec_gain_pitch`, `ec_gain_code`).
 #include "arithmetic/standard_ops.h"
+#include "common/history.h"
+#include "common/median.h"
 #include "core/checks.h"
 #include "gsmamr/exports.h"
-#include "gsmamr/history.h"
-#include "gsmamr/median.h"
 
 namespace vsp::VSP_LEVEL {
 

@@ -1,9 +1,9 @@
 // The gains at 7.95 kbit/s: quantised on the target first, then the code gain once more so that the energy of the
 // excitation stays where the long-term prediction is weak (`MR795_gain_quant`, `gain_adapt`).
+#include "common/history.h"
+#include "common/median.h"
 #include "gsmamr/gain_quant.h"
 #include "gsmamr/gain_tables.h"
-#include "gsmamr/history.h"
-#include "gsmamr/median.h"
 #include "gsmamr/pitch_gain_index.h"
 #include "gsmamr/square_root.h"
 

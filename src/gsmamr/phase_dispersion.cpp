@@ -1,9 +1,9 @@
 // Spreads the pulses of the code where the pitch gain is low, and forms the excitation (`ph_disp`; 3GPP TS 26.090, 6.1).
 #include "arithmetic/standard_ops.h"
+#include "common/history.h"
 #include "common/lengths.h"
 #include "core/checks.h"
 #include "gsmamr/exports.h"
-#include "gsmamr/history.h"
 #include "gsmamr/mode_checks.h"
 #include "gsmamr/phase_dispersion_tables.h"
 

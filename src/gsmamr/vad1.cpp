@@ -2,7 +2,6 @@
 #include "core/checks.h"
 #include "gsmamr/exports.h"
 #include "gsmamr/noise_estimate.h"
-#include "gsmamr/sum_of_positive.h"
 #include "gsmamr/vad1_filter_bank.h"
 #include "vector/dot.h"
 
@@ -25,34 +24,9 @@ constexpr Vsp16s kCorrHigh = 19660;      // 0.6
 constexpr Vsp16s kCorrSpeech = 21298;    // 0.65
 constexpr Vsp16s kCorrVeryHigh = 22936;  // 0.7
 
-// The ratio for an estimate of 0 or less, which only a foreign record has: the largest quotient, shifted alike.
-VSP_INLINE Vsp32s snrWithoutNoise(Vsp16s noise) {
-    const int e = norm_16s(noise);
-    return e > 5 ? kMax16 : kMax16 >> (5 - e);
-}
-
-// The level of each band over its noise. The standard normalises the estimate by e bits, divides and shifts left by e - 5
-// with saturation. Where that goes to the right it comes to one division; otherwise the quotient has fewer bits before the
-// shift. The dividend has 24 bits, so that no quotient is rounded up to an integer.
-VSP_INLINE void bandSnr(const Vsp16s level[kVad1Bands], const Vsp16s noise[kVad1Bands], Vsp32s snr[kVad1Bands]) {
-    for (int b = 0; b < kVad1Bands; b++) {
-        const Vsp32f divisor = Vsp32f(noise[b] > 0 ? noise[b] : 1);
-        const int exponent = (__builtin_bit_cast(Vsp32s, divisor) >> 23) - 127, left = exponent < 9 ? 9 - exponent : 0;
-        const Vsp32s half = level[b] > 0 ? level[b] >> 1 : 0;
-        const Vsp32s ratio = Vsp32s(Vsp32f(half << (10 - left)) / divisor) << left;
-        snr[b] = ratio < kMax16 ? ratio : kMax16;
-    }
-    for (int b = 0; b < kVad1Bands; b++)
-        if (noise[b] <= 0) snr[b] = snrWithoutNoise(noise[b]);
-}
-
 VSP_INLINE Vsp16s snrSum(const Vsp16s level[kVad1Bands], const Vsp16s noise[kVad1Bands]) {
     constexpr Vsp16s kOneNinth = 3641;
-    Vsp32s snr[kVad1Bands];
-    bandSnr(level, noise, snr);
-    for (Vsp32s& ratio : snr) ratio *= ratio;
-    const Vsp32s sum = Mul2_32s(sumOfPositive<kVad1Bands>(snr));
-    const Vsp32s scaled = Cnvrt_64s32s(Vsp64s(sum) * 64);
+    const Vsp32s scaled = Cnvrt_64s32s(Vsp64s(bandSnrEnergy<kVad1Bands, 10>(level, noise)) * 64);
     return Vsp16s(Mul_16s_Sfs(Vsp16s(scaled >> 16), kOneNinth, 15));
 }
 

@@ -6,7 +6,7 @@
 // group of samples. Only the memories are computed one after the other; the results follow from them for a group at once.
 #pragma once
 
-#include "gsmamr/signal_level.h"
+#include "common/band_levels.h"
 #include "vector/simd.h"
 
 namespace vsp::VSP_LEVEL {
@@ -165,23 +165,14 @@ VSP_INLINE void addMagnitudes(Vad1Sums& sums, Vad1Group x) {
 // The band levels from the sums over the frame without its end and over its end.
 VSP_INLINE void ownCalculateLevels_GSMAMR_M7(const Vad1Sums& frame, const Vad1Sums& end, Vsp16s subLevel[kVad1Bands],
                                              Vsp16s level[kVad1Bands]) {
-    static constexpr struct {
-        int place, step, scale;
-    } kBands[kVad1Bands] = {{0, 16, 16}, {8, 16, 16}, {12, 16, 16}, {4, 16, 16}, {6, 8, 16},
-                            {2, 8, 16},  {3, 8, 16},  {7, 8, 16},   {1, 4, 15}};
+    static constexpr BandPlaces kBands[kVad1Bands] = {{0, 16, 16}, {8, 16, 16}, {12, 16, 16}, {4, 16, 16}, {6, 8, 16},
+                                                      {2, 8, 16},  {3, 8, 16},  {7, 8, 16},   {1, 4, 15}};
     Vsp32s frameSums[kVad1Group], endSums[kVad1Group];
     for (int i = 0; i < 4; i++) {
         frame.places[i].store(frameSums + 4 * i);
         end.places[i].store(endSums + 4 * i);
     }
-    for (int b = 0; b < kVad1Bands; b++) {
-        Vsp32s inFrame = 0, atEnd = 0;
-        for (int place = kBands[b].place; place < kVad1Group; place += kBands[b].step) {
-            inFrame += frameSums[place];
-            atEnd += endSums[place];
-        }
-        level[b] = ownSignalLevel_GSMAMR_16s(inFrame, atEnd, kBands[b].scale, &subLevel[b]);
-    }
+    ownBandLevels(kBands, frameSums, endSums, subLevel, level);
 }
 
 VSP_INLINE void ownVadFilterBank_GSMAMR_16s(const Vsp16s* frame, VspGSMAMRVad1State& s, Vsp16s level[kVad1Bands]) {

@@ -3,9 +3,9 @@
 
 #include <utility>
 
+#include "common/sum_of_positive.h"
 #include "gsmamr/decibels.h"
 #include "gsmamr/exports.h"
-#include "gsmamr/sum_of_positive.h"
 #include "gsmamr/tables.h"
 #include "vector/magnitude.h"
 
