@@ -2,11 +2,20 @@
 
 set(vspsc_level_sources
     src/alc/alc.cpp
+    src/amrwb/adaptive_codebook_gain.cpp
+    src/amrwb/adaptive_codebook_search.cpp
+    src/amrwb/adaptive_vector.cpp
+    src/amrwb/algebraic_codebook_decode.cpp
     src/amrwb/band_filters.cpp
+    src/amrwb/delay_encode.cpp
     src/amrwb/emphasis.cpp
+    src/amrwb/excitation.cpp
     src/amrwb/excitation_enhancement.cpp
+    src/amrwb/filtered_excitation.cpp
+    src/amrwb/gain_quant.cpp
     src/amrwb/high_band.cpp
     src/amrwb/high_pass.cpp
+    src/amrwb/impulse_response.cpp
     src/amrwb/isf.cpp
     src/amrwb/isf_decode.cpp
     src/amrwb/isf_quant.cpp
@@ -14,6 +23,8 @@ set(vspsc_level_sources
     src/amrwb/lp_analysis.cpp
     src/amrwb/lp_filters.cpp
     src/amrwb/phase_dispersion.cpp
+    src/amrwb/pitch_gain_clip.cpp
+    src/amrwb/pitch_sharpen.cpp
     src/amrwb/resampling.cpp
     src/amrwb/state_sizes.cpp
     src/amrwb/vad.cpp
@@ -148,9 +159,11 @@ set(vspsc_level_sources
     src/version/version.cpp)
 set(vspsc_common_sources
     src/amrwb/filter_tables.cpp
+    src/amrwb/gain_tables.cpp
     src/amrwb/isf_tables.cpp
     src/amrwb/lp_tables.cpp
     src/amrwb/phase_dispersion_tables.cpp
+    src/amrwb/pitch_tables.cpp
     src/common/tables.cpp
     src/core/api.cpp
     src/ec/subband_windows.cpp

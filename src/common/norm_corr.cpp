@@ -2,28 +2,17 @@
 
 #include "arithmetic/basic_ops.h"
 #include "common/exports.h"
+#include "common/filtered_lags.h"
 #include "common/inv_sqrt.h"
 #include "common/lengths.h"
-#include "vector/dot.h"
 #include "vector/magnitude.h"
 
 namespace vsp::VSP_LEVEL {
 
 namespace {
 
-// The filtered excitation moves through a row of cells: that of the first lag fills the last 40, each further lag begins
-// one cell earlier. A cell then only ever grows by what the new sample contributes to it, and no element moves. Cells
-// behind the 40 are stale. Impulse response, target and a mask of the 40 lie between zeros, to be read at any offset from
-// the cells.
 constexpr int kCells = 64;
 constexpr int kFirst = kCells - kL_subfr;  // what longer searches need beyond that, they get by moving the 40 back
-
-struct Padded {
-    alignas(64) Vsp16s cells[2 * kCells];
-
-    Vsp16s* middle() { return cells + kCells; }
-    const Vsp16s* from(int first) const { return cells + kCells - first; }
-};
 
 // Shifts that turn the product of h[i] and e, shifted right by 12 or 14, into the high half of the product of h[i] << ofH
 // and e << ofE; ofE is negative if neither that nor h[0] = 4096 fits 16 bits.
@@ -43,28 +32,6 @@ VSP_INLINE V shiftedProduct(V h, V e, int shift) {
     return packSat(shr(zipLo(lo, hi), shift), shr(zipHi(lo, hi), shift));
 }
 
-// What a lag gives: <x, f> modulo 2^32 and <f, f>.
-struct Products {
-    Vsp32s targetFiltered;
-    Vsp64s filteredFiltered;
-};
-
-// cells[i] += contribution(h[i]), saturated, and the products of the new filtered excitation.
-template <class Contribution>
-VSP_INLINE Products addSample(Vsp16s* cells, const Vsp16s* h, const Vsp16s* x, const Vsp16s* mask,
-                              Contribution contribution) {
-    S32 xf = S32::splat(0);
-    S64 ff = S64::splat(0);
-    for (int i = 0; i < kCells; i += S16::width) {
-        const S16 f = addSat(S16::load(cells + i), contribution(S16::load(h + i)));
-        f.store(cells + i);
-        xf = add(xf, dot2(f, S16::load(x + i)));
-        const S16 current{f.v & S16::load(mask + i).v};
-        ff = add(ff, addHalves(S64{dot2(current, current).v}));  // unsigned: 2 * (-32768)^2 is 2^31
-    }
-    return {sum(xf), sum(ff)};
-}
-
 }  // namespace
 
 void ownNorm_Corr(const Vsp16s* excitation, const Vsp16s* target, const Vsp16s* impulse, int t_min, int t_max,
@@ -82,7 +49,7 @@ void ownNorm_Corr(const Vsp16s* excitation, const Vsp16s* target, const Vsp16s* 
     // The element that a lag adds in front is e or e >> 2, as h[0] = 1 in Q12 gives it.
     const HighHalf high =
         highHalf(maxMagnitude(impulse, kL_subfr), maxMagnitude(excitation - t_max, t_max - t_min + 1), shift);
-    Padded h{}, x{}, mask{};
+    Padded<kCells> h{}, x{}, mask{};
     const int scaleOfH = high.ofE < 0 ? 0 : high.ofH;
     for (int i = 0; i < kL_subfr; i++) {
         h.middle()[i] = Vsp16s((i == 0 ? 4096 : impulse[i]) << scaleOfH);
@@ -98,7 +65,7 @@ void ownNorm_Corr(const Vsp16s* excitation, const Vsp16s* target, const Vsp16s* 
             for (int i = 0; i < kFirst; i++) cells[i] = 0;
         }
         const auto add = [&](auto contribution) {
-            return addSample(cells, h.from(first), x.from(first), mask.from(first), contribution);
+            return addSample<kCells>(cells, h.from(first), x.from(first), mask.from(first), contribution);
         };
         const Vsp16s e = excitation[-k];
         Products products;

@@ -95,12 +95,16 @@ VSP_INLINE void transpose(S16_128 (&m)[8]) {
 VSP_INLINE S16_128 select(S16_128 which, S16_128 a, S16_128 b) { return {_mm_blendv_epi8(b.v, a.v, which.v)}; }
 
 // (a * b) >> 15, which wraps for -32768 * -32768 only.
-VSP_INLINE S16_128 mulShift15(S16_128 a, S16_128 b) { return {(shl(mulHi(a, b), 1).v | shrU(mulLo(a, b), 15).v)}; }
+template <class V>
+VSP_INLINE V mulShift15(V a, V b) {
+    return {shl(mulHi(a, b), 1).v | shrU(mulLo(a, b), 15).v};
+}
 
-// (a * b) >> 15, saturated (mult of the standards).
-VSP_INLINE S16_128 mulShift15Sat(S16_128 a, S16_128 b) {
-    const __m128i product = mulShift15(a, b).v;
-    return {_mm_xor_si128(product, _mm_cmpeq_epi16(product, _mm_set1_epi16(-0x8000)))};
+// (a * b) >> 15, saturated (mult of the standards): what wraps turns into 32767 on the way down by one and up.
+template <class V>
+VSP_INLINE V mulShift15Sat(V a, V b) {
+    const V minusOne = V::splat(-1);
+    return subSat(add(mulShift15(a, b), minusOne), minusOne);
 }
 
 }  // namespace vsp::VSP_LEVEL
