@@ -2,16 +2,21 @@
 
 set(vspsc_level_sources
     src/alc/alc.cpp
+    src/amrwb/adaptive_codebook_decode.cpp
     src/amrwb/adaptive_codebook_gain.cpp
     src/amrwb/adaptive_codebook_search.cpp
     src/amrwb/adaptive_vector.cpp
     src/amrwb/algebraic_codebook_decode.cpp
     src/amrwb/band_filters.cpp
+    src/amrwb/comfort_noise_decode.cpp
     src/amrwb/delay_encode.cpp
+    src/amrwb/dtx.cpp
     src/amrwb/emphasis.cpp
     src/amrwb/excitation.cpp
     src/amrwb/excitation_enhancement.cpp
+    src/amrwb/excitation_scale.cpp
     src/amrwb/filtered_excitation.cpp
+    src/amrwb/gain_decode.cpp
     src/amrwb/gain_quant.cpp
     src/amrwb/high_band.cpp
     src/amrwb/high_pass.cpp
@@ -26,7 +31,6 @@ set(vspsc_level_sources
     src/amrwb/pitch_gain_clip.cpp
     src/amrwb/pitch_sharpen.cpp
     src/amrwb/resampling.cpp
-    src/amrwb/state_sizes.cpp
     src/amrwb/vad.cpp
     src/common/adaptive_vector.cpp
     src/common/auto_corr.cpp

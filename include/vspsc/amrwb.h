@@ -6,6 +6,7 @@
 #define VSPSC_AMRWB_H
 
 #include "vspsc/amrwb/adaptive_codebook.h"
+#include "vspsc/amrwb/adaptive_codebook_decode.h"
 #include "vspsc/amrwb/algebraic_codebook.h"
 #include "vspsc/amrwb/cng.h"
 #include "vspsc/amrwb/dtx.h"
@@ -13,6 +14,7 @@
 #include "vspsc/amrwb/excitation.h"
 #include "vspsc/amrwb/filters.h"
 #include "vspsc/amrwb/gain.h"
+#include "vspsc/amrwb/gain_decode.h"
 #include "vspsc/amrwb/high_band.h"
 #include "vspsc/amrwb/isf_quant.h"
 #include "vspsc/amrwb/isp.h"

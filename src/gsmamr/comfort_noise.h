@@ -1,14 +1,10 @@
 // What both sides of discontinuous transmission share (3GPP TS 26.092).
 #pragma once
 
-#include "arithmetic/standard_ops.h"
-#include "core/level.h"
+#include "common/dtx.h"
 #include "vector/dot.h"
 
 namespace vsp::VSP_LEVEL {
-
-constexpr int kDtxHistory = 8;      // frames that a silence descriptor describes
-constexpr Vsp16s kDtxHangover = 7;  // frames of speech before it
 
 VSP_INLINE void resetLsp(Vsp16s* lsp) {
     static constexpr Vsp16s kStart[10] = {30000, 26000, 21000, 15000, 8000, 0, -8000, -15000, -21000, -26000};
@@ -32,7 +28,5 @@ VSP_INLINE void setPredictor(Vsp16s* pred, Vsp16s level) {
         pred[4 + i] = Mul_16s(5443, decibels);
     }
 }
-
-VSP_INLINE Vsp16s nextInHistory(Vsp16s index) { return Vsp16s((index + 1) & (kDtxHistory - 1)); }
 
 }  // namespace vsp::VSP_LEVEL

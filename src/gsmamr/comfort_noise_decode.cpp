@@ -13,11 +13,8 @@ namespace vsp::VSP_LEVEL {
 
 namespace {
 
-enum FrameType { kGood, kDegraded, kOnset, kBad, kSidFirst, kSidUpdate, kSidBad, kNoData };
-enum Synthesis { kSpeech, kDtx, kMuted };
-
 constexpr int kFrame = 160;
-constexpr Vsp16s kLongestPeriod = 32;
+constexpr FrameType kOnset = kLost;
 
 // Level of the noise by bit rate: what the coding of noise loses.
 Vsp16s levelAdjustment(Vsp32s mode) {
@@ -50,9 +47,6 @@ void copy(const Vsp16s* from, Vsp16s* to) {
     for (int i = 0; i < kLsfOrder; i++) to[i] = from[i];
 }
 
-// The inverse of a number of frames, Q15 of 1024.
-Vsp16s inverseOf(Vsp16s frames) { return Div_16s(1 << 10, shl_16s(frames, 10)); }
-
 // --- A first silence descriptor after hangover: the noise is what the speech decoder made of it
 // ----------------------------
 
@@ -79,14 +73,10 @@ void takeHistory(State& s, Vsp32s mode) {
     s.levelHistory[nextInHistory(s.newestLevel)] = s.levelHistory[s.newestLevel & (kDtxHistory - 1)];
 
     s.level = 0;
-    Vsp32s sums[kLsfOrder] = {};
-    for (int n = 0; n < kDtxHistory; n++) {
-        s.level = Add_16s(s.level, Vsp16s(s.levelHistory[n] >> 3));
-        for (int i = 0; i < kLsfOrder; i++) sums[i] += s.lsfHistory[n][i];
-    }
+    for (int n = 0; n < kDtxHistory; n++) s.level = Add_16s(s.level, Vsp16s(s.levelHistory[n] >> 3));
     s.level = Sub_16s(s.level, s.adjustment);
     Vsp16s lsf[kLsfOrder];
-    for (int i = 0; i < kLsfOrder; i++) lsf[i] = Vsp16s(sums[i] >> 3);
+    meanOfHistory(s.lsfHistory, lsf);
     vspsLSFToLSP_GSMAMR_16s(lsf, s.lsp);
     measureVariation(s);
 }
@@ -94,9 +84,8 @@ void takeHistory(State& s, Vsp32s mode) {
 // --- A silence descriptor ----------------------------------------------------------------------------------------------
 
 void takeParameters(State& s, const Vsp16s* index, bool afterSpeech) {
-    const Vsp16s period = s.sinceSid < kLongestPeriod ? s.sinceSid : kLongestPeriod;
+    s.inversePeriod = inversePeriodOfUpdates(s.sinceSid);
     s.sinceSid = 0;
-    s.inversePeriod = period >= 2 ? inverseOf(period) : Vsp16s(1 << 14);
     Vsp16s unusedResidual[kLsfOrder], unusedLsf[kLsfOrder];
     vspsLSFDecode_GSMAMR_16s(index, kModeSID, unusedResidual, unusedLsf, s.lsp);
     s.level = index[4] == 0 ? kMin16 : Vsp16s((index[4] << 9) - 5120);
@@ -114,13 +103,10 @@ struct Interpolated {
 };
 
 Interpolated interpolate(const State& s) {
-    constexpr Vsp16s kWhole = 1024;
-    const Vsp16s elapsed = Mul_16s(shl_16s(Add_16s(1, s.sinceSid), 10), s.inversePeriod);
-    const Vsp16s ofNew = shl_16s(elapsed < kWhole ? elapsed : kWhole, 4), ofOld = Sub_16s(16384, ofNew);
+    const auto between = NoiseInterpolation::after(Add_16s(1, s.sinceSid), s.inversePeriod);
     Interpolated noise;
-    noise.level = mac_32s(Mul2_16s32s(ofNew, s.level), ofOld, s.oldLevel);
-    for (int i = 0; i < kLsfOrder; i++)
-        noise.lsp[i] = shl_16s(Add_16s(Mul_16s(ofNew, s.lsp[i]), Mul_16s(ofOld, s.oldLsp[i])), 1);
+    noise.level = between.level(s.level, s.oldLevel);
+    between.vector(s.lsp, s.oldLsp, kLsfOrder, noise.lsp);
     return noise;
 }
 
@@ -228,42 +214,12 @@ VspStatus vspsCNGInit_GSMAMR_16s(void* pState) {
 }
 
 VspStatus vspsCNGHandler_GSMAMR_16s(Vsp32s frameType, Vsp32s prevState, Vsp32s* pNewState, void* pState) {
-    constexpr Vsp16s kMostWithoutSid = 50, kElapsed = 30;
     if (anyNull(pNewState, pState)) return vspStsNullPtrErr;
     if (frameType < kGood || frameType > kNoData || prevState < kSpeech || prevState > kMuted) return vspStsRangeErr;
     State& s = *static_cast<State*>(pState);
-    const bool isSid = frameType == kSidFirst || frameType == kSidUpdate || frameType == kSidBad;
-    const bool isLost = frameType == kNoData || frameType == kBad || frameType == kOnset;
-    if (isSid || (prevState != kSpeech && isLost)) {
-        const bool staysMuted = frameType != kSidUpdate && frameType != kBad;
-        *pNewState = prevState == kMuted && staysMuted ? kMuted : kDtx;
-        s.sinceSid = Add_16s(s.sinceSid, 1);
-        if (frameType != kSidUpdate && s.sinceSid > kMostWithoutSid) *pNewState = kMuted;
-    } else {
-        *pNewState = kSpeech;
-        s.sinceSid = 0;
-    }
-
-    if (s.dataUpdated == 0 && frameType == kSidUpdate) s.elapsed = 0;
-    s.elapsed = Add_16s(s.elapsed, 1);
-    s.hangoverAdded = 0;
-    const bool encoderInDtx = isSid || frameType == kOnset || (frameType == kNoData && *pNewState != kSpeech);
-    if (!encoderInDtx) {
-        s.hangover = kDtxHangover;
-    } else if (s.elapsed > kElapsed) {
-        s.hangoverAdded = 1;
-        s.elapsed = 0;
-        s.hangover = 0;
-    } else if (s.hangover == 0) {
-        s.elapsed = 0;
-    } else {
-        s.hangover = Sub_16s(s.hangover, 1);
-    }
-    if (*pNewState != kSpeech) {
-        s.sid = isSid;
-        s.validData = frameType == kSidUpdate;
-        if (frameType == kSidBad) s.hangoverAdded = 0;
-    }
+    *pNewState = ownSynthesis(s, frameType, prevState, [frameType](Synthesis newState) {
+        return frameType == kOnset || (frameType == kNoData && newState != kSpeech);
+    });
     return vspStsNoErr;
 }
 
@@ -289,8 +245,7 @@ VspStatus vspsCNGDecode_GSMAMR_16s(const Vsp16s* pIndex, Vsp32s mode, Vsp32s pre
 
     if (newState == kMuted) {
         constexpr Vsp16s kFade = 256;
-        const Vsp16s period = s.sinceSid < kLongestPeriod ? s.sinceSid : kLongestPeriod;
-        s.inversePeriod = inverseOf(period > 0 ? period : 8);
+        s.inversePeriod = inversePeriodOfMuting(s.sinceSid);
         s.sinceSid = 0;
         copy(s.lsp, s.oldLsp);
         s.oldLevel = s.level;

@@ -21,17 +21,13 @@ static_assert(sizeof(State) == 192);
 void describe(State& s, Vsp16s* pred) {
     constexpr Vsp16s kOffset = 2560;
     Vsp16s level = 0;
-    Vsp32s sums[kLsfOrder] = {};
-    for (int n = 0; n < kDtxHistory; n++) {
-        level = Add_16s(level, Vsp16s(s.level[n] >> 2));
-        for (int i = 0; i < kLsfOrder; i++) sums[i] += s.lsp[n][i];
-    }
+    for (int n = 0; n < kDtxHistory; n++) level = Add_16s(level, Vsp16s(s.level[n] >> 2));
     const int index = Add_16s(Add_16s(Vsp16s(level >> 1), kOffset), 128) >> 8;
     s.index[kLevelIndex] = Vsp16s(index < 0 ? 0 : index > 63 ? 63 : index);
     setPredictor(pred, Vsp16s((s.index[kLevelIndex] << 8) - kOffset));
 
     Vsp16s lsp[kLsfOrder], lsf[kLsfOrder], unusedResidual[kLsfOrder], unusedLsp[kLsfOrder];
-    for (int i = 0; i < kLsfOrder; i++) lsp[i] = Vsp16s(sums[i] >> 3);
+    meanOfHistory(s.lsp, lsp);
     vspsLSPToLSF_GSMAMR_16s(lsp, lsf);
     reorderLsf(lsf);
     vspsLSFToLSP_GSMAMR_16s(lsf, lsp);
@@ -53,22 +49,12 @@ VspStatus vspsDTXInit_GSMAMR_16s(void* pState) {
 }
 
 VspStatus vspsDTXHandler_GSMAMR_16s(Vsp32s vadFlag, Vsp32s* pMode, Vsp32s* pComputeSID, void* pState) {
-    constexpr Vsp16s kElapsed = 30;
     if (anyNull(pMode, pComputeSID, pState)) return vspStsNullPtrErr;
     if (!isSpeechMode(*pMode)) return vspStsRangeErr;
     State& s = *static_cast<State*>(pState);
-    s.elapsed = Add_16s(s.elapsed, 1);
-    *pComputeSID = 0;
-    if (vadFlag != 0) {
-        s.hangover = kDtxHangover;
-    } else if (s.hangover == 0) {
-        s.elapsed = 0;
-        *pMode = kModeSID;
-        *pComputeSID = 1;
-    } else {
-        s.hangover = Sub_16s(s.hangover, 1);
-        if (Add_16s(s.elapsed, s.hangover) < kElapsed) *pMode = kModeSID;
-    }
+    const DtxFrame frame = ownDtxFrame(s, vadFlag != 0);
+    if (frame != DtxFrame::speech) *pMode = kModeSID;
+    *pComputeSID = frame == DtxFrame::noiseToDescribe;
     return vspStsNoErr;
 }
 

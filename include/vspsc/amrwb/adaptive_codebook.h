@@ -15,14 +15,6 @@ extern "C" {
 #endif
 
 /**
- * Size of the state of the adaptive-codebook decoder, 3GPP TS 26.190 6.1: 24 bytes.
- *
- * @param[out] pSize  bytes that the caller must provide
- * @retval vspStsNullPtrErr  pSize is null
- */
-VspStatus vspsAdaptiveCodebookDecodeGetSize_AMRWB_16s(Vsp32s* pSize);
-
-/**
  * Impulse response of the weighted synthesis filter, 3GPP TS 26.190 5.5.
  *
  * dst = the response of A(z/0.92) / (Aq(z) * (1 - 0.68 z^-1)).
