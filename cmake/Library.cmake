@@ -61,6 +61,10 @@ set(vspsc_level_sources
     src/g722/qmf.cpp
     src/g722/sb_adpcm_decode.cpp
     src/g722/sb_adpcm_encode.cpp
+    src/g723/high_pass.cpp
+    src/g723/lp_analysis.cpp
+    src/g723/lsf.cpp
+    src/g723/lsf_quant.cpp
     src/g726/decode.cpp
     src/g726/encode.cpp
     src/g726/state_setup.cpp
@@ -173,6 +177,9 @@ set(vspsc_common_sources
     src/ec/subband_windows.cpp
     src/ec/tables.cpp
     src/g722/tables.cpp
+    src/g723/gain_tables.cpp
+    src/g723/lp_tables.cpp
+    src/g723/lsf_tables.cpp
     src/g726/tables.cpp
     src/g728/tables.cpp
     src/g729/gain_tables.cpp
