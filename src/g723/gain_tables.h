@@ -6,7 +6,7 @@
 namespace vsp::g723 {
 
 // Entries of the two codebooks of adaptive gains, and with the zeros that fill the last vector.
-constexpr int kShortCodebook = 85, kLongCodebook = 170, kShortEntries = 96, kLongEntries = 176;
+constexpr int kShortCodebook = 85, kLongCodebook = 170, kShortEntries = 96, kLongEntries = 192;
 
 // Five gains, Q14, and the factors of five energies and ten cross-correlations, by pairs of them.
 template <int kEntries>
