@@ -85,6 +85,7 @@ struct Argument {
     Vsp64s always = -1;  // the only content that the function writes
     int onWarning = -1;  // elements that count with a positive status
     bool keptOnWarning = false;
+    std::pair<int, Vsp64s> onlyWith{-1, 0};  // the array is written where the first element of another one becomes this
 
     // The pointer points behind so many elements of the array.
     Argument after(Count elementsBefore) const {
@@ -164,6 +165,11 @@ struct Argument {
     }
     Argument unchangedOnWarning() const {
         return with([&](Argument& a) { a.keptOnWarning = true; });
+    }
+
+    // The array is left as it was unless a call writes this number to the first element of another one.
+    Argument onlyWhenWritten(int position, Vsp64s number) const {
+        return with([&](Argument& a) { a.onlyWith = {position, number}; });
     }
 
     bool pointer() const { return kind != Kind::value; }

@@ -140,6 +140,13 @@ RecordedCall fromItems(const Function& f, const Recording& recording, const Item
             if (recorded.status >= 0 && !(a.keptOnWarning && recorded.status > 0)) recorded.expected[i] = expected;
         }
     }
+    for (std::size_t i = 0; i < places.size(); i++) {
+        const auto [other, content] = f.arguments[i].onlyWith;
+        if (other < 0 || !recorded.expected[i]) continue;
+        const auto& decisive = recorded.expected[std::size_t(other)];
+        if (decisive && integerAt(decisive->bytes, f.types[std::size_t(other)].type, 0) != content)
+            recorded.expected[i] = RecordedCall::Expected{*call.arrays[i]};
+    }
     return recorded;
 }
 
