@@ -69,6 +69,8 @@ set(vspsc_level_sources
     src/g723/open_loop_pitch.cpp
     src/g723/ringing.cpp
     src/g723/weighting.cpp
+    src/g723/noise_gain.cpp
+    src/g723/vad.cpp
     src/g726/decode.cpp
     src/g726/encode.cpp
     src/g726/state_setup.cpp
