@@ -62,6 +62,7 @@ set(vspsc_level_sources
     src/g722/sb_adpcm_decode.cpp
     src/g722/sb_adpcm_encode.cpp
     src/g723/harmonic_shaping.cpp
+    src/g723/dtx.cpp
     src/g723/high_pass.cpp
     src/g723/lp_analysis.cpp
     src/g723/lsf.cpp
