@@ -61,17 +61,17 @@ set(vspsc_level_sources
     src/g722/qmf.cpp
     src/g722/sb_adpcm_decode.cpp
     src/g722/sb_adpcm_encode.cpp
-    src/g723/harmonic_shaping.cpp
     src/g723/dtx.cpp
+    src/g723/harmonic_shaping.cpp
     src/g723/high_pass.cpp
     src/g723/lp_analysis.cpp
     src/g723/lsf.cpp
     src/g723/lsf_quant.cpp
+    src/g723/noise_gain.cpp
     src/g723/open_loop_pitch.cpp
     src/g723/ringing.cpp
-    src/g723/weighting.cpp
-    src/g723/noise_gain.cpp
     src/g723/vad.cpp
+    src/g723/weighting.cpp
     src/g726/decode.cpp
     src/g726/encode.cpp
     src/g726/state_setup.cpp

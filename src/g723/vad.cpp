@@ -1,14 +1,16 @@
 // Voice activity detector (`Comp_Vad`; G.723.1 A.2).
+#include "common/residual_filter.h"
 #include "core/checks.h"
 #include "core/state_size.h"
 #include "g723/exports.h"
 #include "g723/operators.h"
+#include "vector/dot.h"
 
 namespace vsp::VSP_LEVEL {
 
 namespace {
 
-constexpr int kFrame = 240, kOrder = 10, kFirst = 60;  // the energy is that of the last 180 samples
+constexpr int kFrame = 240, kLen = 180, kOrder = 10;  // the energy is that of the last kLen samples
 constexpr int kLags = 4;
 
 struct State {
@@ -31,16 +33,26 @@ bool isVoiced(const Vsp16s* lag) {
     return hits == kLags;
 }
 
-// Of what the filter of the noise leaves.
-Vsp32s residualEnergy(const Vsp16s* src, const Vsp16s* lpc) {
-    Vsp32s energy = 0;
-    for (int i = kFirst; i < kFrame; i++) {
+// What the filter of the noise leaves, with the one coefficient that has no negative (-4 in Q13) taken as it is.
+void residualOf(const Vsp16s* src, const Vsp16s* lpc, Vsp16s* residual) {
+    Vsp16s inverse[kOrder + 1] = {0x2000};
+    bool representable = true;
+    for (int j = 0; j < kOrder; j++) {
+        inverse[j + 1] = Negate_16s(lpc[j]);
+        representable &= lpc[j] != kMin16;
+    }
+    if (representable) return ownResidual(src, inverse, kOrder, residual, kLen, 15);
+    for (int i = 0; i < kLen; i++) {
         Vsp32s sum = Mul2_16s32s(src[i], 0x2000);
         for (int j = 0; j < kOrder; j++) sum = msu_32s(sum, src[i - 1 - j], lpc[j]);
-        const Vsp16s residual = round_32s(sum);
-        energy = mac_32s(energy, residual, residual);
+        residual[i] = round_32s(sum);
     }
-    return g723::mul_32s16s_Q15(energy, 2913);
+}
+
+Vsp32s residualEnergy(const Vsp16s* src, const Vsp16s* lpc) {
+    Vsp16s residual[kLen];
+    residualOf(src + kFrame - kLen, lpc, residual);
+    return g723::mul_32s16s_Q15(Cnvrt_64s32s(2 * energy(residual, kLen)), 2913);
 }
 
 void adaptLevel(State& s) {
