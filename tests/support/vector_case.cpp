@@ -89,7 +89,8 @@ std::vector<std::vector<Item>> readItemCases(const std::string& file) {
     for (auto& items : cases) {
         items.resize(reader.value<Vsp32u>());
         for (Item& item : items) {
-            item.type = reader.text(4)[0];
+            const char type = reader.text(4)[0];
+            item.type = type == 'H' ? 'h' : type == 'I' ? 'u' : type;  // as the types of arguments are called
             const std::size_t count = reader.value<Vsp32u>();
             item.bytes = reader.block(count * sizeOf(item.type));
         }
