@@ -61,6 +61,14 @@ set(vspsc_level_sources
     src/g722/qmf.cpp
     src/g722/sb_adpcm_decode.cpp
     src/g722/sb_adpcm_encode.cpp
+    src/g7221/categorize.cpp
+    src/g7221/conceal_coefs.cpp
+    src/g7221/dct.cpp
+    src/g7221/frame.cpp
+    src/g7221/mlt.cpp
+    src/g7221/region_power.cpp
+    src/g7221/vector_decode.cpp
+    src/g7221/vector_quantize.cpp
     src/g723/dtx.cpp
     src/g723/harmonic_shaping.cpp
     src/g723/high_pass.cpp
@@ -72,14 +80,6 @@ set(vspsc_level_sources
     src/g723/ringing.cpp
     src/g723/vad.cpp
     src/g723/weighting.cpp
-    src/g7221/categorize.cpp
-    src/g7221/conceal_coefs.cpp
-    src/g7221/dct.cpp
-    src/g7221/frame.cpp
-    src/g7221/mlt.cpp
-    src/g7221/region_power.cpp
-    src/g7221/vector_decode.cpp
-    src/g7221/vector_quantize.cpp
     src/g726/decode.cpp
     src/g726/encode.cpp
     src/g726/state_setup.cpp
@@ -192,12 +192,12 @@ set(vspsc_common_sources
     src/ec/subband_windows.cpp
     src/ec/tables.cpp
     src/g722/tables.cpp
-    src/g723/gain_tables.cpp
-    src/g723/lp_tables.cpp
-    src/g723/lsf_tables.cpp
     src/g7221/region_power_tables.cpp
     src/g7221/transform_tables.cpp
     src/g7221/vector_code_tables.cpp
+    src/g723/gain_tables.cpp
+    src/g723/lp_tables.cpp
+    src/g723/lsf_tables.cpp
     src/g726/tables.cpp
     src/g728/tables.cpp
     src/g729/gain_tables.cpp

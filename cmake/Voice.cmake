@@ -14,6 +14,7 @@ add_library(
     voice/codec/codec.cpp
     voice/codec/g711/g711.cpp
     voice/codec/g722/g722.cpp
+    voice/codec/g7221/g7221.cpp
     voice/codec/g726/g726.cpp
     voice/codec/g728/adaptation.cpp
     voice/codec/g728/decoder.cpp

@@ -72,7 +72,7 @@ VspStatus vspsMLTAnalysis_G722_16s(const Vsp16s* pSrc, Vsp32s len, Vsp16s* pMem,
  * @param[in]     magShift  any number
  * @param[in]     len       320 (7 kHz) or 640 (14 kHz)
  * @param[in,out] pMem      len / 2 values of the last frame, zeros at the start
- * @param[out]    pDst      len samples; decoders clear their two lowest bits
+ * @param[out]    pDst      len samples; the standard's own program clears their two lowest bits
  * @retval vspStsNullPtrErr  pSrc, pMem or pDst is null
  * @retval vspStsSizeErr     len is neither
  *
