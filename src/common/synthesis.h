@@ -4,6 +4,7 @@
 #include "arithmetic/basic_ops.h"
 #include "core/level.h"
 #include "vector/magnitude.h"
+#include "vector/simd.h"
 
 namespace vsp::VSP_LEVEL {
 
@@ -31,10 +32,90 @@ struct SynthesisFilter {
         return overflow;
     }
 
+    // Whether no partial sum leaves 32 bits. As long as the outputs before one are right and no larger than this, no
+    // partial sum of it leaves the range, so that it is right itself.
+    static bool fits(int lpcMagnitude, Vsp32u largest, int scaleFactor) {
+        return Vsp64s(lpcMagnitude) * largest < (1 << 30) - roundingConstant(scaleFactor);
+    }
+
     // Keeps the compiler from vectors, whose 64-bit products are slow.
     [[gnu::always_inline]] static Vsp64u inRegister(Vsp64u a) {
         asm("" : "+r"(a));
         return a;
+    }
+
+    // Elements k .. k + 3 of the taps 1 .. kOrder, zeros beside them.
+    [[gnu::always_inline]] static S16_128 taps(const Vsp16s* lpc, int k) {
+        if (k <= 0) return {shl(S64_128{fourAt(lpc).v & S64_128::splat(~0xFFFF).v}, -16 * k).v};
+        const int beyond = k + 3 - kOrder;
+        return beyond <= 0 ? fourAt(lpc + k) : S16_128{shrU(S64_128{fourAt(lpc + kOrder - 3).v}, 16 * beyond).v};
+    }
+
+    [[gnu::always_inline]] static Vsp32s magnitudes(const Vsp16s* lpc) {
+        S32_128 sums = magnitude(loadFour(lpc));
+        for (int k = 4; k <= kOrder; k += 4) sums = add(sums, magnitude(widenFour(taps(lpc, k))));
+        return sum(sums);
+    }
+
+    static constexpr int kShift = 12;                // of filters in the usual format
+    static constexpr int kFours = (kOrder + 3) / 4;  // to which the outputs of four before them contribute
+
+    // Four outputs at a time with sums that wrap and without clipping; y is written up to a multiple of four. What an
+    // output adds to later ones is taken from their sums at once, so that what it waits for is one product with the output
+    // before. Returns the largest magnitude of an input, output or earlier output.
+    [[gnu::always_inline]] static Vsp32u filterUnclipped(const Vsp16s* lpc, const Vsp16s* x, const Vsp16s* past, Vsp16s* y,
+                                                         int len) {
+        const auto shifted = [](S32_128 sum) { return shr(sum, kShift); };
+        // Element i of the vectors f: with which factors the outputs 0 and 1, 2 and 3 of four contribute to output 4f + i.
+        S16_128 of01[kFours + 1], of23[kFours + 1];
+        for (int f = 0; f <= kFours; f++) {
+            of01[f].v = zipLo(taps(lpc, 4 * f), taps(lpc, 4 * f - 1)).v;
+            of23[f].v = zipLo(taps(lpc, 4 * f - 2), taps(lpc, 4 * f - 3)).v;
+        }
+        const auto ofFirst = [](S16_128 pairs) { return S16_128{pairs.v & S32_128::splat(0xFFFF).v}; };
+        const auto ofSecond = [](S16_128 pairs) { return S16_128{shrU(S32_128{pairs.v}, 16).v}; };
+        const S16_128 of0 = ofFirst(of01[0]), of1 = ofSecond(of01[0]), of2 = of23[0];
+        const S16_128 of2Beyond = ofFirst(of23[1]), of3Beyond = ofSecond(of23[1]);
+
+        S32_128 inputs[kBlock / 4 + 1], largest = S32_128::splat(0);
+        const S16_128 lpc0{S32_128::splat(Vsp16u(lpc[0])).v};
+        const auto input = [&](S32_128 in) {
+            largest = maxU(largest, magnitude(in));
+            return add(dot2(S16_128{in.v}, lpc0), S32_128::splat(roundingConstant(kShift)));
+        };
+        int fours = 0;
+        for (int n = 0; n < len; n += 4) inputs[fours++] = input(n + 4 <= len ? loadFour(x + n) : loadFew(x + n, len - n));
+        inputs[fours] = S32_128::splat(0);
+
+        S32_128 sums[kFours + 1];  // of the outputs to come
+        for (S32_128& sum : sums) sum = S32_128::splat(0);
+        const auto without = [](S32_128 sum, S16_128 pairs, S16_128 factors) { return sub(sum, dot2(pairs, factors)); };
+        const auto takeFrom = [&](int f, S16_128 y01, S16_128 y23) {
+            sums[f] = without(without(sums[f + 1], y01, of01[f + 1]), y23, of23[f + 1]);
+        };
+        for (int f = kFours; f > 0; f--) {
+            const int missing = 4 * f > kOrder ? 4 * f - kOrder : 0;
+            const S16_128 narrow{shl(S64_128{fourAt(past + kOrder - 4 * f + missing).v}, 16 * missing).v};
+            const S32_128 four = widenFour(narrow);
+            largest = maxU(largest, magnitude(four));
+            for (int to = 0; to < kFours; to++) takeFrom(to, splatLowerHalves<0>(four), splatLowerHalves<2>(four));
+        }
+
+        S32_128 sum = add(sums[0], inputs[0]);
+        for (int n = 0; n < len; n += 4) {
+            sum = without(sum, {splatElement<0>(shifted(sum)).v}, of0);
+            const S32_128 second = shifted(sum);
+            sum = without(sum, {splatElement<1>(second).v}, of1);
+            const S16_128 y2{splatElement<2>(shifted(sum)).v};
+            const S32_128 four = shifted(without(sum, y2, of2));
+            const S16_128 y01 = splatLowerHalves<0>(second), y23 = splatLowerHalves<2>(four), y3{splatElement<3>(four).v};
+            sum = without(without(add(sums[1], inputs[n / 4 + 1]), y01, of01[1]), y2, of2Beyond);
+            sum = without(sum, y3, of3Beyond);
+            for (int to = 1; to < kFours; to++) takeFrom(to, y01, y23);
+            largest = maxU(largest, magnitude(n + 4 <= len ? four : S32_128{four.v & firstFew(len - n).v}));
+            storeFour(packSat(four, four), y + n);
+        }
+        return largestU(largest);
     }
 
     // The same with sums that wrap; only the outputs are clipped. They are made in pairs: one 64-bit product holds what an
@@ -69,34 +150,44 @@ struct SynthesisFilter {
                 sums[p] = inRegister(next + Vsp64u(y1 * taps[2 * p + 1]) + Vsp64u(y0 * taps[2 * p + 2]));
             }
         }
-        // As long as the outputs before one are right and no larger than this, no partial sum of it leaves the range, so
-        // that it is right itself.
         const Vsp16u largestX = maxMagnitude(x, len), largestY = maxMagnitude(y - kOrder, kOrder + len);
         const Vsp32s largest = largestX > largestY ? largestX : largestY;
-        if (Vsp64s(lpcMagnitude) * largest >= (1 << 30) - rounding) return Outcome::uncertain;
+        if (!fits(lpcMagnitude, Vsp32u(largest), scaleFactor)) return Outcome::uncertain;
         if (clipped != 0) return Outcome::clipped;
         return largest > kMax16 ? Outcome::uncertain : Outcome::exact;  // a shift that saturates may still round to -32768
+    }
+
+    // The outputs of a block whose sums or outputs may leave their ranges. Returns whether some step saturated.
+    [[gnu::noinline]] static bool filterAnyhow(const Vsp16s* lpc, int lpcMagnitude, const Vsp16s* x, const Vsp16s* past,
+                                               Vsp16s* y, int len, int scaleFactor) {
+        Vsp16s buffer[kOrder + kBlock];
+        for (int j = 0; j < kOrder; j++) buffer[j] = past[j];
+        const Outcome outcome = scaleFactor < 0
+                                    ? Outcome::uncertain
+                                    : filterWrapping(lpc, lpcMagnitude, x, buffer + kOrder, len, scaleFactor);
+        const bool overflow = outcome == Outcome::uncertain ? filterSaturating(lpc, x, buffer + kOrder, len, scaleFactor)
+                                                            : outcome == Outcome::clipped;
+        for (int i = 0; i < len; i++) y[i] = buffer[kOrder + i];
+        return overflow;
     }
 
     // dst may be src. mem: the outputs before dst[0], the newest last. Returns whether some step saturated. scaleFactor: at
     // most 15, and 0 or more but for exceptions.
     static bool run(const Vsp16s* lpc, const Vsp16s* src, Vsp16s* dst, Vsp32s len, int scaleFactor, const Vsp16s* mem) {
-        int lpcMagnitude = 0;
-        for (int j = 0; j <= kOrder; j++) lpcMagnitude += lpc[j] < 0 ? -lpc[j] : lpc[j];
-        Vsp16s buffer[kOrder + kBlock];
-        Vsp16s* const y = buffer + kOrder;
-        for (int j = 0; j < kOrder; j++) buffer[j] = mem[j];
+        const int lpcMagnitude = magnitudes(lpc);
+        Vsp16s blocks[2][kBlock];
+        const Vsp16s* past = mem;
         bool overflow = false;
-        for (Vsp32s left = len; left > 0; left -= kBlock) {
-            const Vsp32s count = left < kBlock ? left : kBlock;
-            const Outcome outcome =
-                scaleFactor < 0 ? Outcome::uncertain : filterWrapping(lpc, lpcMagnitude, src, y, count, scaleFactor);
-            if (outcome == Outcome::uncertain)
-                overflow |= filterSaturating(lpc, src, y, count, scaleFactor);
-            else
-                overflow |= outcome == Outcome::clipped;
-            for (int i = 0; i < count; i++) dst[i] = y[i];
-            for (int j = 0; j < kOrder; j++) buffer[j] = y[count - kOrder + j];
+        for (int b = 0; len > 0; len -= kBlock, b ^= 1) {
+            const Vsp32s count = len < kBlock ? len : kBlock;
+            Vsp16s* const y = blocks[b];
+            const Vsp32u largest = scaleFactor == kShift ? filterUnclipped(lpc, src, past, y, count) : Vsp32u(-1);
+            if (largest > Vsp32u(kMax16) || !fits(lpcMagnitude, largest, kShift))
+                overflow |= filterAnyhow(lpc, lpcMagnitude, src, past, y, count, scaleFactor);
+            int i = 0;
+            for (; i + 4 <= count; i += 4) storeFour(fourAt(y + i), dst + i);  // as they were stored
+            for (; i < count; i++) dst[i] = y[i];
+            past = y + kBlock - kOrder;
             src += count;
             dst += count;
         }

@@ -154,6 +154,7 @@ VSP_BINARY(sub, S32, S32, sub_epi32)
 VSP_BINARY(max, S32, S32, max_epi32)
 VSP_BINARY(min, S32, S32, min_epi32)
 VSP_BINARY(minU, S32, S32, min_epu32)
+VSP_BINARY(maxU, S32, S32, max_epu32)
 VSP_SHIFT(shr, S32, sra_epi32)
 VSP_SHIFT(shrU, S32, srl_epi32)
 VSP_UNARY(magnitude, S32, S32, abs_epi32)
@@ -326,6 +327,11 @@ VSP_INLINE auto sum(V a) {
     return sum(foldSum(a));
 }
 
+VSP_INLINE Vsp32u largestU(S32_128 a) {
+    const S32_128 pairs = maxU(a, S32_128{_mm_unpackhi_epi64(a.v, a.v)});
+    return Vsp32u(_mm_cvtsi128_si32(maxU(pairs, S32_128{_mm_shuffle_epi32(pairs.v, 1)}).v));
+}
+
 // The sums of four vectors, each of which wraps.
 VSP_INLINE S32_128 sums(S32_128 a, S32_128 b, S32_128 c, S32_128 d) {
     const __m128i ab = add(zipLo(a, b), zipHi(a, b)).v, cd = add(zipLo(c, d), zipHi(c, d)).v;
@@ -345,10 +351,30 @@ VSP_INLINE Vsp16u largestU(S16_128 a) {
 VSP_INLINE F32_128 vectorOf(const Vsp32f (&x)[4]) { return {_mm_setr_ps(x[0], x[1], x[2], x[3])}; }
 VSP_INLINE S32_128 vectorOf(const Vsp32s (&x)[4]) { return {_mm_setr_epi32(x[0], x[1], x[2], x[3])}; }
 
-// Sign-extended.
-VSP_INLINE S32_128 loadFour(const Vsp16s* p) {
-    return {_mm_cvtepi16_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)))};
+// Element i everywhere.
+template <int i>
+VSP_INLINE S32_128 splatElement(S32_128 a) {
+    return {_mm_shuffle_epi32(a.v, 0x55 * i)};
 }
+
+// The lower halves of the elements i and i + 1 in every pair.
+template <int i>
+VSP_INLINE S16_128 splatLowerHalves(S32_128 a) {
+    return {_mm_shuffle_epi8(a.v, _mm_set1_epi32(0x05040100 + 0x04040404 * i))};
+}
+
+VSP_INLINE S16_128 fourAt(const Vsp16s* p) { return {_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p))}; }
+VSP_INLINE void storeFour(S16_128 a, Vsp16s* p) { _mm_storel_epi64(reinterpret_cast<__m128i*>(p), a.v); }
+
+// Sign-extended.
+VSP_INLINE S32_128 widenFour(S16_128 a) { return {_mm_cvtepi16_epi32(a.v)}; }
+VSP_INLINE S32_128 loadFour(const Vsp16s* p) { return widenFour(fourAt(p)); }
+
+// The first n elements, of up to three; zeros behind them, or where the elements are all bits.
+VSP_INLINE S32_128 loadFew(const Vsp16s* p, int n) {
+    return vectorOf({p[0], n > 1 ? Vsp32s(p[1]) : 0, n > 2 ? Vsp32s(p[2]) : 0, 0});
+}
+VSP_INLINE S32_128 firstFew(int n) { return vectorOf({-1, n > 1 ? -1 : 0, n > 2 ? -1 : 0, 0}); }
 
 #if defined(__AVX2__)
 using FourDoubles = F64_256;

@@ -129,6 +129,17 @@ TEST_P(Correlation, SynthesisFilterFollowsTheDefinitionAndTellsOfOverflow) {
             a[0] = Vsp16s(1 << (len % 15));
             check(a, x, samples(10, 7), int(len % 16));
         }
+    // Ordinary filters of any length, of which some outputs and sums just stay within their ranges and some do not.
+    for (std::size_t len = 1; len <= 90; len++)
+        for (const int shift : {0, 1, 3, 4}) {
+            Signal a = samples(11, unsigned(len) + 1000), x = samples(len, unsigned(len)),
+                   memory = samples(10, unsigned(len) + 1);
+            for (Vsp16s& s : a) s = Vsp16s(s >> (shift < 2 ? 1 : 4));
+            for (Vsp16s& s : x) s = Vsp16s(s >> shift);
+            for (Vsp16s& s : memory) s = Vsp16s(s >> shift);
+            a[0] = 4096;
+            check(a, x, memory, 12);
+        }
     // Just at the rounding of the largest and the saturation of the smallest result.
     for (const int edge : {32766, 32767, -32767, -32768})
         for (int below = -3; below <= 3; below++) {
