@@ -3,6 +3,7 @@
 
 #include "arithmetic/split_32.h"
 #include "core/level.h"
+#include "vector/magnitude.h"
 
 namespace vsp::VSP_LEVEL {
 
@@ -38,7 +39,7 @@ struct HighPass {
         return shl_32s(sum, kShift);
     }
 
-    [[gnu::always_inline]] void run(Vsp16s* srcDst, Vsp32s len, HighPassMemory& m) const {
+    [[gnu::noinline]] void runSaturating(Vsp16s* srcDst, Vsp32s len, HighPassMemory& m) const {
         // Products of -1 and -1 are left to the saturating step.
         const bool ordinary = c.b0 != kMin16 && c.b1 != kMin16 && c.b2 != kMin16 && c.a1 != kMin16 && c.a2 != kMin16;
         Vsp64s y1 = m.y1Hi * 32768LL + m.y1Lo, y2 = m.y2Hi * 32768LL + m.y2Lo;  // halves
@@ -60,6 +61,52 @@ struct HighPass {
             x1 = x;
         }
         m = {Vsp16s(y1 >> 15), Vsp16s(y1 & 0x7FFF), Vsp16s(y2 >> 15), Vsp16s(y2 & 0x7FFF), Vsp16s(x1), Vsp16s(x2)};
+    }
+
+    static constexpr int kBlock = 80;
+
+    // Halves of the outputs of a step that does not saturate: what depends on the output before is one product, one shift
+    // and one addition. Returns whether the whole block could be taken for that; otherwise nothing is changed.
+    [[gnu::always_inline]] bool runUnsaturated(Vsp16s* srcDst, int len, HighPassMemory& m) const {
+        const auto magnitude = [](Vsp32s a) { return Vsp64s(a < 0 ? -a : a); };
+        Vsp16s x[2 + kBlock];
+        x[0] = m.x2;
+        x[1] = m.x1;
+        for (int n = 0; n < len; n++) x[2 + n] = srcDst[n];
+        // No sum leaves 31 bits with outputs y below 2^31, whose halves are fed back.
+        const Vsp64s largestX = maxMagnitude(x, 2 + len);
+        const Vsp64s fromInputs = (magnitude(c.b0) + magnitude(c.b1) + magnitude(c.b2)) * largestX;
+        const Vsp64s fromOutputs = ((1 << 15) + 2) * (magnitude(c.a1) + magnitude(c.a2)) + 4;
+        if (fromInputs + fromOutputs >= 1 << 30) return false;
+
+        Vsp32s sums[kBlock];
+        for (int n = 0; n < len; n++) sums[n] = c.b0 * x[n + 2] + c.b1 * x[n + 1] + c.b2 * x[n];
+        Vsp64s y1 = m.y1Hi * 32768LL + m.y1Lo, y2 = m.y2Hi * 32768LL + m.y2Lo, fed1 = (y1 * c.a1) >> 15;
+        const Vsp64s shiftedA1 = c.a1 * (1LL << kShift);
+        constexpr Vsp64s kLimit = 1LL << (30 - kShift);
+        Vsp64u outside = 0;
+        for (int n = 0; n < len; n++) {
+            const Vsp64s sum = fed1 + (sums[n] + ((y2 * c.a2) >> 15));
+            fed1 = (sum * shiftedA1) >> 15;
+            outside |= Vsp64u(sum + kLimit);
+            sums[n] = Vsp32s(sum);
+            y2 = y1;
+            y1 = sum * (1 << kShift);
+            if (outside >= 2 * kLimit) [[unlikely]]
+                return false;
+        }
+        constexpr int kDown = 15 - kShift - kDoubled;
+        for (int n = 0; n < len; n++) srcDst[n] = sat_16s((sums[n] + (1 << (kDown - 1))) >> kDown);
+        m = {Vsp16s(y1 >> 15), Vsp16s(y1 & 0x7FFF), Vsp16s(y2 >> 15), Vsp16s(y2 & 0x7FFF), x[1 + len], x[len]};
+        return true;
+    }
+
+    [[gnu::always_inline]] void run(Vsp16s* srcDst, Vsp32s len, HighPassMemory& m) const {
+        for (Vsp32s left = len; left > 0; left -= kBlock, srcDst += kBlock) {
+            const int count = left < kBlock ? left : kBlock;
+            if (!runUnsaturated(srcDst, count, m)) [[unlikely]]
+                runSaturating(srcDst, count, m);
+        }
     }
 };
 

@@ -60,6 +60,49 @@ TEST_P(LinearPrediction, FiltersAndCorrelationsAreTheDefinitions) {
     }
 }
 
+// Coefficients b0 b1 b2 a0 a1 a2 and what the filter keeps: outputs in double precision and inputs, the newest first.
+struct HighPassDefinition {
+    Vsp16s c[6], y1Hi = 0, y1Lo = 0, y2Hi = 0, y2Lo = 0, x1 = 0, x2 = 0;
+
+    Vsp16s operator()(Vsp16s x, int scaleFactor) {
+        const auto fed = [](Vsp16s hi, Vsp16s lo, Vsp16s a) { return mac_32s(Mul2_32s(hi * a), Mul_16s(lo, a), 1); };
+        Vsp32s y = Add_32s(fed(y1Hi, y1Lo, c[4]), fed(y2Hi, y2Lo, c[5]));
+        y = mac_32s(mac_32s(mac_32s(y, x, c[0]), x1, c[1]), x2, c[2]);
+        y = shl_32s(y, 15 - scaleFactor);
+        y2Hi = y1Hi;
+        y2Lo = y1Lo;
+        y1Hi = Vsp16s(y >> 16);
+        y1Lo = Vsp16s(y >> 1 & 0x7FFF);
+        x2 = x1;
+        x1 = x;
+        return round_32s(scaleFactor == 13 ? shl_32s(y, 1) : y);
+    }
+};
+
+TEST_P(LinearPrediction, HighPassFilterIsTheDefinition) {
+    constexpr Vsp16s kFilters[3][6] = {{1899, -3798, 1899, 4096, 7807, -3733},    // of the encoders, Q12
+                                       {7699, -15398, 7699, 8192, 15836, -7667},  // of the decoders, Q13
+                                       {2000, 2000, 2000, 8192, 15900, -7800}};   // loud at low frequencies
+    for (unsigned seed = 1; seed <= 600; seed++) {
+        SCOPED_TRACE(seed);
+        const int scaleFactor = seed % 2 == 0 ? 12 : 13;
+        HighPassDefinition definition{};
+        const auto any = scaled(6, seed);
+        for (std::size_t i = 0; i < 6; i++) definition.c[i] = seed % 5 == 0 ? any[i] : kFilters[(seed / 2) % 3][i];
+        Guarded<Vsp16s> state(std::vector<Vsp16s>(12));
+        ASSERT_EQ(vspStsNoErr, api.vspsHighPassFilterInit_G729(definition.c, state.data()));
+        for (unsigned call = 0; call < 4; call++) {
+            auto x = scaled(1 + (seed * 7 + call * 31) % 180, seed + 1000 * call);
+            for (std::size_t i = 1; seed % 4 == 1 && i < x.size(); i++) x[i] = Vsp16s((x[i] + 15 * x[i - 1]) / 16);
+            Guarded<Vsp16s> signal(x);
+            for (Vsp16s& s : x) s = definition(s, scaleFactor);
+            ASSERT_EQ(vspStsNoErr,
+                      api.vspsHighPassFilter_G729_16s_ISfs(signal.data(), int(x.size()), scaleFactor, state.data()));
+            ASSERT_EQ(x, signal.values());
+        }
+    }
+}
+
 TEST_P(LinearPrediction, RecursionsAreTheDefinition) {
     for (unsigned seed = 1; seed <= 400; seed++) {
         SCOPED_TRACE(seed);
