@@ -162,9 +162,8 @@ struct SynthesisFilter {
                                                Vsp16s* y, int len, int scaleFactor) {
         Vsp16s buffer[kOrder + kBlock];
         for (int j = 0; j < kOrder; j++) buffer[j] = past[j];
-        const Outcome outcome = scaleFactor < 0
-                                    ? Outcome::uncertain
-                                    : filterWrapping(lpc, lpcMagnitude, x, buffer + kOrder, len, scaleFactor);
+        const Outcome outcome =
+            scaleFactor < 0 ? Outcome::uncertain : filterWrapping(lpc, lpcMagnitude, x, buffer + kOrder, len, scaleFactor);
         const bool overflow = outcome == Outcome::uncertain ? filterSaturating(lpc, x, buffer + kOrder, len, scaleFactor)
                                                             : outcome == Outcome::clipped;
         for (int i = 0; i < len; i++) y[i] = buffer[kOrder + i];

@@ -22,6 +22,7 @@ Argument codebookState() {
 const Described functions(
     "amrwb",
     {
+        VSPSC_FUNCTION(vspsAdaptiveCodebookDecodeGetSize_AMRWB_16s, size(24)).notRecorded(),
         VSPSC_FUNCTION(vspsAdaptiveCodebookDecodeInit_AMRWB_16s, state(24)).operation("AdaptiveCodebookDecode-stream", 0),
         VSPSC_FUNCTION(vspsAdaptiveCodebookDecode_AMRWB_16s, limited(vspStsRangeErr, lagIndices), range(0, 1), range(0, 3),
                        mode(), range(0, 2), in(5), io(65).after(248), out(2), codebookState())

@@ -20,6 +20,7 @@ Argument mode() { return oneOf(kRates); }
 const Described functions(
     "amrwb",
     {
+        VSPSC_FUNCTION(vspsVADGetSize_AMRWB_16s, size(172)).notRecorded(),
         VSPSC_FUNCTION(vspsVADInit_AMRWB_16s, state(172)).operation("VAD-stream", 0),
         VSPSC_FUNCTION(vspsVAD_AMRWB_16s, in(256), out(1), vadState()).operation("VAD-stream", 1),
         VSPSC_FUNCTION(vspsVADTone_AMRWB_16s, value(), vadState()).operation("VAD-stream", 2),

@@ -3,18 +3,15 @@
 
 namespace vsp::test {
 
-static const Described functions(
-    "core", {
-                VSPSC_FUNCTION(vspsHighPassFilterGetSize_AMRWB_16s, range(2, 3), size(40)).notRecorded(),
-                VSPSC_FUNCTION(vspsAdaptiveCodebookDecodeGetSize_AMRWB_16s, size(24)).notRecorded(),
-                VSPSC_FUNCTION(vspsVADGetSize_AMRWB_16s, size(172)).notRecorded(),
-                VSPSC_FUNCTION(vspsFilterHighpassGetStateSize_G7291_16s, size(24)).notRecorded(),
-                VSPSC_FUNCTION(vspsGenerateExcitationGetStateSize_G7291_16s, size(128)).notRecorded(),
-                VSPSC_FUNCTION(vspsQMFGetStateSize_G7291_16s, size(128)).notRecorded(),
-                VSPSC_FUNCTION(vspsPostFilterGetStateSize_RTA_32f, size(32)).notRecorded(),
-                VSPSC_FUNCTION(vspsQMFGetStateSize_RTA_32f, size(208)).notRecorded(),
-                VSPSC_FUNCTION(vspsFullbandControllerGetSize_EC_16s, size(96)).notRecorded(),
-                VSPSC_FUNCTION(vspsFullbandControllerGetSize_EC_32f, size(72)).notRecorded(),
-            });
+static const Described functions("core",
+                                 {
+                                     VSPSC_FUNCTION(vspsFilterHighpassGetStateSize_G7291_16s, size(24)).notRecorded(),
+                                     VSPSC_FUNCTION(vspsGenerateExcitationGetStateSize_G7291_16s, size(128)).notRecorded(),
+                                     VSPSC_FUNCTION(vspsQMFGetStateSize_G7291_16s, size(128)).notRecorded(),
+                                     VSPSC_FUNCTION(vspsPostFilterGetStateSize_RTA_32f, size(32)).notRecorded(),
+                                     VSPSC_FUNCTION(vspsQMFGetStateSize_RTA_32f, size(208)).notRecorded(),
+                                     VSPSC_FUNCTION(vspsFullbandControllerGetSize_EC_16s, size(96)).notRecorded(),
+                                     VSPSC_FUNCTION(vspsFullbandControllerGetSize_EC_32f, size(72)).notRecorded(),
+                                 });
 
 }  // namespace vsp::test
