@@ -69,7 +69,11 @@ set(vspsc_level_sources
     src/g7221/region_power.cpp
     src/g7221/vector_decode.cpp
     src/g7221/vector_quantize.cpp
+    src/g723/adaptive_codebook_search.cpp
+    src/g723/adaptive_vector.cpp
     src/g723/dtx.cpp
+    src/g723/fixed_codebook_search_acelp.cpp
+    src/g723/fixed_codebook_search_mlq.cpp
     src/g723/harmonic_shaping.cpp
     src/g723/high_pass.cpp
     src/g723/lp_analysis.cpp
@@ -78,6 +82,7 @@ set(vspsc_level_sources
     src/g723/noise_gain.cpp
     src/g723/open_loop_pitch.cpp
     src/g723/ringing.cpp
+    src/g723/taming.cpp
     src/g723/vad.cpp
     src/g723/weighting.cpp
     src/g726/decode.cpp
@@ -198,6 +203,7 @@ set(vspsc_common_sources
     src/g723/gain_tables.cpp
     src/g723/lp_tables.cpp
     src/g723/lsf_tables.cpp
+    src/g723/pulse_tables.cpp
     src/g726/tables.cpp
     src/g728/tables.cpp
     src/g729/gain_tables.cpp
