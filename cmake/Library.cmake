@@ -79,6 +79,7 @@ set(vspsc_level_sources
     src/g723/lp_analysis.cpp
     src/g723/lsf.cpp
     src/g723/lsf_quant.cpp
+    src/g723/noise_excitation.cpp
     src/g723/noise_gain.cpp
     src/g723/open_loop_pitch.cpp
     src/g723/ringing.cpp
