@@ -65,19 +65,14 @@ void longTerm(const Vsp16s* residual, const Vsp16s* scaled, int lag, Vsp16s* dst
                 present = Vsp16s(32767 - past);
             }
         }
-        for (int i = 0; i < kL_subfr; i++)
-            dst[i] = Add_16s(Mul_16s(present, residual[i]), Mul_16s(past, residual[i - delay]));
+        const S16_128 ofPresent = S16_128::splat(present), ofPast = S16_128::splat(past);
+        for (int i = 0; i < kL_subfr; i += S16_128::width)
+            addSat(mulShift15(S16_128::load(residual + i), ofPresent),
+                   mulShift15(S16_128::load(residual + i - delay), ofPast))
+                .store(dst + i);
         return;
     }
     for (int i = 0; i < kL_subfr; i++) dst[i] = residual[i];
-}
-
-// The factor of the tilt compensation from the response of the short-term filter.
-Vsp16s tilt(const Vsp16s* h) {
-    constexpr int kLength = 22;
-    const Vsp32s r0 = doubledEnergy(h, kLength);
-    const Vsp16s a0 = high_32s(r0), a1 = high_32s(neighbourCorrelation(h, kLength, r0));
-    return a1 <= 0 ? Vsp16s(0) : Div_16s(Mul_16s(a1, 26214), a0);
 }
 
 Vsp32s quarterEnergy(const Vsp16s* x) {
@@ -101,14 +96,7 @@ void controlGain(const Vsp16s* input, Vsp16s* output, Vsp16s& gain) {
         const Vsp32s scaled = shr_32s(shl_32s(ratio, 7), shiftOut - shiftIn);
         g0 = Mul_16s(round_32s(shl_32s(ownInvSqrt(scaled), 9)), 3276);
     }
-    Vsp16s gains[kL_subfr];
-    int current = gain;
-    for (Vsp16s& g : gains) {
-        current = ((current * 29491) >> 15) + g0;  // g0 is at most 3276
-        g = Vsp16s(current);
-    }
-    gain = Vsp16s(current);
-    multiplyGains<12, false>(gains, output);
+    followGain(g0, gain, output);
 }
 
 }  // namespace
@@ -151,10 +139,10 @@ VspStatus vspsPostFilter_G729A_16s(const Vsp16s* pSyn, const Vsp16s* pLPC, Vsp16
     residual.keep(state.residual);
 
     impulseResponse<10>(numerator, denominator, kResponse, h);
-    const Vsp16s factor = tilt(h);
+    const Vsp16s factor = responseTilt(h, kResponse);
     Vsp16s compensated[kL_subfr], output[kL_subfr];
     signal[0] = state.tilt;
-    for (int n = 0; n < kL_subfr; n++) compensated[n] = Sub_16s(x[n], Mul_16s(factor, x[n - 1]));
+    compensateTilt(factor, x, compensated);
     state.tilt = x[kL_subfr - 1];
     synthesise<10>(denominator, compensated, output, kL_subfr, state.synthesis);
     for (int i = 0; i < 10; i++) state.synthesis[i] = output[kL_subfr - 10 + i];

@@ -1,4 +1,5 @@
 // Emphasises the pitch in the excitation (3GPP TS 26.090, 6.1).
+#include "common/post_filter.h"
 #include "core/checks.h"
 #include "gsmamr/exports.h"
 #include "gsmamr/gain_control.h"
@@ -15,15 +16,16 @@ VspStatus vspsExcitationEmphasis_GSMAMR_16s(const Vsp16s* pVector, const Vsp16s*
         for (int i = 0; i < kL_subfr; i++) pDst[i] = pExc[i];
         return vspStsNoErr;
     }
-    const Vsp16s factor = shl_16s(sharp, 1);
-    for (int i = 0; i < kL_subfr; i++) {
-        const Vsp32s product = Mul2_16s32s(Mul_16s(pVector[i], factor), gain);
-        pDst[i] = Add_16s(round_32s(mode == kMode122 ? product >> 1 : product), pExc[i]);
+    const S16_128 factor = S16_128::splat(shl_16s(sharp, 1)), gains = S16_128::splat(gain);
+    for (int i = 0; i < kL_subfr; i += S16_128::width) {
+        const S16_128 vector = mulShift15Sat(S16_128::load(pVector + i), factor);
+        const S16_128 pitch = mode == kMode122 ? product<16, true>(vector, gains) : product<15, true>(vector, gains);
+        addSat(pitch, S16_128::load(pExc + i)).store(pDst + i);
     }
     const Vsp32s present = ownSubframeEnergy(pDst);
     if (present == 0) return vspStsNoErr;
-    const Vsp16s ratio = ownAmplitudeRatio(ownSubframeEnergy(pExc), present);
-    for (int i = 0; i < kL_subfr; i++) pDst[i] = high_32s(shl_32s(Mul2_16s32s(pDst[i], ratio), 3));
+    const S16_128 ratio = S16_128::splat(ownAmplitudeRatio(ownSubframeEnergy(pExc), present));
+    for (int i = 0; i < kL_subfr; i += S16_128::width) product<12, false>(S16_128::load(pDst + i), ratio).store(pDst + i);
     return vspStsNoErr;
 }
 

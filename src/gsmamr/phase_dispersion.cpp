@@ -1,7 +1,6 @@
 // Spreads the pulses of the code where the pitch gain is low, and forms the excitation (`ph_disp`; 3GPP TS 26.090, 6.1).
-#include "arithmetic/standard_ops.h"
 #include "common/history.h"
-#include "common/lengths.h"
+#include "common/post_filter.h"
 #include "core/checks.h"
 #include "gsmamr/exports.h"
 #include "gsmamr/mode_checks.h"
@@ -38,17 +37,38 @@ int chooseFilter(Vsp16s gainPitch, Vsp16s gainCode, bool lock, Vsp16s* mem) {
     return filter;
 }
 
+// The cyclic convolution of the pulses with a response, every product and partial sum saturated.
 void spread(const Vsp16s* response, Vsp16s* code) {
-    Vsp16s pulses[kL_subfr];
-    for (int i = 0; i < kL_subfr; i++) {
-        pulses[i] = code[i];
-        code[i] = 0;
-    }
+    constexpr int kVectors = kL_subfr / S16_128::width;
+    Vsp16s twice[2 * kL_subfr];
+    for (int i = 0; i < kL_subfr; i++) twice[i] = twice[kL_subfr + i] = response[i];
+    S16_128 sums[kVectors];
+    for (S16_128& sum : sums) sum = S16_128::splat(0);
     for (int position = 0; position < kL_subfr; position++) {
-        const Vsp16s pulse = pulses[position];
-        if (pulse == 0) continue;
-        for (int i = 0; i < position; i++) code[i] = Add_16s(code[i], Mul_16s(pulse, response[kL_subfr - position + i]));
-        for (int i = position; i < kL_subfr; i++) code[i] = Add_16s(code[i], Mul_16s(pulse, response[i - position]));
+        if (code[position] == 0) continue;
+        const S16_128 pulse = S16_128::splat(code[position]);
+        const Vsp16s* const shifted = twice + kL_subfr - position;
+        for (int v = 0; v < kVectors; v++)
+            sums[v] = addSat(sums[v], mulShift15Sat(pulse, S16_128::load(shifted + v * S16_128::width)));
+    }
+    for (int v = 0; v < kVectors; v++) sums[v].store(code + v * S16_128::width);
+}
+
+// round(L_shl(exc * factor + code * gainCode, shift)) with doubled products; where a sum leaves 32 bits, so does the
+// result.
+void formExcitation(Vsp16s factor, Vsp16s gainCode, int shift, const Vsp16s* code, Vsp16s* exc) {
+    if (factor == kMin16 || gainCode == kMin16) {  // whose products may saturate on their own
+        for (int i = 0; i < kL_subfr; i++)
+            exc[i] = round_32s(shl_32s(mac_32s(Mul2_16s32s(exc[i], factor), code[i], gainCode), shift));
+        return;
+    }
+    const S16_128 factors{S32_128::splat(Vsp32s(Vsp16u(factor) | Vsp32u(gainCode) << 16)).v};
+    const S32_128 half = S32_128::splat(1 << (14 - shift));
+    for (int i = 0; i < kL_subfr; i += S16_128::width) {
+        const S16_128 e = S16_128::load(exc + i), c = S16_128::load(code + i);
+        packSat(shr(add(dot2(S16_128{zipLo(e, c).v}, factors), half), 15 - shift),
+                shr(add(dot2(S16_128{zipHi(e, c).v}, factors), half), 15 - shift))
+            .store(exc + i);
     }
 }
 
@@ -64,8 +84,7 @@ VspStatus vspsPhaseDispersion_GSMAMR_16s(Vsp16s gainPitch, Vsp16s gainCode, Vsp3
 
     const Vsp16s factor = mode == kMode122 ? Vsp16s(gainPitch >> 1) : gainPitch;
     const int shift = mode == kMode122 ? 2 : 1;
-    for (int i = 0; i < kL_subfr; i++)
-        pExc[i] = round_32s(shl_32s(mac_32s(Mul2_16s32s(pExc[i], factor), pCode[i], gainCode), shift));
+    formExcitation(factor, gainCode, shift, pCode, pExc);
     return vspStsNoErr;
 }
 

@@ -1,4 +1,5 @@
 // The adaptive post-filter (`Post_Filter`; 3GPP TS 26.090, 6.2.1).
+#include "common/post_filter.h"
 #include "common/exports.h"
 #include "common/residual_filter.h"
 #include "core/checks.h"
@@ -26,38 +27,24 @@ void weigh(const Vsp16s* lpc, const Vsp16s* factors, Vsp16s* weighted) {
     for (int i = 1; i <= kOrder; i++) weighted[i] = mulRound_16s(lpc[i], factors[i - 1]);
 }
 
-// The first reflection coefficient of the impulse response of both filters, times 0.8.
 Vsp16s tiltOf(const Vsp16s* numerator, const Vsp16s* denominator) {
     constexpr int kLength = 22;
-    constexpr Vsp16s kWeight = 26214;
     static constexpr Vsp16s kZero[kOrder] = {};
     Vsp16s impulse[kLength] = {}, h[kLength];
     for (int i = 0; i <= kOrder; i++) impulse[i] = numerator[i];
     vspsSynthesisFilter_NR_16s_Sfs(denominator, impulse, h, kLength, 12, kZero);
-    const Vsp16s c0 = high_32s(dotSaturating(h, h, kLength)), c1 = high_32s(dotSaturating(h, h + 1, kLength - 1));
-    return c1 <= 0 ? Vsp16s(0) : Div_16s(Mul_16s(c1, kWeight), c0);
-}
-
-void compensateTilt(Vsp16s tilt, Vsp16s* x, Vsp16s* memory) {
-    const Vsp16s last = x[kL_subfr - 1];
-    for (int i = kL_subfr - 1; i > 0; i--) x[i] = Sub_16s(x[i], Mul_16s(tilt, x[i - 1]));
-    x[0] = Sub_16s(x[0], Mul_16s(tilt, *memory));
-    *memory = last;
+    return responseTilt(h, kLength);
 }
 
 // Brings the output to the energy of the input, with a gain that moves slowly (`agc`).
 void controlGain(const Vsp16s* in, Vsp16s* out, Vsp16s* gain) {
-    constexpr Vsp16s kOld = 29491, kNew = 32767 - kOld;
+    constexpr Vsp16s kNew = 3276;
     const Vsp32s present = ownSubframeEnergy(out);
     if (present == 0) {
         *gain = 0;
         return;
     }
-    const Vsp16s step = Mul_16s(ownAmplitudeRatio(ownSubframeEnergy(in), present), kNew);
-    for (int i = 0; i < kL_subfr; i++) {
-        *gain = Add_16s(Mul_16s(*gain, kOld), step);
-        out[i] = high_32s(shl_32s(Mul2_16s32s(out[i], *gain), 3));
-    }
+    followGain(Mul_16s(ownAmplitudeRatio(ownSubframeEnergy(in), present), kNew), *gain, out);
 }
 
 }  // namespace
@@ -81,13 +68,15 @@ VspStatus vspsPostFilter_GSMAMR_16s(const Vsp16s* pSrc, const Vsp16s* pLPC, Vsp3
     for (int n = 0; n < kFrame; n += kL_subfr) {
         const Vsp16s* const in = input + kOrder + n;
         Vsp16s* const out = pDst + n;
-        Vsp16s numerator[kOrder + 1], denominator[kOrder + 1], residual[kL_subfr];
+        Vsp16s numerator[kOrder + 1], denominator[kOrder + 1], residual[1 + kL_subfr], compensated[kL_subfr];
         weigh(pLPC, high ? gamma4 : gamma3, numerator);
         weigh(pLPC, high ? gamma4_high : gamma4, denominator);
         pLPC += kOrder + 1;
-        ownResidual(in, numerator, kOrder, residual, kL_subfr, 12);
-        compensateTilt(tiltOf(numerator, denominator), residual, &s.tilt);
-        vspsSynthesisFilter_NR_16s_Sfs(denominator, residual, out, kL_subfr, 12, s.memory);
+        ownResidual(in, numerator, kOrder, residual + 1, kL_subfr, 12);
+        residual[0] = s.tilt;
+        s.tilt = residual[kL_subfr];
+        compensateTilt(tiltOf(numerator, denominator), residual + 1, compensated);
+        vspsSynthesisFilter_NR_16s_Sfs(denominator, compensated, out, kL_subfr, 12, s.memory);
         for (int i = 0; i < kOrder; i++) s.memory[i] = out[kL_subfr - kOrder + i];
         controlGain(in, out, &s.gain);
     }
