@@ -1,4 +1,5 @@
 // Hybrid windows of the backward adaptation and the autocorrelation behind them (G.728 blocks 36, 43 and 49).
+#include "common/autocorrelation.h"
 #include "core/checks.h"
 #include "g728/block_float.h"
 #include "g728/exports.h"
@@ -19,7 +20,8 @@ struct Shape {
 };
 constexpr Shape kSynthesis{50, 35, 20, 2, kSynthesisWindow}, kWeighting{10, 30, 20, 1, kWeightingWindow},
     kLogGain{10, 20, 4, 2, kLogGainWindow};
-constexpr int kMaxSamples = kSynthesis.samples(), kMaxOrder = kSynthesis.order, kMaxBlock = kSynthesis.block;
+constexpr int kMaxSamples = kSynthesis.samples(), kMaxOrder = kSynthesis.order, kMaxBlock = kSynthesis.block,
+              kMaxNonRecursive = kSynthesis.nonRecursive;
 
 // Behind it the recursive parts, order + 1, the samples, and of each vector of these its scale.
 struct Header {
@@ -54,17 +56,36 @@ struct State {
           scales(samples + s.samples()) {}
 };
 
+// Sums of products of len samples of w with those up to maxLag before.
+struct Correlations {
+    static constexpr int kLags = wholeLagGroups(kMaxOrder + 1);
+    Vsp64s sums[kLags];
+
+    Correlations(const Vsp16s* w, int len, int maxLag, bool fits) {
+        if (!fits) {
+            for (int lag = 0; lag <= maxLag; lag++) sums[lag] = dot(w, w - lag, len);
+            return;
+        }
+        Vsp16s padded[kLags + kMaxBlock + kMaxNonRecursive + Sliding16::width] = {};
+        for (int i = -maxLag; i < len; i++) padded[kLags + i] = w[i];
+        Vsp32s narrow[kLags];
+        correlateLags(padded + kLags, len, narrow, maxLag + 1);
+        for (int lag = 0; lag <= maxLag; lag++) sums[lag] = narrow[lag];
+    }
+};
+
 // The autocorrelation of windowed samples of scale q.
 VspStatus correlate(const Shape& s, const Vsp16s* w, int q, const State& state, Vsp16s* dst) {
     const Vsp64s level = 2 * q, factor = 0x10000 - (0x10000 >> s.decay);
     const Vsp16s *const recursive = w + s.order, *const newest = recursive + s.block;
+    const bool fits = energy(w, s.samples()) <= kMax32;  // and so does every sum
+    const Correlations ofRecursive(recursive, s.block, s.order, fits), ofNewest(newest, s.nonRecursive, s.order, fits);
     Vsp64s scale = state.header->scale;
     const Vsp64s past = 1 + (scale > level ? scale - level : 0), present = 1 + (scale < level ? level - scale : 0);
     scale = scale > level ? level : scale;
 
     const auto recursion = [&](int lag) {
-        return shiftRight(state.recursive[lag] * factor, past) +
-               shiftRight(dot(recursive, recursive - lag, s.block), present);
+        return shiftRight(state.recursive[lag] * factor, past) + shiftRight(ofRecursive.sums[lag], present);
     };
     Vsp64s a = recursion(0);
     const int recursiveShift = norm(a, 32);
@@ -73,8 +94,7 @@ VspStatus correlate(const Shape& s, const Vsp16s* w, int q, const State& state, 
 
     const Vsp64s old = 1 + (scale > level ? scale - level : 0), now = 1 + (scale < level ? level - scale : 0);
     const auto total = [&](int lag) {
-        return shiftRight(state.recursive[lag] * 0x10000LL, old) +
-               shiftRight(dot(newest, newest - lag, s.nonRecursive), now);
+        return shiftRight(state.recursive[lag] * 0x10000LL, old) + shiftRight(ofNewest.sums[lag], now);
     };
     a = total(0);
     a += a >> 8;  // white noise 24 dB below

@@ -3,6 +3,7 @@
 #include "g728/block_float.h"
 #include "g728/exports.h"
 #include "g728/tables.h"
+#include "vector/dot.h"
 
 namespace vsp::VSP_LEVEL {
 
@@ -12,41 +13,59 @@ namespace {
 
 constexpr int kMaxOrder = 50, kPostFilterOrder = 10, kLowestScale = 13, kHighestScale = 15;
 
-// The filter of one order after the other.
+// The filter of one order after the other, forwards and backwards, with zeros where it has no coefficients yet.
 struct Recursion {
-    Vsp16s a[kMaxOrder];
+    static constexpr int kStep = 16, kPadded = kMaxOrder + kStep;
+    Vsp16s a[kPadded], backward[kPadded];  // backward[kMaxOrder - 1 - j] is a[j]
     Vsp16s alpha;
     int halvings;  // of the filter, to keep it within 16 bits: Q15 - halvings
 
-    // num / alpha, Q16, truncated.
-    Vsp32u quotient(Vsp64s num) const {
-        Vsp32u q = 0;
-        for (int i = 0; i < 16; i++) {
-            q *= 2, num *= 2;
-            if (num >= alpha) num -= alpha, q++;
-        }
-        return q;
+    void start(const Vsp16s* filter, int order) {
+        for (int j = 0; j < kPadded; j++) a[j] = backward[j] = 0;
+        for (int j = 0; j < order; j++) set(j, filter[j]);
     }
+    void set(int j, Vsp16s x) { a[j] = backward[kMaxOrder - 1 - j] = x; }
+
+    // num / alpha, Q16, truncated.
+    Vsp32u quotient(Vsp64s num) const { return num >= alpha ? 0xFFFF : Vsp32u(num << 16) / Vsp32u(alpha); }
 
     bool first(const Vsp16s* r) {
         if (r[0] <= 0) return false;
         alpha = r[0], halvings = 0;
         const Vsp64s magnitude = roundHigh(Vsp64s(quotient(r[1] < 0 ? -r[1] : r[1])) << 15);
-        a[0] = Vsp16s(r[1] > 0 ? -magnitude : magnitude);
+        start(nullptr, 0);
+        set(0, Vsp16s(r[1] > 0 ? -magnitude : magnitude));
         alpha = Vsp16s(roundHigh(r[0] * 0x10000LL + 2 * a[0] * Vsp64s(r[1])));
         return true;
     }
 
-    // From order i to order i + 1.
-    bool next(const Vsp16s* r, int i) {
-        Vsp64s sum = 0;
-        for (int j = 0; j < i; j++) sum += r[j + 1] * a[i - 1 - j];
-        const Vsp64s h = roundHigh(r[i + 1] * 0x10000LL + sum * (2 << halvings)), magnitude = h < 0 ? -h : h;
-        if (magnitude >= alpha) return false;
-        const Vsp32u q = quotient(magnitude);
-        const Vsp64s half = roundHigh(Vsp64s(q) << 15), k = h > 0 ? -2 * half : 2 * half;
-        const Vsp64s energy = alpha * 0x10000LL + k * h;
-        if (energy <= 0) return false;
+    // All coefficients of order i plus half k times those of the reverse order, unless one leaves 16 bits.
+    bool addReverse(int half, int i) {
+        const Vsp16s* const mirrored = backward + kMaxOrder - i;  // mirrored[j] is a[i - 1 - j]
+        Vsp16s forwards[kPadded], reverse[kPadded];
+        Vsp32s beyond = 0;
+        const auto added = [half, &beyond](Vsp16s f, Vsp16s g) {
+            const Vsp32s t = f * 0x8000 + half * g;  // half of what is rounded
+            beyond |= t ^ Vsp32s(Vsp32u(t) << 1);
+            const Vsp32s rounded = Vsp32s(Vsp32u(t) + 0x4000) >> 15;
+            return Vsp16s(rounded < kMax16 ? rounded : kMax16);
+        };
+        for (int j = 0; j < i; j += kStep)
+            for (int k = j; k < j + kStep; k++) {
+                forwards[k] = added(a[k], mirrored[k]);
+                reverse[k] = added(mirrored[k], a[k]);
+            }
+        if (beyond < 0) return false;
+        for (int j = 0; j < i; j++) {
+            a[j] = forwards[j];
+            backward[kMaxOrder - i + j] = reverse[j];
+        }
+        return true;
+    }
+
+    // The same, pair after pair; at one that leaves 16 bits all coefficients are halved, at most twice.
+    [[gnu::noinline]] bool addReverseHalving(int half, int i) {
+        const Vsp64s k = 2 * half;
         for (int j = 0; 2 * j <= i - 1; j++) {
             Vsp16s &f = a[j], &g = a[i - 1 - j];
             Vsp64s x = f * 0x10000LL + k * g, y = g * 0x10000LL + k * f;
@@ -58,9 +77,22 @@ struct Recursion {
             f = Vsp16s(roundHigh(x));
             g = Vsp16s(roundHigh(y));
         }
+        for (int j = 0; j < i; j++) set(j, a[j]);
+        return true;
+    }
+
+    // From order i to order i + 1. r is r[i + 1] and lags[j] r[i - j].
+    bool next(Vsp16s r, const Vsp16s* lags, int i) {
+        const Vsp64s h = roundHigh(r * 0x10000LL + dot(a, lags, i) * (2 << halvings)), magnitude = h < 0 ? -h : h;
+        if (magnitude >= alpha) return false;
+        const Vsp32u q = quotient(magnitude);
+        const int half = int(roundHigh(Vsp64s(q) << 15)) * (h > 0 ? -1 : 1);
+        const Vsp64s energy = alpha * 0x10000LL + 2 * half * h;
+        if (energy <= 0) return false;
+        if (!addReverse(half, i) && !addReverseHalving(half, i)) return false;
         alpha = Vsp16s(roundHigh(energy));
         const Vsp64s last = roundHigh((Vsp64s(q) << 15) >> halvings);
-        a[i] = Vsp16s(h > 0 ? -last : last);
+        set(i, Vsp16s(h > 0 ? -last : last));
         return true;
     }
 };
@@ -96,15 +128,17 @@ VspStatus vspsLevinsonDurbin_G728_16s_ISfs(const Vsp16s* r, Vsp32s from, Vsp32s 
         if (!filter.first(r)) return vspStsLevinsonErr;
         order = 1;
     } else {
-        for (int i = 0; i < from; i++) filter.a[i] = pSrcDst[i];
+        filter.start(pSrcDst, from);
         filter.alpha = *pAlpha;
         filter.halvings = kHighestScale - *pScale;
     }
     const Vsp16s rc1 = filter.a[0];
+    Vsp16s reversed[kMaxOrder];  // reversed[to - 1 - j] is r[j + 1]
+    for (int j = 0; j < to; j++) reversed[to - 1 - j] = r[j + 1];
     bool complete = true;
     for (; order < to && complete; order++) {
         if (order == kFirstPart) kept = filter;
-        complete = filter.next(r, order);
+        complete = filter.next(r[order + 1], reversed + to - order, order);
         if (!complete && order < kFirstPart) return vspStsLevinsonErr;
     }
     int valid = to;

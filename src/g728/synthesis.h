@@ -23,21 +23,36 @@ struct SynthesisMemory {
 
     // The response of the filter to its past becomes pending.
     void ring(const Vsp16s* lpc) {
+        constexpr int kLanes = 8, kNarrow = 1 << 16;
         int least = past[0].scale;
         for (const Vector& v : past) least = v.scale < least ? v.scale : least;
+        Vsp16s a[kSynthesisOrder + kLanes] = {};
+        for (int i = 0; i < kSynthesisOrder; i++) a[i] = lpc[i];
+        Vsp64s sums[kLanes] = {};
+        for (int v = 0; v < kPastVectors; v++) {
+            const Vector& old = past[v];
+            const int shift = old.scale - least;
+            if (v == kPastVectors - 1 && shift >= 30) continue;
+            const Vsp16s* const ofLast = a + kVector * (v + 1) - 1;  // the coefficients of its last sample are the first
+            int magnitudes = 0;
+            for (const Vsp16s x : old.x) magnitudes += x < 0 ? -x : x;
+            if (magnitudes < kNarrow) {  // as of vectors that advance() has made
+                Vsp32s part[kLanes] = {};
+                for (int m = 0; m < kVector; m++)
+                    for (int n = 0; n < kLanes; n++) part[n] -= ofLast[n - m] * old.x[m];
+                for (int n = 0; n < kLanes; n++) sums[n] += part[n] >> (shift < 31 ? shift : 31);
+            } else {
+                for (int n = 0; n < kVector; n++) {
+                    Vsp64s part = 0;
+                    for (int m = 0; m < kVector; m++) part -= ofLast[n - m] * old.x[m];
+                    sums[n] += shiftRight(part, shift > 30 ? 63 : shift);
+                }
+            }
+        }
         Vsp16s response[kVector];
         for (int n = 0; n < kVector; n++) {
-            Vsp64s t = 0;
+            Vsp64s t = sums[n];
             for (int m = 0; m < n; m++) t -= lpc[n - 1 - m] * response[m];
-            for (int v = 0; v < kPastVectors; v++) {
-                const int shift = past[v].scale - least;
-                const bool oldest = v == kPastVectors - 1;
-                if (oldest && shift >= 30) continue;
-                const Vsp16s* const a = lpc + kVector * (v + 1) + n - 1;
-                Vsp64s part = 0;
-                for (int m = oldest ? n : 0; m < kVector; m++) part -= a[-m] * past[v].x[m];
-                t += shiftRight(part, shift > 30 ? 63 : shift);
-            }
             response[n] = sat16(t >> 14);
         }
         for (int n = 0; n < kVector; n++) pending.x[n] = response[n];
