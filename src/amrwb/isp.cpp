@@ -15,10 +15,10 @@ static bool isOrder(Vsp32s order) { return order == kOrder || order == kHighOrde
 
 VspStatus vspsLPCToISP_AMRWB_16s(const Vsp16s* pLPC, const Vsp16s* pPrevISP, Vsp16s* pISP) {
     if (anyNull(pLPC, pPrevISP, pISP)) return vspStsNullPtrErr;
-    constexpr ChebyshevForm form{0, 0, 4096, 2048, 10, true};
+    constexpr ChebyshevForm form{0, 0, 4096, 2048, 10};
     constexpr LspGrid grid{ispGrid, kIspGridPoints, 2};
     // Sums and differences, the latter divided by 1 - z^-2: of one order less, it begins with a coefficient 0.
-    LspPolynomial<kHalf> polynomials[2];
+    LspPolynomial<kHalf, true> polynomials[2];
     Vsp16s *const sums = polynomials[0].f, *const differences = polynomials[1].f + 1;
     polynomials[1].f[0] = 0;
     for (int i = 0; i < kHalf; i++) {
@@ -28,7 +28,7 @@ VspStatus vspsLPCToISP_AMRWB_16s(const Vsp16s* pLPC, const Vsp16s* pPrevISP, Vsp
         if (i >= 2) differences[i] = Add_16s(differences[i], differences[i - 2]);
     }
     sums[kHalf] = pLPC[kHalf];
-    LspRootSearch<kHalf, kIspGridRoom> search{polynomials, form, grid, {}, {}};
+    LspRootSearch<kHalf, true, kIspGridRoom> search{polynomials, form, grid, {}, {}};
     Vsp16s isp[kOrder];
     if (search.run(isp, kOrder - 1) == kOrder - 1)
         isp[kOrder - 1] = ShiftL_16s(pLPC[kOrder], 3);

@@ -20,17 +20,19 @@ struct ChebyshevForm {
 
 constexpr int kMaxLspGrid = 64;  // points of a grid, with margin
 
-// One of the two polynomials: kHalf + 1 coefficients.
-template <int kHalf>
+// One of the two polynomials: kHalf + 1 coefficients. kImmittance: those of immittance spectral pairs, whose series begin
+// with the first coefficient in place of `one`, take off low words after all else and do not get to -32768.
+template <int kHalf, bool kImmittance = false>
 struct LspPolynomial {
     Vsp16s f[kHalf + 1];
 };
 
 // Value at x, every step saturated.
-template <int kHalf>
-[[gnu::noinline]] static Vsp16s chebyshevSaturating(const LspPolynomial<kHalf>& p, const ChebyshevForm& form, Vsp16s x) {
+template <int kHalf, bool kImmittance>
+[[gnu::noinline]] static Vsp16s chebyshevSaturating(const LspPolynomial<kHalf, kImmittance>& p, const ChebyshevForm& form,
+                                                    Vsp16s x) {
     Vsp32s b2 = form.one * 65536, b1 = mac_32s(Mul2_32s(x * form.slope), p.f[1], form.addend);
-    if (form.immittance) {
+    if (kImmittance) {
         b2 = 2 * p.f[0] * form.addend;
         b1 = mac_32s(Mul2_32s(mulSplit_32s16s(b2, x)), p.f[1], form.addend);
     }
@@ -39,7 +41,7 @@ template <int kHalf>
     const auto minus = [low](Vsp32s sum, Vsp32s b) { return Sub_32s(mac_32s(sum, Vsp16s(b >> 16), kMin16), low(b)); };
     for (int i = 2; i < kHalf; i++) {
         Vsp32s b0 = mulSplit_32s16s(b1, x);
-        if (form.immittance) {
+        if (kImmittance) {
             b0 = mac_32s(mac_32s(b0, Vsp16s(b2 >> 16), kMin16 / 2), p.f[i], form.addend / 2);
             b0 = Sub_32s(Mul2_32s(b0), low(b2));
         } else {
@@ -50,12 +52,12 @@ template <int kHalf>
     }
     const Vsp32s sum = mac_32s(minus(mulSplit_32s16s(b1, x), b2), p.f[kHalf], form.last);
     const Vsp16s value = sat_16s(sum >> form.resultShift);
-    return form.immittance && value == kMin16 ? Vsp16s(-kMax16) : value;
+    return kImmittance && value == kMin16 ? Vsp16s(-kMax16) : value;
 }
 
 // The same in 64 bits, where the wide sums tell whether one of them saturates.
-template <int kHalf>
-VSP_INLINE Vsp16s chebyshev(const LspPolynomial<kHalf>& p, const ChebyshevForm& form, Vsp16s x) {
+template <int kHalf, bool kImmittance>
+VSP_INLINE Vsp16s chebyshev(const LspPolynomial<kHalf, kImmittance>& p, const ChebyshevForm& form, Vsp16s x) {
     Vsp64u outside = 0;
     const auto note = [&outside](Vsp64s a) {
         outside |= Vsp64u(a + 0x80000000LL);
@@ -63,17 +65,17 @@ VSP_INLINE Vsp16s chebyshev(const LspPolynomial<kHalf>& p, const ChebyshevForm& 
     };
     const auto times = [&](Vsp64s b) { return ((b >> 1) * x) >> 15; };  // half the product
     const auto sum = [&](Vsp64s product, Vsp64s b, Vsp64s coefficient, bool lowLast) {
-        const Vsp64s low = b & 0xFFFE, rest = note(product - (b & ~0xFFFFLL));
-        return lowLast ? note(note(rest + coefficient) - low) : note(note(rest - low) + coefficient);
+        const Vsp64s low = lowLast ? b & 0xFFFE : 0, rest = (b & ~1LL) - low;
+        return note(note(note(product - rest) + coefficient) - low);
     };
     Vsp64s b2 = form.one * 65536, b1 = 2 * x * form.slope;
-    if (form.immittance) {
+    if (kImmittance) {
         b2 = 2 * p.f[0] * form.addend;
         b1 = 4 * times(b2);
     }
     b1 = note(b1 + 2 * (Vsp64s(p.f[1]) * form.addend));
     for (int i = 2; i < kHalf; i++) {
-        const Vsp64s b0 = sum(note(4 * times(b1)), b2, 2 * (p.f[i] * form.addend), form.immittance);
+        const Vsp64s b0 = sum(note(4 * times(b1)), b2, 2 * (p.f[i] * form.addend), kImmittance);
         b2 = b1;
         b1 = b0;
     }
@@ -81,66 +83,74 @@ VSP_INLINE Vsp16s chebyshev(const LspPolynomial<kHalf>& p, const ChebyshevForm& 
     if (outside >> 32 != 0) [[unlikely]]
         return chebyshevSaturating(p, form, x);
     const Vsp16s value = sat_16s(Vsp32s(total) >> form.resultShift);
-    return form.immittance && value == kMin16 ? Vsp16s(-kMax16) : value;
+    return kImmittance && value == kMin16 ? Vsp16s(-kMax16) : value;
 }
 
-// The values at the 16-bit elements of a vector. Where one may have saturated on the way a sign bit of outside is set.
-template <int kHalf, class V>
-VSP_INLINE V chebyshev(const LspPolynomial<kHalf>& p, const ChebyshevForm& form, V x, Wide<V>& outside) {
+// The values, before they are shifted and saturated, at 16-bit elements each of which stands in both halves of a pair.
+// Where one may have saturated on the way a sign bit of outside is set.
+template <class V, int kHalf, bool kImmittance>
+VSP_INLINE Wide<V> chebyshevOfPairs(const LspPolynomial<kHalf, kImmittance>& p, const ChebyshevForm& form, V pairs,
+                                    Wide<V>& outside) {
     using W = Wide<V>;
-    const W highs = W::splat(-0x10000), lows = W::splat(0x7FFF), doubledLows = W::splat(0xFFFE);
+    const W highs = W::splat(-0x10000), lows = W::splat(0x7FFF), even = W::splat(~1);
     const auto note = [&](auto bits) { outside.v = outside.v | bits; };
+    // Sums and differences, and where they leave 32 bits.
     const auto plus = [&](W a, W b) {
         const W result = add(a, b);
         note(~(a.v ^ b.v) & (a.v ^ result.v));
         return result;
     };
-    const auto minusLow = [&](W a, W b) {
-        const W result = sub(a, W{b.v & doubledLows.v});
-        note(a.v & ~result.v);
+    const auto minus = [&](W a, W b) {
+        const W result = sub(a, b);
+        note((a.v ^ b.v) & (a.v ^ result.v));
         return result;
     };
-    // a - b + c, and where that leaves 32 bits
+    // a - b + c
     const auto sum = [&](W a, W b, W c, bool lowLast) {
-        const W high{b.v & highs.v}, difference = sub(a, high);
-        note((a.v ^ high.v) & (a.v ^ difference.v));
-        return lowLast ? minusLow(plus(difference, c), b) : plus(minusLow(difference, b), c);
+        b.v = b.v & even.v;
+        if (!lowLast) return plus(minus(a, b), c);
+        const W high{b.v & highs.v};
+        return minus(plus(minus(a, high), c), sub(b, high));
     };
-    // The pairs are each of the same element twice.
-    const auto half = [&](V pairs) {
-        // twice b * x in Q15 of x, exact: (b >> 1) * x >> 15, the half of which is below 2^29, or its doubling saturates
-        const auto product = [&](W b) {
-            const W high = dot2(V{b.v & highs.v}, pairs), low = dot2(V{shrU(b, 1).v & lows.v}, pairs);
-            const W t = add(high, shr(low, 15)), doubled = add(t, t), fourfold = add(doubled, doubled);
-            note((t.v ^ doubled.v) | (doubled.v ^ fourfold.v));
-            return doubled;
-        };
-        W b2, b1;
-        if (form.immittance) {
-            b2 = W::splat(2 * p.f[0] * form.addend);
-            const W doubled = product(b2);
-            b1 = add(doubled, doubled);
-        } else {
-            const W slope = dot2(pairs, V{W::splat(form.slope).v});  // the slope stands in the lower half of the pairs
-            b2 = W::splat(form.one * 65536);
-            b1 = add(slope, slope);
-        }
-        b1 = add(b1, W::splat(2 * p.f[1] * form.addend));
-        for (int i = 2; i < kHalf; i++) {
-            const W doubled = product(b1), addend = W::splat(2 * p.f[i] * form.addend);
-            const W b0 = sum(add(doubled, doubled), b2, addend, form.immittance);
-            b2 = b1;
-            b1 = b0;
-        }
-        return shr(sum(product(b1), b2, W::splat(2 * p.f[kHalf] * form.last), false), form.resultShift);
+    // twice b * x in Q15 of x, exact: (b >> 1) * x >> 15, the half of which is below 2^29, or its doubling saturates
+    const auto product = [&](W b) {
+        const W high = dot2(V{b.v & highs.v}, pairs), low = dot2(V{shrU(b, 1).v & lows.v}, pairs);
+        const W t = add(high, shr(low, 15)), doubled = add(t, t), fourfold = add(doubled, doubled);
+        note((t.v ^ doubled.v) | (doubled.v ^ fourfold.v));
+        return doubled;
     };
-    const V values = packSat(half(V{zipLo(x, x).v}), half(V{zipHi(x, x).v}));
-    return form.immittance ? max(values, V::splat(-kMax16)) : values;
+    W b2, b1;
+    if (kImmittance) {
+        b2 = W::splat(2 * p.f[0] * form.addend);
+        const W doubled = product(b2);
+        b1 = add(doubled, doubled);
+    } else {
+        const W slope = dot2(pairs, V{W::splat(form.slope).v});  // the slope stands in the lower half of the pairs
+        b2 = W::splat(form.one * 65536);
+        b1 = add(slope, slope);
+    }
+    b1 = add(b1, W::splat(2 * p.f[1] * form.addend));
+    for (int i = 2; i < kHalf; i++) {
+        const W doubled = product(b1), addend = W::splat(2 * p.f[i] * form.addend);
+        const W b0 = sum(add(doubled, doubled), b2, addend, kImmittance);
+        b2 = b1;
+        b1 = b0;
+    }
+    return sum(product(b1), b2, W::splat(2 * p.f[kHalf] * form.last), false);
+}
+
+// The values at the 16-bit elements of a vector.
+template <int kHalf, bool kImmittance, class V>
+VSP_INLINE V chebyshev(const LspPolynomial<kHalf, kImmittance>& p, const ChebyshevForm& form, V x, Wide<V>& outside) {
+    const Wide<V> lo = chebyshevOfPairs(p, form, V{zipLo(x, x).v}, outside);
+    const Wide<V> hi = chebyshevOfPairs(p, form, V{zipHi(x, x).v}, outside);
+    const V values = packSat(shr(lo, form.resultShift), shr(hi, form.resultShift));
+    return kImmittance ? max(values, V::splat(-kMax16)) : values;
 }
 
 // Values at the points of a grid, which is padded to kGrid.
-template <int kGrid, int kHalf>
-VSP_INLINE void chebyshevOnGrid(const LspPolynomial<kHalf>& p, const ChebyshevForm& form, const Vsp16s* grid,
+template <int kGrid, int kHalf, bool kImmittance>
+VSP_INLINE void chebyshevOnGrid(const LspPolynomial<kHalf, kImmittance>& p, const ChebyshevForm& form, const Vsp16s* grid,
                                 Vsp16s* values) {
     Wide<S16> outside = Wide<S16>::splat(0);
     for (int i = 0; i < kGrid; i += S16::width) chebyshev(p, form, S16::load(grid + i), outside).store(values + i);

@@ -12,9 +12,9 @@ struct LspGrid {
     int bisections;  // of the interval in which a root lies: 2 or 4
 };
 
-template <int kHalf, int kGrid = kMaxLspGrid>
+template <int kHalf, bool kImmittance = false, int kGrid = kMaxLspGrid>
 struct LspRootSearch {
-    const LspPolynomial<kHalf> (&polynomials)[2];
+    const LspPolynomial<kHalf, kImmittance> (&polynomials)[2];
     const ChebyshevForm& form;
     const LspGrid& grid;
     static constexpr int kMaxLeaves = 16, kWords = kGrid / 64;
@@ -49,13 +49,12 @@ struct LspRootSearch {
     }
 
     // The first sign change at point j or behind it; kGrid if there is none.
-    [[gnu::always_inline]] int nextChange(int polynomial, int j) const {
-        Vsp64u earlier = (1ULL << (j % 64)) - 1;
-        for (int w = j / 64; w < kWords; w++) {
-            const Vsp64u changes = signChanges[polynomial][w] & ~earlier;
-            if (changes != 0) return 64 * w + __builtin_ctzll(changes);
-            earlier = 0;
-        }
+    [[gnu::always_inline]] int nextChange(int polynomial, Vsp32u j) const {
+        Vsp32u word = kWords == 1 ? 0 : j / 64;
+        const Vsp64u changes = signChanges[polynomial][word] >> (j % 64);
+        if (changes != 0) return int(j) + __builtin_ctzll(changes);
+        while (++word < kWords)
+            if (signChanges[polynomial][word] != 0) return int(64 * word) + __builtin_ctzll(signChanges[polynomial][word]);
         return kGrid;
     }
 
@@ -157,7 +156,7 @@ struct LspRootSearch {
         while (j + 1 < grid.count) {
             j++;
             if (!changesSign(values[polynomial][j], reached.y)) {
-                j = nextChange(polynomial, j + 1);
+                j = nextChange(polynomial, Vsp32u(j) + 1);
                 if (j == kGrid) break;
                 reached = {grid.points[j - 1], values[polynomial][j - 1]};
             }
