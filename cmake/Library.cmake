@@ -7,6 +7,7 @@ set(vspsc_level_sources
     src/amrwb/adaptive_codebook_search.cpp
     src/amrwb/adaptive_vector.cpp
     src/amrwb/algebraic_codebook_decode.cpp
+    src/amrwb/algebraic_codebook_search.cpp
     src/amrwb/band_filters.cpp
     src/amrwb/comfort_noise_decode.cpp
     src/amrwb/delay_encode.cpp
@@ -16,6 +17,7 @@ set(vspsc_level_sources
     src/amrwb/excitation_enhancement.cpp
     src/amrwb/excitation_scale.cpp
     src/amrwb/filtered_excitation.cpp
+    src/amrwb/four_track_search.cpp
     src/amrwb/gain_decode.cpp
     src/amrwb/gain_quant.cpp
     src/amrwb/high_band.cpp
@@ -30,7 +32,9 @@ set(vspsc_level_sources
     src/amrwb/phase_dispersion.cpp
     src/amrwb/pitch_gain_clip.cpp
     src/amrwb/pitch_sharpen.cpp
+    src/amrwb/pulse_search.cpp
     src/amrwb/resampling.cpp
+    src/amrwb/two_track_search.cpp
     src/amrwb/vad.cpp
     src/common/adaptive_vector.cpp
     src/common/auto_corr.cpp

@@ -84,6 +84,8 @@ static const Described codebooks(
                              return std::size_t(i) < bits.size() ? Limits{0, (1 << bits[std::size_t(i)]) - 1} : Limits{};
                          }),
             codebookMode(), out(kSubframe)),
+        VSPSC_FUNCTION(vspsAlgebraicCodebookSearch_AMRWB_16s, in(kSubframe), in(kSubframe), in(kSubframe), codebookMode(),
+                       out(kSubframe), out(kSubframe), out(indices(3))),
         VSPSC_FUNCTION(vspsAlgebraicCodebookRandom_AMRWB_16s, io(1), out(kSubframe)),
         VSPSC_FUNCTION(vspsGainQuant_AMRWB_16s, in(kSubframe), in(kSubframe), in(kSubframe), in(kSubframe), in(4),
                        exponent(), mode(), yesOrNo(), io(4), io(1), out(1), out(1)),
