@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr int kLongestSecond = 16000;
+constexpr int kLongestSecond = 32000;
 
 const std::vector<Vsp16s>& noise() {
     static const std::vector<Vsp16s> samples = [] {

@@ -26,12 +26,12 @@ CODECS = {
     "aal2-g726-40": (100, 20),
 }
 # Octets of the longest frame.
-FRAMED_CODECS = {"g729": 10, "g729a": 10, "g729d": 10, "g729e": 15, "g729i": 15, "amr": 31}
+FRAMED_CODECS = {"g729": 10, "g729a": 10, "g729d": 10, "g729e": 15, "g729i": 15, "amr": 31, "g7221": 80, "g7221c": 120}
 VOICE = voice(2, 120)
 
 
 def rate(codec):
-    return 16000 if codec == "g722" else 8000
+    return {"g722": 16000, "g7221": 16000, "g7221c": 32000}.get(codec, 8000)
 
 
 def snr(codec, expected, heard):
@@ -209,7 +209,7 @@ def test_comparison_with_the_original(vsps):
 
 def test_losses_are_seen_in_the_comparison(vsps):
     vsps.put("in.wav", RECORDING.read_bytes())
-    for codec in ("g722", "gsm", "g726-32"):
+    for codec in ("g722", "gsm", "g726-32", "g7221"):
         vsps.ok("encode", "in.wav", f"x.{codec}")
         results = [vsps.json("decode", f"x.{codec}", "h.wav", "--against", "in.wav", "--lose", p)["against"] for p in (0, 3, 10)]  # fmt: skip
         assert results[0]["segmental_snr_db"] > results[1]["segmental_snr_db"] > results[2]["segmental_snr_db"] + 1
@@ -332,6 +332,22 @@ def test_codecs_of_frames(vsps, name, options, rate_of_codec, octets):
         assert max(map(abs, decoded(vsps, "dtx." + name[5:], *options)[-4000:])) < 100
     vsps.put("cut." + name[5:], whole[:-1])
     vsps.fails("cut." + name[5:], "cut short", "decode", "cut." + name[5:], "out.wav", *options)
+
+
+@pytest.mark.parametrize(("codec", "source"), [("g7221", 16000), ("g7221c", 32000), ("g7221c", 48000)])
+def test_transform_codecs(vsps, codec, source):
+    vsps.put("in.wav", wav16(voice(2, 120, source), source))
+    near = []
+    for bits in (24000, 32000):
+        report = vsps.json("encode", "in.wav", f"x.{codec}", "--rate", bits, "--against", "in.wav")
+        assert report["octets"] == os.path.getsize(vsps.path(f"x.{codec}")) == bits // 400 * report["frames"]
+        near.append(report["against"]["segmental_snr_db"])
+        heard = decoded(vsps, f"x.{codec}", "--rate", bits)
+        vsps.ok("encode", "in.wav", "x.bit", "--codec", codec, "--rate", bits)
+        assert os.path.getsize(vsps.path("x.bit")) == 2 * (2 + bits // 50) * report["frames"]
+        vsps.ok("decode", "x.bit", "heard.wav", "--codec", codec)
+        assert read_wav(vsps.path("heard.wav"), rate(codec))[0] == heard
+    assert 10 < near[0] < near[1]
 
 
 def test_what_is_in_coded_files_of_frames_is_checked(vsps):

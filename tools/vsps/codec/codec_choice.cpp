@@ -30,10 +30,11 @@ std::size_t speechBytes(const VspvCodec& codec, int bitRate) {
     return std::size_t(bytes);
 }
 
-// What codes by the frame needs less than two bits a sample.
+// What codes by the frame needs less than two bits a sample at some rate.
 bool codesSampleBySample(const VspvCodec& codec) {
     const auto samples = std::size_t(codec.frameSamples);
-    return bitsPerFrame(codec) % samples == 0 && bitsPerFrame(codec) >= 2 * samples;
+    const std::size_t least = speechBytes(codec, codec.pBitRates[codec.numBitRates - 1]);
+    return bitsPerFrame(codec) % samples == 0 && 8 * least >= 2 * samples;
 }
 
 std::size_t bytesOf(const VspvCodec& codec, std::size_t samples) {

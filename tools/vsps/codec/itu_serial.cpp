@@ -104,8 +104,8 @@ class ItuSerialWriter : public FrameWriter {
 
 const VspvCodec& checked(const std::string& file, const VspvCodec* codec) {
     const VspvCodec& c = codec != nullptr ? *codec : *vspvFindCodec("g729");
-    if (std::string(c.name).starts_with("g729")) return c;
-    throw FileError(inputName(file), std::string("the serial format holds G.729, not ") + c.name);
+    if (const std::string name = c.name; name.starts_with("g729") || name.starts_with("g7221")) return c;
+    throw FileError(inputName(file), std::string("the serial format holds G.729 and G.722.1, not ") + c.name);
 }
 
 }  // namespace

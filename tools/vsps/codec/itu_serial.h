@@ -1,5 +1,5 @@
-// The serial format of the ITU's software for G.729 (G.191): little-endian words, one for each bit. A frame begins with a
-// word for synchronisation and the number of its bits.
+// The serial format of the ITU's software for G.729 and G.722.1 (G.191): little-endian words, one for each bit. A frame
+// begins with a word for synchronisation and the number of its bits.
 #pragma once
 
 #include "codec/coded_file.h"
