@@ -26,7 +26,7 @@ CODECS = {
     "aal2-g726-40": (100, 20),
 }
 # Octets of the longest frame.
-FRAMED_CODECS = {"g729": 10, "g729a": 10, "g729d": 10, "g729e": 15, "g729i": 15, "amr": 31, "g7221": 80, "g7221c": 120}
+FRAMED_CODECS = {"g729": 10, "g729a": 10, "g729d": 10, "g729e": 15, "g729i": 15, "amr": 31, "g7221": 80, "g7221c": 120, "g728": 5}
 VOICE = voice(2, 120)
 
 
@@ -313,6 +313,7 @@ def test_bad_usage(vsps, arguments):
         ("call.g729i", ["--rate", 6400], 6400, 2400),
         ("call.bit", ["--codec", "g729"], 8000, 2 * 82 * 300),
         ("call.bit", ["--codec", "g729i", "--rate", 11800], 11800, 2 * 120 * 300),
+        ("call.g728", [], 16000, 5 * 8 * 150),
         ("call.amr", [], 12200, 6 + 32 * 150),
         ("call.amr", ["--rate", 4750], 4750, 6 + 13 * 150),
     ],

@@ -30,8 +30,10 @@ std::size_t speechBytes(const VspvCodec& codec, int bitRate) {
     return std::size_t(bytes);
 }
 
-// What codes by the frame needs less than two bits a sample at some rate.
+// What codes by the frame needs less than two bits a sample at some rate, or has frames of its own length; the others' last
+// 20 ms.
 bool codesSampleBySample(const VspvCodec& codec) {
+    if (50 * codec.frameSamples != codec.samplingRate) return false;
     const auto samples = std::size_t(codec.frameSamples);
     const std::size_t least = speechBytes(codec, codec.pBitRates[codec.numBitRates - 1]);
     return bitsPerFrame(codec) % samples == 0 && 8 * least >= 2 * samples;
