@@ -8,9 +8,10 @@ add_library(
     voice/codec/amr/encoder.cpp
     voice/codec/amr/forms.cpp
     voice/codec/amr/frame.cpp
-    voice/codec/amr/frame_type.cpp
-    voice/codec/amr/payload.cpp
     voice/codec/amr/tables.cpp
+    voice/codec/amrwb/forms.cpp
+    voice/codec/amrwb/frame.cpp
+    voice/codec/amrwb/tables.cpp
     voice/codec/codec.cpp
     voice/codec/g711/g711.cpp
     voice/codec/g722/g722.cpp
@@ -35,6 +36,10 @@ add_library(
     voice/codec/gsmfr/reconstruction.cpp
     voice/codec/gsmfr/substitution.cpp
     voice/codec/period_repeater.cpp
+    voice/codec/rfc4867/frame_type.cpp
+    voice/codec/rfc4867/parameter_bits.cpp
+    voice/codec/rfc4867/payload.cpp
+    voice/codec/rfc4867/storage.cpp
     voice/detect/open_loop.cpp
     voice/detect/reversal_detector.cpp
     voice/detect/speech_detector.cpp

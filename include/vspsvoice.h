@@ -16,6 +16,7 @@
 #define VSPSVOICE_H
 
 #include "vspsvoice/amr.h"
+#include "vspsvoice/amrwb.h"
 #include "vspsvoice/codec.h"
 #include "vspsvoice/echo_canceller.h"
 #include "vspsvoice/level.h"

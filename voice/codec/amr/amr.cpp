@@ -1,7 +1,6 @@
 // The codec amr.
 #include "codec/amr/decoder.h"
 #include "codec/amr/encoder.h"
-#include "codec/amr/frame_type.h"
 #include "codec/codec.h"
 
 namespace vspv {
@@ -32,7 +31,7 @@ void encode(void* encoder, const Codec&, const Vsp16s* samples, Vsp8u* bytes, Vs
     static_cast<Encoder*>(encoder)->encode(amr::modeOf(frame.bitRate), samples, bytes, frame);
 }
 
-VspStatus check(const Codec&, const Vsp8u*, const VspvFrame& frame) { return amr::checkFrame(frame); }
+VspStatus check(const Codec&, const Vsp8u*, const VspvFrame& frame) { return rfc4867::checkFrame(amr::kFrameTypes, frame); }
 
 void decode(void* decoder, const Codec&, const Vsp8u* bytes, const VspvFrame& frame, Vsp16s* samples) {
     Decoder& d = *static_cast<Decoder*>(decoder);

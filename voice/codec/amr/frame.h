@@ -1,18 +1,21 @@
-// The bits of a frame of GSM-AMR (3GPP TS 26.101): parameters, and octets as RFC 4867 orders them.
+// The frames of GSM-AMR: modes, parameters and their bits (3GPP TS 26.101).
 #pragma once
 
-#include "vspsc/types.h"
+#include "codec/rfc4867/frame_type.h"
 
 namespace vspv::amr {
 
-constexpr Vsp32s kModes = 8, kMaxParameters = 57, kSilenceParameters = 5, kSilenceBytes = 5;
+using rfc4867::kSilenceBytes;
+
+constexpr Vsp32s kModes = 8, kMaxParameters = 57, kSilenceParameters = 5;
 
 // Modes are numbered 0 .. 7 as in a frame's header, in the order of their bit rates.
-extern const Vsp32s kBitRates[kModes];   // bit/s
 extern const Vsp32s kRateCodes[kModes];  // as the library numbers the rates
 constexpr Vsp32s kSilenceCode = 25;
 
-Vsp32s parametersOf(Vsp32s mode);
+extern const rfc4867::FrameTypes kFrameTypes;
+
+inline Vsp32s modeOf(Vsp32s bitRate) { return rfc4867::modeOf(kFrameTypes, bitRate); }
 Vsp32s bytesOf(Vsp32s mode);
 
 void pack(Vsp32s mode, const Vsp16s* parameters, Vsp8u* bytes);

@@ -3,7 +3,7 @@
 
 #include "vspsc/types.h"
 
-namespace vspv::amr {
+namespace vspv {
 
 inline Vsp32u bitAt(const Vsp8u* bytes, Vsp32s bit) { return bytes[bit / 8] >> (7 - bit % 8) & 1u; }
 
@@ -63,4 +63,4 @@ class BitStringReader {
     Vsp64s bits_, position_ = 0;
 };
 
-}  // namespace vspv::amr
+}  // namespace vspv
