@@ -9,8 +9,13 @@ add_library(
     voice/codec/amr/forms.cpp
     voice/codec/amr/frame.cpp
     voice/codec/amr/tables.cpp
+    voice/codec/amrwb/amrwb.cpp
+    voice/codec/amrwb/analysis.cpp
+    voice/codec/amrwb/decoder.cpp
+    voice/codec/amrwb/encoder.cpp
     voice/codec/amrwb/forms.cpp
     voice/codec/amrwb/frame.cpp
+    voice/codec/amrwb/high_band.cpp
     voice/codec/amrwb/tables.cpp
     voice/codec/codec.cpp
     voice/codec/g711/g711.cpp

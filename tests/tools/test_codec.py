@@ -26,12 +26,13 @@ CODECS = {
     "aal2-g726-40": (100, 20),
 }
 # Octets of the longest frame.
-FRAMED_CODECS = {"g729": 10, "g729a": 10, "g729d": 10, "g729e": 15, "g729i": 15, "amr": 31, "g7221": 80, "g7221c": 120, "g728": 5}
+FRAMED_CODECS = {"g729": 10, "g729a": 10, "g729d": 10, "g729e": 15, "g729i": 15, "amr": 31, "amrwb": 60}
+FRAMED_CODECS |= {"g7221": 80, "g7221c": 120, "g728": 5}
 VOICE = voice(2, 120)
 
 
 def rate(codec):
-    return {"g722": 16000, "g7221": 16000, "g7221c": 32000}.get(codec, 8000)
+    return {"g722": 16000, "g7221": 16000, "g7221c": 32000, "awb": 16000}.get(codec, 8000)
 
 
 def snr(codec, expected, heard):
@@ -316,6 +317,8 @@ def test_bad_usage(vsps, arguments):
         ("call.g728", [], 16000, 5 * 8 * 150),
         ("call.amr", [], 12200, 6 + 32 * 150),
         ("call.amr", ["--rate", 4750], 4750, 6 + 13 * 150),
+        ("call.awb", [], 23850, 9 + 61 * 150),
+        ("call.awb", ["--rate", 6600], 6600, 9 + 18 * 150),
     ],
 )
 def test_codecs_of_frames(vsps, name, options, rate_of_codec, octets):
@@ -325,9 +328,10 @@ def test_codecs_of_frames(vsps, name, options, rate_of_codec, octets):
     assert (report["bit_rate"], os.path.getsize(vsps.path(name))) == (rate_of_codec, octets)
     assert report["against"]["log_spectral_distance_db"] < 7
     heard = decoded(vsps, name, *options)
-    assert len(heard) == len(spoken) and max(map(abs, heard[-4000:])) < 100 < max(map(abs, heard[:4800]))
+    times = rate(name[5:]) // 8000
+    assert len(heard) == times * len(spoken) and max(map(abs, heard[-4000:])) < 100 < max(map(abs, heard[: times * 4800]))
     whole = vsps.path(name).read_bytes()
-    if name.endswith(("bit", "amr")):
+    if name.endswith(("bit", "amr", "awb")):
         vsps.ok("encode", "in.wav", "dtx." + name[5:], *options, "--dtx")
         assert os.path.getsize(vsps.path("dtx." + name[5:])) < octets * 0.75
         assert max(map(abs, decoded(vsps, "dtx." + name[5:], *options)[-4000:])) < 100
@@ -354,6 +358,8 @@ def test_transform_codecs(vsps, codec, source):
 def test_what_is_in_coded_files_of_frames_is_checked(vsps):
     vsps.put("in.wav", wav16(VOICE))
     vsps.put("wb.amr", b"#!AMR-WB\n" + bytes(61))
+    vsps.put("narrow.awb", b"#!AMR\n" + bytes(61))
+    vsps.put("type.awb", b"#!AMR-WB\n" + bytes([10 << 3]) + bytes(61))
     vsps.put("many.amr", b"#!AMR_MC1.0\n" + bytes(40))
     vsps.put("other.amr", bytes(40))
     vsps.put("type.amr", b"#!AMR\n" + bytes([12 << 3]) + bytes(40))
@@ -362,7 +368,9 @@ def test_what_is_in_coded_files_of_frames_is_checked(vsps):
     vsps.put("odd.bit", struct.pack("<HH80H", 0x6B21, 80, *[0x55] * 80))
     vsps.put("erased.bit", struct.pack("<HH80H", 0x6B21, 80, *[0] * 80) + struct.pack("<HH", 0x6B20, 0) + bytes(4))
     for name, reason in {
-        "wb.amr": "AMR-WB",
+        "wb.amr": "AMR-WB; use --codec amrwb",
+        "narrow.awb": "AMR; use --codec amr",
+        "type.awb": "frame 1 is none of AMR-WB",
         "many.amr": "several channels",
         "other.amr": "not the header",
         "type.amr": "frame 1 is none of AMR",
@@ -373,5 +381,5 @@ def test_what_is_in_coded_files_of_frames_is_checked(vsps):
         vsps.fails(name, reason, "decode", name, "out.wav")
     vsps.fails("x.bit", "holds G.729", "encode", "in.wav", "x.bit", "--codec", "gsm")
     assert len(decoded(vsps, "erased.bit")) == 240
-    for arguments in (["x.g729", "--dtx"], ["x.amr", "--dtx", "3"], ["x.bit", "--codec", "g729e", "--dtx"]):
+    for arguments in (["x.g729", "--dtx"], ["x.amr", "--dtx", "3"], ["x.awb", "--dtx", "2"], ["x.bit", "--codec", "g729e", "--dtx"]):
         assert vsps.run("encode", "in.wav", *arguments).returncode == 2

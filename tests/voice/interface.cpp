@@ -12,6 +12,8 @@ TEST(VoiceCodecs, RecordsAreFoundAndConsistent) {
     EXPECT_EQ(nullptr, vspvCodec(-1));
     EXPECT_EQ(nullptr, vspvCodec(vspvCodecCount()));
     for (const char* unknown : {"", "g726", "g726-322", "pcm"}) EXPECT_EQ(nullptr, vspvFindCodec(unknown)) << unknown;
+    EXPECT_EQ(&codecNamed("amrwb"), vspvFindCodec("amr-wb"));
+    EXPECT_EQ(&codecNamed("g729"), vspvFindCodec("G729"));
     std::set<std::string> names;
     for (const VspvCodec* codec : allCodecs()) {
         SCOPED_TRACE(codec->name);

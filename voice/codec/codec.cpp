@@ -4,9 +4,9 @@
 namespace vspv {
 
 static constexpr const Codec* kCodecs[] = {
-    &kPcma,    &kPcmu,        &kG722,        &kGsm,         &kG726_16,     &kG726_24, &kG726_32,
-    &kG726_40, &kAal2G726_16, &kAal2G726_24, &kAal2G726_32, &kAal2G726_40, &kG729,    &kG729A,
-    &kG729D,   &kG729E,       &kG729I,       &kAmr,         &kG7221,       &kG7221C,  &kG728,
+    &kPcma,        &kPcmu,        &kG722,        &kGsm,         &kG726_16, &kG726_24, &kG726_32, &kG726_40,
+    &kAal2G726_16, &kAal2G726_24, &kAal2G726_32, &kAal2G726_40, &kG729,    &kG729A,   &kG729D,   &kG729E,
+    &kG729I,       &kAmr,         &kAmrWb,       &kG7221,       &kG7221C,  &kG728,
 };
 static constexpr Vsp32s kCodecCount = sizeof kCodecs / sizeof kCodecs[0];
 
@@ -66,6 +66,8 @@ const VspvCodec* vspvFindCodec(const char* pName) {
     if (pName == nullptr) return nullptr;
     for (const Codec* codec : kCodecs)
         if (sameName(codec->record.name, pName)) return &codec->record;
+    for (const Codec* codec : kCodecs)
+        if (codec->record.rtpName != nullptr && sameName(codec->record.rtpName, pName)) return &codec->record;
     return nullptr;
 }
 

@@ -29,6 +29,7 @@ constexpr Format kFormats[] = {
     {".ul", "pcmu", openOctets, createOctets},
     {".ulaw", "pcmu", openOctets, createOctets},
     {".amr", "amr", openAmr, createAmr},
+    {".awb", "amrwb", openAmrWb, createAmrWb},
     {".bit", nullptr, openItuSerial, createItuSerial},
     {".wav", nullptr, openCodedWav, createCodedWav},
 };
