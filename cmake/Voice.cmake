@@ -21,6 +21,10 @@ add_library(
     voice/codec/g711/g711.cpp
     voice/codec/g722/g722.cpp
     voice/codec/g7221/g7221.cpp
+    voice/codec/g723/decoder.cpp
+    voice/codec/g723/encoder.cpp
+    voice/codec/g723/frame.cpp
+    voice/codec/g723/g723.cpp
     voice/codec/g726/g726.cpp
     voice/codec/g728/adaptation.cpp
     voice/codec/g728/decoder.cpp

@@ -62,10 +62,10 @@ Results code(Input in) {
 
         results.bytes.insert(results.bytes.end(), bytes.begin(), bytes.end());
 
-        const int signature = bytes[0] & 0xF0;  // where a codec has one
+        const int signature = bytes[0] & 0xF3;  // where a codec has one
         if (choice % 2 == 0)
             for (Vsp8u& b : bytes) b = Vsp8u((noise = noise * 1664525u + 1013904223u) >> 24);
-        if (choice % 4 == 0) bytes[0] = Vsp8u((bytes[0] & 15) | signature);
+        if (choice % 4 == 0) bytes[0] = Vsp8u((bytes[0] & 0x0C) | signature);
         if (choice / 2 % 4 == 0) frame.quality = change / 4 % 8 - 2;
         const bool any = choice / 8 % 4 == 0;  // of any type and rate, with the first length that the decoder takes
         if (choice / 64 == 0) frame.numBytes += change % 3 - 1;

@@ -19,6 +19,7 @@
 #include "vspsvoice/amrwb.h"
 #include "vspsvoice/codec.h"
 #include "vspsvoice/echo_canceller.h"
+#include "vspsvoice/g723.h"
 #include "vspsvoice/level.h"
 #include "vspsvoice/pitch.h"
 #include "vspsvoice/speech_detector.h"

@@ -27,7 +27,7 @@ CODECS = {
 }
 # Octets of the longest frame.
 FRAMED_CODECS = {"g729": 10, "g729a": 10, "g729d": 10, "g729e": 15, "g729i": 15, "amr": 31, "amrwb": 60}
-FRAMED_CODECS |= {"g7221": 80, "g7221c": 120, "g728": 5}
+FRAMED_CODECS |= {"g7221": 80, "g7221c": 120, "g728": 5, "g723": 24}
 VOICE = voice(2, 120)
 
 
@@ -304,7 +304,7 @@ def test_bad_usage(vsps, arguments):
 
 
 # The file's name, options of the encoder, bit rate, and octets without and with discontinuous transmission: 60 frames of
-# speech and 240 of silence, of 10 ms, or half as many of 20 ms.
+# speech and 240 of silence, of 10 ms, or half as many of 20 ms, or a third of 30 ms.
 @pytest.mark.parametrize(
     ("name", "options", "rate_of_codec", "octets"),
     [
@@ -319,6 +319,8 @@ def test_bad_usage(vsps, arguments):
         ("call.amr", ["--rate", 4750], 4750, 6 + 13 * 150),
         ("call.awb", [], 23850, 9 + 61 * 150),
         ("call.awb", ["--rate", 6600], 6600, 9 + 18 * 150),
+        ("call.g723", [], 6300, 24 * 100),
+        ("call.g723", ["--rate", 5300], 5300, 20 * 100),
     ],
 )
 def test_codecs_of_frames(vsps, name, options, rate_of_codec, octets):
@@ -331,7 +333,7 @@ def test_codecs_of_frames(vsps, name, options, rate_of_codec, octets):
     times = rate(name[5:]) // 8000
     assert len(heard) == times * len(spoken) and max(map(abs, heard[-4000:])) < 100 < max(map(abs, heard[: times * 4800]))
     whole = vsps.path(name).read_bytes()
-    if name.endswith(("bit", "amr", "awb")):
+    if name.endswith(("bit", "amr", "awb", "g723")):
         vsps.ok("encode", "in.wav", "dtx." + name[5:], *options, "--dtx")
         assert os.path.getsize(vsps.path("dtx." + name[5:])) < octets * 0.75
         assert max(map(abs, decoded(vsps, "dtx." + name[5:], *options)[-4000:])) < 100

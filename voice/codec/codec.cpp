@@ -6,7 +6,7 @@ namespace vspv {
 static constexpr const Codec* kCodecs[] = {
     &kPcma,        &kPcmu,        &kG722,        &kGsm,         &kG726_16, &kG726_24, &kG726_32, &kG726_40,
     &kAal2G726_16, &kAal2G726_24, &kAal2G726_32, &kAal2G726_40, &kG729,    &kG729A,   &kG729D,   &kG729E,
-    &kG729I,       &kAmr,         &kAmrWb,       &kG7221,       &kG7221C,  &kG728,
+    &kG729I,       &kAmr,         &kAmrWb,       &kG7221,       &kG7221C,  &kG728,    &kG723,
 };
 static constexpr Vsp32s kCodecCount = sizeof kCodecs / sizeof kCodecs[0];
 
@@ -49,6 +49,14 @@ bool hasRate(const VspvCodec& codec, Vsp32s bitRate) {
     return false;
 }
 
+void* partOf(VspvEncoder* encoder, const Codec& codec) {
+    return headOf(encoder)->codec == &codec ? behind(headOf(encoder)) : nullptr;
+}
+
+void* partOf(VspvDecoder* decoder, const Codec& codec) {
+    return headOf(decoder)->codec == &codec ? behind(headOf(decoder)) : nullptr;
+}
+
 VspStatus checkSpeech(const Codec& codec, const Vsp8u*, const VspvFrame& frame) {
     if (frame.type != vspvFrameSpeech || !hasRate(codec.record, frame.bitRate)) return vspStsRangeErr;
     return frame.numBytes == codec.record.maxFrameBytes ? vspStsNoErr : vspStsSizeErr;
@@ -76,9 +84,9 @@ VspStatus vspvSpeechBytes(const VspvCodec* pCodec, Vsp32s bitRate, Vsp32s* pByte
     const Codec* codec = listed(pCodec);
     if (codec == nullptr) return vspStsBadArgErr;
     if (!hasRate(*pCodec, bitRate)) return vspStsRangeErr;
-    const Vsp32s rateOfOneBit = pCodec->samplingRate / pCodec->frameSamples;
+    const Vsp32s bits = Vsp32s(Vsp64s(bitRate) * pCodec->frameSamples / pCodec->samplingRate);
     const bool oneLength = codec->family->check == checkSpeech;
-    *pBytes = oneLength ? pCodec->maxFrameBytes : (bitRate / rateOfOneBit + 7) / 8;
+    *pBytes = oneLength ? pCodec->maxFrameBytes : (bits + 7) / 8;
     return vspStsNoErr;
 }
 

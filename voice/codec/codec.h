@@ -37,7 +37,12 @@ bool hasRate(const VspvCodec& codec, Vsp32s bitRate);
 // The check of codecs that have speech frames of one length only.
 VspStatus checkSpeech(const Codec& codec, const Vsp8u* bytes, const VspvFrame& frame);
 
-extern const Codec kPcma, kPcmu, kG722, kGsm, kG729, kG729A, kG729D, kG729E, kG729I, kAmr, kAmrWb, kG7221, kG7221C, kG728;
+// The family's part of an object, or null if that is one of another codec.
+void* partOf(VspvEncoder* encoder, const Codec& codec);
+void* partOf(VspvDecoder* decoder, const Codec& codec);
+
+extern const Codec kPcma, kPcmu, kG722, kGsm, kG729, kG729A, kG729D, kG729E, kG729I, kAmr, kAmrWb, kG7221, kG7221C, kG728,
+    kG723;
 extern const Codec kG726_16, kG726_24, kG726_32, kG726_40;
 extern const Codec kAal2G726_16, kAal2G726_24, kAal2G726_32, kAal2G726_40;
 

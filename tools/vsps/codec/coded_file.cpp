@@ -4,6 +4,7 @@
 #include "codec/amr_file.h"
 #include "codec/codec_choice.h"
 #include "codec/coded_wav.h"
+#include "codec/g723_file.h"
 #include "codec/itu_serial.h"
 #include "codec/octet_stream.h"
 #include "console/error.h"
@@ -30,6 +31,7 @@ constexpr Format kFormats[] = {
     {".ulaw", "pcmu", openOctets, createOctets},
     {".amr", "amr", openAmr, createAmr},
     {".awb", "amrwb", openAmrWb, createAmrWb},
+    {".g723", "g723", openG723, createG723},
     {".bit", nullptr, openItuSerial, createItuSerial},
     {".wav", nullptr, openCodedWav, createCodedWav},
 };

@@ -29,7 +29,7 @@ CodecResult encode(const Options& o, const CodecFiles& files) {
     in.convertTo(codec.samplingRate);
     const std::unique_ptr<FrameWriter> out = createCoded(choice);
     if (o.dtx != 0 && !out->holdsSilence())
-        throw UsageError{"--dtx", "needs a format with frames of several lengths, .bit, .amr or .awb"};
+        throw UsageError{"--dtx", "needs a format with frames of several lengths, .bit, .amr, .awb or .g723"};
     OriginalComparison comparison(files, o.input, codec.samplingRate);
     StreamDecoder decoder(codec);
 
