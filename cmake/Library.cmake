@@ -29,6 +29,7 @@ set(vspsc_level_sources
     src/amrwb/isp.cpp
     src/amrwb/lp_analysis.cpp
     src/amrwb/lp_filters.cpp
+    src/amrwb/open_loop_pitch.cpp
     src/amrwb/phase_dispersion.cpp
     src/amrwb/pitch_gain_clip.cpp
     src/amrwb/pitch_sharpen.cpp
