@@ -77,6 +77,8 @@ set(vspsc_level_sources
     src/g723/adaptive_codebook_search.cpp
     src/g723/adaptive_vector.cpp
     src/g723/dtx.cpp
+    src/g723/erasure.cpp
+    src/g723/fixed_codebook_decode.cpp
     src/g723/fixed_codebook_search_acelp.cpp
     src/g723/fixed_codebook_search_mlq.cpp
     src/g723/harmonic_shaping.cpp
@@ -87,6 +89,8 @@ set(vspsc_level_sources
     src/g723/noise_excitation.cpp
     src/g723/noise_gain.cpp
     src/g723/open_loop_pitch.cpp
+    src/g723/pitch_post_filter.cpp
+    src/g723/post_filter.cpp
     src/g723/ringing.cpp
     src/g723/taming.cpp
     src/g723/vad.cpp

@@ -49,6 +49,36 @@ VspStatus vspsFixedCodebookSearch_ACELP_G723_16s(const Vsp16s* pTarget, const Vs
                                                  Vsp16s gainIndex, Vsp16s* pExtra, Vsp16s* pCode, Vsp32s* pPos,
                                                  Vsp16s* pIndex);
 
+/**
+ * Multipulse code of 6.3 kbit/s from its indices (Fcbk_Unpk).
+ *
+ * @param[in]  pIndex    4 indices as vspsFixedCodebookSearch_MLQ_G723_16s makes them; signs 0 .. 63
+ * @param[in]  pos       number of the positions, 0 or more; one that no positions have gives no pulses
+ * @param[in]  lag       of the pair, 18 .. 145
+ * @param[in]  subframe  0 .. 3
+ * @param[out] pDst      60 samples
+ * @retval vspStsNullPtrErr    pIndex or pDst is null
+ * @retval vspStsRangeErr      subframe or lag outside its range
+ * @retval vspStsCodeRangeErr  an index outside its range, or pos negative
+ */
+VspStatus vspsFixedCodebookDecode_MLQ_G723_16s(const Vsp16s* pIndex, Vsp32s pos, Vsp16s lag, Vsp32s subframe, Vsp16s* pDst);
+
+/**
+ * Algebraic code of 5.3 kbit/s from its indices (Fcbk_Unpk).
+ *
+ * @param[in]  pIndex     4 indices as vspsFixedCodebookSearch_ACELP_G723_16s makes them; signs 0 .. 15; the third is not
+ * used
+ * @param[in]  pos        4 x 3 bits, 0 .. 4095; pulses on the places 60 .. 63 vanish
+ * @param[in]  lag        exact lag of the subframe, 17 .. 144
+ * @param[in]  gainIndex  entry of the adaptive gain codebook, 0 .. 169
+ * @param[out] pDst       60 samples
+ * @retval vspStsNullPtrErr    pIndex or pDst is null
+ * @retval vspStsRangeErr      lag outside 17 .. 144
+ * @retval vspStsCodeRangeErr  an index, pos or gainIndex outside its range
+ */
+VspStatus vspsFixedCodebookDecode_ACELP_G723_16s(const Vsp16s* pIndex, Vsp32s pos, Vsp16s lag, Vsp16s gainIndex,
+                                                 Vsp16s* pDst);
+
 #ifdef __cplusplus
 }
 #endif
