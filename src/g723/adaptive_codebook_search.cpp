@@ -6,6 +6,7 @@
 #include "g723/pitch_gains.h"
 #include "g723/residual.h"
 #include "vector/nearest.h"
+#include "vector/signs.h"
 
 namespace vsp::VSP_LEVEL {
 
@@ -80,25 +81,69 @@ void correlateLag(const Filtered& target, const PaddedResponse& h, const Vsp16s*
         for (int j = 0; j < i; j++) *crosses++ = Mul4_32s(singleProducts(f[i], f[j]));
 }
 
-// Entries of a codebook with the correlations of one lag.
+// The correlations of one lag, which are weighed with the factors of an entry of a codebook: the sum of 20 products,
+// saturated at every step.
+class LagCorrelations {
+  public:
+    [[gnu::always_inline]] explicit LagCorrelations(const Vsp16s* corr) {
+        for (int p = 0; p < kPairs; p++) pairs_[p] = splatPair<S16>(corr + 2 * p);
+        Vsp64s most = 0;
+        for (int i = 0; i < kValues; i++) most += (corr[i] < 0 ? -corr[i] : corr[i]) * g723::largestPitchGains[i];
+        fits_ = most <= kMax32;
+    }
+
+    // As many entries as a vector has, from one on.
+    template <int kEntries>
+    [[gnu::always_inline]] S32 weigh(const g723::PitchGains<kEntries>& codebook, int first) const {
+        S32 sum = S32::splat(0);
+        for (int p = 0; p < kPairs; p++) sum = add(sum, dot2(S16::load(codebook.factors[p][first]), pairs_[p]));
+        if (!fits_ && mayOverflow(codebook, first)) return weighSaturating(codebook, first);
+        return sum;
+    }
+
+  private:
+    static constexpr int kPairs = kValues / 2;
+
+    // Whether the magnitudes add up to more than 31 bits; as -32768 counts one less, with a little more.
+    template <int kEntries>
+    [[gnu::always_inline]] bool mayOverflow(const g723::PitchGains<kEntries>& codebook, int first) const {
+        const auto positive = [](S16 a) { return max(a, subSat(S16::splat(0), a)); };
+        S32 most = S32::splat(1 << 17);
+        for (int p = 0; p < kPairs; p++)
+            most = add(most, dot2(positive(S16::load(codebook.factors[p][first])), positive(pairs_[p])));
+        return anyNegative(most);
+    }
+
+    template <int kEntries>
+    [[gnu::noinline]] S32 weighSaturating(const g723::PitchGains<kEntries>& codebook, int first) const {
+        const S32 lower = S32::splat(0xFFFF), upper = S32::splat(-0x10000);
+        S32 sum = S32::splat(0);
+        for (int p = 0; p < kPairs; p++) {
+            const S16 factors = S16::load(codebook.factors[p][first]);
+            sum = addSat32(sum, dot2(factors, S16{pairs_[p].v & lower.v}));
+            sum = addSat32(sum, dot2(factors, S16{pairs_[p].v & upper.v}));
+        }
+        return sum;
+    }
+
+    S16 pairs_[kPairs];
+    bool fits_;
+};
+
+// Offers the first entries of a codebook by their negative sums.
 template <int kEntries>
 VSP_INLINE void offerEntries(const g723::PitchGains<kEntries>& codebook, const Vsp16s* corr, int entries, int firstIndex,
                              Smallest& best) {
-    constexpr int kPairs = kValues / 2;
-    S16 factors[kPairs];
-    for (int p = 0; p < kPairs; p++) factors[p] = splatPair<S16>(corr + 2 * p);
+    const LagCorrelations correlations(corr);
     Vsp32s numbers[2 * S32::width];
     for (int i = 0; i < 2 * S32::width; i++) numbers[i] = i;
-    const S32 zero = S32::splat(0), last = S32::splat(entries), base = S32::splat(firstIndex);
+    const S32 zero = S32::splat(0), end = S32::splat(entries), base = S32::splat(firstIndex);
+    const S32 lowest = S32::splat(-kMax32);
     for (int i = 0; i < entries; i += 2 * S32::width) {
-        const auto values = [&](int first) {
-            S32 sum = zero;
-            for (int p = 0; p < kPairs; p++) sum = add(sum, dot2(S16::load(codebook.factors[p][first]), factors[p]));
-            return sub(zero, sum);
-        };
+        const auto value = [&](int first) { return sub(zero, max(correlations.weigh(codebook, first), lowest)); };
         const S32 lo = add(S32::load(numbers), S32::splat(i)), hi = add(S32::load(numbers + S32::width), S32::splat(i));
-        best.offer(whereGreater(last, lo, values(i), zero), whereGreater(last, hi, values(i + S32::width), zero),
-                   add(lo, base), add(hi, base));
+        best.offer(whereGreater(end, lo, value(i), zero), whereGreater(end, hi, value(i + S32::width), zero), add(lo, base),
+                   add(hi, base));
     }
 }
 
@@ -114,7 +159,6 @@ class GainSearch {
         : corr_(corr), lag_(lag), subframe_(subframe), taming_(taming), rate_(rate) {}
 
     Choice run() const {
-        if (!sumsFit()) return searchSaturating();
         Smallest best(0);  // only what is positive is taken; the indices begin with 1
         for (int k = 0; k < g723::triedLags(subframe_); k++) {
             const Vsp16s* const corr = corr_ + k * kValues;
@@ -134,36 +178,6 @@ class GainSearch {
         const int limit = isShort(k) ? 51 + 4 * taming_ : 93 + 8 * taming_;
         const int all = isShort(k) ? g723::kShortCodebook : g723::kLongCodebook;
         return limit < all ? limit : all;
-    }
-
-    bool sumsFit() const {
-        for (int k = 0; k < g723::triedLags(subframe_); k++) {
-            Vsp64s sum = 0;
-            for (int i = 0; i < kValues; i++) {
-                const Vsp32s x = corr_[k * kValues + i];
-                sum += (x < 0 ? -x : x) * g723::largestPitchGains[i];
-            }
-            if (sum > kMax32) return false;
-        }
-        return true;
-    }
-
-    Choice searchSaturating() const {
-        Choice best{1, 0};
-        Vsp32s largest = 0;
-        for (int k = 0; k < g723::triedLags(subframe_); k++)
-            for (int j = 0; j < entries(k); j++) {
-                Vsp32s sum = 0;
-                for (int i = 0; i < kValues; i++) {
-                    const Vsp16s factor = isShort(k) ? g723::pitchGains85.factors[i / 2][j][i % 2]
-                                                     : g723::pitchGains170.factors[i / 2][j][i % 2];
-                    sum = Add_32s(sum, corr_[k * kValues + i] * factor);
-                }
-                if (sum <= largest) continue;
-                largest = sum;
-                best = {k, j};
-            }
-        return best;
     }
 
     const Vsp16s* corr_;
