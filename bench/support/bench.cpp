@@ -11,6 +11,7 @@
 #include "ec/scalar_full_band.h"
 #include "ec/scalar_subband.h"
 #include "g722/scalar_g722.h"
+#include "g723/scalar_g723.h"
 #include "g726/scalar_g726.h"
 #include "g729/scalar_g729.h"
 #include "gsmamr/scalar_gsmamr.h"
@@ -32,9 +33,9 @@ static vsp::Api apiOf(Add... add) {
 }
 
 std::vector<Implementation> implementations() {
-    static const vsp::Api scalar =
-        apiOf(addScalarCommon, addScalarLp, addScalarG722, addScalarG726, addScalarG729, addScalarG729Quantisers,
-              addScalarFixedCodebook, addScalarGsmamr, addScalarGsmfr, addScalarSubband, addScalarFullBand);
+    static const vsp::Api scalar = apiOf(addScalarCommon, addScalarLp, addScalarG722, addScalarG723, addScalarG726,
+                                         addScalarG729, addScalarG729Quantisers, addScalarFixedCodebook, addScalarGsmamr,
+                                         addScalarGsmfr, addScalarSubband, addScalarFullBand);
     static const vsp::Api handTuned = apiOf(addHandTunedCommon, addHandTunedSubband, addHandTunedFullBand);
     const vsp::Level level = vsp::bestLevel(vsp::readCpuRegisters());
     std::vector<Implementation> all = {{"library", &kApi_library}, {"y8", &vsp::kApi_y8}};
