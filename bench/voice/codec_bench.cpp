@@ -1,7 +1,9 @@
 // One second of audio through each codec of the voice layer, in its frames; and, where the work is a few calls, through the
-// functions of the library alone, without packing bits, checks and what concealment has to remember.
+// functions of the library alone, without packing bits, checks and what concealment has to remember. G.722.1 also through a
+// coder in floating point.
 #include "gsmfr/codec.h"
 #include "support/bench.h"
+#include "voice/float_g7221.h"
 #include "vspsvoice.h"
 
 namespace {
@@ -125,11 +127,30 @@ void addBareGsm() {
     addBare("voice_decode/gsm/bare", 50, [=, x = coder](int) mutable { x.decode(parameters.data(), samples.data()); });
 }
 
+// The same in floating point.
+void addFloatG7221() {
+    constexpr int kBits = 640;
+    FloatG7221Encoder encoder(kBits);
+    std::vector<std::uint8_t> coded;
+    for (std::size_t i = 0; i < 50; i++) {
+        const std::vector<std::uint8_t> frame = encoder.encode(&noise()[kFloatFrame * i]);
+        coded.insert(coded.end(), frame.begin(), frame.end());
+    }
+    addBare("voice_encode/g7221/float", 50,
+            [x = encoder](int i) mutable { benchmark::DoNotOptimize(x.encode(&noise()[kFloatFrame * std::size_t(i)])); });
+    addBare("voice_decode/g7221/float", 50,
+            [=, x = FloatG7221Decoder(kBits), samples = std::vector<Vsp16s>(kFloatFrame)](int i) mutable {
+                x.decode(&coded[kBits / 8 * std::size_t(i)], samples.data());
+                benchmark::DoNotOptimize(samples.data());
+            });
+}
+
 const bool registered = [] {
     for (Vsp32s i = 0; i < vspvCodecCount(); i++) addLayer(*vspvCodec(i));
     addBareG722();
     addBareG726();
     addBareGsm();
+    addFloatG7221();
     return true;
 }();
 

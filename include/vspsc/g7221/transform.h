@@ -14,7 +14,7 @@ extern "C" {
 /**
  * Type IV discrete cosine transform of the encoder.
  *
- * dst[k] = g * sum of src[n] * cos(pi * (2n + 1) * (2k + 1) / (4 * len)), g = 0.0505 for 320 samples and 0.0357 for 640,
+ * dst[k] = g * sum of src[n] * cos(pi * (2n + 1) * (2k + 1) / (4 * len)), g = 0.00625 for 320 samples and 0.00284 for 640,
  * in the fixed-point steps of the standard (`dct_type_iv_a`): levels of halved sums and differences, products with a 10 x
  * 10 matrix, levels of rotations, rounded after each. Before a transform of 320 samples a small fixed bias is added.
  *
@@ -31,8 +31,8 @@ VspStatus vspsDCTFwd_G722_16s(const Vsp16s* pSrc, Vsp16s* pDst, Vsp32s len);
 /**
  * Type IV discrete cosine transform of the decoder.
  *
- * As vspsDCTFwd_G722_16s with other factors, saturated sums that are halved at the first level only, with a dither bit, and
- * a bias that is added after a transform of 320 samples (`dct_type_iv_s`).
+ * As vspsDCTFwd_G722_16s with g = 0.205 and 0.102, with saturated sums that are halved at the first level only, where a
+ * dither bit is added, and with a bias that is added after a transform of 320 samples (`dct_type_iv_s`).
  *
  * @param[in]  pSrc  len coefficients
  * @param[out] pDst  len samples
