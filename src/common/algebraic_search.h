@@ -213,17 +213,26 @@ VSP_INLINE Best bestOf(int outerPlaces, Generate candidates, Take take) {
         smallest = min(smallest, c.energies);
     }
     if (_mm_movemask_epi8(_mm_cmpgt_epi16(smallest.v, zero.v)) == 0xFFFF) {
-        Vsp16s minusSquare[kPlaces], energies[kPlaces], outer[kPlaces];
-        minusSquares.store(minusSquare);
-        best.energies.store(energies);
-        places.store(outer);
-        int first = 0;
-        for (int i = 1; i < kPlaces; i++) {
-            const Vsp32s difference = minusSquare[first] * energies[i] - minusSquare[i] * energies[first];
-            first = difference > 0 || (difference == 0 && outer[i] < outer[first]) ? i : first;
-        }
-        take(outer[first], first);
-        return {Vsp16s(-minusSquare[first]), energies[first]};
+        // Of two lanes with equal quotients the one with the lower number 8 * outer place + place is the first.
+        const S16_128 numbers = add(shl(places, 3), S16_128{_mm_setr_epi16(0, 1, 2, 3, 4, 5, 6, 7)});
+        const S16_128 squares = sub(zero, minusSquares);
+        S32_128 pairs = zipLo(squares, best.energies), crossed = zipLo(best.energies, minusSquares),
+                number = zipLo(numbers, zero);
+        const auto meet = [&](S32_128 otherPairs, S32_128 otherCrossed, S32_128 otherNumber) {
+            const __m128i difference = dot2(S16_128{otherPairs.v}, S16_128{crossed.v}).v;
+            const __m128i equal = _mm_cmpeq_epi32(difference, zero.v), before = _mm_cmplt_epi32(otherNumber.v, number.v);
+            const __m128i better = _mm_or_si128(_mm_cmpgt_epi32(difference, zero.v), _mm_and_si128(equal, before));
+            pairs.v = _mm_blendv_epi8(pairs.v, otherPairs.v, better);
+            crossed.v = _mm_blendv_epi8(crossed.v, otherCrossed.v, better);
+            number.v = _mm_blendv_epi8(number.v, otherNumber.v, better);
+        };
+        const auto upper = [](S32_128 a) { return S32_128{_mm_unpackhi_epi64(a.v, a.v)}; };
+        meet(zipHi(squares, best.energies), zipHi(best.energies, minusSquares), zipHi(numbers, zero));
+        meet(upper(pairs), upper(crossed), upper(number));
+        meet(splatElement<1>(pairs), splatElement<1>(crossed), splatElement<1>(number));
+        const int pair = _mm_cvtsi128_si32(pairs.v), found = _mm_cvtsi128_si32(number.v);
+        take(found / kPlaces, found % kPlaces);
+        return {Vsp16s(pair), Vsp16s(pair >> 16)};
     }
     Best found{-1, 1};
     for (int i = 0; i < outerPlaces; i++) {

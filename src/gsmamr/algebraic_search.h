@@ -36,21 +36,25 @@ VSP_INLINE S16_128 withSigns(S16_128 a, S16_128 which) {
     return mulShift15(a, select(which, S16_128::splat(-32767), S16_128::splat(32766)));
 }
 
-// Finds the best of up to Rows vectors of candidates, as comparing them in their order does. Where all energies are
+// Finds the best of up to Rows rows of eight candidates, as comparing them in their order does. Where all energies are
 // positive the order of the quotients square / energy is the same; estimates of them tell which few may be the best.
 template <int Rows>
 class PrunedCandidates {
   public:
+    static constexpr int kAtOnce = Sliding16::width / kPlaces;  // rows in a vector
+    static_assert(Rows % kAtOnce == 0);
+
     // Where a row is not full its squares and energies are 0, which are never better, and its divisors 1; else the
     // energies.
-    [[gnu::always_inline]] void add(S16_128 square, S16_128 energy, S16_128 divisor) {
+    [[gnu::always_inline]] void add(Sliding16 square, Sliding16 energy, Sliding16 divisor) {
         square.store(squares_[rows_]);
         energy.store(energies_[rows_]);
         least_ = min(least_, divisor);
-        const Eight32f quotient = mul(toFloat(widen(square)), reciprocal(toFloat(widen(divisor))));
-        quotient.store(quotients_[rows_]);
-        largest_ = max(largest_, quotient);
-        rows_++;
+        for (int i = 0; i < kAtOnce; i++) {
+            const Eight32f quotient = mul(toFloat(widen(block(square, i))), reciprocal(toFloat(widen(block(divisor, i)))));
+            quotient.store(quotients_[rows_++]);
+            largest_ = max(largest_, quotient);
+        }
     }
 
     // Returns the number of the candidate, 8 * row + lane, or -1 if there is none.
@@ -80,7 +84,7 @@ class PrunedCandidates {
 
   private:
     [[gnu::always_inline]] bool anyNotPositive() const {
-        Vsp16s lanes[kPlaces];
+        Vsp16s lanes[Sliding16::width];
         least_.store(lanes);
         bool any = false;
         for (const Vsp16s lane : lanes) any |= lane <= 0;
@@ -89,7 +93,7 @@ class PrunedCandidates {
 
     Vsp16s squares_[Rows][kPlaces], energies_[Rows][kPlaces];
     Vsp32f quotients_[Rows][kPlaces];
-    S16_128 least_ = S16_128::splat(kMax16);
+    Sliding16 least_ = Sliding16::splat(kMax16);
     Eight32f largest_ = Eight32f::splat(0);
     int rows_ = 0;
 };

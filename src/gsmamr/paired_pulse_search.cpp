@@ -74,7 +74,7 @@ class Correlations {
     Vsp16s diagonal_[Tracks][L::width] = {};
 };
 
-constexpr Vsp16s kLastPlaces[kPlaces] = {-1, -1};  // of the tracks of ten places, in the second vector
+constexpr Vsp16s kTenPlaces[2 * kPlaces] = {-1, -1, -1, -1, -1, -1, -1, -1, -1, -1};
 
 template <>
 Correlations<5>::Correlations(const Vsp16s* impulse, const SignedTarget<5>& target) {
@@ -119,7 +119,7 @@ Correlations<4>::Correlations(const Vsp16s* impulse, const SignedTarget<4>& targ
                 const Eight32s sum = add(Eight32s::load(at + i), mulLower(Eight32s::load(mirrored[a] + i), h[k]));
                 sum.store(at + i);
                 S16_128 rounded = narrowSat(shr(add(sum, Eight32s::splat(0x4000)), 15));
-                if (i > 0) rounded.v &= S16_128::load(kLastPlaces).v;
+                if (i > 0) rounded.v &= S16_128::load(kTenPlaces + kPlaces).v;
                 rounded.store(cells + i);
             }
         }
@@ -154,20 +154,27 @@ class Search {
         : target_(target), correlations_(correlations) {}
 
     void run(FoundPulses& found) {
+        // The second pulse goes through the other tracks, and those behind it follow. The attempts take turns, so that what
+        // one waits for the processor can do for the next.
+        Attempt attempts[Tracks - 1];
         int order[2 * Tracks];
         for (int i = 0; i < 2 * Tracks; i++) order[i] = (target_.firstTrack + i) % Tracks;
-        Pulse best[kPulses];
-        for (int i = 0; i < kPulses; i++) best[i] = {i % Tracks, i / Tracks};
-        Best bestSums = kNoCandidate;
-        for (int n = 1; n < Tracks; n++) {
-            const Best candidate = attempt(order);
-            if (isBetter(bestSums, candidate)) {
-                bestSums = candidate;
-                for (int i = 0; i < kPulses; i++) best[i] = pulses_[i];
-            }
+        for (Attempt& attempt : attempts) {
+            begin(attempt, order);
             const int second = order[1];
             for (int i = 1; i + 1 < 2 * Tracks; i++) order[i] = order[i + 1];
             order[2 * Tracks - 1] = second;
+        }
+        for (int pair = 1; pair < Tracks; pair++)
+            for (Attempt& attempt : attempts) addBestPair(attempt, pair);
+
+        Pulse best[kPulses];
+        for (int i = 0; i < kPulses; i++) best[i] = {i % Tracks, i / Tracks};
+        Best bestSums = kNoCandidate;
+        for (const Attempt& attempt : attempts) {
+            if (!isBetter(bestSums, attempt.best)) continue;
+            bestSums = attempt.best;
+            for (int i = 0; i < kPulses; i++) best[i] = attempt.pulses[i];
         }
         for (int i = 0; i < kPulses; i++) {
             found.position[i] = L::position(best[i].track, best[i].place);
@@ -176,44 +183,46 @@ class Search {
     }
 
   private:
+    struct Attempt {
+        Pulse pulses[kPulses];  // those to come have their track
+        Vsp16s ps;
+        Vsp32s alp;
+        Best best;
+    };
     struct Sums {
-        S32_128 v[2 * kGroups];
+        Eight32s v[kGroups];
     };
 
     Vsp16s d(Pulse p) const { return target_.d[p.track][p.place]; }
     Vsp16s own(Pulse p) const { return correlations_.diagonal(p.track)[p.place]; }
     Vsp16s crossed(Pulse p, Pulse q) const { return correlations_.row(p, q.track)[q.place]; }
 
-    // Two pulses at the largest places, then pair after pair.
-    Best attempt(const int* order) {
-        for (int i = 0; i < 2; i++) pulses_[i] = {order[i], target_.maximumPlace[order[i]]};
-        ps_ = Add_16s(d(pulses_[0]), d(pulses_[1]));
-        Vsp32s alp = (own(pulses_[0]) + own(pulses_[1])) * 2048 + crossed(pulses_[0], pulses_[1]) * 4096;
-        Best best = kNoCandidate;
-        for (int pair = 1; pair < Tracks; pair++) {
-            best = bestPair(order[2 * pair], order[2 * pair + 1], 2 * pair, kWeights[pair - 1], alp);
-            alp = best.energy * 16384;
-        }
-        return best;
+    // Two pulses at the largest places.
+    void begin(Attempt& attempt, const int* order) const {
+        Pulse* const pulses = attempt.pulses;
+        for (int i = 0; i < kPulses; i++) pulses[i] = {order[i], target_.maximumPlace[order[i]]};
+        attempt.ps = Add_16s(d(pulses[0]), d(pulses[1]));
+        attempt.alp = (own(pulses[0]) + own(pulses[1])) * 2048 + crossed(pulses[0], pulses[1]) * 4096;
     }
 
     // The energy of a pulse and twice its correlations with the pulses before, for the places of a track, and the largest
     // sum of the positive ones.
-    Sums withEarlier(int track, int count, int* largest) const {
+    Sums withEarlier(const Pulse* pulses, int track, int count, int* largest) const {
         Sums sums;
-        S32_128 peaks = S32_128::splat(0);
-        for (int half = 0; half < 2 * kGroups; half++) {
-            S32_128 sum = loadFour(correlations_.diagonal(track) + 4 * half), positive = sum;
+        Eight32s peaks = Eight32s::splat(0);
+        for (int g = 0; g < kGroups; g++) {
+            Eight32s crossed = Eight32s::splat(0), positive = crossed;
             for (int n = 0; n < count; n++) {
-                const S32_128 row = loadFour(correlations_.row(pulses_[n], track) + 4 * half), twice = add(row, row);
-                sum = add(sum, twice);
-                positive = add(positive, max(twice, S32_128::splat(0)));
+                const Eight32s row = widen(S16_128::load(correlations_.row(pulses[n], track) + kPlaces * g));
+                crossed = add(crossed, row);
+                positive = add(positive, max(row, Eight32s::splat(0)));
             }
-            sums.v[half] = sum;
-            peaks = max(peaks, positive);
+            const Eight32s own = widen(S16_128::load(correlations_.diagonal(track) + kPlaces * g));
+            sums.v[g] = add(own, add(crossed, crossed));
+            peaks = max(peaks, add(own, add(positive, positive)));
         }
         if (largest != nullptr) {
-            Vsp32s lanes[4];
+            Vsp32s lanes[kPlaces];
             peaks.store(lanes);
             *largest = 0;
             for (const Vsp32s lane : lanes) *largest = lane > *largest ? lane : *largest;
@@ -222,85 +231,96 @@ class Search {
     }
 
     // The mean v, every step saturated.
-    void meansSaturating(int track, int count, int shift, Vsp16s* v) const {
+    void meansSaturating(const Pulse* pulses, int track, int count, int shift, Vsp16s* v) const {
         const Vsp16s weight = Vsp16s(1 << (15 - shift));
         for (int i = 0; i < L::places; i++) {
             Vsp32s sum = Mul2_16s32s(correlations_.diagonal(track)[i], weight);
-            for (int n = 0; n < count; n++) sum = mac_32s(sum, correlations_.row(pulses_[n], track)[i], Vsp16s(2 * weight));
+            for (int n = 0; n < count; n++) sum = mac_32s(sum, correlations_.row(pulses[n], track)[i], Vsp16s(2 * weight));
             v[i] = round_32s(sum);
         }
     }
 
-    Best bestPair(int first, int second, int count, Weights weights, Vsp32s alp) {
-        // What the places of the first track have with the pulses before.
-        alignas(64) Vsp32s outer[L::width];
-        const Sums ofFirst = withEarlier(first, count, nullptr);
-        for (int half = 0; half < 2 * kGroups; half++)
-            add(mulLo(ofFirst.v[half], S32_128::splat(weights.own)), S32_128::splat(alp)).store(outer + 4 * half);
+    void addBestPair(Attempt& attempt, int pair) const {
+        Pulse* const pulses = attempt.pulses;
+        const int count = 2 * pair, first = pulses[count].track, second = pulses[count + 1].track;
+        const Weights weights = kWeights[pair - 1];
+        // What the places of the first track have with the pulses before, and their targets.
+        constexpr int kRows = L::places * kGroups;  // of eight candidates, kGroups for each place of the first track
+        Vsp32s ofFirst[L::width], outer[kRows];
+        Vsp16s psFirst[kRows];
+        const Sums sumsOfFirst = withEarlier(pulses, first, count, nullptr);
+        for (int g = 0; g < kGroups; g++) sumsOfFirst.v[g].store(ofFirst + kPlaces * g);
+        Vsp32s largestOuter = 0;
+        for (int i = 0; i < kRows; i++) {
+            outer[i] = attempt.alp + ofFirst[i / kGroups] * weights.own;
+            largestOuter = outer[i] > largestOuter ? outer[i] : largestOuter;
+            psFirst[i] = Add_16s(attempt.ps, target_.d[first][i / kGroups]);
+        }
 
         int largest = 0;
         Vsp16s v[L::width] = {};
-        const Sums ofSecond = withEarlier(second, count, &largest);
+        const Sums ofSecond = withEarlier(pulses, second, count, &largest);
         const int shift = weights.shiftOfV;
         if (largest < 1 << (15 + shift)) {
-            const S32_128 half = S32_128::splat(1 << (shift - 1));
             for (int g = 0; g < kGroups; g++)
-                packSat(shr(add(ofSecond.v[2 * g], half), shift), shr(add(ofSecond.v[2 * g + 1], half), shift))
-                    .store(v + kPlaces * g);
+                narrowSat(shr(add(ofSecond.v[g], Eight32s::splat(1 << (shift - 1))), shift)).store(v + kPlaces * g);
         } else {
-            meansSaturating(second, count, shift, v);
+            meansSaturating(pulses, second, count, shift, v);
         }
         int largestV = 0;
         for (int i = 0; i < L::places; i++) largestV = v[i] > largestV ? v[i] : largestV;
+        // The sums with v stay within 32 bits, so that only their end can leave them.
+        const bool exact = Vsp64s(largestOuter) + largestV * Vsp64s(weights.v) < 1 << 30;
 
-        PrunedCandidates<L::places * kGroups> candidates;
-        const S16_128 factors{S32_128::splat(weights.v | weights.crossed << 16).v};
-        for (int i = 0; i < L::places; i++) {
-            const Vsp16s* const row = correlations_.row({first, i}, second);
-            const Vsp16s psFirst = Add_16s(ps_, target_.d[first][i]);
-            // The sums with v stay within 32 bits, so that only their end can leave them.
-            const bool exact = Vsp64s(outer[i]) + largestV * Vsp64s(weights.v) < 1 << 30;
-            for (int g = 0; g < kGroups; g++) {
-                const S16_128 vs = S16_128::load(v + kPlaces * g), rows = S16_128::load(row + kPlaces * g);
-                const S32_128 start = S32_128::splat(outer[i] + 0x4000);
-                S16_128 energies = packSat(shr(add(dot2(S16_128{zipLo(vs, rows).v}, factors), start), 15),
-                                           shr(add(dot2(S16_128{zipHi(vs, rows).v}, factors), start), 15));
-                if (!exact) [[unlikely]]
-                    energies = saturated(outer[i], v + kPlaces * g, row + kPlaces * g, weights);
-                const S16_128 sum = addSat(S16_128::splat(psFirst), S16_128::load(target_.d[second] + kPlaces * g));
-                S16_128 square = mulShift15Sat(sum, sum);
-                S16_128 divisors = energies;
-                if (g > 0) {
-                    const S16_128 mask = S16_128::load(kLastPlaces);
-                    square.v &= mask.v;
-                    energies.v &= mask.v;
-                    divisors = select(mask, energies, S16_128::splat(1));
-                }
-                candidates.add(square, energies, divisors);
+        using V = Sliding16;
+        PrunedCandidates<kRows> candidates;
+        const V factors{Wide<V>::splat(weights.v | weights.crossed << 16).v};
+        const Vsp16s* const rows = correlations_.row({first, 0}, second);
+        const auto places = [](const Vsp16s* p, int row) {
+            return kGroups == 1 ? repeated(S16_128::load(p), V{}) : V::load(p + row % kGroups * kPlaces);
+        };
+        for (int i = 0; i < kRows; i += V::width / kPlaces) {
+            const V vs = places(v, i), row = V::load(rows + kPlaces * i);
+            const auto start = add(inBlocks(outer + i, Wide<V>{}), Wide<V>::splat(0x4000));
+            V energies = packSat(shr(add(dot2(V{zipLo(vs, row).v}, factors), start), 15),
+                                 shr(add(dot2(V{zipHi(vs, row).v}, factors), start), 15));
+            if (!exact) [[unlikely]]
+                energies = saturated(outer, v, rows, i, weights);
+            const V sum = addSat(inBlocks(psFirst + i, V{}), places(target_.d[second], i));
+            V square = mulShift15Sat(sum, sum), divisors = energies;
+            if (kGroups > 1) {
+                const V mask = places(kTenPlaces, i), one = V::splat(1);
+                square.v &= mask.v;
+                energies.v &= mask.v;
+                divisors.v = energies.v | (one.v & ~mask.v);
             }
+            candidates.add(square, energies, divisors);
         }
         Best best = kNoCandidate;
         const int number = candidates.best(best);
         const int a = number < 0 ? 0 : number / L::width, b = number < 0 ? 0 : number % L::width;
-        pulses_[count] = {first, a};
-        pulses_[count + 1] = {second, b};
-        ps_ = number < 0 ? Vsp16s(0) : Add_16s(Add_16s(ps_, target_.d[first][a]), target_.d[second][b]);
-        return best;
+        pulses[count].place = a;
+        pulses[count + 1].place = b;
+        attempt.ps = number < 0 ? Vsp16s(0) : Add_16s(Add_16s(attempt.ps, target_.d[first][a]), target_.d[second][b]);
+        attempt.alp = best.energy * 16384;
+        attempt.best = best;
     }
 
-    static S16_128 saturated(Vsp32s outer, const Vsp16s* v, const Vsp16s* row, Weights weights) {
-        Vsp16s energies[kPlaces];
-        for (int i = 0; i < kPlaces; i++) {
-            const Vsp32s sum = Add_32s(Cnvrt_64s32s(2 * Vsp64s(outer)), Cnvrt_64s32s(2 * Vsp64s(v[i]) * weights.v));
-            energies[i] = round_32s(Add_32s(sum, 2 * row[i] * weights.crossed));
+    // A vector of energies from the given row on, every step saturated.
+    [[gnu::noinline]] static Sliding16 saturated(const Vsp32s* outer, const Vsp16s* v, const Vsp16s* rows, int first,
+                                                 Weights weights) {
+        Vsp16s energies[Sliding16::width];
+        for (int i = 0; i < Sliding16::width; i++) {
+            const int at = kPlaces * first + i;
+            const Vsp32s ofV = Cnvrt_64s32s(2 * Vsp64s(v[at % L::width]) * weights.v);
+            const Vsp32s sum = Add_32s(Cnvrt_64s32s(2 * Vsp64s(outer[at / kPlaces])), ofV);
+            energies[i] = round_32s(Add_32s(sum, 2 * rows[at] * weights.crossed));
         }
-        return S16_128::load(energies);
+        return Sliding16::load(energies);
     }
 
     const SignedTarget<Tracks>& target_;
     const Correlations<Tracks>& correlations_;
-    Pulse pulses_[kPulses];
-    Vsp16s ps_;
 };
 
 template <int Tracks>

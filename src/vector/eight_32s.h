@@ -5,8 +5,24 @@
 
 namespace vsp::VSP_LEVEL {
 
+// Blocks of eight 16-bit or four 32-bit values: one or two of them in a vector. inBlocks has element i of p in all of block
+// i, repeated the same block in all.
+VSP_INLINE S16_128 inBlocks(const Vsp16s* p, S16_128) { return S16_128::splat(p[0]); }
+VSP_INLINE S32_128 inBlocks(const Vsp32s* p, S32_128) { return S32_128::splat(p[0]); }
+VSP_INLINE S16_128 repeated(S16_128 a, S16_128) { return a; }
+VSP_IF_256(VSP_INLINE S16_256 inBlocks(const Vsp16s* p, S16_256) {
+    return {_mm256_set_m128i(_mm_set1_epi16(p[1]), _mm_set1_epi16(p[0]))};
+})
+VSP_IF_256(VSP_INLINE S32_256 inBlocks(const Vsp32s* p, S32_256) {
+    return {_mm256_set_m128i(_mm_set1_epi32(p[1]), _mm_set1_epi32(p[0]))};
+})
+VSP_IF_256(VSP_INLINE S16_256 repeated(S16_128 a, S16_256) { return {_mm256_set_m128i(a.v, a.v)}; })
+
 #if defined(__AVX2__)
 using Eight32s = S32_256;
+VSP_INLINE S16_128 block(S16_256 a, int i) {
+    return {i == 0 ? _mm256_castsi256_si128(a.v) : _mm256_extracti128_si256(a.v, 1)};
+}
 using Eight32f = F32_256;
 VSP_INLINE Eight32s widen(S16_128 a) { return {_mm256_cvtepi16_epi32(a.v)}; }
 VSP_INLINE S16_128 narrowSat(Eight32s a) {
@@ -29,6 +45,7 @@ VSP_INLINE Vsp32u atLeast(Eight32f a, Eight32f b) {
     return Vsp32u(_mm256_movemask_ps(_mm256_cmp_ps(a.v, b.v, _CMP_GE_OS)));
 }
 #else
+VSP_INLINE S16_128 block(S16_128 a, int) { return a; }
 struct Eight32s {
     S32_128 lo, hi;
     [[gnu::always_inline]] static Eight32s splat(Vsp32s x) { return {S32_128::splat(x), S32_128::splat(x)}; }
@@ -39,6 +56,7 @@ struct Eight32s {
     }
 };
 VSP_INLINE Eight32s add(Eight32s a, Eight32s b) { return {add(a.lo, b.lo), add(a.hi, b.hi)}; }
+VSP_INLINE Eight32s max(Eight32s a, Eight32s b) { return {max(a.lo, b.lo), max(a.hi, b.hi)}; }
 VSP_INLINE Eight32s shr(Eight32s a, int n) { return {shr(a.lo, n), shr(a.hi, n)}; }
 VSP_INLINE Eight32s widen(S16_128 a) {
     return {{_mm_cvtepi16_epi32(a.v)}, {_mm_cvtepi16_epi32(_mm_unpackhi_epi64(a.v, a.v))}};
