@@ -23,7 +23,7 @@ VspStatus vspsISFStability_AMRWB_16s(const Vsp16s* pISF, const Vsp16s* pPrevISF,
     return vspStsNoErr;
 }
 
-// How far back, 1 to 3 more than one, the differences between the frequencies repeat.
+// 1 less than the distance, 2 to 4, at which the differences between the frequencies repeat.
 static int repetition(const Vsp16s* isf) {
     constexpr int kFirst = 2;  // of the differences that count for the mean
     constexpr Vsp16s kShare = 2731;

@@ -73,8 +73,7 @@ VspStatus vspsInterpolateISP_AMRWB_16s(const Vsp16s* pPrevISP, const Vsp16s* pIS
 /**
  * How stable the frequencies are: 1 where they are those of the frame before, down to 0 (3GPP TS 26.190 6.1).
  *
- * factor = 2 * (0.625 - 0.8 * D / 2^7), not below 0, where D is the sum of the squared differences of the first 15 in Q1 of
- * units of 2^-15.
+ * factor = 1.25 - S / 2621440, limited to 0 .. 1, where S is the sum of the squared differences of the first 15.
  *
  * @param[in]  pISF      16 values
  * @param[in]  pPrevISF  16 values of the frame before
