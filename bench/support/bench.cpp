@@ -2,6 +2,7 @@
 
 #include <random>
 
+#include "amrwb/scalar_amrwb.h"
 #include "common/hand_tuned_common.h"
 #include "common/scalar_common.h"
 #include "common/scalar_lp.h"
@@ -36,6 +37,9 @@ std::vector<Implementation> implementations() {
     static const vsp::Api scalar = apiOf(addScalarCommon, addScalarLp, addScalarG722, addScalarG723, addScalarG726,
                                          addScalarG729, addScalarG729Quantisers, addScalarFixedCodebook, addScalarGsmamr,
                                          addScalarGsmfr, addScalarSubband, addScalarFullBand);
+    static const vsp::Api scalar =
+        apiOf(addScalarCommon, addScalarLp, addScalarG722, addScalarG726, addScalarG729, addScalarG729Quantisers,
+              addScalarFixedCodebook, addScalarAmrwb, addScalarGsmamr, addScalarGsmfr, addScalarSubband, addScalarFullBand);
     static const vsp::Api handTuned = apiOf(addHandTunedCommon, addHandTunedSubband, addHandTunedFullBand);
     const vsp::Level level = vsp::bestLevel(vsp::readCpuRegisters());
     std::vector<Implementation> all = {{"library", &kApi_library}, {"y8", &vsp::kApi_y8}};

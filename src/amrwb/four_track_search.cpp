@@ -12,25 +12,39 @@ constexpr int trackOf(int position) { return position % kTracks; }
 constexpr int placeOf(int position) { return position / kTracks; }
 constexpr int nextTrack(int track) { return (track + 1) % kTracks; }
 
-// The impulse response at any position, with either sign.
+// The impulse response at any position, with either sign, and in pairs of samples.
 class SignedResponse {
   public:
-    SignedResponse(const Vsp16s* h, const Vsp16s* signs) : signs_(signs) {
+    SignedResponse(const Vsp16s* h, const Vsp16s* signs)
+        : signs_(signs), energy_(vsp::VSP_LEVEL::energy(h, kWideSubframe)) {
         for (int i = 0; i < kWideSubframe; i++) {
             positive_[i] = negative_[i] = 0;
             positive_[kWideSubframe + i] = h[i];
             negative_[kWideSubframe + i] = Negate_16s(h[i]);
         }
+        for (int t = 0; t < kTracks; t++)
+            for (int i = 0; i < kPlaces; i += 8) {
+                Eight32s even, odd;
+                evenAndOdd(samples() - t + 4 * i, even, odd);
+                even.store(pairs_[t][0] + kPlaces + i);
+                odd.store(pairs_[t][1] + kPlaces + i);
+                for (Vsp32s(&row)[2 * kPlaces] : pairs_[t]) Eight32s::splat(0).store(row + i);
+            }
     }
     [[gnu::always_inline]] const Vsp16s* at(int position) const {
         return (signs_[position] < 0 ? negative_ : positive_) + kWideSubframe - position;
     }
+    Vsp64s energy() const { return energy_; }
     // 64 samples, and zeros before them.
-    const Vsp16s* samples() const { return positive_ + kWideSubframe; }
+    [[gnu::always_inline]] const Vsp16s* samples() const { return positive_ + kWideSubframe; }
+    // Element i is the pair of samples from 4 * i + 2 * second - track on; zeros for i = -16 .. -1.
+    [[gnu::always_inline]] const Vsp32s* pairs(int track, int second) const { return pairs_[track][second] + kPlaces; }
 
   private:
     Vsp16s positive_[2 * kWideSubframe], negative_[2 * kWideSubframe];
+    alignas(64) Vsp32s pairs_[kTracks][2][2 * kPlaces];
     const Vsp16s* signs_;
+    Vsp64s energy_;
 };
 
 // Everything by tracks, with the signs.
@@ -39,6 +53,8 @@ struct Tracks {
     alignas(64) Vsp16s own[kTracks][kPlaces];               // energies of the response
     alignas(64) Vsp16s crossed[kTracks][kPlaces][kPlaces];  // correlations with the places of the next track
     alignas(64) Vsp16s rank[kTracks][kPlaces];              // 0 for the largest mean
+
+    int largestOwn, largestTarget;
 
     // The places of the first ranks.
     [[gnu::always_inline]] Vsp32u first(int track, int ranks) const {
@@ -72,14 +88,18 @@ VSP_INLINE void formOwn(const Vsp16s* h, Tracks& tracks, Add addSquare) {
 }
 
 // Row by row, from the last: what a pair of positions has more than the pair one place later. Lanes are places from the
-// last one on, so that a row's sums move up by one. h has zeros before it.
-void formExact(const Vsp16s* h, Tracks& tracks) {
+// last one on, so that a row's sums move up by one.
+void formExact(const SignedResponse& response, Tracks& tracks) {
+    const Vsp16s* const h = response.samples();
     formOwn(h, tracks, [](Vsp32s sum, Vsp16s x) { return sum + 2 * x * x; });
     const Eight32s start = Eight32s::splat(0x4000);
     for (int t = 0; t < kTracks; t++) {
         const int next = nextTrack(t);
         Eight32s even[2], odd[2], sums[2] = {start, start};
-        for (int i = 0; i < 2; i++) evenAndOdd(h - next + 32 * i, even[i], odd[i]);
+        for (int i = 0; i < 2; i++) {
+            even[i] = Eight32s::load(response.pairs(next, 0) + 8 * i);
+            odd[i] = Eight32s::load(response.pairs(next, 1) + 8 * i);
+        }
         const Sixteen16s signs = Sixteen16s::load(tracks.sign[next]);
         for (int place = kPlaces - 1; place >= 0; place--) {
             const Vsp16s* const x = h + kTracks * (kPlaces - 1 - place) - t;
@@ -111,8 +131,9 @@ void formSaturating(const Vsp16s* h, Tracks& tracks) {
 // A pass: pulses so far and what they give.
 class Pass {
   public:
-    Pass(const Tracks& tracks, const SignedResponse& response, bool exact, Vsp16s largestOwn)
-        : tracks_(tracks), response_(response), exact_(exact), largestOwn_(largestOwn) {}
+    // exact: no correlation with all pulses together leaves 31 bits.
+    Pass(const Tracks& tracks, const SignedResponse& response, bool exact)
+        : tracks_(tracks), response_(response), exact_(exact) {}
 
     int position[kMaxPulses];
 
@@ -137,15 +158,17 @@ class Pass {
     // The best two pulses on a track and the next one, the first of them at one of the first ranks.
     void addPair(int first, int ranks) {
         const int second = nextTrack(first);
-        alignas(64) Vsp16s ofFirst[kPlaces], ofSecond[kPlaces];
-        correlate(first, ofFirst);
-        correlate(second, ofSecond);
+        Sixteen16s ofFirst, ofSecond;
+        correlate(first, second, ofFirst, ofSecond);
         int x = 0, y = 0;
         BestPulses best;
         if (!searchExact(first, ranks, ofFirst, ofSecond, best, x, y)) {
             best = BestPulses();
             x = y = 0;
-            searchSaturating(first, ranks, ofFirst, ofSecond, best, x, y);
+            Vsp16s first16[kPlaces], second16[kPlaces];
+            ofFirst.store(first16);
+            ofSecond.store(second16);
+            searchSaturating(first, ranks, first16, second16, best, x, y);
         }
         alp_ = best.energy;
         const Vsp16s ps = ps_;
@@ -175,76 +198,72 @@ class Pass {
     }
 
     // What a pulse at each place of a track adds: its energy, and its correlation with the pulses so far (`cor_h_vec`).
-    void correlate(int track, Vsp16s* correlations) const {
-        const Sixteen16s own = Sixteen16s::load(tracks_.own[track]);
-        if (count_ == 0) {
-            own.store(correlations);
-            return;
-        }
-        Sixteen16s sums;
-        if (exact_) {
-            sums = filteredBackwards(track);
-        } else {
-            Vsp16s slow[kPlaces];
-            for (int i = 0; i < kPlaces; i++) {
-                const int p = kTracks * i + track;
-                slow[i] = round_32s(Mul2_32s(dotSaturating(response_.samples(), filtered_ + p, kWideSubframe - p)));
-            }
-            sums = Sixteen16s::load(slow);
-        }
-        addSat(mulShift15Sat(sums, Sixteen16s::load(tracks_.sign[track])), own).store(correlations);
+    [[gnu::always_inline]] Sixteen16s withPulses(int track, Sixteen16s correlations) const {
+        return addSat(mulShift15Sat(correlations, Sixteen16s::load(tracks_.sign[track])),
+                      Sixteen16s::load(tracks_.own[track]));
     }
 
-    // Lane i has the pairs of samples from place i on, those of even and of odd steps apart.
-    [[gnu::always_inline]] Sixteen16s filteredBackwards(int track) const {
-        constexpr int kSteps = kWideSubframe / 2;
-        alignas(64) Vsp32s pairs[2][3 * kPlaces];
-        for (int i = 0; i < 2; i++) {
-            Eight32s even, odd;
-            evenAndOdd(filtered_ + track % 2 + 32 * i, even, odd);
-            even.store(pairs[0] + 8 * i);
-            odd.store(pairs[1] + 8 * i);
+    [[gnu::always_inline]] void correlate(int first, int second, Sixteen16s& ofFirst, Sixteen16s& ofSecond) const {
+        if (count_ == 0) {
+            ofFirst = Sixteen16s::load(tracks_.own[first]);
+            ofSecond = Sixteen16s::load(tracks_.own[second]);
+        } else if (exact_ || doubledSumsFit(response_.energy(), energy(filtered_, kWideSubframe))) {
+            Backwards a, b;
+            for (int s = 0; s < kSteps; s++) {
+                a.step(response_, first, filtered_, s);
+                b.step(response_, second, filtered_, s);
+            }
+            ofFirst = withPulses(first, a.places());
+            ofSecond = withPulses(second, b.places());
+        } else {
+            ofFirst = withPulses(first, correlateSaturating(first));
+            ofSecond = withPulses(second, correlateSaturating(second));
         }
-        for (auto& half : pairs)
-            for (int i = kPlaces; i < 3 * kPlaces; i += 8) Eight32s::splat(0).store(half + i);
+    }
+
+    // The response correlated with the filtered pulses, lanes from the last place on.
+    static constexpr int kSteps = kWideSubframe / 2;
+    struct Backwards {
         Eight32s lo = Eight32s::splat(0x2000), hi = lo;
-        const Vsp16s* const h = response_.samples();
-        const int offset = track / 2;
-#pragma GCC unroll 2
-        for (int s = 0; s < kSteps / 2; s++) {
-            const int at = s + offset;
-            const Vsp32s* const from = pairs[at % 2] + at / 2;
-            lo = add(lo, dotPairs(Eight32s::load(from), h + 2 * s));
-            hi = add(hi, dotPairs(Eight32s::load(from + 8), h + 2 * s));
+
+        // With two samples, which reach the upper half of the places in the second half of the steps.
+        [[gnu::always_inline]] void step(const SignedResponse& response, int track, const Vsp16s* filtered, int s) {
+            const Vsp32s* const pairs = response.pairs(track, s % 2) + s / 2 - (kPlaces - 1);
+            hi = add(hi, dotPairs(Eight32s::load(pairs + 8), filtered + 2 * s));
+            if (s >= kSteps / 2) lo = add(lo, dotPairs(Eight32s::load(pairs), filtered + 2 * s));
         }
-#pragma GCC unroll 2
-        for (int s = kSteps / 2; s < kSteps; s++) {
-            const int at = s + offset;
-            lo = add(lo, dotPairs(Eight32s::load(pairs[at % 2] + at / 2), h + 2 * s));
+        [[gnu::always_inline]] Sixteen16s places() const { return narrowReversed(shr(lo, 14), shr(hi, 14)); }
+    };
+
+    [[gnu::noinline]] Sixteen16s correlateSaturating(int track) const {
+        Vsp16s correlations[kPlaces];
+        for (int i = 0; i < kPlaces; i++) {
+            const int p = kTracks * i + track;
+            correlations[i] = round_32s(Mul2_32s(dotSaturating(response_.samples(), filtered_ + p, kWideSubframe - p)));
         }
-        Vsp16s narrow[kPlaces];
-        narrowSat(shr(lo, 14)).store(narrow);
-        narrowSat(shr(hi, 14)).store(narrow + 8);
-        return Sixteen16s::load(narrow);
+        return Sixteen16s::load(correlations);
     }
 
     // Returns false where something might saturate or an energy is not positive.
-    [[gnu::always_inline]] bool searchExact(int first, int ranks, const Vsp16s* ofFirst, const Vsp16s* ofSecond,
-                                            BestPulses& best, int& x, int& y) const {
+    [[gnu::always_inline]] bool searchExact(int first, int ranks, Sixteen16s ofFirst, Sixteen16s ofSecond, BestPulses& best,
+                                            int& x, int& y) const {
         const int second = nextTrack(first);
-        const Vsp16s *const d1 = tracks_.d[first], *const d2 = tracks_.d[second];
-        const int most = maxMagnitude(ofFirst, kPlaces) + maxMagnitude(ofSecond, kPlaces) + 4 + 2 * (largestOwn_ + 1);
-        const int targets = maxMagnitude(d1, kPlaces) + maxMagnitude(d2, kPlaces);
-        if (!exact_ || most > kMax16 || (alp_ < 0 ? -alp_ : alp_) + most / 8 >= kMax16 ||
-            (ps_ < 0 ? -ps_ : ps_) + targets >= kMax16)
+        const int most = 2 * largestMagnitude(ofFirst, ofSecond) + 4 + 2 * (tracks_.largestOwn + 1);
+        if (most > kMax16 || (alp_ < 0 ? -alp_ : alp_) + most / 8 >= kMax16 ||
+            (ps_ < 0 ? -ps_ : ps_) + 2 * tracks_.largestTarget >= kMax16)
             return false;
-        const Sixteen16s ofTrack = Sixteen16s::load(ofSecond), d = Sixteen16s::load(d2), alp = Sixteen16s::splat(alp_);
+        Vsp16s ofPlaces[kPlaces];
+        ofFirst.store(ofPlaces);
+        const Vsp16s* const targets = tracks_.d[first];
+        const Sixteen16s ofTrack = add(ofSecond, Sixteen16s::splat(4));
+        const Sixteen16s ps = add(Sixteen16s::load(tracks_.d[second]), Sixteen16s::splat(ps_));
+        const Sixteen16s alp = Sixteen16s::splat(alp_);
         LaneWinners winners;
         for (Vsp32u left = tracks_.first(first, ranks); left != 0; left &= left - 1) {
             const int i = __builtin_ctz(left);
             const Sixteen16s crossed = Sixteen16s::load(tracks_.crossed[first][i]);
-            const Sixteen16s more = add(add(ofTrack, Sixteen16s::splat(Vsp16s(ofFirst[i] + 4))), add(crossed, crossed));
-            winners.take(i, squareOf(add(d, Sixteen16s::splat(Vsp16s(ps_ + d1[i])))), add(alp, shr(more, 3)));
+            const Sixteen16s more = add(add(ofTrack, Sixteen16s::splat(ofPlaces[i])), add(crossed, crossed));
+            winners.take(i, squareOf(add(ps, Sixteen16s::splat(targets[i]))), add(alp, shr(more, 3)));
         }
         if (!winners.areAllPositive()) return false;
         winners.settle(0, best, x, y);
@@ -274,10 +293,9 @@ class Pass {
     const Tracks& tracks_;
     const SignedResponse& response_;
     bool exact_;
-    Vsp16s largestOwn_;
     int count_ = 0;
     Vsp16s ps_ = 0, alp_ = 0;
-    alignas(64) Vsp16s filtered_[kWideSubframe + S16::width] = {};  // and zeros behind
+    alignas(64) Vsp16s filtered_[kWideSubframe] = {};
 };
 
 // The tracks of the pulses; each pass begins a row later.
@@ -302,13 +320,15 @@ void ownSearchFourTracks(const FourTrackSearch& search, const PulseTarget& targe
     }
     rankMeans(target.mean, tracks);
     const SignedResponse response(h, target.sign);
-    const Vsp64s energyOfResponse = energy(h, kWideSubframe);
-    // No correlation with all pulses together leaves 31 bits.
-    const bool exact = search.pulses * energyOfResponse < (1 << 30) - 0x8000;
-    if (exact)
-        formExact(response.samples(), tracks);
+    constexpr Vsp64s kMaxExact = (1 << 30) - 0x8000;
+    if (response.energy() < kMaxExact)
+        formExact(response, tracks);
     else
         formSaturating(h, tracks);
+    // A correlation is no larger than the energy, before it is rounded.
+    tracks.largestOwn = tracks.own[0][0];
+    tracks.largestTarget = maxMagnitude(target.d, kWideSubframe);
+    const bool exact = search.pulses * response.energy() < kMaxExact;
 
     BestPulses best;
     for (int i = 0; i < search.pulses; i++) found.position[i] = i;
@@ -320,7 +340,7 @@ void ownSearchFourTracks(const FourTrackSearch& search, const PulseTarget& targe
             order[search.pulses - 2] = 0;
             order[search.pulses - 1] = 1;
         }
-        Pass pass(tracks, response, exact, tracks.own[0][0]);
+        Pass pass(tracks, response, exact);
         if (search.begun == 2) pass.beginWithTwo(order[0], order[1]);
         if (search.begun == 4) pass.beginWithFour(order);
         for (int i = search.begun, pair = 0; i < search.pulses; i += 2, pair++)

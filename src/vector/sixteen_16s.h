@@ -33,6 +33,9 @@ VSP_INLINE Sixteen16s narrowReversed(Eight32s lo, Eight32s hi) {
     const S16_256 packed = packSat(lo, hi);  // lanes: lo 0-3, hi 0-3; lo 4-7, hi 4-7
     return reversed(S16_256{_mm256_permute4x64_epi64(packed.v, 0xD8)});
 }
+VSP_INLINE Vsp16u largestMagnitude(Sixteen16s a, Sixteen16s b) {
+    return largestU(foldMaxU(maxU(magnitude(a), magnitude(b))));
+}
 VSP_INLINE Eight32f quotient(Eight32f a, Eight32f b) { return {_mm256_div_ps(a.v, b.v)}; }
 // The 32-bit elements at p that have even numbers, and the others, of sixteen.
 VSP_INLINE void evenAndOdd(const Vsp16s* p, Eight32s& even, Eight32s& odd) {
@@ -85,6 +88,9 @@ VSP_INLINE Eight32s movedUp(Eight32s a, Eight32s before) {
 }
 VSP_INLINE Sixteen16s narrowReversed(Eight32s lo, Eight32s hi) {
     return {reversed(narrowSat(hi)), reversed(narrowSat(lo))};
+}
+VSP_INLINE Vsp16u largestMagnitude(Sixteen16s a, Sixteen16s b) {
+    return largestU(maxU(maxU(magnitude(a.lo), magnitude(a.hi)), maxU(magnitude(b.lo), magnitude(b.hi))));
 }
 VSP_INLINE Eight32f quotient(Eight32f a, Eight32f b) {
     return {{_mm_div_ps(a.lo.v, b.lo.v)}, {_mm_div_ps(a.hi.v, b.hi.v)}};
