@@ -18,19 +18,27 @@ constexpr std::size_t kFrame = 320;
 const VspvCodec& amrwb() { return codecNamed("amrwb"); }
 
 // Speech with its pauses at both rates, tones that fade, silence, noise that swells; a thousand frames.
-Samples signal() {
+//
+// Of bare tones, digital silence and where sums saturate vo-amrwbenc's frames are not always those of the reference, whose
+// recorded ones ours equal: it gets soft noise instead.
+Samples signal(bool softer) {
     const Samples narrow = recordedSpeech();
     Samples all(narrow.begin(), narrow.begin() + 60000);
     for (std::size_t i = 60000; i + 1 < narrow.size() && all.size() < 260000; i++) {
         all.push_back(narrow[i]);
         all.push_back(Vsp16s((narrow[i] + narrow[i + 1]) / 2));
     }
-    for (const double hertz : {50.0, 440.0, 2004.0, 5600.0, 7400.0})
-        for (int i = 0; i < 4000; i++)
-            all.push_back(Vsp16s(std::lround(std::exp(-i / 800.0) * 32000 * std::sin(i * hertz * 6.283185307 / 16000))));
-    all.resize(290000);
-    const Samples any = samples(30000);
-    for (std::size_t i = 0; i < any.size(); i++) all.push_back(Vsp16s(any[i] >> (15 - i / 2000)));
+    const Samples any = samples(60000);
+    if (softer) {
+        for (const Vsp16s x : any) all.push_back(Vsp16s(x >> 5));
+    } else {
+        for (const double hertz : {50.0, 440.0, 2004.0, 5600.0, 7400.0})
+            for (int i = 0; i < 4000; i++)
+                all.push_back(
+                    Vsp16s(std::lround(std::exp(-i / 800.0) * 32000 * std::sin(i * hertz * 6.283185307 / 16000))));
+        all.resize(290000);
+        for (std::size_t i = 0; i < 30000; i++) all.push_back(Vsp16s(any[i] >> (15 - i / 2000)));
+    }
     EXPECT_EQ(1000 * kFrame, all.size());
     return all;
 }
@@ -63,7 +71,7 @@ Octets stored(const Sent& sent) {
 }  // namespace
 
 TEST(VoicePeersAmrWb, OpencoreDecodesTheSame) {
-    const Samples source = signal();
+    const Samples source = signal(false);
     for (const bool dtx : {false, true})
         for (const Vsp32s rate : amrwbFrames().rates) {
             if (dtx && rate != 6600 && rate != 23850) continue;
@@ -86,7 +94,7 @@ TEST(VoicePeersAmrWb, OpencoreDecodesTheSame) {
 }
 
 TEST(VoicePeersAmrWb, VoAmrwbencMakesTheSameFrames) {
-    const Samples source = signal();
+    const Samples source = signal(true);
     for (int mode = 2; mode < 9; mode++) {
         const Vsp32s rate = amrwbFrames().rates[std::size_t(mode)];
         SCOPED_TRACE(rate);
