@@ -140,11 +140,11 @@ def test_amr_decoded_by_ffmpeg(vsps, rate):
     assert distance["log_spectral_distance_db"] < 1.2  # measured: 0.69 to 0.93
 
 
-# The same of wide band; its noise above 6.4 kHz is another. FFmpeg plays a file of the wrong extension by its header.
+# The same of wide band.
 @pytest.mark.parametrize("rate", [6600, 8850, 12650, 14250, 15850, 18250, 19850, 23050, 23850])
 def test_amrwb_decoded_by_ffmpeg(vsps, rate):
     vsps.ok("encode", "wide.wav", "ours.awb", "--rate", rate)
     vsps.put("theirs.wav", wav16(numbers(ffmpeg(vsps, "-i", "ours.awb", "-f", "s16le")), 16000))
     distance = vsps.json("decode", "ours.awb", "ours.wav", "--against", "theirs.wav")["against"]
     assert distance["delay_samples"] == 0
-    assert distance["log_spectral_distance_db"] < 9
+    assert distance["log_spectral_distance_db"] < 2.5  # measured: 1.3 to 1.7, with G.722 in between
