@@ -34,12 +34,9 @@ static vsp::Api apiOf(Add... add) {
 }
 
 std::vector<Implementation> implementations() {
-    static const vsp::Api scalar = apiOf(addScalarCommon, addScalarLp, addScalarG722, addScalarG723, addScalarG726,
-                                         addScalarG729, addScalarG729Quantisers, addScalarFixedCodebook, addScalarGsmamr,
-                                         addScalarGsmfr, addScalarSubband, addScalarFullBand);
-    static const vsp::Api scalar =
-        apiOf(addScalarCommon, addScalarLp, addScalarG722, addScalarG726, addScalarG729, addScalarG729Quantisers,
-              addScalarFixedCodebook, addScalarAmrwb, addScalarGsmamr, addScalarGsmfr, addScalarSubband, addScalarFullBand);
+    static const vsp::Api scalar = apiOf(addScalarCommon, addScalarLp, addScalarAmrwb, addScalarG722, addScalarG723,
+                                         addScalarG726, addScalarG729, addScalarG729Quantisers, addScalarFixedCodebook,
+                                         addScalarGsmamr, addScalarGsmfr, addScalarSubband, addScalarFullBand);
     static const vsp::Api handTuned = apiOf(addHandTunedCommon, addHandTunedSubband, addHandTunedFullBand);
     const vsp::Level level = vsp::bestLevel(vsp::readCpuRegisters());
     std::vector<Implementation> all = {{"library", &kApi_library}, {"y8", &vsp::kApi_y8}};

@@ -22,7 +22,7 @@ TEST(VoiceCodecs, RecordsAreFoundAndConsistent) {
         for (Vsp32s i = 0; i < codec->numBitRates; i++)
             EXPECT_LE(Vsp64s(codec->pBitRates[i]) * codec->frameSamples, 8LL * codec->maxFrameBytes * codec->samplingRate);
         EXPECT_EQ(codec->numBitRates > 1, (codec->capabilities & vspvCodecRates) != 0);
-        EXPECT_EQ(0, 1000 * codec->frameSamples % codec->samplingRate);  // whole milliseconds
+        EXPECT_EQ(0, 2000 * codec->frameSamples % codec->samplingRate);  // whole halves of milliseconds
     }
 }
 

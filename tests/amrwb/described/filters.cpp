@@ -25,12 +25,12 @@ const Described functions(
         VSPSC_FUNCTION(vspsHighPassFilterInit_AMRWB_16s, kFeedback, in(Count(1, 2, 1)), range(2, 3),
                        state(40, initialiseHighPass))
             .stream("HighPassFilter-stream", 0)
-            .stream("OpenLoopPitchSearch-stream", 0),
+            .operation("OpenLoopPitchSearch-stream", 0),
         VSPSC_FUNCTION(vspsHighPassFilter_AMRWB_16s_I, io(len), length(), state(40, initialiseHighPass))
             .stream("HighPassFilter-stream", 1),
         VSPSC_FUNCTION(vspsHighPassFilterScale_AMRWB_16s, range(-31, 31), state(40, initialiseHighPass))
             .stream("HighPassFilter-stream", 2)
-            .stream("OpenLoopPitchSearch-stream", 2),
+            .operation("OpenLoopPitchSearch-stream", 2),
         VSPSC_FUNCTION(vspsPreemphasize_AMRWB_16s_ISfs, value(), io(len), length(), scale(-8, 1), io(1)),
         VSPSC_FUNCTION(vspsPreemphasizeScale_AMRWB_16s, in(len), length(), value(), value(), io(2), out(1)),
         VSPSC_FUNCTION(vspsDeemphasize_AMRWB_16s_ISfs, value(), io(len), length(), range(0, 1), io(1)),

@@ -15,7 +15,7 @@ const Described functions("amrwb", {
                                        VSPSC_FUNCTION(vspsOpenLoopPitchSearch_AMRWB_16s, in(argument(1)).after(115),
                                                       oneOf({64, 128}, vspStsSizeErr), range(17, 115), range(0, 1), io(115),
                                                       out(1), out(1), state(40, initialiseHighPass))
-                                           .stream("OpenLoopPitchSearch-stream", 1),
+                                           .operation("OpenLoopPitchSearch-stream", 1),
                                        VSPSC_FUNCTION(vspsOpenLoopPitchTrack_AMRWB_16s, value(), value(), io(8)),
                                    });
 
