@@ -11,15 +11,22 @@ namespace {
 
 std::string payloadType(const VspvCodec& c) { return c.rtpPayloadType < 0 ? "dynamic" : std::to_string(c.rtpPayloadType); }
 
+std::string bitRates(const VspvCodec& c) {
+    const std::string first = std::to_string(c.pBitRates[0]);
+    if (c.numBitRates > 3) return first + " to " + std::to_string(c.pBitRates[c.numBitRates - 1]);
+    std::string rates = first;
+    for (Vsp32s k = 1; k < c.numBitRates; k++) rates += " " + std::to_string(c.pBitRates[k]);
+    return rates;
+}
+
 void printText() {
-    std::cout << "codec         rate  frame  bit/s                RTP                 type     description\n";
+    std::cout << "codec         rate   frame  bit/s                RTP                 type     description\n";
     for (Vsp32s i = 0; i < vspvCodecCount(); i++) {
         const VspvCodec& c = *vspvCodec(i);
-        std::string rates;
-        for (Vsp32s k = 0; k < c.numBitRates; k++) rates += (k == 0 ? "" : " ") + std::to_string(c.pBitRates[k]);
-        std::cout << format("%-13s%5d  %2d ms  %-20s %-12s/%5d  %-8s %s (%s)\n", c.name, c.samplingRate,
-                            1000 * c.frameSamples / c.samplingRate, rates.c_str(), c.rtpName == nullptr ? "-" : c.rtpName,
-                            c.rtpClockRate, payloadType(c).c_str(), c.description, c.standard);
+        std::cout << format("%-13s%5d  %3g ms  %-20s %-12s/%5d  %-8s %s (%s)\n", c.name, c.samplingRate,
+                            1000. * c.frameSamples / c.samplingRate, bitRates(c).c_str(),
+                            c.rtpName == nullptr ? "-" : c.rtpName, c.rtpClockRate, payloadType(c).c_str(), c.description,
+                            c.standard);
     }
 }
 
