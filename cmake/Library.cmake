@@ -263,6 +263,8 @@ if(VSPSC_SANITIZE)
     # The butterflies are long and unrolled: with a check of every reference and scope in them they take minutes to compile.
     set_property(SOURCE src/vector/real_fft_16s.cpp src/vector/real_fft_32f.cpp APPEND
                  PROPERTY COMPILE_OPTIONS "-fno-sanitize=null,alignment;-fno-sanitize-address-use-after-scope")
+    set_source_files_properties(src/ec/fir_subband_32fc.cpp src/ec/fir_subband_update_32fc.cpp src/vector/real_fft_16s.cpp
+                                src/vector/real_fft_32f.cpp PROPERTIES SKIP_PRECOMPILE_HEADERS ON) # have options of their own
 endif()
 
 function(vspsc_add_objects name)
@@ -280,6 +282,7 @@ foreach(level y8=x86-64-v2 v3=x86-64-v3 v4=x86-64-v4)
     vspsc_add_objects(vspsc_${tag} ${vspsc_level_sources})
     target_compile_definitions(vspsc_${tag} PRIVATE VSP_LEVEL=${tag})
     target_compile_options(vspsc_${tag} PRIVATE -march=${arch})
+    vspsc_precompile(vspsc_${tag} "${PROJECT_SOURCE_DIR}/src/vector/simd.h")
 endforeach()
 
 # All levels without the dispatcher, for tests and benchmarks that reach a level directly.
