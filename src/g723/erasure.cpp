@@ -56,11 +56,10 @@ VspStatus vspsErasureClassify_G723_16s(const Vsp16s* pExc, Vsp16s lag, Vsp16s* p
 VspStatus vspsErasureConceal_G723_16s(Vsp16s delay, Vsp16s gain, Vsp32s count, Vsp16s* pPastExc, Vsp16s* pSeed,
                                       Vsp16s* pDst) {
     constexpr int kMuted = 3;
-    if (anyNull(pPastExc, pDst)) return vspStsNullPtrErr;
+    const bool muted = count == kMuted, unvoiced = delay == 0;
+    if (anyNull(pPastExc, pDst) || (unvoiced && count < kMuted && anyNull(pSeed))) return vspStsNullPtrErr;
     if (delay != 0 && (delay < 15 || delay > kHistory)) return vspStsRangeErr;
     if (count < 1 || count > kMuted) return vspStsRangeErr;
-    const bool muted = count == kMuted, unvoiced = delay == 0;
-    if (!muted && unvoiced && anyNull(pSeed)) return vspStsNullPtrErr;
     if (!muted && !unvoiced) {
         Vsp16s repeated[kHistory + kFrame];
         for (int i = 0; i < kHistory; i++) repeated[i] = pPastExc[i];

@@ -85,9 +85,8 @@ VspStatus vspsLSFQuant_G723_16s(const Vsp16s* pLSF, const Vsp16s* pPrevLSF, Vsp1
 
 // `Lsp_Inq`
 VspStatus vspsLSFDecode_G723_16s(const Vsp16s* pIndex, const Vsp16s* pPrevLSF, Vsp32s erased, Vsp16s* pLSF) {
-    if (anyNull(pPrevLSF, pLSF)) return vspStsNullPtrErr;
+    if (anyNull(pPrevLSF, pLSF) || (erased != 1 && anyNull(pIndex))) return vspStsNullPtrErr;
     if (erased != 0 && erased != 1) return vspStsRangeErr;
-    if (erased == 0 && anyNull(pIndex)) return vspStsNullPtrErr;
     const Vsp16s prediction = erased != 0 ? 23552 : 12288, distance = erased != 0 ? 0x200 : 0x100;
     Vsp16s lsf[kOrder];
     for (int b = 0; b < kBands; b++) {

@@ -47,7 +47,7 @@ VspStatus vspsErasureClassify_G723_16s(const Vsp16s* pExc, Vsp16s lag, Vsp16s* p
  * @param[in,out] pPastExc  145 samples, the oldest first
  * @param[in,out] pSeed     of the noise; reset to 0; not used for periods and silence, and may then be null
  * @param[out]    pDst      240 samples
- * @retval vspStsNullPtrErr  pPastExc or pDst is null; after the checks below, pSeed is null where it is used
+ * @retval vspStsNullPtrErr  pPastExc or pDst is null, or pSeed with delay 0 and count below 3
  * @retval vspStsRangeErr    delay or count outside its range
  */
 VspStatus vspsErasureConceal_G723_16s(Vsp16s delay, Vsp16s gain, Vsp32s count, Vsp16s* pPastExc, Vsp16s* pSeed,

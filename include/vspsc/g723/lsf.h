@@ -43,7 +43,7 @@ VspStatus vspsLSFQuant_G723_16s(const Vsp16s* pLSF, const Vsp16s* pPrevLSF, Vsp1
  * @param[in]  pPrevLSF  10 decoded frequencies of the frame before
  * @param[in]  erased    1 for an erased frame, else 0
  * @param[out] pLSF      10 frequencies; may be pPrevLSF
- * @retval vspStsNullPtrErr   pPrevLSF or pLSF is null; after the check below, pIndex is null where it is used
+ * @retval vspStsNullPtrErr   pPrevLSF or pLSF is null, or pIndex unless erased is 1
  * @retval vspStsRangeErr     erased is not 0 or 1
  * @retval vspStsUnstableLSF  warning: not ordered after ten passes; those of the frame before were taken
  */

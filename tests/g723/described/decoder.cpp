@@ -33,7 +33,7 @@ static const Described functions(
                                                         for (Vsp64s d = 15; d <= 145; d++) delays.push_back(d);
                                                         return delays;
                                                     }()),
-                               value(), range(1, 3), io(145), io(1).when(usesSeed), out(240)),
+                               value(), range(1, 3), io(145), io(1).when(usesSeed).anyway(), out(240)),
                 VSPSC_FUNCTION(vspsPitchPostFilterSearch_G723_16s, in(385), lag, subframe, rate, out(1), out(1), out(1)),
                 VSPSC_FUNCTION(vspsPitchPostFilter_G723_16s, in(385),
                                limited(vspStsRangeErr,

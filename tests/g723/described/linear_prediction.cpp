@@ -10,7 +10,7 @@ static const Described functions("g723", {
                                              VSPSC_FUNCTION(vspsSineDetect_G723_16s, in(4), io(1)),
                                              VSPSC_FUNCTION(vspsLPCToLSF_G723_16s, in(10), in(10), out(10).mayBe(1)),
                                              VSPSC_FUNCTION(vspsLSFQuant_G723_16s, in(10), in(10), out(3)),
-                                             VSPSC_FUNCTION(vspsLSFDecode_G723_16s, in(3).unless(2, {1}), in(10),
+                                             VSPSC_FUNCTION(vspsLSFDecode_G723_16s, in(3).unless(2, {1}).anyway(), in(10),
                                                             oneOf({0, 1}), out(10).mayBe(1)),
                                              VSPSC_FUNCTION(vspsLSFInterpolate_G723_16s, in(10), in(10), out(40)),
                                              VSPSC_FUNCTION(vspsLSFToLPC_G723_16s, in(10), out(10)),
