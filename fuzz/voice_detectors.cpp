@@ -36,9 +36,9 @@ class Run {
         Vsp32s bytes = 0;
         if (kind_ < 4)
             vspvToneDetectorGetSize(rate_, arithmetic_, &bytes);
-        else if (kind_ < 6)
-            vspvSpeechDetectorGetSize(kind_ - 3, &bytes);
         else if (kind_ < 7)
+            vspvSpeechDetectorGetSize(kind_ - 3, &bytes);
+        else if (kind_ < 8)
             vspvLevelControlGetSize(&bytes);
         else
             vspvPitchTrackerGetSize(&bytes);
@@ -46,12 +46,12 @@ class Run {
         const VspvLevelSettings settings{20, 1, 20, 1};
         if (kind_ < 4)
             vspvToneDetectorInit(object<VspvToneDetector>(), rate_, arithmetic_);
-        else if (kind_ < 6)
-            vspvSpeechDetectorInit(object<VspvSpeechDetector>(), kind_ - 3);
         else if (kind_ < 7)
+            vspvSpeechDetectorInit(object<VspvSpeechDetector>(), kind_ - 3);
+        else if (kind_ < 8)
             vspvLevelControlInit(object<VspvLevelControl>(), &settings);
         else
-            vspvPitchTrackerInit(object<VspvPitchTracker>(), kind_ - 7);
+            vspvPitchTrackerInit(object<VspvPitchTracker>(), kind_ - 8);
     }
 
     void hear(const Vsp16s* samples, Vsp32s count) {
@@ -61,12 +61,12 @@ class Run {
                 vspvToneDetectorProcess(object<VspvToneDetector>(), samples, count, &used, &event);
                 if (event.type != vspvToneNothing) append(results, event);
             }
-        } else if (kind_ < 6) {
+        } else if (kind_ < 7) {
             std::vector<VspvSpeechDecision> decisions((std::size_t(count) + vspvSpeechFrame - 1) / vspvSpeechFrame);
             Vsp32s made = 0;
             vspvSpeechDetectorProcess(object<VspvSpeechDetector>(), samples, count, decisions.data(), &made);
             for (Vsp32s i = 0; i < made; i++) append(results, decisions[std::size_t(i)]);
-        } else if (kind_ < 7) {
+        } else if (kind_ < 8) {
             Samples controlled(static_cast<std::size_t>(count));
             vspvLevelControlProcess(object<VspvLevelControl>(), samples, controlled.data(), count);
             for (const Vsp16s x : controlled) append(results, x);
@@ -95,7 +95,7 @@ class Run {
 
 extern "C" int LLVMFuzzerTestOneInput(const Vsp8u* data, std::size_t size) {
     Input in(data, size);
-    const int kind = in.take() % 10;
+    const int kind = in.take() % 11;
     Samples samples;
     std::vector<Vsp32s> blocks;
     for (Vsp32u noise = 1; !in.empty() && samples.size() < 20000;) {

@@ -96,6 +96,7 @@ def test_report_table_and_labels_agree(vsps, option):
     channel = entry["channels"][0]
     seconds = len(samples) / 8000
     assert report["option"] == option
+    assert entry["detector"] == f"GSM-AMR option {option}"
     assert entry["input"] == {"file": "in.wav", "rate_hz": 8000, "channels": 1, "duration_s": round(seconds, 3)}
     assert (entry["csv"], entry["labels"], entry["plot"]) == ("out.csv", "out.txt", None)
 
@@ -156,12 +157,38 @@ def test_channels_and_rates(vsps):
     assert labels.count("speech 1") == len(both[0]["segments"]) and labels.count("speech 2") == len(both[1]["segments"])
 
     vsps.put("fast.wav", wav16([x for x in channels[0] for _ in (0, 1)], rate=16000))
-    result = vsps.ok("vad", "fast.wav")
+    result = vsps.ok("vad", "fast.wav", "--option", 1)
     assert result.stderr == "vsps: fast.wav: resampled from 16000 Hz to 8000 Hz\n"
-    assert vsps.json("vad", "fast.wav")["files"][0]["channels"][0]["frames"] == 150
+    assert vsps.json("vad", "fast.wav", "--option", 1)["files"][0]["channels"][0]["frames"] == 150
     vsps.put("in.raw", pcm(channels[0]))
     raw = vsps.json("vad", "in.raw", "--raw", 8000)["files"][0]["channels"]
     assert raw == [both[0]]
+
+
+def test_16_khz_is_heard_as_an_amr_wb_encoder_hears_it(vsps):
+    slow = recorded_phrases()
+    samples = [x for a, b in zip(slow, slow[1:]) for x in (a, (a + b) // 2)]
+    vsps.put("in.wav", wav16(samples, rate=16000))
+    result = vsps.ok("vad", "in.wav", "--csv", "out.csv", "--plot", "plot.svg")
+    assert result.stderr == "" and result.stdout.startswith(f"in.wav: {len(samples) / 16000:.2f} s, 16000 Hz, 1 channel, AMR-WB\n")
+    plot = vsps.path("plot.svg").read_text()
+    assert ">waveform<" in plot and "AMR-WB" in plot and "signal to noise" not in plot
+    rows = table(vsps, "out.csv")
+    assert list(rows[0]) == ["channel", "time_s", "speech", "level_dbov"]
+    vsps.ok("encode", "in.wav", "out.awb", "--rate", 12650)
+    coded = vsps.path("out.awb").read_bytes()[9:]
+    assert len(coded) == 33 * len(rows) == 33 * math.ceil(len(samples) / 320)
+    assert [row["speech"] for row in rows] == [first >> 7 for first in coded[1::33]]  # the decision is a frame's first bit
+
+    entry = vsps.json("vad", "in.wav")["files"][0]
+    assert entry["detector"] == "AMR-WB" and entry["channels"][0]["frames"] == len(rows)
+    segments = entry["channels"][0]["segments"]
+    assert sum(s["end_s"] - s["start_s"] for s in segments) == pytest.approx(0.02 * sum(row["speech"] for row in rows))
+    assert sum(row["speech"] for row in rows if 2.2 <= row["time_s"] < 4.1) > 0.95 * 95
+    assert sum(row["speech"] for row in rows if 5 <= row["time_s"] < 6) < 3
+    vsps.put("fast.wav", wav16([x for x in samples for _ in range(3)], rate=48000))
+    result = vsps.ok("vad", "fast.wav")
+    assert result.stderr == "vsps: fast.wav: resampled from 48000 Hz to 16000 Hz\n" and "AMR-WB" in result.stdout
 
 
 def test_several_files_on_several_threads_give_what_each_gives_alone(vsps):

@@ -1,4 +1,4 @@
-// The speech detector of the voice layer against encoders of the standard with discontinuous transmission.
+// The speech detector of the voice layer against encoders of the standards.
 #include <algorithm>
 #include <cmath>
 
@@ -6,22 +6,25 @@
 #include "support/speech.h"
 #include "support/status_order.h"
 #include "support/vector_case.h"
+#include "voice/coder.h"
 #include "voice/object.h"
 
 namespace vsp::test {
 
 namespace {
 
-using Samples = std::vector<Vsp16s>;
 using Detector = VoiceObject<VspvSpeechDetector>;
 using Decisions = std::vector<VspvSpeechDecision>;
 
-constexpr std::size_t kFrame = vspvSpeechFrame;
+constexpr Vsp32s kOptions[] = {1, 2, vspvSpeechWide};
+
+constexpr std::size_t frameOf(Vsp32s option) { return option == vspvSpeechWide ? vspvSpeechFrameWide : vspvSpeechFrame; }
 
 // On an object that moves after every call.
 Decisions decide(Vsp32s option, std::span<const Vsp16s> samples, std::size_t longestBlock) {
     Detector one(0, vspvSpeechDetectorGetSize, option), two(1, vspvSpeechDetectorGetSize, option);
     EXPECT_EQ(vspStsNoErr, vspvSpeechDetectorInit(one.get(), option));
+    const std::size_t kFrame = frameOf(option);
     Detector *current = &one, *next = &two;
     Decisions all;
     inBlocks(samples, longestBlock, 1, [&](std::span<const Vsp16s> block) {
@@ -64,11 +67,26 @@ std::vector<bool> sentAsSpeech(const Decisions& decisions) {
 }
 
 // Of frames in RFC 4867 storage form.
-std::vector<bool> speechFrames(const std::vector<Vsp8u>& stream) {
+std::vector<bool> speechFrames(const Octets& stream) {
     constexpr int kOctets[16] = {12, 13, 15, 17, 19, 20, 26, 31, 5};
     std::vector<bool> speech;
     for (std::size_t i = 0; i < stream.size(); i += std::size_t(1 + kOctets[stream[i] >> 3 & 15]))
         speech.push_back((stream[i] >> 3 & 15) < 8);
+    return speech;
+}
+
+// What AMR-WB's detector decided: it is the first bit of a frame of speech. In the same form, behind its first octets.
+std::vector<bool> detectedFrames(const Octets& stream, std::size_t begin) {
+    constexpr int kOctets[16] = {17, 23, 32, 36, 40, 46, 50, 58, 60, 5};
+    std::vector<bool> speech;
+    for (std::size_t i = begin; i < stream.size(); i += std::size_t(1 + kOctets[stream[i] >> 3 & 15]))
+        speech.push_back((stream[i] >> 3 & 15) < 9 && (stream[i + 1] & 0x80) != 0);
+    return speech;
+}
+
+std::vector<bool> flags(const Decisions& decisions) {
+    std::vector<bool> speech;
+    for (const VspvSpeechDecision& d : decisions) speech.push_back(d.speech == 1);
     return speech;
 }
 
@@ -92,15 +110,52 @@ TEST(VoiceSpeechDetector, DecidesAsEncodersOfTheStandard) {
     EXPECT_GE(pauses, 500);
 }
 
+TEST(VoiceSpeechDetector, DecidesAsEncodersOfTheWideBandStandard) {
+    const auto signals = readItemCases("amrwb/codec-pcm.vec");
+    int pauses = 0, speech = 0, recordings = 0;
+    for (const auto& items : readItemCases("amrwb/codec.vec")) {
+        const auto modes = items.at(1).values<Vsp8u>();
+        if (std::count(modes.begin(), modes.end(), 0) != 0) continue;  // searches once a frame
+        const Vsp32s signal = items.at(0).values<Vsp32s>().at(0);
+        SCOPED_TRACE("signal " + std::to_string(signal) + ", mode " + std::to_string(modes.at(0)));
+        const auto expected = detectedFrames(items.at(3).values<Vsp8u>(), sizeof "#!AMR-WB");
+        const Samples samples = signals.at(std::size_t(signal)).at(0).values<Vsp16s>();
+        EXPECT_EQ(expected, flags(decide(vspvSpeechWide, samples, 1000)));
+        const auto count = std::count(expected.begin(), expected.end(), true);
+        speech += int(count);
+        pauses += int(std::ssize(expected) - count);
+        recordings++;
+    }
+    EXPECT_GE(recordings, 10);
+    EXPECT_GE(pauses, 150);
+    EXPECT_GE(speech, 500);
+}
+
+// A frame that resets an encoder resets the detector.
+TEST(VoiceSpeechDetector, ComesHomeAsAWideBandEncoder) {
+    Samples samples = recordedSpeech();
+    samples.resize(vspvSpeechFrameWide * 80);
+    for (const std::size_t frame : {std::size_t(30), std::size_t(31), std::size_t(55)})
+        std::fill_n(&samples[frame * vspvSpeechFrameWide], std::size_t(vspvSpeechFrameWide), Vsp16s(8));
+    Encoder encoder(codecNamed("amrwb"));
+    EXPECT_EQ(vspStsNoErr, vspvEncoderSetRate(encoder.get(), 8850));
+    std::vector<bool> expected;
+    for (std::size_t i = 0; i < samples.size(); i += vspvSpeechFrameWide)
+        expected.push_back((encoder(Samples(&samples[i], &samples[i] + vspvSpeechFrameWide)).at(0) & 0x80) != 0);
+    EXPECT_EQ(expected, flags(decide(vspvSpeechWide, samples, 1000)));
+}
+
 TEST(VoiceSpeechDetector, BlocksOfAnyLengthGiveTheSame) {
     const auto same = [](const VspvSpeechDecision& a, const VspvSpeechDecision& b) {
-        return a.speech == b.speech && a.reserved == b.reserved && a.power == b.power && a.snr == b.snr &&
-               a.reference == b.reference;
+        const auto equal = [](Vsp64f x, Vsp64f y) { return x == y || (std::isnan(x) && std::isnan(y)); };
+        return a.speech == b.speech && a.reserved == b.reserved && a.power == b.power && equal(a.snr, b.snr) &&
+               equal(a.reference, b.reference);
     };
     Samples speech = recordedSpeech();
     speech.resize(48077);
-    for (const Vsp32s option : {1, 2}) {
-        for (const std::size_t count : {std::size_t(0), std::size_t(1), std::size_t(160), speech.size()}) {
+    for (const Vsp32s option : kOptions) {
+        const std::size_t kFrame = frameOf(option);
+        for (const std::size_t count : {std::size_t(0), std::size_t(1), kFrame, speech.size()}) {
             const auto samples = std::span(speech).first(count);
             const Decisions whole = decide(option, samples, 100000);
             EXPECT_EQ((count + kFrame - 1) / kFrame, whole.size());
@@ -113,6 +168,7 @@ TEST(VoiceSpeechDetector, BlocksOfAnyLengthGiveTheSame) {
                 double energy = 0;
                 for (const Vsp16s x : frame) energy += double(x) * x;
                 EXPECT_EQ(energy / double(frame.size()), whole[i].power);
+                EXPECT_EQ(option == vspvSpeechWide, std::isnan(whole[i].snr) && std::isnan(whole[i].reference));
             }
         }
         for (const Vsp16s constant : {Vsp16s(0), Vsp16s(-32768)}) {
@@ -125,7 +181,7 @@ TEST(VoiceSpeechDetector, BlocksOfAnyLengthGiveTheSame) {
 
 TEST(VoiceSpeechDetector, ChecksComeInOrderAndTouchNothing) {
     const std::vector<VspStatus> order{vspStsNullPtrErr, vspStsBadArgErr};
-    const Choices<Vsp32s> options{2, {{0, vspStsBadArgErr}, {3, vspStsBadArgErr}, {kLowest, vspStsBadArgErr}}};
+    const Choices<Vsp32s> options{2, {{0, vspStsBadArgErr}, {4, vspStsBadArgErr}, {kLowest, vspStsBadArgErr}}};
     expectStatusOrder(vspvSpeechDetectorGetSize, order, options, pointer);
     expectStatusOrder(vspvSpeechDetectorInit, order, pointer, options);
     expectStatusOrder(vspvSpeechDetectorProcess, {vspStsNullPtrErr, vspStsSizeErr}, pointer, pointer, length, pointer,

@@ -1,4 +1,4 @@
-// The speech detector: the voice activity detectors of GSM-AMR behind the encoder's steps that feed them.
+// The speech detector: the voice activity detectors of GSM-AMR and AMR-WB behind the encoders' steps that feed them.
 #pragma GCC visibility push(default)  // of what the library exports
 #include "vspsvoice/speech_detector.h"
 #pragma GCC visibility pop
@@ -7,12 +7,15 @@
 
 #include <new>
 
+#include "codec/amrwb/analysis.h"
 #include "detect/open_loop.h"
 #include "vspsc/gsmamr.h"
 
 namespace vspv {
 
-static Vsp64f toDb(Vsp64f ratio) { return 10 * log10(ratio); }
+namespace {
+
+Vsp64f toDb(Vsp64f ratio) { return 10 * log10(ratio); }
 
 // A detector of the standard with what it thinks of the signal: the ratio in the frame and that with which it is compared.
 struct Option1 {
@@ -50,22 +53,70 @@ struct Option2 {
     }
 };
 
-static Vsp64f energyOf(const Vsp16s* samples) {
-    Vsp64s energy = 0;
-    for (Vsp32s i = 0; i < kFrame; i += 2)
-        energy += Vsp32u(samples[i] * samples[i]) + Vsp32u(samples[i + 1] * samples[i + 1]);
-    return Vsp64f(energy);
-}
-
-// In front of the state of the encoder's high-pass filter.
-class alignas(8) SpeechDetector {
+// Either of them, at 8000 Hz.
+class Narrow {
   public:
-    explicit SpeechDetector(Vsp32s option) : option_(option), openLoop_(option, this + 1) {
+    static constexpr Vsp32s kFrame = vspv::kFrame;
+    static_assert(kFrame == vspvSpeechFrame);
+
+    Narrow(Vsp32s option, void* highPass) : option_(option), openLoop_(option, highPass) {
         if (option == 1)
             new (&option1_) Option1();
         else
             new (&option2_) Option2();
     }
+
+    VspvSpeechDecision detect(const Vsp16s* frame, void* highPass) {
+        openLoop_.read(frame, highPass);
+        const VspvSpeechDecision decision = option_ == 1 ? option1_.detect(openLoop_) : option2_.detect(openLoop_);
+        openLoop_.search(option_ == 1 ? &option1_.state.pitchFlags : nullptr);
+        return decision;
+    }
+
+  private:
+    Vsp32s option_;
+    OpenLoop openLoop_;
+    union {
+        Option1 option1_;
+        Option2 option2_;
+    };
+};
+
+// That of AMR-WB, at 16000 Hz. The library keeps its levels and estimates to itself.
+class Wide {
+  public:
+    static constexpr Vsp32s kFrame = amrwb::kFrame;
+    static_assert(kFrame == vspvSpeechFrameWide);
+
+    Wide(Vsp32s, void*) { analysis_.reset(); }
+
+    VspvSpeechDecision detect(const Vsp16s* frame, void*) {
+        Vsp16s samples[kFrame];
+        amrwb::Analysis::Result result;
+        const bool homing = amrwb::Analysis::clearLowBits(frame, samples);
+        analysis_.take(samples, result);
+        const bool speech = analysis_.isSpeech(result);
+        analysis_.predict(result);
+        analysis_.search(false, result);
+        analysis_.finish();
+        if (homing) analysis_.reset();
+        return {speech, 0, 0, NAN, NAN};
+    }
+
+  private:
+    amrwb::Analysis analysis_;
+};
+
+// What all objects begin with.
+struct alignas(8) SpeechDetector {
+    Vsp32s kind;  // its option
+};
+
+// Cuts the signal into the frames of a detector. In front of the state of an encoder's high-pass filter.
+template <class Detector>
+class FrameByFrame : public SpeechDetector {
+  public:
+    explicit FrameByFrame(Vsp32s option) : SpeechDetector{option}, detector_(option, this + 1) {}
 
     Vsp32s process(const Vsp16s* src, Vsp32s len, VspvSpeechDecision* decisions) {
         Vsp32s count = 0;
@@ -87,25 +138,36 @@ class alignas(8) SpeechDetector {
     }
 
   private:
+    static constexpr Vsp32s kFrame = Detector::kFrame;
+
     VspvSpeechDecision detect() {
-        openLoop_.read(frame_, this + 1);
-        VspvSpeechDecision decision = option_ == 1 ? option1_.detect(openLoop_) : option2_.detect(openLoop_);
-        openLoop_.search(option_ == 1 ? &option1_.state.pitchFlags : nullptr);
-        decision.power = energyOf(frame_) / filled_;
+        VspvSpeechDecision decision = detector_.detect(frame_, this + 1);
+        decision.power = energy() / filled_;
         filled_ = 0;
         return decision;
     }
 
-    Vsp32s option_, filled_ = 0;  // samples of the frame
+    Vsp64f energy() const {
+        Vsp64s sum = 0;
+        for (Vsp32s i = 0; i < kFrame; i += 2) sum += Vsp32u(frame_[i] * frame_[i]) + Vsp32u(frame_[i + 1] * frame_[i + 1]);
+        return Vsp64f(sum);
+    }
+
+    Vsp32s filled_ = 0;  // samples of the frame
     Vsp16s frame_[kFrame];
-    OpenLoop openLoop_;
-    union {
-        Option1 option1_;
-        Option2 option2_;
-    };
+    Detector detector_;
 };
 
-static SpeechDetector& own(VspvSpeechDetector* detector) { return *reinterpret_cast<SpeechDetector*>(detector); }
+using NarrowDetector = FrameByFrame<Narrow>;
+using WideDetector = FrameByFrame<Wide>;
+
+bool isOption(Vsp32s option) { return option == 1 || option == 2 || option == vspvSpeechWide; }
+
+bool isWide(VspvSpeechDetector* detector) { return reinterpret_cast<SpeechDetector*>(detector)->kind == vspvSpeechWide; }
+NarrowDetector& narrow(VspvSpeechDetector* detector) { return *reinterpret_cast<NarrowDetector*>(detector); }
+WideDetector& wide(VspvSpeechDetector* detector) { return *reinterpret_cast<WideDetector*>(detector); }
+
+}  // namespace
 
 }  // namespace vspv
 
@@ -113,15 +175,19 @@ using namespace vspv;
 
 VspStatus vspvSpeechDetectorGetSize(Vsp32s option, Vsp32s* pSize) {
     if (pSize == nullptr) return vspStsNullPtrErr;
-    if (option != 1 && option != 2) return vspStsBadArgErr;
-    *pSize = (Vsp32s(sizeof(SpeechDetector)) + OpenLoop::stateBytes() + 7) & ~7;
+    if (!isOption(option)) return vspStsBadArgErr;
+    *pSize = option == vspvSpeechWide ? Vsp32s(sizeof(WideDetector))
+                                      : (Vsp32s(sizeof(NarrowDetector)) + OpenLoop::stateBytes() + 7) & ~7;
     return vspStsNoErr;
 }
 
 VspStatus vspvSpeechDetectorInit(VspvSpeechDetector* pDetector, Vsp32s option) {
     if (pDetector == nullptr) return vspStsNullPtrErr;
-    if (option != 1 && option != 2) return vspStsBadArgErr;
-    new (pDetector) SpeechDetector(option);
+    if (!isOption(option)) return vspStsBadArgErr;
+    if (option == vspvSpeechWide)
+        new (pDetector) WideDetector(option);
+    else
+        new (pDetector) NarrowDetector(option);
     return vspStsNoErr;
 }
 
@@ -129,12 +195,13 @@ VspStatus vspvSpeechDetectorProcess(VspvSpeechDetector* pDetector, const Vsp16s*
                                     VspvSpeechDecision* pDecisions, Vsp32s* pCount) {
     if (pDetector == nullptr || pSrc == nullptr || pDecisions == nullptr || pCount == nullptr) return vspStsNullPtrErr;
     if (len < 1) return vspStsSizeErr;
-    *pCount = own(pDetector).process(pSrc, len, pDecisions);
+    *pCount = isWide(pDetector) ? wide(pDetector).process(pSrc, len, pDecisions)
+                                : narrow(pDetector).process(pSrc, len, pDecisions);
     return vspStsNoErr;
 }
 
 VspStatus vspvSpeechDetectorFinish(VspvSpeechDetector* pDetector, VspvSpeechDecision* pDecision, Vsp32s* pCount) {
     if (pDetector == nullptr || pDecision == nullptr || pCount == nullptr) return vspStsNullPtrErr;
-    *pCount = own(pDetector).finish(pDecision);
+    *pCount = isWide(pDetector) ? wide(pDetector).finish(pDecision) : narrow(pDetector).finish(pDecision);
     return vspStsNoErr;
 }

@@ -13,11 +13,11 @@ void WaveformOutline::add(std::span<const std::int16_t> samples) {
     for (const std::int16_t x : samples) extremes_.add({x, x});
 }
 
-std::string WaveformOutline::data() const {
+std::string WaveformOutline::data(int rate) const {
     std::ostringstream data;
     for (std::size_t i = 0; i < extremes_.points().size(); i++) {
         const Extremes& e = extremes_.points()[i];
-        data << double(i * extremes_.unitsPerPoint()) / kRate << ' ' << e.low / 32768.0 << ' ' << e.high / 32768.0 << '\n';
+        data << double(i * extremes_.unitsPerPoint()) / rate << ' ' << e.low / 32768.0 << ' ' << e.high / 32768.0 << '\n';
     }
     return data.str();
 }

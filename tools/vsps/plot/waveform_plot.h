@@ -7,13 +7,13 @@
 #include "audio/audio.h"
 #include "audio/bounded_trace.h"
 
-// Of a channel at 8000 Hz that comes block by block.
+// Of a channel that comes block by block.
 class WaveformOutline {
   public:
     void add(std::span<const std::int16_t> samples);
 
-    // Time, smallest and largest sample for stretches of samples, relative to full scale.
-    std::string data() const;
+    // Time, smallest and largest sample for stretches of samples, relative to full scale; the rate in Hz.
+    std::string data(int rate = kRate) const;
     // Half the height of the axis: the peak and some room, in tenths.
     double height() const;
 

@@ -17,11 +17,13 @@ namespace {
 struct Options {
     std::vector<std::string> files;
     InputSettings input;
-    int option = 1;
+    int option = 0;  // 0: by the recording's rate
     std::size_t jobs = 1;
     VadOutputs outputs;  // patterns
     bool json = false;
 };
+
+constexpr int kNarrow = 1;  // the option for recordings below kWideActivityRate
 
 // Where the results of each input go. No output may be an input or another output.
 std::vector<VadOutputs> placeOutputs(const Options& o) {
@@ -79,11 +81,13 @@ std::pair<VadReport, std::vector<std::string>> process(const Options& o, const s
                                                        const VadOutputs& outputs) try {
     AudioReader in = openInput(file, o.input);
     const std::size_t channels = in.channels();
-    VadTables tables(outputs, o.option, channels);
-    Results results{{file, outputs, in.fileRate(), 0, o.option, std::vector<ActivitySummary>(channels)},
+    const int option = o.option != 0 ? o.option : in.fileRate() < kWideActivityRate ? kNarrow : vspvSpeechWide;
+    if (option == vspvSpeechWide) in.convertTo(kWideActivityRate);
+    VadTables tables(outputs, option, channels);
+    Results results{{file, outputs, in.fileRate(), 0, option, std::vector<ActivitySummary>(channels)},
                     std::move(tables),
                     std::vector<ActivityCurves>(outputs.plot.empty() ? 0 : std::min(channels, kPlottedChannels))};
-    hear(in, o.option, results);
+    hear(in, option, results);
     std::vector<std::string> notes = in.notes();
     if (channels > 1) notes.push_back(in.name() + ": " + std::to_string(channels) + " channels, each heard by itself");
 
@@ -116,7 +120,7 @@ void runVad(const Options& o) {
             out << toText(report) << std::flush;
     };
     const bool good = processFiles(o.files.size(), o.jobs, "detecting speech", work, show);
-    if (o.json) out << Json{{"option", o.option}, {"files", files}}.text();
+    if (o.json) out << Json{{"option", o.option != 0 ? o.option : kNarrow}, {"files", files}}.text();
     if (!good) throw ErrorsReported();
 }
 
@@ -131,13 +135,15 @@ void checkPatterns(const Options& o) {
 }  // namespace
 
 void addVad(CommandLine& vsps) {
-    Command command = vsps.add("vad", "Finds the speech in recordings as a GSM-AMR encoder does.");
+    Command command = vsps.add("vad", "Finds the speech in recordings as a GSM-AMR or AMR-WB encoder does.");
     const auto o = std::make_shared<Options>();
     addInput(command, o->files, o->input);
-    command.option("--option", o->option, "Which detector of the standard: 1 (nine bands) or 2 (sixteen channels)")
+    command
+        .option("--option", o->option,
+                "Hear at 8000 Hz, with this detector of GSM-AMR: 1 (nine bands) or 2 (sixteen channels); without it "
+                "AMR-WB's detector hears recordings at 16000 Hz or more, GSM-AMR's option 1 the others")
         .takes("1|2")
-        .oneOf({"1", "2"})
-        .showDefault();
+        .oneOf({"1", "2"});
     command.option("--csv", o->outputs.csv, "Write a table with a line for every 20 ms").takes("FILE");
     command.option("--labels", o->outputs.labels, "Write the segments as a label track for Audacity").takes("FILE");
     command.option("--plot", o->outputs.plot, "Draw the waveform with the speech shaded; needs gnuplot")
@@ -148,12 +154,14 @@ void addVad(CommandLine& vsps) {
         "With several inputs, {} in the name of an output stands for the input's name without folder and extension. An\n"
         "input that cannot be used is reported, the others are still processed, and the exit code is 1. An output can be\n"
         "- for standard output; the report goes to standard error then.\n\n"
-        "The detectors of 3GPP TS 26.094 decide for every frame of 20 ms, and extend speech by some frames of hangover.\n"
-        "The decisions are those of the standard's encoder at 5.9 to 7.95 kbit/s.\n\n"
+        "The detectors of 3GPP TS 26.094 and 26.194 decide for every frame of 20 ms, and extend speech by some frames of\n"
+        "hangover. The decisions are those of the standards' encoders, of GSM-AMR at 5.9 to 7.95 kbit/s, of AMR-WB at\n"
+        "8.85 to 23.85 kbit/s.\n\n"
         "Columns of the table: channel, by turns; time_s, the start of the frame; speech, 1 or 0; level_dbov, -inf for\n"
         "silence; snr_db, the mean ratio of the energies in the detector's bands to its noise estimates; threshold_db, "
         "above\n"
-        "which option 1 takes the frame for speech, or long_term_snr_db, by which option 2 chooses its threshold.\n\n"
+        "which option 1 takes the frame for speech, or long_term_snr_db, by which option 2 chooses its threshold. The\n"
+        "detector of AMR-WB tells no ratios: table and plot do without.\n\n"
         "Examples:\n"
         "  vsps vad call.wav\n"
         "  vsps vad --option 2 --plot speech.png --labels speech.txt call.flac\n"

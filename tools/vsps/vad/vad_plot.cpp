@@ -58,23 +58,28 @@ std::string ratioPanel(const std::string& number, int option) {
 }  // namespace
 
 std::string drawActivity(const Gnuplot& gnuplot, const VadReport& report, const std::vector<ActivityCurves>& channels) {
-    const std::size_t count = channels.size();
+    const bool wide = report.option == vspvSpeechWide;
+    const std::size_t count = channels.size(), panels = wide ? 1 : 2;
     std::ostringstream commands;
     commands << kPlotStyle << "set lmargin 11\nset xrange [0:" << report.seconds << "]\n";
     for (std::size_t i = 0; i < count; i++) {
         const std::string number = std::to_string(i);
-        commands << dataBlock("waveform" + number, channels[i].waveform().data())
+        commands << dataBlock("waveform" + number, channels[i].waveform().data(wide ? kWideActivityRate : kRate))
                  << dataBlock("speech" + number, speechData(report.channels[i].segments()))
                  << dataBlock("ratios" + number, ratioData(channels[i].ratios()));
     }
-    commands << "set multiplot layout " << 2 * count << ",1 title "
-             << quoted("Speech in " + inputName(report.inFile) + ", GSM-AMR option " + std::to_string(report.option))
-             << " noenhanced\n";
+    commands << "set multiplot layout " << panels * count << ",1 title "
+             << quoted("Speech in " + inputName(report.inFile) + ", " + detectorName(report.option)) << " noenhanced\n";
     for (std::size_t i = 0; i < count; i++) {
         if (report.channels.size() > 1) commands << "set title 'channel " << i + 1 << "' left offset 2,0\n";
-        commands << "unset xlabel\n" << waveformPanel(std::to_string(i), channels[i].waveform().height());
-        commands << "unset title\nset xlabel 'time, s'\n" << ratioPanel(std::to_string(i), report.option);
+        const std::string number = std::to_string(i), waveform = waveformPanel(number, channels[i].waveform().height());
+        if (wide)
+            commands << "set xlabel 'time, s'\n" << waveform;
+        else
+            commands << "unset xlabel\n"
+                     << waveform << "unset title\nset xlabel 'time, s'\n"
+                     << ratioPanel(number, report.option);
     }
     commands << "unset multiplot\n";
-    return gnuplot.draw(commands.str(), 1400, 60 + 640 * static_cast<int>(count));
+    return gnuplot.draw(commands.str(), 1400, 60 + 320 * static_cast<int>(panels * count));
 }

@@ -27,6 +27,6 @@ class ActivityCurves {
     BoundedTrace<Ratio> ratios_{6000};
 };
 
-// For every channel the waveform with the speech shaded, and below it the detector's signal-to-noise ratio. Returns the
-// bytes of the picture.
+// For every channel the waveform with the speech shaded, and below it the detector's signal-to-noise ratio if it tells
+// one. Returns the bytes of the picture.
 std::string drawActivity(const Gnuplot& gnuplot, const VadReport& report, const std::vector<ActivityCurves>& channels);

@@ -57,8 +57,9 @@ double ActivitySummary::speechSeconds() const {
 double ActivitySummary::Mean::level() const { return frames == 0 ? NAN : toDbov(power / double(frames)); }
 
 std::string toText(const VadReport& r) {
-    std::string text = inputName(r.inFile) + format(": %.2f s, %d Hz, %zu channel%s, option %d\n", r.seconds, r.inRate,
-                                                    r.channels.size(), r.channels.size() == 1 ? "" : "s", r.option);
+    std::string text =
+        inputName(r.inFile) + format(": %.2f s, %d Hz, %zu channel%s, %s\n", r.seconds, r.inRate, r.channels.size(),
+                                     r.channels.size() == 1 ? "" : "s", detectorName(r.option).c_str());
     for (std::size_t i = 0; i < r.channels.size(); i++) {
         if (r.channels.size() > 1) text += format(" channel %zu\n", i + 1);
         text += channelText(r.channels[i], r.seconds);
@@ -75,6 +76,7 @@ Json toJson(const VadReport& r) {
     return {
         {"input",
          {{"file", r.inFile}, {"rate_hz", r.inRate}, {"channels", r.channels.size()}, {"duration_s", number(r.seconds)}}},
+        {"detector", detectorName(r.option)},
         {"csv", nameOrNull(r.outputs.csv)},
         {"labels", nameOrNull(r.outputs.labels)},
         {"plot", nameOrNull(r.outputs.plot)},

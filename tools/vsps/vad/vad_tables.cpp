@@ -3,10 +3,12 @@
 #include "audio/active_level.h"
 #include "console/report_format.h"
 
-VadTables::VadTables(const VadOutputs& outputs, int option, std::size_t channels) : segments_(channels) {
+VadTables::VadTables(const VadOutputs& outputs, int option, std::size_t channels)
+    : ratios_(option != vspvSpeechWide), segments_(channels) {
+    const std::string ratios = option == 1 ? ",snr_db,threshold_db" : ",snr_db,long_term_snr_db";
     if (!outputs.csv.empty())
-        csv_ = std::make_unique<OutputFile>(outputs.csv, std::string("channel,time_s,speech,level_dbov,snr_db,") +
-                                                             (option == 1 ? "threshold_db\n" : "long_term_snr_db\n"));
+        csv_ =
+            std::make_unique<OutputFile>(outputs.csv, "channel,time_s,speech,level_dbov" + (ratios_ ? ratios : "") + '\n');
     if (!outputs.labels.empty()) labels_ = std::make_unique<OutputFile>(outputs.labels);
 }
 
@@ -16,8 +18,8 @@ void VadTables::addFrames(const std::vector<std::vector<VspvSpeechDecision>>& fr
     for (std::size_t i = 0; i < frames[0].size(); i++, frames_++)
         for (std::size_t c = 0; c < frames.size(); c++) {
             const VspvSpeechDecision& f = frames[c][i];
-            lines += format("%zu,%.2f,%d,%.1f,%.2f,%.2f\n", c + 1, kActivityFrameSeconds * double(frames_), f.speech,
-                            toDbov(f.power), f.snr, f.reference);
+            lines += format("%zu,%.2f,%d,%.1f", c + 1, kActivityFrameSeconds * double(frames_), f.speech, toDbov(f.power));
+            lines += ratios_ ? format(",%.2f,%.2f\n", f.snr, f.reference) : "\n";
         }
     csv_->write(lines);
 }

@@ -17,6 +17,7 @@ class VadTables {
     void commit();
 
   private:
+    bool ratios_;  // the detector tells them
     std::unique_ptr<OutputFile> csv_, labels_;
     std::size_t frames_ = 0;             // in the table, of each channel
     std::vector<std::size_t> segments_;  // in the label track, by channel

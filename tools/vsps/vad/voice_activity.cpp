@@ -1,5 +1,9 @@
 #include "vad/voice_activity.h"
 
+std::string detectorName(int option) {
+    return option == vspvSpeechWide ? "AMR-WB" : "GSM-AMR option " + std::to_string(option);
+}
+
 VoiceActivity::VoiceActivity(int option) : detector_(vspvSpeechDetectorGetSize, option) {
     checkVoice(vspvSpeechDetectorInit(detector_.get(), option));
 }

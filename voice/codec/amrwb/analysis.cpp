@@ -8,6 +8,15 @@ const Vsp16s kIspReset[16] = {32138, 30274,  27246,  23170,  18205,  12540,  639
                               -6393, -12540, -18205, -23170, -27246, -30274, -32138, 1475};
 static constexpr Vsp16s kWeight = 30147;  // Q15: 0.92
 
+bool Analysis::clearLowBits(const Vsp16s* frame, Vsp16s* samples) {
+    bool homing = true;
+    for (Vsp32s i = 0; i < kFrame; i++) {
+        homing = homing && frame[i] == 8;
+        samples[i] = Vsp16s(frame[i] & ~3);
+    }
+    return homing;
+}
+
 void Analysis::reset() {
     *this = {};
     exponent_ = 15;

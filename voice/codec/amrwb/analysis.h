@@ -18,6 +18,10 @@ class Analysis {
         Vsp16s lags[2];  // open loop
     };
 
+    // Clears the two lowest bits of a frame, which the encoder does not hear; tells whether it is the one that resets an
+    // encoder (3GPP TS 26.173).
+    static bool clearLowBits(const Vsp16s* frame, Vsp16s* samples);
+
     void reset();
 
     // In this order, each once a frame; the two lowest bits of the samples are 0.

@@ -34,12 +34,8 @@ void Encoder::setDTX(bool on) { dtx_ = on; }
 
 void Encoder::encode(Vsp32s mode, const Vsp16s* samples, Vsp8u* bytes, VspvFrame& told) {
     const Vsp32s code = kRateCodes[mode];
-    bool homing = true;
     Vsp16s cleared[kFrame];
-    for (Vsp32s i = 0; i < kFrame; i++) {
-        homing = homing && samples[i] == 8;
-        cleared[i] = Vsp16s(samples[i] & ~3);
-    }
+    const bool homing = Analysis::clearLowBits(samples, cleared);
     Frame frame;
     frame.code = code;
     frame.samples = cleared;
