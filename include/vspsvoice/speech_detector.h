@@ -5,10 +5,10 @@
  *
  * Every frame of 20 ms gets a decision, bit for bit that of the standard's encoder, at 8000 Hz at 5.9, 6.7, 7.4 and
  * 7.95 kbit/s, at 16000 Hz at 8.85 to 23.85 kbit/s: pre-processing, linear prediction, weighting and open-loop pitch search
- * of such an encoder feed the detector. Bursts of speech are extended by some frames. Option 1 takes noise for speech until
- * it has learned its level, which takes a second or two, and so does the detector at 16000 Hz; option 2 takes what it hears
- * first for noise. As in the encoder of AMR-WB, a frame of nothing but 8 resets the detector at 16000 Hz. One object hears
- * one signal.
+ * of such an encoder feed the detector. Bursts of speech are extended by some frames. Option 1 and
+ * the detector at 16000 Hz take noise for speech until they have learned its level, which takes option 1 a second or two;
+ * option 2 takes what it hears first for noise. As in the encoder of AMR-WB, a frame of nothing but 8 resets the detector
+ * at 16000 Hz. One object hears one signal.
  */
 #ifndef VSPSVOICE_SPEECH_DETECTOR_H
 #define VSPSVOICE_SPEECH_DETECTOR_H
