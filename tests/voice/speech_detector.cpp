@@ -131,12 +131,18 @@ TEST(VoiceSpeechDetector, DecidesAsEncodersOfTheWideBandStandard) {
     EXPECT_GE(speech, 500);
 }
 
-// A frame that resets an encoder resets the detector.
-TEST(VoiceSpeechDetector, ComesHomeAsAWideBandEncoder) {
+// A frame that resets an encoder resets the detector, and a tone that comes and goes is not learned as noise: this hears
+// the open-loop search.
+TEST(VoiceSpeechDetector, ComesHomeAndHearsTonesAsAWideBandEncoder) {
     Samples samples = recordedSpeech();
     samples.resize(vspvSpeechFrameWide * 80);
     for (const std::size_t frame : {std::size_t(30), std::size_t(31), std::size_t(55)})
         std::fill_n(&samples[frame * vspvSpeechFrameWide], std::size_t(vspvSpeechFrameWide), Vsp16s(8));
+    std::mt19937 random(1);
+    for (int i = 0; i < vspvSpeechFrameWide * 400; i++) {
+        const double loudness = 2000 * (1 + std::sin(i / 9000.0)), noise = double(random() % 1601) - 800;
+        samples.push_back(Vsp16s(loudness * std::sin(0.1 * i) + noise));
+    }
     Encoder encoder(codecNamed("amrwb"));
     EXPECT_EQ(vspStsNoErr, vspvEncoderSetRate(encoder.get(), 8850));
     std::vector<bool> expected;
