@@ -7,7 +7,7 @@
 #include <vector>
 
 #ifdef VSPSC_NOT_OPTIMISED
-static constexpr int kRuns = 2000;
+static constexpr int kRuns = 1000;
 #else
 static constexpr int kRuns = 5000;
 #endif
