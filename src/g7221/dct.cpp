@@ -103,11 +103,12 @@ struct Groups {
     V eight, last;
 };
 
-VSP_INLINE Groups<S16_128> groups(const Vsp16s* in, S16_128) { return {S16_128::load(in), splatPair<S16_128>(in + 8)}; }
-VSP_IF_256(VSP_INLINE Groups<S16_256> groups(const Vsp16s* in, S16_256) {
-    return {joined(S16_128::load(in), S16_128::load(in + kDctCore)),
-            joined(splatPair<S16_128>(in + 8), splatPair<S16_128>(in + kDctCore + 8))};
-})
+template <class V>
+VSP_INLINE Groups<V> groups(const Vsp16s* in) {
+    if constexpr (V::width == 8) return {S16_128::load(in), splatPair<S16_128>(in + 8)};
+    VSP_IF_256(else return {joined(S16_128::load(in), S16_128::load(in + kDctCore)),
+                            joined(splatPair<S16_128>(in + 8), splatPair<S16_128>(in + kDctCore + 8))};)
+}
 
 template <class V>
 VSP_INLINE V inEachLane(const Vsp16s* p) {
@@ -145,7 +146,7 @@ VSP_INLINE bool mayOverflow(const Groups<V>& x, Vsp32s safeEnergy) {
 
 template <class V>
 VSP_INLINE void multiplyGroups(const DctCore& core, const Vsp16s* in, Vsp16s* out) {
-    const Groups<V> x = groups(in, V{});
+    const Groups<V> x = groups<V>(in);
     if (mayOverflow(x, core.safeEnergy)) {
         for (int group = 0; group < V::width / 8; group++)
             for (int k = 0; k < kDctCore; k++)
