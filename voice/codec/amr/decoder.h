@@ -2,6 +2,7 @@
 #pragma once
 
 #include "codec/amr/frame.h"
+#include "codec/library_state.h"
 #include "samples.h"
 #include "vspsc/gsmamr.h"
 
@@ -59,7 +60,9 @@ class Decoder {
     SpeechMemory m_;
     Vsp16s lsp_[10], synthesisMemory_[10], energies_[9], lsfMean_[10], predictor_[8];
     Vsp32s mode_, noiseState_, home_;
-    alignas(8) Vsp8u noise_[408], postFilter_[48], output_[16];  // states of the library
+    LibraryState<408> noise_;
+    LibraryState<48> postFilter_;
+    LibraryState<16> output_;
 };
 
 }  // namespace vspv::amr

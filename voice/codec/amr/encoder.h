@@ -3,6 +3,7 @@
 
 #include "codec/amr/frame.h"
 #include "codec/codec.h"
+#include "codec/library_state.h"
 #include "samples.h"
 #include "vspsc/gsmamr.h"
 
@@ -69,7 +70,8 @@ class Encoder {
     Vsp16s sharpening_, previousLag_, resonances_, pitchGains_[7], predictor_[8], gainMemory_[30], descriptorMemory_[2];
     VspGSMAMRVad1State vad1_;
     VspGSMAMRVad2State vad2_;
-    alignas(8) Vsp8u input_[16], noise_[192];  // states of the library
+    LibraryState<16> input_;
+    LibraryState<192> noise_;
 };
 
 }  // namespace vspv::amr

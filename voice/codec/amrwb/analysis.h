@@ -3,6 +3,7 @@
 #pragma once
 
 #include "codec/amrwb/high_band.h"
+#include "codec/library_state.h"
 
 namespace vspv::amrwb {
 
@@ -44,7 +45,7 @@ class Analysis {
     Vsp16s downsampling_[30], preemphasis_, scales_[2], recursion_[16], isp_[16];
     Vsp16s decimation_[3], deemphasis_, largestWeighted_, openLoopPast_[kPast], openLoopTrack_[8];
     HighPass input_, weightedHighPass_;
-    alignas(8) Vsp8u detector_[176];  // state of the library
+    LibraryState<172> detector_;
 };
 
 extern const Vsp16s kIspReset[16];

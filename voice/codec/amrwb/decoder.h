@@ -3,6 +3,7 @@
 
 #include "codec/amrwb/analysis.h"
 #include "codec/amrwb/frame.h"
+#include "codec/library_state.h"
 #include "samples.h"
 
 namespace vspv::amrwb {
@@ -56,7 +57,8 @@ class Decoder {
     Vsp16s headroom_[4], gains_[22], dispersion_[8];
     Vsp16s upsampling_[24], noiseSynthesis_[20], noiseBand_[30], lowPass_[30];
     HighBand highBand_;
-    alignas(8) Vsp8u adaptive_[24], noise_[400];  // states of the library
+    LibraryState<24> adaptive_;
+    LibraryState<400> noise_;
 };
 
 }  // namespace vspv::amrwb

@@ -3,6 +3,7 @@
 
 #include "codec/amrwb/analysis.h"
 #include "codec/amrwb/frame.h"
+#include "codec/library_state.h"
 #include "samples.h"
 
 namespace vspv::amrwb {
@@ -66,7 +67,7 @@ class Encoder {
     Vsp16s synthesis_[16], weightedError_, clipping_[2], gains_[4], tilt_, lagMin_;
     Vsp16s noiseSynthesis_[16], noiseBand_[30], speechBand_[30], noiseShare_;
     HighBand highBand_;
-    alignas(8) Vsp8u noise_[432];  // state of the library
+    LibraryState<432> noise_;
 };
 
 }  // namespace vspv::amrwb

@@ -1,6 +1,7 @@
 // States of the library's high-pass filters, and scaling by powers of two.
 #pragma once
 
+#include "codec/library_state.h"
 #include "vspsc/amrwb.h"
 #include "vspsc/common.h"
 
@@ -20,7 +21,7 @@ class HighPass {
     void* state() { return state_; }
 
   private:
-    alignas(8) Vsp8u state_[40];
+    LibraryState<40> state_;
 };
 
 // Times 2^exponent, rounded and saturated.
