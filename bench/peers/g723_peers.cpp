@@ -11,8 +11,8 @@ extern "C" {
 #include <libavcodec/avcodec.h>
 }
 
+#include "layer_codec.h"
 #include "support/speech.h"
-#include "vspsvoice.h"
 
 namespace {
 
@@ -24,54 +24,32 @@ const Vsp16s* speech(std::size_t frame) {
     return &recorded[frame * kFrame];
 }
 
-void require(bool fact) {
-    if (!fact) std::abort();
-}
-
 struct CodedFrame {
     Vsp8u octets[24];
     VspvFrame told;
 };
-
-template <class Object, VspStatus (*getSize)(const VspvCodec*, Vsp32s*), VspStatus (*init)(Object*, const VspvCodec*)>
-class Owned {
-  public:
-    Owned() {
-        const VspvCodec* const codec = vspvFindCodec("g723");
-        Vsp32s size = 0;
-        require(getSize(codec, &size) == vspStsNoErr);
-        memory_.resize(std::size_t(size) / sizeof(Vsp64s));
-        require(init(get(), codec) == vspStsNoErr);
-    }
-    Object* get() { return reinterpret_cast<Object*>(memory_.data()); }
-
-  private:
-    std::vector<Vsp64s> memory_;
-};
-using OurEncoder = Owned<VspvEncoder, vspvEncoderGetSize, vspvEncoderInit>;
-using OurDecoder = Owned<VspvDecoder, vspvDecoderGetSize, vspvDecoderInit>;
 
 void perSecond(benchmark::State& run) {
     run.counters["per_second"] = benchmark::Counter(double(run.iterations() * kFrames * kFrame) / double(kRate),
                                                     benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
 }
 
-OurEncoder encoderFor(Vsp32s bitRate, bool silence) {
-    OurEncoder encoder;
+LayerEncoder encoderFor(Vsp32s bitRate, bool silence) {
+    LayerEncoder encoder("g723");
     require(vspvEncoderSetRate(encoder.get(), bitRate) == vspStsNoErr);
     require(vspvEncoderSetDTX(encoder.get(), silence) == vspStsNoErr);
     return encoder;
 }
 
 std::vector<CodedFrame> coded(Vsp32s bitRate, bool silence) {
-    OurEncoder encoder = encoderFor(bitRate, silence);
+    LayerEncoder encoder = encoderFor(bitRate, silence);
     std::vector<CodedFrame> frames(kFrames);
     for (std::size_t i = 0; i < kFrames; i++) vspvEncode(encoder.get(), speech(i), frames[i].octets, &frames[i].told);
     return frames;
 }
 
 void encode(benchmark::State& run, Vsp32s bitRate, bool silence) {
-    OurEncoder encoder = encoderFor(bitRate, silence);
+    LayerEncoder encoder = encoderFor(bitRate, silence);
     CodedFrame frame;
     for (auto _ : run)
         for (std::size_t i = 0; i < kFrames; i++) {
@@ -83,7 +61,7 @@ void encode(benchmark::State& run, Vsp32s bitRate, bool silence) {
 
 void decode(benchmark::State& run, Vsp32s bitRate, bool silence) {
     const std::vector<CodedFrame> frames = coded(bitRate, silence);
-    OurDecoder decoder;
+    LayerDecoder decoder("g723");
     Vsp16s samples[kFrame];
     for (auto _ : run)
         for (const CodedFrame& frame : frames) {

@@ -15,8 +15,8 @@ extern "C" {
 #include <libavcodec/avcodec.h>
 }
 
+#include "layer_codec.h"
 #include "support/speech.h"
-#include "vspsvoice.h"
 
 namespace {
 
@@ -31,10 +31,6 @@ const Vsp16s* speech(std::size_t frame) {
     return &recorded[frame % kFrames * kFrame];
 }
 
-void require(bool fact) {
-    if (!fact) std::abort();
-}
-
 struct CodedFrame {
     Vsp8u octets[kOctets];
     VspvFrame told;
@@ -42,35 +38,27 @@ struct CodedFrame {
 
 class OurEncoder {
   public:
-    OurEncoder(const char* name, Vsp32s bitRate, bool silence) {
-        const VspvCodec* const codec = vspvFindCodec(name);
-        Vsp32s size = 0;
-        require(vspvEncoderGetSize(codec, &size) == vspStsNoErr);
-        memory_.resize(std::size_t(size) / sizeof(Vsp64s));
-        require(vspvEncoderInit(get(), codec) == vspStsNoErr && vspvEncoderSetRate(get(), bitRate) == vspStsNoErr);
-        if (silence) require(vspvEncoderSetDTX(get(), 1) == vspStsNoErr);
+    OurEncoder(const char* name, Vsp32s bitRate, bool silence) : encoder_(name) {
+        require(vspvEncoderSetRate(encoder_.get(), bitRate) == vspStsNoErr);
+        if (silence) require(vspvEncoderSetDTX(encoder_.get(), 1) == vspStsNoErr);
     }
-    void operator()(const Vsp16s* samples, CodedFrame& coded) { vspvEncode(get(), samples, coded.octets, &coded.told); }
+    void operator()(const Vsp16s* samples, CodedFrame& coded) {
+        vspvEncode(encoder_.get(), samples, coded.octets, &coded.told);
+    }
 
   private:
-    VspvEncoder* get() { return reinterpret_cast<VspvEncoder*>(memory_.data()); }
-    std::vector<Vsp64s> memory_;
+    LayerEncoder encoder_;
 };
 
 class OurDecoder {
   public:
-    explicit OurDecoder(const char* name) {
-        const VspvCodec* const codec = vspvFindCodec(name);
-        Vsp32s size = 0;
-        require(vspvDecoderGetSize(codec, &size) == vspStsNoErr);
-        memory_.resize(std::size_t(size) / sizeof(Vsp64s));
-        require(vspvDecoderInit(get(), codec) == vspStsNoErr);
+    explicit OurDecoder(const char* name) : decoder_(name) {}
+    void operator()(const CodedFrame& coded, Vsp16s* samples) {
+        vspvDecode(decoder_.get(), coded.octets, &coded.told, samples);
     }
-    void operator()(const CodedFrame& coded, Vsp16s* samples) { vspvDecode(get(), coded.octets, &coded.told, samples); }
 
   private:
-    VspvDecoder* get() { return reinterpret_cast<VspvDecoder*>(memory_.data()); }
-    std::vector<Vsp64s> memory_;
+    LayerDecoder decoder_;
 };
 
 class Bcg729Encoder {
