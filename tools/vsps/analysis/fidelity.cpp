@@ -60,10 +60,10 @@ int delayBetween(std::span<const std::int16_t> original, std::span<const std::in
     double power = energy(heard.first(std::size_t(size))), best = 0;
     int delay = 0;
     for (std::ptrdiff_t lag = -reach; lag <= reach; lag++) {
-        const float* late = &y[std::size_t(reach + lag)];
+        const float *early = x.data(), *late = &y[std::size_t(reach + lag)];
         float sums[16] = {};
         for (std::ptrdiff_t i = 0; i + 16 <= size; i += 16)
-            for (std::ptrdiff_t k = 0; k < 16; k++) sums[k] += x[std::size_t(i + k)] * late[i + k];
+            for (std::ptrdiff_t k = 0; k < 16; k++) sums[k] += early[i + k] * late[i + k];
         const double correlation = std::accumulate(sums, sums + 16, 0.0);
         const double normalised = correlation > 0 && power > 0 ? correlation * correlation / power : 0;
         if (normalised > best) {
