@@ -20,6 +20,7 @@
 #include "vspsvoice/codec.h"
 #include "vspsvoice/echo_canceller.h"
 #include "vspsvoice/g723.h"
+#include "vspsvoice/g728.h"
 #include "vspsvoice/level.h"
 #include "vspsvoice/pitch.h"
 #include "vspsvoice/speech_detector.h"

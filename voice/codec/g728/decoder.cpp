@@ -21,12 +21,18 @@ void Decoder::reset() {
     *this = {};
     synthesis_.reset();
     gain_.reset();
+    postFiltered_ = true;
     pitch_ = 50;
     longTerm_[0] = 16384;
     vspsSynthesisFilterInit_G728_16s(synthesisState_);
     vspsPostFilterAdapterInit_G728(adapter_);
     vspsPostFilterInit_G728_16s(postFilter_);
     vspsConcealInit_G728_16s(concealment_);
+}
+
+void Decoder::setPostFilter(bool on) {
+    if (on && !postFiltered_) vspsPostFilterInit_G728_16s(postFilter_);
+    postFiltered_ = on;
 }
 
 void Decoder::decode(const Vsp16s* indices, Vsp16s* samples) {
@@ -39,7 +45,7 @@ void Decoder::decode(const Vsp16s* indices, Vsp16s* samples) {
         const Vsp16s logGain = excite(lost ? nullptr : indices + n, excitation);
         vspsSynthesisFilter_G728_16s(excitation.x, excitation.scale, synthesis_.lpc(), lost ? kLostScale : kNoLimit,
                                      cycle[n].x, &cycle[n].scale, synthesisState_);
-        filter(cycle[n], n == 2, samples + kVector * n);
+        output(cycle[n], n == 2, samples + kVector * n);
         gain_.append(logGain);
         if (n == 0) {
             if (lostFrames_ <= 1) synthesis_.complete();
@@ -86,8 +92,8 @@ Vsp16s Decoder::excite(const Vsp16s* index, Vector& excitation) {
     return logGain;
 }
 
-// G.728 4.6 and 4.7
-void Decoder::filter(const Vector& speech, bool withPitch, Vsp16s* samples) {
+// G.728 4.6 and 4.7. The pitch is followed without the post-filter, too: the concealment needs it.
+void Decoder::output(const Vector& speech, bool withPitch, Vsp16s* samples) {
     constexpr Vsp32s kMaxLag = 140, kLinearScale = 3;
     Vsp16s x[kVector], residual[kVector], newest[kVector];
     vspsSpeechConvert_G728_16s(speech.x, speech.scale, kSpeechScale, x, kVector);
@@ -97,11 +103,15 @@ void Decoder::filter(const Vector& speech, bool withPitch, Vsp16s* samples) {
         vspsPitchExtract_G728_16s(residual_, &pitch_, adapter_);
         vspsPitchTap_G728_16s(past_, pitch_, &tap_, longTerm_);
     }
-    const Vsp16s* const lately = past_ + sizeof past_ / sizeof *past_ - kMaxLag;
-    vspsPostFilter_G728_16s(x, lately, pitch_, longTerm_, zero_, pole_, tilt_, samples, postFilter_);
+    if (postFiltered_) {
+        const Vsp16s* const lately = past_ + sizeof past_ / sizeof *past_ - kMaxLag;
+        vspsPostFilter_G728_16s(x, lately, pitch_, longTerm_, zero_, pole_, tilt_, samples, postFilter_);
+        vspsSpeechConvert_G728_16s(samples, kSpeechScale, kLinearScale, samples, kVector);
+    } else {
+        vspsSpeechConvert_G728_16s(speech.x, speech.scale, kLinearScale, samples, kVector);
+    }
     for (Vsp32s i = 0; i < kVector; i++) newest[i] = Vsp16s(x[i] >> 2);
     append(newest, past_);
-    vspsSpeechConvert_G728_16s(samples, kSpeechScale, kLinearScale, samples, kVector);
 }
 
 void Decoder::adaptPostFilter() {

@@ -7,12 +7,13 @@ namespace vspv::g728 {
 class Decoder {
   public:
     void reset();
+    void setPostFilter(bool on);
     void decode(const Vsp16s* indices, Vsp16s* samples);  // a frame's four vectors; null for a lost frame
 
   private:
     void beginFrame(bool lost);
     Vsp16s excite(const Vsp16s* index, Vector& excitation);
-    void filter(const Vector& speech, bool withPitch, Vsp16s* samples);
+    void output(const Vector& speech, bool withPitch, Vsp16s* samples);
     void adaptPostFilter();
 
     SynthesisFilter synthesis_;
@@ -20,6 +21,7 @@ class Decoder {
     Vsp16s lastGain_;
     Vsp32s lostFrames_;      // since the last one that has arrived
     Vsp32s recoveryFrames_;  // how long the gain may only rise slowly
+    bool postFiltered_;
 
     Vsp16s zero_[kOrder], pole_[kOrder], tilt_, inverse_[kOrder];  // of the short-term post-filter
     Vsp16s pitch_, tap_, longTerm_[2];                             // of the long-term post-filter

@@ -4,6 +4,10 @@
 #include "codec/g728/decoder.h"
 #include "codec/g728/encoder.h"
 
+#pragma GCC visibility push(default)  // of what the library exports
+#include "vspsvoice/g728.h"
+#pragma GCC visibility pop
+
 namespace vspv {
 
 namespace {
@@ -54,3 +58,14 @@ constexpr Codec kG728 = {{"g728", "LD-CELP, delay of 0.625 ms", "ITU-T G.728 Ann
                          nullptr};
 
 }  // namespace vspv
+
+using namespace vspv;
+
+VspStatus vspvG728SetPostFilter(VspvDecoder* pDecoder, Vsp32s on) {
+    if (pDecoder == nullptr) return vspStsNullPtrErr;
+    void* decoder = partOf(pDecoder, kG728);
+    if (decoder == nullptr) return vspStsBadArgErr;
+    if (on != 0 && on != 1) return vspStsRangeErr;
+    static_cast<Decoder*>(decoder)->setPostFilter(on == 1);
+    return vspStsNoErr;
+}
