@@ -1,8 +1,10 @@
 // One second of audio through each codec of the voice layer, in its frames; and, where the work is a few calls, through the
 // functions of the library alone, without packing bits, checks and what concealment has to remember. G.722.1 also through a
-// coder in floating point.
+// coder in floating point, G.728 through one that is written plainly and gives the same bits, which is tried first.
+#include "g728/scalar_g728.h"
 #include "gsmfr/codec.h"
 #include "support/bench.h"
+#include "support/speech.h"
 #include "voice/float_g7221.h"
 #include "vspsvoice.h"
 
@@ -145,12 +147,72 @@ void addFloatG7221() {
             });
 }
 
+namespace plain = bench::g728;
+
+// Four indices of ten bits, the highest first.
+std::vector<Vsp8u> packed(const Vsp16s* indices) {
+    std::vector<Vsp8u> octets(5);
+    for (std::size_t bit = 0; bit < 40; bit++)
+        octets[bit / 8] |= Vsp8u((indices[bit / 10] >> (9 - bit % 10) & 1) << (7 - bit % 8));
+    return octets;
+}
+
+// Whether both codings of recorded speech have the same bits and the same samples.
+bool sameAsPlainG728() {
+    const VspvCodec& codec = *vspvFindCodec("g728");
+    auto encoderMemory = memoryFor(vspvEncoderGetSize, codec), decoderMemory = memoryFor(vspvDecoderGetSize, codec);
+    const auto encoder = reinterpret_cast<VspvEncoder*>(encoderMemory.data());
+    const auto decoder = reinterpret_cast<VspvDecoder*>(decoderMemory.data());
+    vspvEncoderInit(encoder, &codec);
+    vspvDecoderInit(decoder, &codec);
+    plain::Encoder plainEncoder;
+    plain::Decoder plainDecoder;
+    const std::vector<Vsp16s> speech = vsp::test::recordedSpeech();
+    for (std::size_t at = 0; at + plain::kFrame <= speech.size(); at += plain::kFrame) {
+        Vsp16s indices[plain::kCycle];
+        std::vector<Vsp8u> bytes(5);
+        std::vector<Vsp16s> samples(plain::kFrame), plainSamples(plain::kFrame);
+        VspvFrame frame;
+        vspvEncode(encoder, &speech[at], bytes.data(), &frame);
+        vspvDecode(decoder, bytes.data(), &frame, samples.data());
+        plainEncoder.encode(&speech[at], indices);
+        plainDecoder.decode(indices, plainSamples.data());
+        if (packed(indices) != bytes || plainSamples != samples) return false;
+    }
+    return !speech.empty();
+}
+
+void addPlainG728() {
+    const auto add = [](const char* name, auto run) {
+        benchmark::RegisterBenchmark(name, [=](benchmark::State& state) {
+            if (!sameAsPlainG728()) return state.SkipWithError("bits differ from those of the layer");
+            run(state);
+        });
+    };
+    constexpr std::size_t kFrames = 400;
+    add("voice_encode/g728/plain", [](benchmark::State& state) {
+        plain::Encoder encoder;
+        Vsp16s indices[plain::kCycle];
+        for (auto _ : state)
+            for (std::size_t i = 0; i < kFrames; i++) encoder.encode(&noise()[plain::kFrame * i], indices);
+    });
+    add("voice_decode/g728/plain", [](benchmark::State& state) {
+        std::vector<Vsp16s> indices(plain::kCycle * kFrames), samples(plain::kFrame);
+        plain::Encoder encoder;
+        for (std::size_t i = 0; i < kFrames; i++) encoder.encode(&noise()[plain::kFrame * i], &indices[plain::kCycle * i]);
+        plain::Decoder decoder;
+        for (auto _ : state)
+            for (std::size_t i = 0; i < kFrames; i++) decoder.decode(&indices[plain::kCycle * i], samples.data());
+    });
+}
+
 const bool registered = [] {
     for (Vsp32s i = 0; i < vspvCodecCount(); i++) addLayer(*vspvCodec(i));
     addBareG722();
     addBareG726();
     addBareGsm();
     addFloatG7221();
+    addPlainG728();
     return true;
 }();
 
