@@ -60,8 +60,63 @@ struct Filter {
         halves[0] = half;
     }
 
+    // Whether no step before the last shift saturates where that does not. A sum of outputs is below what its own factors
+    // allow, or below the whole sum and the rest of it.
+    bool onlyResultsSaturate(Vsp64s fromInputs) const {
+        constexpr Vsp64s kRange = 1LL << 31, kLow = 1 << 18;
+        const Vsp64s whole = (kRange >> shift) + fromInputs;
+        Vsp64s before = 0, after = 0;
+        for (const Vsp16s factor : a) after += 65536LL * (factor < 0 ? -factor : factor);
+        bool fits = lowSumsFit() && whole < kRange - kLow;
+        for (const Vsp16s factor : a) {
+            const Vsp64s part = 65536LL * (factor < 0 ? -factor : factor);
+            before += part;
+            after -= part;
+            fits &= part < kRange && (before < whole + after ? before : whole + after) < kRange - kLow;
+        }
+        return fits;
+    }
+
+    // What the next output waits for is a product with the one before, an addition and a shift. Returns whether no result
+    // was out of range; otherwise the outputs are not right.
+    [[gnu::always_inline]] bool runUnsaturated(const Vsp32s* fed, Vsp32s* results, int len) {
+        const Vsp64s newest = a[0] * (1LL << shift), limit = 1LL << (31 - shift);
+        Vsp64s fromNewest = 2 * (halves[0] * a[0]);
+        Vsp64u outside = 0;
+        for (int n = 0; n < len; n++) {
+            Vsp64s rest = 0x4000 + Vsp64s(fed[n]) * 65536;
+            for (int k = 1; k < kOrder; k++) rest += 2 * (halves[k] * a[k]);
+            const Vsp64s result = (fromNewest + rest) >> 15;
+            fromNewest = result * newest;
+            outside |= Vsp64u(result + limit);
+            if (outside >= 2 * Vsp64u(limit)) [[unlikely]]
+                return false;
+            results[n] = Vsp32s(result);
+            push(result * (1 << (shift - 1)));
+        }
+        return true;
+    }
+
     // x: samples of a block, earlier ones before them.
     [[gnu::always_inline]] void run(const Vsp16s* x, Vsp16s* dst, int len) {
+        Vsp32s fed[kBlock], results[kBlock];
+        correlate(reversedB, kOrder + 1, x - kOrder, fed, len);
+        Vsp64s magnitude = 0;
+        for (const Vsp16s factor : reversedB) magnitude += factor < 0 ? -factor : factor;
+        if (onlyResultsSaturate(2 * magnitude * maxMagnitude(x - kOrder, kOrder + len))) {
+            Filter before = *this;
+            if (runUnsaturated(fed, results, len)) {
+                const int down = 17 - 2 * shift;
+                const Vsp32s rounding = 1 << (down - 1);
+                for (int n = 0; n < len; n++) dst[n] = sat_16s((results[n] + rounding) >> down);
+                return;
+            }
+            for (int k = 0; k < kOrder; k++) halves[k] = before.halves[k];
+        }
+        runCarefully(x, dst, len);
+    }
+
+    [[gnu::noinline]] void runCarefully(const Vsp16s* x, Vsp16s* dst, int len) {
         Vsp32s fed[kBlock];
         correlate(reversedB, kOrder + 1, x - kOrder, fed, len);
         int magnitude = 0;
