@@ -40,13 +40,85 @@ struct DoublePrecisionSynthesis {
         }
     }
 
+    // A larger output is clipped.
+    static constexpr Vsp64s kLargestOutput = (1 << 27) - 1;
+
+    static Vsp64s magnitudeBits(Vsp64s a) { return a ^ a >> 63; }
+
+    Vsp64s lpcMagnitude() const {
+        Vsp32s sum = 0;
+        for (int j = 1; j <= kOrder; j++) sum += lpc[j] < 0 ? -lpc[j] : lpc[j];
+        return sum;
+    }
+
+    // Whether the sums of the low words fit and so do all others with the largest words that there are.
+    bool fits(Vsp64s largest, const Vsp16s* x, int len) const {
+        constexpr Vsp64s kLow = 1 << 18;
+        const Vsp64s high = (largest >> kLowBits) + 1, lpcSum = lpcMagnitude();
+        return lpcSum < kLow &&
+               lpcSum * high + (factor < 0 ? -factor : factor) * Vsp64s(maxMagnitude(x, len)) < (1 << 30) - kLow;
+    }
+
+    // Exact sums without clipping, four outputs at a time. To an output those before it in the four and the four before
+    // are added one by one, so that it waits for a product with the last one; older ones have been added to its sum in
+    // vectors, several outputs earlier. Returns whether that is right. y is written up to a multiple of four.
+    [[gnu::always_inline]] bool filterUnclipped(const Vsp16s* x, Vsp32s* y, int len) const {
+        if (shift > 4) return false;
+        using V = Related<Sliding16>::Sum;
+        constexpr int kFours = 3;  // that have sums: the first two behind the next one, and one more
+        constexpr int kVectors = 4 / V::width;
+        Vsp64s taps[20] = {}, inputs[kSubframe];  // 0 beyond the order
+        for (int j = 1; j <= kOrder; j++) taps[j] = -lpc[j];
+        for (int n = 0; n < len; n++) inputs[n] = factor * x[n] * (1LL << kLowBits);
+        for (int n = len; n % 4 != 0; n++) inputs[n] = 0;
+
+        V sums[kFours + 1][kVectors];
+        for (auto& four : sums)
+            for (V& sum : four) sum = V::splat(0);
+        Vsp64s next[4], nextButOne[4] = {}, last[4], largest = 0;
+        const auto add4 = [&](const Vsp64s(&outputs)[4]) {
+            V factors[4];
+            for (int i = 0; i < 4; i++) factors[i] = V::splat(outputs[i]);
+            for (int f = 0; f < kFours; f++)
+                for (int v = 0; v < kVectors; v++) {
+                    sums[f][v] = sums[f + 1][v];
+                    for (int i = 0; i < 4; i++)
+                        sums[f][v] = add(sums[f][v], mulLo(V::load(taps + 8 + 4 * f - i + V::width * v), factors[i]));
+                }
+            for (int i = 0; i < 4; i++) next[i] = nextButOne[i];
+            for (int v = 0; v < kVectors; v++) sums[0][v].store(nextButOne + V::width * v);
+        };
+        for (int n = -kOrder; n < 0; n += 4) {
+            for (int i = 0; i < 4; i++) {
+                last[i] = y[n + i];
+                largest |= magnitudeBits(last[i]);
+            }
+            add4(last);
+        }
+        for (int n = 0; n < len; n += 4) {
+            Vsp64s four[4];
+            for (int k = 0; k < 4; k++) {
+                Vsp64s sum = inputs[n + k] + next[k];
+                for (int i = 0; i < 4; i++) sum = inRegister(sum + taps[k + 4 - i] * last[i]);
+                for (int i = 0; i < k; i++) sum = inRegister(sum + taps[k - i] * four[i]);
+                four[k] = sum >> (kLowBits + 3 - shift);
+                largest |= magnitudeBits(four[k]);
+                y[n + k] = Vsp32s(four[k]);
+            }
+            if (largest > kLargestOutput) [[unlikely]]
+                return false;
+            for (int i = 0; i < 4; i++) last[i] = four[i];
+            add4(last);
+        }
+        return fits(largest, x, len);
+    }
+
     // Exact sums; only the outputs are clipped. Returns whether that is right.
-    [[gnu::always_inline]] bool filterExact(const Vsp16s* x, Vsp32s* y, int len) const {
-        Vsp64s taps[kOrder + 1], lpcMagnitude = 0, largest = 0;
+    [[gnu::noinline]] bool filterClipping(const Vsp16s* x, Vsp32s* y, int len) const {
+        Vsp64s taps[kOrder + 1], largest = 0;
         for (int j = 1; j <= kOrder; j++) {
             taps[j] = lpc[j];
-            lpcMagnitude += lpc[j] < 0 ? -lpc[j] : lpc[j];
-            largest |= y[-j] ^ y[-j] >> 31;
+            largest |= magnitudeBits(y[-j]);
         }
         Vsp64s newest = y[-1];
         for (int n = 0; n < len; n++) {
@@ -58,13 +130,9 @@ struct DoublePrecisionSynthesis {
                 newest = newest < 0 ? kMin32 : kMax32;
             newest >>= 4;
             y[n] = Vsp32s(newest);
-            largest |= newest ^ newest >> 63;
+            largest |= magnitudeBits(newest);
         }
-        // Where the sums of the low words fit and so do all others with the largest words that there are.
-        constexpr Vsp64s kLow = 1 << 18;
-        const Vsp64s high = (largest >> kLowBits) + 1;
-        return lpcMagnitude < kLow &&
-               lpcMagnitude * high + (factor < 0 ? -factor : factor) * Vsp64s(maxMagnitude(x, len)) < (1 << 30) - kLow;
+        return fits(largest, x, len);
     }
 
     // Keeps the compiler from vectors, whose 64-bit products are slow.
@@ -106,8 +174,8 @@ VspStatus vspsSynthesisFilter_AMRWB_16s32s(const Vsp16s* pLPC, const Vsp16s* pSr
     Vsp32s* const y = buffer + kOrder;
     for (int j = 0; j < kOrder; j++) buffer[j] = pMem[j] >> 4;
     const DoublePrecisionSynthesis filter{pLPC, Vsp16s(pLPC[0] >> (4 + scale)), outputShift(pLPC)};
-    if (!filter.filterExact(pSrc, y, len)) [[unlikely]]
-        filter.filterSaturating(pSrc, y, len);
+    if (!filter.filterUnclipped(pSrc, y, len)) [[unlikely]]
+        if (!filter.filterClipping(pSrc, y, len)) filter.filterSaturating(pSrc, y, len);
     for (int n = 0; n < len; n++) pDst[n] = y[n] * 16;
     for (int j = 0; j < kOrder; j++) pMem[j] = buffer[len + j] * 16;
     return vspStsNoErr;
