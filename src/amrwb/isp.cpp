@@ -6,6 +6,7 @@
 #include "common/lsp_roots.h"
 #include "common/lsp_to_lpc.h"
 #include "core/checks.h"
+#include "vector/eight_32s.h"
 
 namespace vsp::VSP_LEVEL {
 
@@ -116,8 +117,109 @@ VspStatus vspsISFToISP_AMRWB_16s(const Vsp16s* pISF, Vsp32s order, Vsp16s* pISP)
     return vspStsNoErr;
 }
 
+// Several filters at a time, one in each element.
+namespace {
+
+constexpr int kSubframes = 4;
+constexpr Vsp32u kExactLimit = 1 << 29;  // of the magnitudes of coefficients with which no step saturates
+
+// mulSplit_32s16s() of a and 16-bit elements that stand in both halves of pairs; not of -1 and -1.
+template <class V>
+VSP_INLINE Wide<V> timesPairs(Wide<V> a, V pairs) {
+    const Wide<V> high = dot2(V{a.v & Wide<V>::splat(-0x10000).v}, pairs);
+    const Wide<V> low = dot2(V{shrU(a, 1).v & Wide<V>::splat(0x7FFF).v}, pairs), half = add(high, shr(low, 15));
+    return add(half, half);
+}
+
+// The polynomials f up to coefficient i, without their factor number i, take it in (lspProduct, Q23).
+template <class V>
+VSP_INLINE void takeFactor(Wide<V>* f, int i, V cosines, Wide<V>& magnitudes) {
+    const Wide<V> slope = dot2(cosines, V{Wide<V>::splat(512).v});  // the slope stands in the lower half of the pairs
+    if (i == 1) {
+        f[0] = Wide<V>::splat(1 << 23);
+        f[1] = sub(Wide<V>::splat(0), slope);
+        return;
+    }
+    f[i] = f[i - 2];
+    for (int j = i; j >= 2; j--) {
+        const Wide<V> product = timesPairs(f[j - 1], cosines);
+        f[j] = add(sub(f[j], add(product, product)), f[j - 2]);
+        magnitudes.v = magnitudes.v | magnitude(f[j]).v;
+    }
+    f[1] = sub(f[1], slope);
+    magnitudes.v = magnitudes.v | magnitude(f[1]).v;
+}
+
+// Pairs i of four filters: as 16-bit elements in both halves of pairs.
+struct FourOfEach {
+    S16_128 pairs[kOrder];
+
+    explicit FourOfEach(const Vsp16s (&isp)[kSubframes][kOrder]) {
+        S16_128 m[8];
+        for (int k = 0; k < kSubframes; k++) {
+            m[k] = S16_128::load(isp[k]);
+            m[kSubframes + k] = S16_128::load(isp[k] + 8);
+        }
+        transpose(m);
+        for (int i = 0; i < 8; i++) {
+            pairs[i].v = zipLo(m[i], m[i]).v;
+            pairs[8 + i].v = zipHi(m[i], m[i]).v;
+        }
+    }
+};
+
+// Their LP filters. Returns whether no step saturates.
+bool fourLpcs(const Vsp16s (&isp)[kSubframes][kOrder], Vsp16s* lpc) {
+    const FourOfEach of(isp);
+    S32_128 even[kHalf + 1], odd[kHalf], magnitudes = S32_128::splat(0);
+#if defined(__AVX2__)
+    S32_256 both[kHalf], largest = S32_256::splat(0);
+    for (int i = 1; i < kHalf; i++) takeFactor(both, i, joined(of.pairs[2 * i - 2], of.pairs[2 * i - 1]), largest);
+    const auto half = [](S32_256 a, int upper) {
+        return S32_128{upper != 0 ? _mm256_extracti128_si256(a.v, 1) : _mm256_castsi256_si128(a.v)};
+    };
+    for (int i = 0; i < kHalf; i++) {
+        even[i] = half(both[i], 0);
+        odd[i] = half(both[i], 1);
+    }
+    magnitudes.v = half(largest, 0).v | half(largest, 1).v;
+#else
+    for (int i = 1; i < kHalf; i++) takeFactor(even, i, of.pairs[2 * i - 2], magnitudes);
+    for (int i = 1; i < kHalf; i++) takeFactor(odd, i, of.pairs[2 * i - 1], magnitudes);
+#endif
+    takeFactor(even, kHalf, of.pairs[kOrder - 2], magnitudes);
+    if (largestU(magnitudes) >= kExactLimit) [[unlikely]]
+        return false;
+
+    const S16_128 last = of.pairs[kOrder - 1];
+    for (int i = kHalf - 1; i >= 2; i--) odd[i] = sub(odd[i], odd[i - 2]);
+    const S32_128 one = S32_128::splat(1);
+    const auto rounded = [one](S32_128 a) { return shr(add(shr(a, 11), one), 1); };
+    S32_128 coefficients[kOrder + 1];
+    for (int i = 1; i < kHalf; i++) {
+        const S32_128 sum = add(even[i], timesPairs(even[i], last)), difference = sub(odd[i], timesPairs(odd[i], last));
+        coefficients[i] = rounded(addSat32(sum, difference));
+        coefficients[kOrder - i] = rounded(addSat32(sum, sub(S32_128::splat(0), difference)));
+    }
+    coefficients[kHalf] = rounded(add(even[kHalf], timesPairs(even[kHalf], last)));
+    coefficients[kOrder] = shr(add(shr(S32_128{last.v}, 16 + 2), one), 1);
+    S16_128 m[8];
+    const auto lowerHalves = [](S32_128 a) { return S16_128{_mm_and_si128(a.v, _mm_set1_epi32(0xFFFF))}; };
+    for (int i = 0; i < 8; i++)
+        m[i].v = _mm_packus_epi32(lowerHalves(coefficients[1 + i]).v, lowerHalves(coefficients[9 + i]).v);
+    transpose(m);
+    for (int k = 0; k < kSubframes; k++) {
+        Vsp16s* const filter = lpc + (kOrder + 1) * k;
+        filter[0] = 4096;
+        m[k].store(filter + 1);
+        m[kSubframes + k].store(filter + 9);
+    }
+    return true;
+}
+
+}  // namespace
+
 VspStatus vspsInterpolateISP_AMRWB_16s(const Vsp16s* pPrevISP, const Vsp16s* pISP, Vsp16s* pLPC) {
-    constexpr int kSubframes = 4;
     constexpr Vsp16s kWeights[kSubframes - 1] = {14746, 26214, 31457};  // of the new pairs
     if (anyNull(pPrevISP, pISP, pLPC)) return vspStsNullPtrErr;
     Vsp16s isp[kSubframes][kOrder];
@@ -125,7 +227,8 @@ VspStatus vspsInterpolateISP_AMRWB_16s(const Vsp16s* pPrevISP, const Vsp16s* pIS
         for (int i = 0; i < kOrder; i++)
             isp[k][i] = Vsp16s((pPrevISP[i] * (32768 - kWeights[k]) + pISP[i] * kWeights[k] + 0x4000) >> 15);
     for (int i = 0; i < kOrder; i++) isp[kSubframes - 1][i] = pISP[i];
-    for (int k = 0; k < kSubframes; k++) ispToLpc(isp[k], kOrder, false, pLPC + k * (kOrder + 1));
+    if (!fourLpcs(isp, pLPC)) [[unlikely]]
+        for (int k = 0; k < kSubframes; k++) ispToLpc(isp[k], kOrder, false, pLPC + k * (kOrder + 1));
     return vspStsNoErr;
 }
 
