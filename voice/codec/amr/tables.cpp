@@ -3,7 +3,7 @@
 
 namespace vspv::amr {
 
-using rfc4867::isPermutation;
+using rfc4867::layout;
 using rfc4867::ModeLayout;
 
 const Vsp32s kBitRates[kModes] = {4750, 5150, 5900, 6700, 7400, 7950, 10200, 12200};
@@ -102,25 +102,11 @@ static constexpr Vsp16s kHoming122[] = {4,  42, 219, 150, 42, 342, 11, 0,  0, 0,
                                         11, 0,  15,  14,  12, 13,  0,  1,  5, 7, 1, 8, 36, 0, 1, 0, 5, 6, 1,
                                         2,  4,  7,   4,   2,  3,   54, 11, 0, 2, 4, 0, 3,  6, 1, 7, 6, 5, 0};
 
-template <Vsp32s kBits, Vsp32s kParameters>
-static constexpr ModeLayout layout(const Vsp8u (&widths)[kParameters], const Vsp16s (&order)[kBits],
-                                   const Vsp16s (&homing)[kParameters], Vsp32s firstSubframe) {
-    return {kBits, kParameters, firstSubframe, widths, order, homing};
-}
-static_assert(isPermutation(kWidths475, kOrder475));
-static_assert(isPermutation(kWidths515, kOrder515));
-static_assert(isPermutation(kWidths590, kOrder590));
-static_assert(isPermutation(kWidths670, kOrder670));
-static_assert(isPermutation(kWidths740, kOrder740));
-static_assert(isPermutation(kWidths795, kOrder795));
-static_assert(isPermutation(kWidths102, kOrder102));
-static_assert(isPermutation(kWidths122, kOrder122));
-
 const ModeLayout kLayouts[kModes] = {
-    layout(kWidths475, kOrder475, kHoming475, 7),  layout(kWidths515, kOrder515, kHoming515, 7),
-    layout(kWidths590, kOrder590, kHoming590, 7),  layout(kWidths670, kOrder670, kHoming670, 7),
-    layout(kWidths740, kOrder740, kHoming740, 7),  layout(kWidths795, kOrder795, kHoming795, 8),
-    layout(kWidths102, kOrder102, kHoming102, 12), layout(kWidths122, kOrder122, kHoming122, 18),
+    layout<kWidths475, kOrder475, kHoming475>(7),  layout<kWidths515, kOrder515, kHoming515>(7),
+    layout<kWidths590, kOrder590, kHoming590>(7),  layout<kWidths670, kOrder670, kHoming670>(7),
+    layout<kWidths740, kOrder740, kHoming740>(7),  layout<kWidths795, kOrder795, kHoming795>(8),
+    layout<kWidths102, kOrder102, kHoming102>(12), layout<kWidths122, kOrder122, kHoming122>(18),
 };
 
 }  // namespace vspv::amr

@@ -3,7 +3,7 @@
 
 namespace vspv::amrwb {
 
-using rfc4867::isPermutation;
+using rfc4867::layout;
 using rfc4867::ModeLayout;
 
 const Vsp32s kBitRates[kModes] = {6600, 8850, 12650, 14250, 15850, 18250, 19850, 23050, 23850};
@@ -201,27 +201,12 @@ static constexpr Vsp16s kHoming2385[] = {0,    49,  131, 55,  49,   38,   26,  2
                                          24,   45,  0,   0,   0,    1,    68,  708,  1212, 383,  1048, 1611, 1756, 1467,
                                          31,   0,   23,  0,   1536, 1460, 861, 1554, 410,  1368, 1008, 594,  31,   0};
 
-template <Vsp32s kBits, Vsp32s kParameters>
-static constexpr ModeLayout layout(const Vsp8u (&widths)[kParameters], const Vsp16s (&order)[kBits],
-                                   const Vsp16s (&homing)[kParameters], Vsp32s firstSubframe) {
-    return {kBits, kParameters, firstSubframe, widths, order, homing};
-}
-static_assert(isPermutation(kWidths660, kOrder660));
-static_assert(isPermutation(kWidths885, kOrder885));
-static_assert(isPermutation(kWidths1265, kOrder1265));
-static_assert(isPermutation(kWidths1425, kOrder1425));
-static_assert(isPermutation(kWidths1585, kOrder1585));
-static_assert(isPermutation(kWidths1825, kOrder1825));
-static_assert(isPermutation(kWidths1985, kOrder1985));
-static_assert(isPermutation(kWidths2305, kOrder2305));
-static_assert(isPermutation(kWidths2385, kOrder2385));
-
 const ModeLayout kLayouts[kModes] = {
-    layout(kWidths660, kOrder660, kHoming660, 9),     layout(kWidths885, kOrder885, kHoming885, 14),
-    layout(kWidths1265, kOrder1265, kHoming1265, 15), layout(kWidths1425, kOrder1425, kHoming1425, 15),
-    layout(kWidths1585, kOrder1585, kHoming1585, 15), layout(kWidths1825, kOrder1825, kHoming1825, 19),
-    layout(kWidths1985, kOrder1985, kHoming1985, 19), layout(kWidths2305, kOrder2305, kHoming2305, 19),
-    layout(kWidths2385, kOrder2385, kHoming2385, 20),
+    layout<kWidths660, kOrder660, kHoming660>(9),     layout<kWidths885, kOrder885, kHoming885>(14),
+    layout<kWidths1265, kOrder1265, kHoming1265>(15), layout<kWidths1425, kOrder1425, kHoming1425>(15),
+    layout<kWidths1585, kOrder1585, kHoming1585>(15), layout<kWidths1825, kOrder1825, kHoming1825>(19),
+    layout<kWidths1985, kOrder1985, kHoming1985>(19), layout<kWidths2305, kOrder2305, kHoming2305>(19),
+    layout<kWidths2385, kOrder2385, kHoming2385>(20),
 };
 
 }  // namespace vspv::amrwb

@@ -5,12 +5,13 @@
 
 namespace vspv::rfc4867 {
 
-constexpr Vsp32s kMaxBits = 477;
+constexpr Vsp32s kMaxBits = 477, kMaxWidth = 16;
 
 struct ModeLayout {
     Vsp32s bits, parameters, firstSubframe;  // of a frame; parameters up to the first subframe's last
     const Vsp8u* widths;                     // bits of each parameter
     const Vsp16s* order;                     // bit k that is sent is this one
+    const Vsp16s* places;                    // bit k of the parameters is sent as this one
     const Vsp16s* homing;                    // parameters of the decoder homing frame
 };
 
@@ -31,12 +32,33 @@ template <Vsp32s kBits, Vsp32s kParameters>
 constexpr bool isPermutation(const Vsp8u (&widths)[kParameters], const Vsp16s (&order)[kBits]) {
     Vsp32s sum = 0;
     bool sent[kBits] = {};
-    for (const Vsp8u width : widths) sum += width;
+    for (const Vsp8u width : widths) {
+        if (width < 1 || width > kMaxWidth) return false;
+        sum += width;
+    }
     for (const Vsp16s bit : order) {
         if (bit < 0 || bit >= kBits || sent[bit]) return false;
         sent[bit] = true;
     }
     return sum == kBits && kBits <= kMaxBits;
+}
+
+template <const auto& kOrder>
+struct Places {
+    Vsp16s of[sizeof kOrder / sizeof kOrder[0]] = {};
+
+    constexpr Places() {
+        Vsp16s k = 0;
+        for (const Vsp16s bit : kOrder) of[bit] = k++;
+    }
+};
+template <const auto& kOrder>
+constexpr Places<kOrder> kPlaces;
+
+template <const auto& kWidths, const auto& kOrder, const auto& kHoming>
+constexpr ModeLayout layout(Vsp32s firstSubframe) {
+    static_assert(isPermutation(kWidths, kOrder) && sizeof kHoming / sizeof kHoming[0] == sizeof kWidths);
+    return {sizeof kOrder / sizeof kOrder[0], sizeof kWidths, firstSubframe, kWidths, kOrder, kPlaces<kOrder>.of, kHoming};
 }
 
 }  // namespace vspv::rfc4867
