@@ -1,4 +1,5 @@
-"""Checks the built shared library: names, dependencies, protection of its data, instructions of each level.
+"""Checks the built shared library: names, dependencies, protection of its data, instructions of each level,
+endbr64 at each export, stack.
 
 Usage: check_library.py LIBRARY SOURCE_DIR
 The library is libvspscy8 or libvspsvoice, which has one level, calls the former and may do so from anywhere.
@@ -11,6 +12,7 @@ import sys
 
 from elftools.elf.elffile import ELFFile
 from exports import exported_names, voice_names
+from stack_use import StackUse, exported_bytes, pointers
 
 path, source = pathlib.Path(sys.argv[1]), pathlib.Path(sys.argv[2])
 VOICE = path.name.startswith("libvspsvoice")
@@ -18,6 +20,7 @@ SONAME = "libvspsvoice.so.1" if VOICE else "libvspscy8.so.6.1"
 NEEDED = {"libc.so.6", "libm.so.6"} | ({"libvspscy8.so.6.1"} if VOICE else set())
 # No memory management, environment, locks, files or output.
 IMPORTS = {"memcpy", "memmove", "memset", "memcmp", "pow", "sqrt", "exp", "log", "log10", "cos", "sin", "sincos", "__stack_chk_fail"}
+STACK = 64 << 10 if VOICE else 12 << 10  # bytes, without libc and libm
 if VOICE:
     IMPORTS |= set(exported_names(source))
 
@@ -66,8 +69,8 @@ for section in elf.iter_sections():
         check(inside, f"{section.name} stays writable ({header.sh_size} bytes)")
         check(not header.sh_flags & 0x400, f"{section.name} is thread-local")
         check(not header.sh_flags & 0x4, f"{section.name} is writable and executable")
-stack = [s.header.p_flags for s in segments if s.header.p_type == "PT_GNU_STACK"]
-check(stack and not stack[0] & 0x1, "executable stack")
+stack_flags = [s.header.p_flags for s in segments if s.header.p_type == "PT_GNU_STACK"]
+check(stack_flags and not stack_flags[0] & 0x1, "executable stack")
 properties = [p for s in elf.iter_sections("SHT_NOTE") for n in s.iter_notes() if n["n_type"] == "NT_GNU_PROPERTY_TYPE_0"
               for p in n["n_desc"] if p.pr_type == "GNU_PROPERTY_X86_FEATURE_1_AND"]  # fmt: skip
 check(any(p.pr_data & 0x3 == 0x3 for p in properties), "not marked for indirect branch tracking and shadow stack")
@@ -76,17 +79,33 @@ check(any(p.pr_data & 0x3 == 0x3 for p in properties), "not marked for indirect 
 FORBIDDEN = {"y8": {"c4", "c5", "62"}, "v3": {"62"}, "v4": set()}
 listing = subprocess.run(["objdump", "-d", "-w", str(path)], text=True, capture_output=True, check=True).stdout
 function, level, functions = "", "y8", {"y8": 0, "v3": 0, "v4": 0}
+stack = StackUse(dict.fromkeys(exported_names(source), 12 << 10) if VOICE else None)
+landed, entered = set(), False
 for line in listing.splitlines():
     if start := re.match(r"[0-9a-f]+ <(.+)>:$", line):
         function = start.group(1)
         named = re.search(r"3vsp2(y8|v3|v4)", function)
         level = named.group(1) if named else "y8"  # the dispatcher is baseline code
         functions[level] += 1
+        stack.function(function)
+        entered = False
     elif instruction := re.match(r"\s+[0-9a-f]+:\t([0-9a-f]{2}) ", line):
+        if not entered and line.endswith("endbr64"):
+            landed.add(function)
+        entered = True
+        stack.line(line)
         check(instruction.group(1) not in FORBIDDEN[level], f"{function}: {line.strip()}")
         check(not re.search(r"\tvfn?m(add|sub)", line), f"{function}: a contraction rounds once: {line.strip()}")
         check(VOICE or not re.search(r"<vsps\w+(@plt)?>$", line), f"{function}: a call leaves its level: {line.strip()}")
 check(functions["y8"] > 0 and (VOICE or all(functions.values())), f"no code found of a level: {functions}")
 
-print(f"{len(exports)} exports, {functions} functions")
+check(exports <= landed, f"no endbr64 at {sorted(exports - landed)}")
+
+stack.address_taken |= pointers(path)
+check(not stack.unknown, f"stack pointer: {stack.unknown}")
+used = exported_bytes(stack, exports)
+deepest = max(used, key=used.get)
+check(0 < used[deepest] <= STACK, f"{deepest} takes {used[deepest]} bytes of the stack, more than {STACK}")
+
+print(f"{len(exports)} exports, {functions} functions, at most {used[deepest]} bytes of the stack: {deepest}")
 sys.exit("\n".join(problems) if problems else 0)
