@@ -1,4 +1,4 @@
-"""Checks the public headers: C89, C11 and C++ clean, each one self-contained, every function documented,
+"""Checks the public headers: C89 to C23 and C++ clean, each one self-contained, every function documented,
 exported and tested.
 
 Usage: check_interface.py SOURCE_DIR C_COMPILER CXX_COMPILER
@@ -6,6 +6,7 @@ Usage: check_interface.py SOURCE_DIR C_COMPILER CXX_COMPILER
 
 import pathlib
 import re
+import shutil
 import subprocess
 import sys
 
@@ -16,22 +17,28 @@ problems = []
 
 headers = sorted((source / "include").rglob("*.h"))
 assert headers, "no headers found"
-for compiler, language, standard in [
-    (c_compiler, "c", "c89"),
-    (c_compiler, "c", "c11"),
-    (cxx_compiler, "c++", "c++98"),
-    (cxx_compiler, "c++", "c++20"),
-]:
-    flags = [f"-std={standard}", "-pedantic", "-Wall", "-Wextra", "-Werror", "-Wstrict-prototypes"]
-    if language == "c++":
-        flags.remove("-Wstrict-prototypes")
-    for header in headers:
-        name = header.relative_to(source / "include")
-        program = f"#include <{name}>\n#include <{name}>\nint main(void) {{ return vspStsNoErr; }}\n"
-        command = [compiler, *flags, "-fsyntax-only", "-I", str(source / "include"), "-x", language, "-"]
-        result = subprocess.run(command, input=program, text=True, capture_output=True, check=False)
-        if result.returncode != 0:
-            problems.append(f"{name} as {standard}:\n{result.stderr}")
+def compile_as(standard, compiler, header, flags):
+    language = "c++" if "++" in standard else "c"
+    name = header.relative_to(source / "include")
+    program = f"#include <{name}>\n#include <{name}>\nint main(void) {{ return vspStsNoErr; }}\n"
+    command = [compiler, f"-std={standard}", "-pedantic", "-Wall", "-Wextra", "-Werror", *flags, "-fsyntax-only",
+               "-I", str(source / "include"), "-x", language, "-"]  # fmt: skip
+    result = subprocess.run(command, input=program, text=True, capture_output=True, check=False)
+    if result.returncode != 0:
+        problems.append(f"{name} as {standard} with {compiler}:\n{result.stderr}")
+
+
+# Each one by itself, and all together with every warning of both compilers.
+for header in headers:
+    compile_as("c89", c_compiler, header, ["-Wstrict-prototypes"])
+    compile_as("c++98", cxx_compiler, header, [])
+GCC = ["-Wconversion", "-Wshadow", "-Wundef", "-Wcast-align", "-Wredundant-decls"]
+CLANG = ["-Weverything", "-Wno-padded", "-Wno-c++98-compat-pedantic"]
+for compiler, flags in [("gcc", GCC), ("clang", CLANG)]:
+    if shutil.which(compiler):
+        for header in [source / "include/vspsc.h", source / "include/vspsvoice.h"]:
+            for standard in ["c89", "c11", "c2x", "c++98", "c++20"]:
+                compile_as(standard, compiler, header, flags)
 
 declared = {}
 for header in headers:
