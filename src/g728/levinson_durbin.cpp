@@ -13,86 +13,141 @@ namespace {
 
 constexpr int kMaxOrder = 50, kPostFilterOrder = 10, kLowestScale = 13, kHighestScale = 15;
 
-// The filter of one order after the other, forwards and backwards, with zeros where it has no coefficients yet.
+// The elements moved up by one, the first one taken from the end of `before`.
+VSP_INLINE S16_128 movedUp(S16_128 a, S16_128 before) { return {_mm_alignr_epi8(a.v, before.v, 14)}; }
+#if defined(__AVX2__)
+VSP_INLINE S16_256 movedUp(S16_256 a, S16_256 before) {
+    return {_mm256_alignr_epi8(a.v, _mm256_permute2x128_si256(before.v, a.v, 0x21), 14)};
+}
+#endif
+
+using V = Sliding16;
+
+template <int kLanes>
+struct Lanes {
+    static constexpr int kCount = kLanes / V::width;
+    V v[kCount];
+
+    [[gnu::always_inline]] explicit Lanes(const Vsp16s* x) {
+        for (int n = 0; n < kCount; n++) v[n] = V::load(x + n * V::width);
+    }
+    [[gnu::always_inline]] void store(Vsp16s* x) const {
+        for (int n = 0; n < kCount; n++) v[n].store(x + n * V::width);
+    }
+    [[gnu::always_inline]] V before(int n) const { return n > 0 ? v[n - 1] : V::splat(0); }
+};
+
+constexpr int kPadded = 64;
+
+struct OneElement {
+    Vsp16s bits[2 * kPadded];
+};
+constexpr OneElement oneElement() {
+    OneElement one{};
+    one.bits[kPadded] = -1;
+    return one;
+}
+constexpr OneElement kOneAt = oneElement();  // from kPadded - i on, all bits of element i
+
+// The filter of one order after the other. Behind its coefficients are zeros.
 struct Recursion {
-    static constexpr int kStep = 16, kPadded = kMaxOrder + kStep;
-    Vsp16s a[kPadded], backward[kPadded];  // backward[kMaxOrder - 1 - j] is a[j]
-    Vsp16s alpha;
+    alignas(64) Vsp16s a[kPadded];
+    int order, alpha;
     int halvings;  // of the filter, to keep it within 16 bits: Q15 - halvings
 
-    void start(const Vsp16s* filter, int order) {
-        for (int j = 0; j < kPadded; j++) a[j] = backward[j] = 0;
-        for (int j = 0; j < order; j++) set(j, filter[j]);
+    void start(const Vsp16s* filter, int filterOrder) {
+        order = filterOrder;
+        for (int j = 0; j < kPadded; j++) a[j] = j < order ? filter[j] : Vsp16s(0);
     }
-    void set(int j, Vsp16s x) { a[j] = backward[kMaxOrder - 1 - j] = x; }
-
-    // num / alpha, Q16, truncated.
-    Vsp32u quotient(Vsp64s num) const { return num >= alpha ? 0xFFFF : Vsp32u(num << 16) / Vsp32u(alpha); }
 
     bool first(const Vsp16s* r) {
         if (r[0] <= 0) return false;
-        alpha = r[0], halvings = 0;
-        const Vsp64s magnitude = roundHigh(Vsp64s(quotient(r[1] < 0 ? -r[1] : r[1])) << 15);
-        start(nullptr, 0);
-        set(0, Vsp16s(r[1] > 0 ? -magnitude : magnitude));
-        alpha = Vsp16s(roundHigh(r[0] * 0x10000LL + 2 * a[0] * Vsp64s(r[1])));
+        const int magnitude = r[1] < 0 ? -r[1] : r[1];
+        const Vsp32u q = magnitude >= r[0] ? 0xFFFF : (Vsp32u(magnitude) << 16) / Vsp32u(r[0]);
+        const Vsp64s k = roundHigh(Vsp64s(q) << 15);
+        const Vsp16s reflection = Vsp16s(r[1] > 0 ? -k : k);
+        start(&reflection, 1);
+        alpha = int(roundHigh(r[0] * 0x10000LL + 2 * reflection * Vsp64s(r[1])));
+        halvings = 0;
         return true;
     }
 
-    // All coefficients of order i plus half k times those of the reverse order, unless one leaves 16 bits.
-    bool addReverse(int half, int i) {
-        const Vsp16s* const mirrored = backward + kMaxOrder - i;  // mirrored[j] is a[i - 1 - j]
-        Vsp16s forwards[kPadded], reverse[kPadded];
-        Vsp32s beyond = 0;
-        const auto added = [half, &beyond](Vsp16s f, Vsp16s g) {
-            const Vsp32s t = f * 0x8000 + half * g;  // half of what is rounded
-            beyond |= t ^ Vsp32s(Vsp32u(t) << 1);
-            const Vsp32s rounded = Vsp32s(Vsp32u(t) + 0x4000) >> 15;
-            return Vsp16s(rounded < kMax16 ? rounded : kMax16);
-        };
-        for (int j = 0; j < i; j += kStep)
-            for (int k = j; k < j + kStep; k++) {
-                forwards[k] = added(a[k], mirrored[k]);
-                reverse[k] = added(mirrored[k], a[k]);
-            }
-        if (beyond < 0) return false;
-        for (int j = 0; j < i; j++) {
-            a[j] = forwards[j];
-            backward[kMaxOrder - i + j] = reverse[j];
-        }
-        return true;
-    }
-
-    // The same, pair after pair; at one that leaves 16 bits all coefficients are halved, at most twice.
-    [[gnu::noinline]] bool addReverseHalving(int half, int i) {
+    // All coefficients plus half k times those of the reverse order, pair after pair; at one that leaves 16 bits all are
+    // halved, at most twice.
+    [[gnu::noinline]] bool addReverseHalving(int half) {
         const Vsp64s k = 2 * half;
-        for (int j = 0; 2 * j <= i - 1; j++) {
-            Vsp16s &f = a[j], &g = a[i - 1 - j];
+        for (int j = 0; 2 * j <= order - 1; j++) {
+            Vsp16s &f = a[j], &g = a[order - 1 - j];
             Vsp64s x = f * 0x10000LL + k * g, y = g * 0x10000LL + k * f;
             if (x != Vsp32s(x) || y != Vsp32s(y)) {
                 if (++halvings > kHighestScale - kLowestScale) return false;
-                for (int m = 0; m < i; m++) a[m] >>= 1;
+                for (int m = 0; m < order; m++) a[m] >>= 1;
                 x = f * 0x10000LL + k * g, y = g * 0x10000LL + k * f;
             }
             f = Vsp16s(roundHigh(x));
             g = Vsp16s(roundHigh(y));
         }
-        for (int j = 0; j < i; j++) set(j, a[j]);
         return true;
     }
 
-    // From order i to order i + 1. r is r[i + 1] and lags[j] r[i - j].
-    bool next(Vsp16s r, const Vsp16s* lags, int i) {
-        const Vsp64s h = roundHigh(r * 0x10000LL + dot(a, lags, i) * (2 << halvings)), magnitude = h < 0 ? -h : h;
-        if (magnitude >= alpha) return false;
-        const Vsp32u q = quotient(magnitude);
-        const int half = int(roundHigh(Vsp64s(q) << 15)) * (h > 0 ? -1 : 1);
-        const Vsp64s energy = alpha * 0x10000LL + 2 * half * h;
-        if (energy <= 0) return false;
-        if (!addReverse(half, i) && !addReverseHalving(half, i)) return false;
-        alpha = Vsp16s(roundHigh(energy));
-        const Vsp64s last = roundHigh((Vsp64s(q) << 15) >> halvings);
-        set(i, Vsp16s(h > 0 ? -last : last));
+    // Up to another order, at most kLanes. lags[j] is r[j + 1], with zeros behind. The recursion waits for one quotient
+    // after the other, so all else is done beside: the reverse filter b, where b[j] is a[order - 1 - j], moves up before
+    // half k is known, and the reciprocal of alpha is there when the sum of products is.
+    template <int kLanes>
+    bool advance(const Vsp16s* lags, int to) {
+        if (order >= to) return true;
+        using L = Lanes<kLanes>;
+        L f(a), b(a), r(lags);
+        const auto reverse = [&] {
+            alignas(64) Vsp16s reversed[kLanes] = {};
+            for (int j = 0; j < order; j++) reversed[j] = a[order - 1 - j];
+            b = L(reversed);
+        };
+        const auto lastOf = [&](int q, Vsp64s h) {
+            const int last = int(roundHigh((Vsp64s(q) << 15) >> halvings));
+            return Vsp16s(h > 0 ? -last : last);
+        };
+        reverse();
+        for (; order < to; order++) {
+            const L behind(kOneAt.bits + kPadded - order), foremost(kOneAt.bits + kPadded);
+            L upF = f, upB = b;
+            auto products = biasedProducts(r.v[0], b.v[0]);
+            for (int n = 1; n < L::kCount; n++) products = add(products, biasedProducts(r.v[n], b.v[n]));
+            for (int n = 0; n < L::kCount; n++) {
+                upF.v[n] = movedUp(f.v[n], f.before(n));
+                upB.v[n] = movedUp(b.v[n], b.before(n));
+            }
+            // floor(n / alpha) for n < 2^31 is this times n / 2^46, rounded down
+            const Vsp64s inverse = (1LL << 46) / (alpha > 0 ? alpha : 1) + 1;
+            const Vsp64s s = (sum(products) - Vsp64s(kLanes / 2) * kDotBias) * (2LL << halvings);
+            const Vsp64s h = (lags[order] * 0x10000LL + 0x8000 + s) >> 16, size = h < 0 ? -h : h;
+            if (size >= alpha) return false;
+            const int q = int((size * inverse) >> 30), rounded = (q + 1) >> 1, half = h > 0 ? -rounded : rounded;
+            const Vsp64s energy = alpha * 0x10000LL + 2 * half * h;
+            if (energy <= 0) return false;
+            alpha = int(roundHigh(energy));
+
+            const V k = V::splat(Vsp16s(half)), last = V::splat(halvings == 0 ? Vsp16s(half) : lastOf(q, h));
+            const L old = f;
+            V extreme = V::splat(0);
+            for (int n = 0; n < L::kCount; n++) {
+                f.v[n] = addSat(f.v[n], mulRoundWrap(k, b.v[n]));
+                extreme = maxU(extreme, magnitude(f.v[n]));
+                f.v[n].v |= last.v & behind.v[n].v;
+                b.v[n] = addSat(upB.v[n], mulRoundWrap(k, upF.v[n]));
+                b.v[n].v |= last.v & foremost.v[n].v;
+            }
+            if (anyBit(Wide<V>{shrU(add(extreme, V::splat(1)), 15).v})) {  // perhaps one leaves 16 bits
+                old.store(a);
+                if (!addReverseHalving(half)) return false;
+                a[order] = lastOf(q, h);
+                f = L(a);
+                order++;
+                reverse();
+                order--;
+            }
+        }
+        f.store(a);
         return true;
     }
 };
@@ -123,33 +178,26 @@ VspStatus vspsLevinsonDurbin_G728_16s_ISfs(const Vsp16s* r, Vsp32s from, Vsp32s 
 
     constexpr int kFirstPart = 10;  // a failure behind it leaves that filter
     Recursion filter, kept;
-    int order = from;
     if (from == 0) {
         if (!filter.first(r)) return vspStsLevinsonErr;
-        order = 1;
     } else {
         filter.start(pSrcDst, from);
         filter.alpha = *pAlpha;
         filter.halvings = kHighestScale - *pScale;
     }
     const Vsp16s rc1 = filter.a[0];
-    Vsp16s reversed[kMaxOrder];  // reversed[to - 1 - j] is r[j + 1]
-    for (int j = 0; j < to; j++) reversed[to - 1 - j] = r[j + 1];
-    bool complete = true;
-    for (; order < to && complete; order++) {
-        if (order == kFirstPart) kept = filter;
-        complete = filter.next(r[order + 1], reversed + to - order, order);
-        if (!complete && order < kFirstPart) return vspStsLevinsonErr;
-    }
-    int valid = to;
-    if (!complete) {
-        if (from > kFirstPart) return vspStsOverflow;
-        filter = kept;
-        valid = kFirstPart;
-    }
-    for (int i = 0; i < valid; i++) pSrcDst[i] = filter.a[i];
+    alignas(64) Vsp16s lags[kPadded];
+    for (int j = 0; j < kPadded; j++) lags[j] = j < to ? r[j + 1] : Vsp16s(0);
+    const auto upTo = [to](int order) { return order < to ? order : to; };
+    if (!filter.advance<16>(lags, upTo(kFirstPart))) return vspStsLevinsonErr;
+    kept = filter;
+    const bool complete = filter.advance<16>(lags, upTo(16)) && filter.advance<32>(lags, upTo(32)) &&
+                          filter.advance<64>(lags, upTo(kMaxOrder));
+    if (!complete && from > kFirstPart) return vspStsOverflow;
+    if (!complete) filter = kept;
+    for (int i = 0; i < (complete ? to : kFirstPart); i++) pSrcDst[i] = filter.a[i];
     if (from == 0) *pRC1 = rc1;
-    *pAlpha = filter.alpha;
+    *pAlpha = Vsp16s(filter.alpha);
     *pScale = Vsp16s(kHighestScale - filter.halvings);
     return complete ? vspStsNoErr : vspStsOverflow;
 }
