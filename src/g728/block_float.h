@@ -53,13 +53,13 @@ VSP_INLINE constexpr Float16 normalised(Vsp64s x) {
 
 // Brings the extreme element to the size of a number of so many bits; returns the shifts.
 VSP_INLINE int normalise(Vsp16s* x, int len, int bits) {
-    int low = x[0], high = x[0];
-    for (int i = 1; i < len; i++) {
-        low = x[i] < low ? x[i] : low;
-        high = x[i] > high ? x[i] : high;
-    }
-    const int n = norm(low < -high ? low : high, bits);
-    for (int i = 0; i < len; i++) x[i] = Vsp16s(shiftExact(x[i], n));
+    int used = 0;  // bits, by any element
+    for (int i = 0; i < len; i++) used |= x[i] ^ (x[i] >> 15);
+    const int n = norm(used, bits);
+    if (n < 0)
+        for (int i = 0; i < len; i++) x[i] = Vsp16s(x[i] >> -n);
+    else
+        for (int i = 0; i < len; i++) x[i] = Vsp16s(x[i] * (1 << n));
     return n;
 }
 

@@ -1,6 +1,7 @@
 // The adaptive post-filter: long-term, short-term, and the gain of its output (G.728 blocks 71 to 77).
 #include "core/checks.h"
 #include "core/state_size.h"
+#include "g728/exact_sums.h"
 #include "g728/exports.h"
 #include "g728/pitch.h"
 
@@ -43,14 +44,20 @@ VspStatus vspsPostFilter_G728_16s(const Vsp16s* pSrc, const Vsp16s* pPast, Vsp32
     if (anyNull(pSrc, pPast, pGain, pZero, pPole, pDst, pState)) return vspStsNullPtrErr;
     if (!isPitch(pitch)) return vspStsRangeErr;
     State& s = *static_cast<State*>(pState);
-    Vsp16s f[kOrder + kVector], y[kOrder + kVector], out[kVector];
+    constexpr int kPadding = 7;
+    Vsp16s f[kOrder + kVector + kPadding] = {}, y[kOrder + kVector + kPadding] = {}, out[kVector];
     for (int i = 0; i < kOrder; i++) f[i] = s.longTerm[i], y[i] = s.shortTerm[i];
+    Vsp64s longTerm[kVector], ofInput[kVector], ofPast[kVector];
     for (int n = 0; n < kVector; n++) {
-        const Vsp64s longTerm = Vsp64s(pGain[0]) * pSrc[n] + pGain[1] * pPast[kPast + n - pitch];
-        Vsp16s *const newF = f + kOrder + n, *const newY = y + kOrder + n;
-        Vsp64s sum = longTerm;
-        for (int i = 0; i < kOrder; i++) sum += Vsp64s(pZero[i]) * newF[-1 - i] - pPole[i] * newY[-1 - i];
-        *newF = Vsp16s(roundHigh(Cnvrt_64s32s(4 * longTerm)));
+        longTerm[n] = Vsp64s(pGain[0]) * pSrc[n] + pGain[1] * pPast[kPast + n - pitch];
+        f[kOrder + n] = Vsp16s(roundHigh(Cnvrt_64s32s(4 * longTerm[n])));
+    }
+    sumsOfTen(pZero, f + kOrder, ofInput);
+    sumsOfTen(pPole, y + kOrder, ofPast);
+    for (int n = 0; n < kVector; n++) {
+        Vsp16s* const newY = y + kOrder + n;
+        Vsp64s sum = longTerm[n] + ofInput[n] - ofPast[n];
+        for (int i = 0; i < n; i++) sum -= pPole[i] * newY[-1 - i];
         *newY = sat16(sum >> 14);
         out[n] = sat16((sum + Vsp64s(tilt) * newY[-1]) >> 14);
     }

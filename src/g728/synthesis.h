@@ -1,7 +1,7 @@
 // The synthesis filter of order 50, whose past is ten vectors of block floating point (G.728 blocks 9, 22 and 32).
 #pragma once
 
-#include "g728/block_float.h"
+#include "g728/exact_sums.h"
 
 namespace vsp::VSP_LEVEL::g728 {
 
@@ -23,32 +23,10 @@ struct SynthesisMemory {
 
     // The response of the filter to its past becomes pending.
     void ring(const Vsp16s* lpc) {
-        constexpr int kLanes = 8, kNarrow = 1 << 16;
         int least = past[0].scale;
         for (const Vector& v : past) least = v.scale < least ? v.scale : least;
-        Vsp16s a[kSynthesisOrder + kLanes] = {};
-        for (int i = 0; i < kSynthesisOrder; i++) a[i] = lpc[i];
-        Vsp64s sums[kLanes] = {};
-        for (int v = 0; v < kPastVectors; v++) {
-            const Vector& old = past[v];
-            const int shift = old.scale - least;
-            if (v == kPastVectors - 1 && shift >= 30) continue;
-            const Vsp16s* const ofLast = a + kVector * (v + 1) - 1;  // the coefficients of its last sample are the first
-            int magnitudes = 0;
-            for (const Vsp16s x : old.x) magnitudes += x < 0 ? -x : x;
-            if (magnitudes < kNarrow) {  // as of vectors that advance() has made
-                Vsp32s part[kLanes] = {};
-                for (int m = 0; m < kVector; m++)
-                    for (int n = 0; n < kLanes; n++) part[n] -= ofLast[n - m] * old.x[m];
-                for (int n = 0; n < kLanes; n++) sums[n] += part[n] >> (shift < 31 ? shift : 31);
-            } else {
-                for (int n = 0; n < kVector; n++) {
-                    Vsp64s part = 0;
-                    for (int m = 0; m < kVector; m++) part -= ofLast[n - m] * old.x[m];
-                    sums[n] += shiftRight(part, shift > 30 ? 63 : shift);
-                }
-            }
-        }
+        Vsp64s sums[kVector];
+        if (!sumsOfSmall(lpc, least, sums)) sumsOfAny(lpc, least, sums);
         Vsp16s response[kVector];
         for (int n = 0; n < kVector; n++) {
             Vsp64s t = sums[n];
@@ -64,18 +42,17 @@ struct SynthesisMemory {
         constexpr Vsp64s kLimit = 1 << 28;
         Vsp16s e[kVector];
         for (int n = 0; n < kVector; n++) e[n] = src[n];
-        for (int n = 0; n < kVector;) {
-            Vsp64s t = 16384 * e[n];
-            for (int m = 0; m < n; m++) t -= lpc[n - 1 - m] * z[m];
-            if (t >= -kLimit && t < kLimit) {
-                z[n++] = Vsp16s(t >> 14);
-                continue;
+        for (;; scale--) {
+            bool fits = true;
+            for (int n = 0; n < kVector; n++) {
+                Vsp64s t = 16384 * e[n];
+                for (int m = 0; m < n; m++) t -= lpc[n - 1 - m] * z[m];
+                fits = fits && t >= -kLimit && t < kLimit;
+                z[n] = Vsp16s(t >> 14);
             }
+            if (fits) return scale;
             for (Vsp16s& x : e) x >>= 1;
-            scale--;
-            n = 0;
         }
-        return scale;
     }
 
     // Adds z to what is pending: the newest vector of the past, returned.
@@ -89,9 +66,68 @@ struct SynthesisMemory {
             sum.x[n] = Vsp16s(x > limit ? limit : x < lower ? lower : x);
         }
         sum.scale = sat16(least + normalise(sum.x, kVector, 14));
-        for (int v = kPastVectors - 1; v > 0; v--) past[v] = past[v - 1];
+        Vector older[kPastVectors - 1];
+        for (int v = 0; v < kPastVectors - 1; v++) older[v] = past[v];
+        for (int v = 0; v < kPastVectors - 1; v++) past[v + 1] = older[v];
         past[0] = sum;
         return past[0];
+    }
+
+  private:
+    static constexpr int kNegligible = 30;  // shift from which on the oldest vector does not count
+
+    // For each sample of the next vector the sum of the products with the past, brought to a common scale vector after
+    // vector, in vectors: if no sample is larger than those that advance() makes. Products with a vector's coefficients are
+    // taken of two samples at a time.
+    bool sumsOfSmall(const Vsp16s* lpc, int least, Vsp64s* sums) const {
+        constexpr int kStride = kVector + 1, kWords = kPastVectors * kStride, kMost = 0xFFFF / kVector, kZeros = 6;
+        alignas(32) Vsp16s negated[kWords];
+        S16_128 largest = S16_128::splat(0);
+        const Vsp16s* const words = reinterpret_cast<const Vsp16s*>(past);
+        for (int i = 0; i < kWords; i += S16_128::width) {
+            const int at = i < kWords - S16_128::width ? i : kWords - S16_128::width;
+            const S16_128 x = S16_128::load(words + at);
+            largest = maxU(largest, magnitude(x));
+            sub(S16_128::splat(0), x).store(negated + at);
+        }
+        if (largestU(largest) > kMost) return false;
+
+        alignas(32) Vsp32s pairs[kSynthesisOrder + 1 + kZeros];  // coefficients i and i - 1
+        pairs[0] = Vsp16u(lpc[0]);
+        for (int i = 0; i + kOutputs < kSynthesisOrder; i += kOutputs) storePairs(lpc + i, pairs + i);
+        for (int i = kSynthesisOrder / kOutputs * kOutputs + 1; i < kSynthesisOrder; i++)
+            pairs[i] = Vsp16u(lpc[i]) | lpc[i - 1] * 0x10000;
+        pairs[kSynthesisOrder] = lpc[kSynthesisOrder - 1] * 0x10000;
+        for (int i = 1; i <= kZeros; i++) pairs[kSynthesisOrder + i] = 0;
+
+        ExactSums total;
+        for (int v = 0; v < kPastVectors; v++) {
+            const int shift = past[v].scale - least;
+            if (v == kPastVectors - 1 && shift >= kNegligible) continue;
+            const Vsp16s* const x = negated + kStride * v;
+            const Vsp32s* const c = pairs + kVector * v;
+            const Eight32s two = dotPairs(Eight32s::load(c + 4), x),
+                           four = add(two, dotPairs(Eight32s::load(c + 2), x + 2));
+            total.add(shr(add(four, mulLower(Eight32s::load(c), x[4])), shift));
+        }
+        total.store(sums);
+        return true;
+    }
+
+    [[gnu::noinline]] void sumsOfAny(const Vsp16s* lpc, int least, Vsp64s* sums) const {
+        for (int n = 0; n < kVector; n++) {
+            sums[n] = 0;
+            for (int v = 0; v < kPastVectors; v++) {
+                const int shift = past[v].scale - least;
+                if (v == kPastVectors - 1 && shift >= kNegligible) continue;
+                Vsp64s part = 0;
+                for (int m = 0; m < kVector; m++) {
+                    const int i = kVector * (v + 1) - 1 - m + n;
+                    if (i < kSynthesisOrder) part -= lpc[i] * past[v].x[m];
+                }
+                sums[n] += shiftRight(part, shift > 30 ? 63 : shift);
+            }
+        }
     }
 };
 

@@ -12,13 +12,19 @@ namespace {
 
 constexpr int kOrder = 10, kSpeechScale = 2;
 
-// One output of the weighting filter: x and y are the places of the present input and output, the past before them.
-Vsp16s weigh(const Vsp16s* zero, const Vsp16s* pole, const Vsp16s* x, const Vsp16s* y, int zeros = kOrder,
-             int poles = kOrder) {
-    Vsp64s t = 16384 * x[0];
-    for (int i = 0; i < zeros; i++) t += zero[i] * x[-1 - i];
-    for (int i = 0; i < poles; i++) t -= pole[i] * y[-1 - i];
-    return sat16(t >> 14);
+constexpr int kPadding = 7;
+
+// The weighting filter on a vector: x and y are the places of the present input and output, the past before them.
+void weigh(const Vsp16s* zero, const Vsp16s* pole, const Vsp16s* x, Vsp16s* y) {
+    Vsp64s ofInput[kVector], ofPast[kVector];
+    for (int n = 0; n < kVector; n++) y[n] = 0;
+    sumsOfTen(zero, x, ofInput);
+    sumsOfTen(pole, y, ofPast);
+    for (int n = 0; n < kVector; n++) {
+        Vsp64s t = 16384 * x[n] + ofInput[n] - ofPast[n];
+        for (int i = 0; i < n; i++) t -= pole[i] * y[n - 1 - i];
+        y[n] = sat16(t >> 14);
+    }
 }
 
 struct InputState {
@@ -46,19 +52,18 @@ VspStatus vspsIIR16sInit_G728_16s(void* pState) {
 
 VspStatus vspsIIR16s_G728_16s(const Vsp16s* pSrc, const Vsp16s* pZero, const Vsp16s* pPole, Vsp16s* pDst, Vsp32s len,
                               void* pState) {
-    constexpr int kBlock = 40;
     if (anyNull(pSrc, pZero, pPole, pDst, pState)) return vspStsNullPtrErr;
     if (len < 1) return vspStsSizeErr;
     InputState& s = *static_cast<InputState*>(pState);
-    Vsp16s x[kOrder + kBlock], y[kOrder + kBlock];
+    Vsp16s x[kOrder + kVector + kPadding] = {}, y[kOrder + kVector + kPadding] = {};
     for (int i = 0; i < kOrder; i++) x[i] = s.x[i], y[i] = s.y[i];
     while (len > 0) {
-        const int n = len < kBlock ? len : kBlock;
-        for (int i = 0; i < n; i++) x[kOrder + i] = pSrc[i];
-        for (int i = 0; i < n; i++) y[kOrder + i] = weigh(pZero, pPole, x + kOrder + i, y + kOrder + i);
-        for (int i = 0; i < n; i++) pDst[i] = y[kOrder + i];
-        for (int i = 0; i < kOrder; i++) x[i] = x[n + i], y[i] = y[n + i];
-        pSrc += n, pDst += n, len -= n;
+        const int count = len < kVector ? len : kVector;
+        for (int n = 0; n < kVector; n++) x[kOrder + n] = n < count ? pSrc[n] : Vsp16s(0);
+        weigh(pZero, pPole, x + kOrder, y + kOrder);
+        for (int n = 0; n < count; n++) pDst[n] = y[kOrder + n];
+        for (int i = 0; i < kOrder; i++) x[i] = x[count + i], y[i] = y[count + i];
+        pSrc += count, pDst += count, len -= count;
     }
     for (int i = 0; i < kOrder; i++) s.x[i] = x[i], s.y[i] = y[i];
     return vspStsNoErr;
@@ -79,7 +84,7 @@ VspStatus vspsCombinedFilterZeroInput_G728_16s(const Vsp16s* pLPC, const Vsp16s*
     if (anyNull(pLPC, pZero, pPole, pDst, pState)) return vspStsNullPtrErr;
     CombinedState& s = *static_cast<CombinedState*>(pState);
     s.memory.ring(pLPC);
-    Vsp16s x[kOrder + kVector], y[kOrder + kVector];
+    Vsp16s x[kOrder + kVector + kPadding] = {}, y[kOrder + kVector + kPadding] = {};
     const auto place = [&](const Vector& v, Vsp16s* at) {
         for (int n = 0; n < kVector; n++) at[n] = shift_16s(v.x[n], Vsp64s(kSpeechScale) - v.scale);
     };
@@ -87,7 +92,7 @@ VspStatus vspsCombinedFilterZeroInput_G728_16s(const Vsp16s* pLPC, const Vsp16s*
     place(s.memory.past[0], x + kVector);
     place(s.memory.pending, x + kOrder);
     for (int i = 0; i < kOrder; i++) y[i] = s.weighted[i];
-    for (int n = 0; n < kVector; n++) y[kOrder + n] = weigh(pZero, pPole, x + kOrder + n, y + kOrder + n);
+    weigh(pZero, pPole, x + kOrder, y + kOrder);
     for (int i = 0; i < kOrder; i++) s.weighted[i] = y[kVector + i];
     for (int n = 0; n < kVector; n++) pDst[n] = y[kOrder + n];
     return vspStsNoErr;
@@ -100,7 +105,9 @@ VspStatus vspsCombinedFilterUpdate_G728_16s(const Vsp16s* pSrc, Vsp32s scale, co
     Vsp16s z[kVector], w[kVector];
     const Vsp64s excited = SynthesisMemory::excite(pLPC, pSrc, scale, z);
     for (int n = 0; n < kVector; n++) {
-        w[n] = weigh(pZero, pPole, z + n, w + n, n, n);
+        Vsp64s t = 16384 * z[n];
+        for (int i = 0; i < n; i++) t += Vsp64s(pZero[i]) * z[n - 1 - i] - pPole[i] * w[n - 1 - i];
+        w[n] = sat16(t >> 14);
         Vsp16s& memory = s.weighted[kOrder - kVector + n];
         memory = sat16(Vsp64s(memory) + shift_32s(w[n], kSpeechScale - excited));
     }
