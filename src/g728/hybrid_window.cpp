@@ -1,9 +1,9 @@
 // Hybrid windows of the backward adaptation and the autocorrelation behind them (G.728 blocks 36, 43 and 49).
-#include "common/autocorrelation.h"
 #include "core/checks.h"
 #include "g728/block_float.h"
 #include "g728/exports.h"
 #include "g728/tables.h"
+#include "vector/correlate.h"
 #include "vector/dot.h"
 
 namespace vsp::VSP_LEVEL {
@@ -56,59 +56,111 @@ struct State {
           scales(samples + s.samples()) {}
 };
 
-// Sums of products of len samples of w with those up to maxLag before.
-struct Correlations {
-    static constexpr int kLags = wholeLagGroups(kMaxOrder + 1);
-    Vsp64s sums[kLags];
+// Shifts of sums, which have 32 bits unless the samples are too large together.
+VSP_INLINE Vsp32s lower(Vsp32s x, Vsp64s n) { return x >> (n < 31 ? n : 31); }
+VSP_INLINE Vsp64s lower(Vsp64s x, Vsp64s n) { return shiftRight(x, n); }
+VSP_INLINE Vsp32s raised(Vsp32s x, int n) {
+    const Vsp32s product = Vsp32s(Vsp32u(x) << n);
+    return product >> n == x ? product : x < 0 ? kMin32 : kMax32;
+}
+VSP_INLINE Vsp32s raised(Vsp64s x, int n) { return shift_32s(x, n); }
 
-    Correlations(const Vsp16s* w, int len, int maxLag, bool fits) {
-        if (!fits) {
-            for (int lag = 0; lag <= maxLag; lag++) sums[lag] = dot(w, w - lag, len);
-            return;
-        }
-        Vsp16s padded[kLags + kMaxBlock + kMaxNonRecursive + Sliding16::width] = {};
-        for (int i = -maxLag; i < len; i++) padded[kLags + i] = w[i];
-        Vsp32s narrow[kLags];
-        correlateLags(padded + kLags, len, narrow, maxLag + 1);
-        for (int lag = 0; lag <= maxLag; lag++) sums[lag] = narrow[lag];
-    }
-};
+// Times 2^n, clipped to 32 bits.
+template <class Sum>
+VSP_INLINE Vsp32s shifted(Sum x, int n) {
+    return raised(lower(x, n < 0 ? -n : 0), n < 0 ? 0 : n);
+}
 
-// The autocorrelation of windowed samples of scale q.
-VspStatus correlate(const Shape& s, const Vsp16s* w, int q, const State& state, Vsp16s* dst) {
-    const Vsp64s level = 2 * q, factor = 0x10000 - (0x10000 >> s.decay);
-    const Vsp16s *const recursive = w + s.order, *const newest = recursive + s.block;
-    const bool fits = energy(w, s.samples()) <= kMax32;  // and so does every sum
-    const Correlations ofRecursive(recursive, s.block, s.order, fits), ofNewest(newest, s.nonRecursive, s.order, fits);
+VSP_INLINE Vsp16s rounded(Vsp32s x) {
+    const Vsp32s high = (x >> 16) + (x >> 15 & 1);
+    return Vsp16s(high < kMax16 ? high : kMax16);
+}
+
+// From the sums of products with the samples so far earlier, lag after lag: of those that enter the recursive part, and of
+// the newest ones.
+template <const Shape& s, class Sum>
+VspStatus adapt(const Sum* ofRecursive, const Sum* ofNewest, int q, const State& state, Vsp16s* dst) {
+    constexpr Vsp32s kFactor = 0x10000 - (0x10000 >> s.decay);
+    const Vsp64s level = 2 * q;
     Vsp64s scale = state.header->scale;
     const Vsp64s past = 1 + (scale > level ? scale - level : 0), present = 1 + (scale < level ? level - scale : 0);
     scale = scale > level ? level : scale;
 
-    const auto recursion = [&](int lag) {
-        return shiftRight(state.recursive[lag] * factor, past) + shiftRight(ofRecursive.sums[lag], present);
-    };
-    Vsp64s a = recursion(0);
-    const int recursiveShift = norm(a, 32);
-    state.recursive[0] = Vsp16s(roundHigh(shiftExact(a, recursiveShift)));
+    Vsp16s recursive[s.order + 1], r[s.order + 1];
+    Sum sums[s.order + 1];
+    for (int lag = 0; lag <= s.order; lag++)
+        sums[lag] = lower(state.recursive[lag] * kFactor, past) + lower(ofRecursive[lag], present);
+    const int recursiveShift = norm(sums[0], 32);
     scale += recursiveShift - 1;
+    for (int lag = 0; lag <= s.order; lag++) recursive[lag] = rounded(shifted(sums[lag], recursiveShift));
 
     const Vsp64s old = 1 + (scale > level ? scale - level : 0), now = 1 + (scale < level ? level - scale : 0);
-    const auto total = [&](int lag) {
-        return shiftRight(state.recursive[lag] * 0x10000LL, old) + shiftRight(ofNewest.sums[lag], now);
-    };
-    a = total(0);
-    a += a >> 8;  // white noise 24 dB below
-    const int shift = norm(a, 32);
-    dst[0] = Vsp16s(roundHigh(shiftExact(a, shift)));
-    Vsp32s last = 0;
-    for (int lag = 1; lag <= s.order; lag++) {
-        state.recursive[lag] = Vsp16s(roundHigh(shift_32s(recursion(lag), recursiveShift)));
-        last = shift_32s(total(lag), shift);
-        dst[lag] = Vsp16s(roundHigh(last));
+    for (int lag = 0; lag <= s.order; lag++) sums[lag] = lower(recursive[lag] * 0x10000, old) + lower(ofNewest[lag], now);
+    const Vsp64s energy = sums[0] + Vsp64s(sums[0] >> 8);  // white noise 24 dB below
+    const int shift = norm(energy, 32);
+    for (int lag = 1; lag <= s.order; lag++) r[lag] = rounded(shifted(sums[lag], shift));
+    r[0] = Vsp16s(roundHigh(shiftExact(energy, shift)));
+
+    for (int lag = 0; lag <= s.order; lag++) {
+        state.recursive[lag] = recursive[lag];
+        dst[lag] = r[lag];
     }
     if (&s == &kWeighting && scale > 41) scale = 41;
     state.header->scale = Vsp32s(scale);
-    return last == 0 ? vspStsWinHybridWarn : vspStsNoErr;
+    return shifted(sums[s.order], shift) == 0 ? vspStsWinHybridWarn : vspStsNoErr;
+}
+
+// Windowed samples, the newest first, and zeros behind.
+template <const Shape& s>
+struct Windowed {
+    static constexpr int kLags = (s.order + Sliding16::width) / Sliding16::width * Sliding16::width;
+    static constexpr int kLength = s.nonRecursive + s.block + kLags;
+    Vsp16s w[kLength];
+
+    Windowed() {
+        for (int i = s.samples(); i < kLength; i++) w[i] = 0;
+    }
+    VspStatus correlate(int q, const State& state, Vsp16s* dst) const {
+        const Vsp16s* const recursive = w + s.nonRecursive;
+        if (energy(w, s.samples()) <= kMax32) {  // and so is every sum
+            Vsp32s ofRecursive[kLags], ofNewest[kLags];
+            VSP_LEVEL::correlate(recursive, s.block, recursive, ofRecursive, kLags);
+            VSP_LEVEL::correlate(w, s.nonRecursive, w, ofNewest, kLags);
+            return adapt<s>(ofRecursive, ofNewest, q, state, dst);
+        }
+        Vsp64s ofRecursive[kLags], ofNewest[kLags];
+        for (int lag = 0; lag <= s.order; lag++) {
+            ofRecursive[lag] = dot(recursive, recursive + lag, s.block);
+            ofNewest[lag] = dot(w, w + lag, s.nonRecursive);
+        }
+        return adapt<s>(ofRecursive, ofNewest, q, state, dst);
+    }
+};
+
+// The samples with a new block behind them; returned the newest first.
+template <const Shape& s>
+VSP_INLINE void take(const Vsp16s* src, const State& state, Vsp16s* newestFirst) {
+    constexpr int kSamples = s.samples(), kKept = kSamples - s.block;
+    Vsp16s samples[kSamples];
+    for (int i = 0; i < kKept; i++) samples[i] = state.samples[i + s.block];
+    for (int i = 0; i < s.block; i++) samples[kKept + i] = src[i];
+    for (int i = 0; i < kSamples; i++) state.samples[i] = samples[i];
+    for (int i = 0; i < kSamples; i++) newestFirst[i] = samples[kSamples - 1 - i];
+}
+
+template <const Shape& s>
+VspStatus windowSamples(const Vsp16s* src, Vsp16s* dst, const State& state) {
+    constexpr int kSamples = s.samples();
+    Windowed<s> windowed;
+    Vsp16s x[kSamples];
+    take<s>(src, state, x);
+    for (int i = 0; i < kSamples; i++) windowed.w[i] = x[i];
+    const int shift = normalise(windowed.w, kSamples, 15);
+    if (shift < 0)
+        for (int i = 0; i < kSamples; i++) windowed.w[i] = Vsp16s(((x[i] * s.window[i] >> -shift) + 0x8000) >> 16);
+    else
+        for (int i = 0; i < kSamples; i++) windowed.w[i] = Vsp16s((x[i] * s.window[i] * (1 << shift) + 0x8000) >> 16);
+    return windowed.correlate(shift, state, dst);
 }
 
 }  // namespace
@@ -136,42 +188,38 @@ VspStatus vspsWinHybrid_G728_16s(const Vsp16s* pSrc, Vsp16s* pDst, void* pState)
     if (anyNull(pSrc, pDst, pState)) return vspStsNullPtrErr;
     const Header& header = *static_cast<const Header*>(pState);
     const Shape* const found = find(header.order, header.nonRecursive, header.block);
-    const Shape& s = found == &kWeighting ? kWeighting : kLogGain;
-    const State state(pState, s);
-    const int samples = s.samples();
-    Vsp16s block[kMaxBlock], w[kMaxSamples];
-    for (int i = 0; i < s.block; i++) block[i] = pSrc[i];
-    for (int i = 0; i < samples - s.block; i++) state.samples[i] = state.samples[i + s.block];
-    for (int i = 0; i < s.block; i++) state.samples[samples - s.block + i] = block[i];
-    for (int i = 0; i < samples; i++) w[i] = state.samples[i];
-    const int shift = normalise(w, samples, 15);
-    for (int i = 0; i < samples; i++) {
-        const Vsp64s product = state.samples[i] * s.window[samples - 1 - i];
-        w[i] = Vsp16s(roundHigh(shiftExact(product, shift)));
-    }
-    return correlate(s, w, shift, state, pDst);
+    return found == &kWeighting ? windowSamples<kWeighting>(pSrc, pDst, State(pState, kWeighting))
+                                : windowSamples<kLogGain>(pSrc, pDst, State(pState, kLogGain));
 }
 
 VspStatus vspsWinHybridBlock_G728_16s(const Vsp16s* pSrc, const Vsp16s* pScale, Vsp16s* pDst, void* pState) {
     if (anyNull(pSrc, pScale, pDst, pState)) return vspStsNullPtrErr;
     constexpr const Shape& s = kSynthesis;
-    constexpr int kSamples = s.samples(), kVectors = s.vectors(), kNew = s.block / kVector;
+    constexpr int kVectors = s.vectors(), kNew = s.block / kVector;
     const State state(pState, s);
-    Vsp16s block[kMaxBlock], scales[kNew], w[kMaxSamples];
-    for (int i = 0; i < s.block; i++) block[i] = pSrc[i];
-    for (int i = 0; i < kNew; i++) scales[i] = pScale[i];
-    for (int i = 0; i < kSamples - s.block; i++) state.samples[i] = state.samples[i + s.block];
-    for (int i = 0; i < s.block; i++) state.samples[kSamples - s.block + i] = block[i];
-    for (int i = 0; i < kVectors - kNew; i++) state.scales[i] = state.scales[i + kNew];
-    for (int i = 0; i < kNew; i++) state.scales[kVectors - kNew + i] = scales[i];
-    int least = state.scales[0];
-    for (int i = 1; i < kVectors; i++) least = state.scales[i] < least ? state.scales[i] : least;
-    for (int i = 0; i < kSamples; i++) {
-        const Vsp64s product = state.samples[i] * s.window[kSamples - 1 - i];
-        const int shift = state.scales[i / kVector] - least - 1;
-        w[i] = Vsp16s(roundHigh(shift < 0 ? 2 * product : shiftRight(product, shift)));
+    Vsp16s x[s.samples()], scales[kVectors];
+    for (int i = 0; i < kVectors - kNew; i++) scales[i] = state.scales[i + kNew];
+    for (int i = 0; i < kNew; i++) scales[kVectors - kNew + i] = pScale[i];
+    for (int i = 0; i < kVectors; i++) state.scales[i] = scales[i];
+    int least = scales[0];
+    for (int i = 1; i < kVectors; i++) least = scales[i] < least ? scales[i] : least;
+    take<s>(pSrc, state, x);
+    Windowed<s> windowed;
+    const auto shift = [&](int v) {
+        const int difference = scales[kVectors - 1 - v] - least;
+        return difference < 31 ? difference : 31;
+    };
+    for (int v = 0; v < kVectors - 1; v++) {  // and three samples of the next one
+        const S16_128 sample = S16_128::load(x + kVector * v), weight = S16_128::load(s.window + kVector * v);
+        const S16_128 low = mulLo(sample, weight), high = mulHi(sample, weight);
+        const auto windowedBy = [n = shift(v)](S32_128 product) {
+            return shr(add(shr(add(product, product), n), S32_128::splat(0x8000)), 16);
+        };
+        packSat(windowedBy(zipLo(low, high)), windowedBy(zipHi(low, high))).store(windowed.w + kVector * v);
     }
-    return correlate(s, w, least, state, pDst);
+    for (int i = kVector * (kVectors - 1); i < s.samples(); i++)
+        windowed.w[i] = Vsp16s(((x[i] * s.window[i] * 2 >> shift(kVectors - 1)) + 0x8000) >> 16);
+    return windowed.correlate(least, state, pDst);
 }
 
 }  // namespace vsp::VSP_LEVEL
