@@ -88,15 +88,19 @@ void survivorsOf(const IsfSplit& split, const Vsp16s* x, Survivors& s) {
         s.distance[n] = kFar;
         s.index[n] = n;
     }
-    for (int i = 0; i < kFirstStage; i++) {
-        if (all[i] >= s.distance[kSurvivors - 1]) continue;
-        int n = kSurvivors - 1;
-        for (; n > 0 && all[i] < s.distance[n - 1]; n--) {
-            s.distance[n] = s.distance[n - 1];
-            s.index[n] = s.index[n - 1];
+    for (int first = 0; first < kFirstStage; first += S32::width) {
+        Vsp32u nearer = whereSmaller(S32::load(all + first), S32::splat(s.distance[kSurvivors - 1]));
+        for (; nearer != 0; nearer &= nearer - 1) {
+            const int i = first + __builtin_ctz(nearer);
+            if (all[i] >= s.distance[kSurvivors - 1]) continue;
+            int n = kSurvivors - 1;
+            for (; n > 0 && all[i] < s.distance[n - 1]; n--) {
+                s.distance[n] = s.distance[n - 1];
+                s.index[n] = s.index[n - 1];
+            }
+            s.distance[n] = all[i];
+            s.index[n] = i;
         }
-        s.distance[n] = all[i];
-        s.index[n] = i;
     }
 }
 

@@ -16,6 +16,27 @@ VSP_IF_512(VSP_INLINE S32_512 whereGreater(S32_512 a, S32_512 b, S32_512 x, S32_
     return {_mm512_mask_blend_epi32(_mm512_cmpgt_epi32_mask(a.v, b.v), y.v, x.v)};
 })
 
+// Bit i tells whether a[i] < b[i].
+VSP_INLINE Vsp32u whereSmaller(S32_128 a, S32_128 b) {
+    return Vsp32u(_mm_movemask_ps(_mm_castsi128_ps(_mm_cmplt_epi32(a.v, b.v))));
+}
+VSP_IF_256(VSP_INLINE Vsp32u whereSmaller(S32_256 a, S32_256 b) {
+    return Vsp32u(_mm256_movemask_ps(_mm256_castsi256_ps(_mm256_cmpgt_epi32(b.v, a.v))));
+})
+VSP_IF_512(VSP_INLINE Vsp32u whereSmaller(S32_512 a, S32_512 b) { return _mm512_cmplt_epi32_mask(a.v, b.v); })
+
+// The smallest element.
+VSP_INLINE Vsp32s smallestOf(S32_128 a) {
+    const S32_128 pairs = min(a, S32_128{_mm_unpackhi_epi64(a.v, a.v)});
+    return _mm_cvtsi128_si32(min(pairs, S32_128{_mm_shuffle_epi32(pairs.v, 1)}).v);
+}
+VSP_IF_256(VSP_INLINE Vsp32s smallestOf(S32_256 a) {
+    return smallestOf(min(S32_128{_mm256_castsi256_si128(a.v)}, S32_128{_mm256_extracti128_si256(a.v, 1)}));
+})
+VSP_IF_512(VSP_INLINE Vsp32s smallestOf(S32_512 a) {
+    return smallestOf(min(S32_256{_mm512_castsi512_si256(a.v)}, S32_256{_mm512_extracti64x4_epi64(a.v, 1)}));
+})
+
 // Values are offered as the halves of S16 vectors: lo and hi as zipLo and zipHi give them, with the indices of their
 // elements.
 class Smallest {
@@ -37,18 +58,10 @@ class Smallest {
     [[gnu::always_inline]] int index() const { return found().index; }
 
     [[gnu::always_inline]] Found found() const {
-        Vsp32s values[2][S32::width], indices[2][S32::width];
-        for (int h = 0; h < 2; h++) {
-            values_[h].store(values[h]);
-            indices_[h].store(indices[h]);
-        }
-        Vsp32s value = values[0][0], index = indices[0][0];
-        for (int h = 0; h < 2; h++)
-            for (int i = 0; i < S32::width; i++)
-                if (values[h][i] < value || (values[h][i] == value && indices[h][i] < index)) {
-                    value = values[h][i];
-                    index = indices[h][i];
-                }
+        const Vsp32s value = smallestOf(min(values_[0], values_[1]));
+        const S32 least = S32::splat(value), none = S32::splat(0x7FFFFFFF);
+        const int index = smallestOf(
+            min(whereGreater(values_[0], least, none, indices_[0]), whereGreater(values_[1], least, none, indices_[1])));
         return {value, index};
     }
 
