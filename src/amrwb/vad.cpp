@@ -1,6 +1,7 @@
 // Voice activity detection (`wb_vad`; 3GPP TS 26.194).
 #include "amrwb/exports.h"
 #include "amrwb/lengths.h"
+#include "amrwb/vad_filter_bank.h"
 #include "arithmetic/standard_ops.h"
 #include "common/band_levels.h"
 #include "core/checks.h"
@@ -12,73 +13,23 @@ namespace vsp::VSP_LEVEL {
 namespace {
 
 constexpr int kBands = 12;
-constexpr int kGroup = 32, kGroups = kWideFrame / kGroup;  // samples that the filter bank turns into band samples
-constexpr int kEnd = 2;                                    // the group from which on a level counts for the next frame
 
 struct State {
     Vsp32s prevPower;
     Vsp16s noise[kBands], average[kBands], oldLevel[kBands], subLevel[kBands];
-    Vsp16s mem5[5][2], mem3[6];
+    VadFilterMemory filters;
     Vsp16s burstCount, hangCount, statCount, vadReg, toneFlags;
     Vsp16s estimateCount, speechMax, speechMaxCount, speechLevel;
     Vsp16s unused[11];
 };
 static_assert(sizeof(State) == 172 && alignof(State) == 4);
 
-// --- The filter bank: a tree of all-pass sections in place -------------------------------------------------------------
-
-VSP_INLINE Vsp16s allPass(Vsp16s x, Vsp16s factor, Vsp16s& memory) {
-    const Vsp16s t = Sub_16s(x, Mul_16s(factor, memory));
-    const Vsp16s y = Add_16s(memory, Mul_16s(factor, t));
-    memory = t;
-    return y;
-}
-
-VSP_INLINE void split(Vsp16s a, Vsp16s b, Vsp16s& low, Vsp16s& high) {
-    low = Vsp16s((a + b) >> 1);
-    high = Vsp16s((a - b) >> 1);
-}
-
-// The 5th-order pair of sections (`filter5`).
-VSP_INLINE void filter5(Vsp16s& x0, Vsp16s& x1, Vsp16s (&memory)[2]) {
-    split(allPass(x0, 21955, memory[0]), allPass(x1, 6390, memory[1]), x0, x1);
-}
-
-// The 3rd-order section (`filter3`).
-VSP_INLINE void filter3(Vsp16s& x0, Vsp16s& x1, Vsp16s& memory) { split(x0, allPass(x1, 13363, memory), x0, x1); }
-
-void filterBank(Vsp16s* x, State& s) {
-    for (int i = 0; i < kWideFrame; i += 2) filter5(x[i], x[i + 1], s.mem5[0]);
-    for (int i = 0; i < kWideFrame; i += 4) {
-        filter5(x[i], x[i + 2], s.mem5[1]);
-        filter5(x[i + 1], x[i + 3], s.mem5[2]);
-    }
-    for (int i = 0; i < kWideFrame; i += 8) {
-        filter5(x[i], x[i + 4], s.mem5[3]);
-        filter5(x[i + 2], x[i + 6], s.mem5[4]);
-        filter3(x[i + 3], x[i + 7], s.mem3[0]);
-    }
-    for (int i = 0; i < kWideFrame; i += 16) {
-        filter3(x[i], x[i + 8], s.mem3[1]);
-        filter3(x[i + 4], x[i + 12], s.mem3[2]);
-        filter3(x[i + 6], x[i + 14], s.mem3[3]);
-    }
-    for (int i = 0; i < kWideFrame; i += 32) {
-        filter3(x[i], x[i + 16], s.mem3[4]);
-        filter3(x[i + 8], x[i + 24], s.mem3[5]);
-    }
-}
-
 void bandLevels(const Vsp16s* src, State& s, Vsp16s* level) {
     static constexpr BandPlaces kPlaces[kBands] = {{0, 32, 17},  {16, 32, 17}, {24, 32, 17}, {8, 32, 17},
                                                    {12, 16, 16}, {4, 16, 16},  {6, 16, 16},  {14, 16, 16},
                                                    {2, 8, 15},   {3, 8, 15},   {7, 8, 15},   {1, 4, 14}};
-    Vsp16s x[kWideFrame];
-    for (int i = 0; i < kWideFrame; i++) x[i] = Vsp16s(src[i] >> 1);
-    filterBank(x, s);
-    Vsp32s sums[2][kGroup] = {};
-    for (int group = 0; group < kGroups; group++)
-        for (int i = 0; i < kGroup; i++) sums[group >= kEnd][i] += Abs_16s(x[group * kGroup + i]);
+    Vsp32s sums[2][kVadGroup];
+    vadBandSums(src, s.filters, sums);
     ownBandLevels(kPlaces, sums[0], sums[1], s.subLevel, level);
 }
 
