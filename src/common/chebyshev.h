@@ -86,11 +86,26 @@ VSP_INLINE Vsp16s chebyshev(const LspPolynomial<kHalf, kImmittance>& p, const Ch
     return kImmittance && value == kMin16 ? Vsp16s(-kMax16) : value;
 }
 
+// What the steps of a series add, in every element: the doubled coefficients times their factors.
+template <class W, int kHalf, bool kImmittance>
+struct ChebyshevAddends {
+    W of[kHalf + 1];
+
+    [[gnu::always_inline]] static Vsp32s addend(const LspPolynomial<kHalf, kImmittance>& p, const ChebyshevForm& form,
+                                                int i) {
+        return 2 * p.f[i] * (i < kHalf ? form.addend : form.last);
+    }
+    ChebyshevAddends() = default;
+    [[gnu::always_inline]] ChebyshevAddends(const LspPolynomial<kHalf, kImmittance>& p, const ChebyshevForm& form) {
+        for (int i = 0; i <= kHalf; i++) of[i] = W::splat(addend(p, form, i));
+    }
+};
+
 // The values, before they are shifted and saturated, at 16-bit elements each of which stands in both halves of a pair.
 // Where one may have saturated on the way a sign bit of outside is set.
 template <class V, int kHalf, bool kImmittance>
-VSP_INLINE Wide<V> chebyshevOfPairs(const LspPolynomial<kHalf, kImmittance>& p, const ChebyshevForm& form, V pairs,
-                                    Wide<V>& outside) {
+VSP_INLINE Wide<V> chebyshevOfPairs(const ChebyshevAddends<Wide<V>, kHalf, kImmittance>& addends, const ChebyshevForm& form,
+                                    V pairs, Wide<V>& outside) {
     using W = Wide<V>;
     const W highs = W::splat(-0x10000), lows = W::splat(0x7FFF), even = W::splat(~1);
     const auto note = [&](auto bits) { outside.v = outside.v | bits; };
@@ -121,7 +136,7 @@ VSP_INLINE Wide<V> chebyshevOfPairs(const LspPolynomial<kHalf, kImmittance>& p, 
     };
     W b2, b1;
     if (kImmittance) {
-        b2 = W::splat(2 * p.f[0] * form.addend);
+        b2 = addends.of[0];
         const W doubled = product(b2);
         b1 = add(doubled, doubled);
     } else {
@@ -129,23 +144,27 @@ VSP_INLINE Wide<V> chebyshevOfPairs(const LspPolynomial<kHalf, kImmittance>& p, 
         b2 = W::splat(form.one * 65536);
         b1 = add(slope, slope);
     }
-    b1 = add(b1, W::splat(2 * p.f[1] * form.addend));
+    b1 = add(b1, addends.of[1]);
     for (int i = 2; i < kHalf; i++) {
-        const W doubled = product(b1), addend = W::splat(2 * p.f[i] * form.addend);
-        const W b0 = sum(add(doubled, doubled), b2, addend, kImmittance);
+        const W doubled = product(b1), b0 = sum(add(doubled, doubled), b2, addends.of[i], kImmittance);
         b2 = b1;
         b1 = b0;
     }
-    return sum(product(b1), b2, W::splat(2 * p.f[kHalf] * form.last), false);
+    return sum(product(b1), b2, addends.of[kHalf], false);
 }
 
 // The values at the 16-bit elements of a vector.
 template <int kHalf, bool kImmittance, class V>
-VSP_INLINE V chebyshev(const LspPolynomial<kHalf, kImmittance>& p, const ChebyshevForm& form, V x, Wide<V>& outside) {
-    const Wide<V> lo = chebyshevOfPairs(p, form, V{zipLo(x, x).v}, outside);
-    const Wide<V> hi = chebyshevOfPairs(p, form, V{zipHi(x, x).v}, outside);
+VSP_INLINE V chebyshev(const ChebyshevAddends<Wide<V>, kHalf, kImmittance>& addends, const ChebyshevForm& form, V x,
+                       Wide<V>& outside) {
+    const Wide<V> lo = chebyshevOfPairs(addends, form, V{zipLo(x, x).v}, outside);
+    const Wide<V> hi = chebyshevOfPairs(addends, form, V{zipHi(x, x).v}, outside);
     const V values = packSat(shr(lo, form.resultShift), shr(hi, form.resultShift));
     return kImmittance ? max(values, V::splat(-kMax16)) : values;
+}
+template <int kHalf, bool kImmittance, class V>
+VSP_INLINE V chebyshev(const LspPolynomial<kHalf, kImmittance>& p, const ChebyshevForm& form, V x, Wide<V>& outside) {
+    return chebyshev(ChebyshevAddends<Wide<V>, kHalf, kImmittance>(p, form), form, x, outside);
 }
 
 // Values at the points of a grid, which is padded to kGrid.

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "common/chebyshev.h"
+#include "vector/sixteen_16s.h"
 
 namespace vsp::VSP_LEVEL {
 
@@ -133,11 +134,16 @@ struct LspRootSearch {
         }
     }
 
-    [[gnu::always_inline]] Vsp16s rootBetween(int polynomial, Point low, Point high) const {
+    [[gnu::noinline]] Vsp16s rootBetween(int polynomial, Point low, Point high) const {
         if (grid.bisections == 4)
             bisect<4>(polynomial, low, high);
         else
             bisect<2>(polynomial, low, high);
+        return interpolated(low, high);
+    }
+
+    // Where the line through two points has its zero.
+    [[gnu::always_inline]] static Vsp16s interpolated(Point low, Point high) {
         const Vsp16s x = sat_16s(high.x - low.x), y = sat_16s(high.y - low.y);
         if (y == 0) return low.x;
         const Vsp16s magnitude = Vsp16s(y == kMin16 ? kMax16 : y < 0 ? -y : y);
@@ -148,17 +154,93 @@ struct LspRootSearch {
         return sat_16s(low.x - Vsp16s(Mul2_32s(low.y * slope) >> 11));
     }
 
+    // The values of both polynomials, or of `other` ones of them, at eight places of each. Returns whether one may have
+    // saturated on the way.
+    [[gnu::noinline]] bool evaluateBoth(bool other, const Vsp16s* x, Vsp16s* y) const {
+        const LspPolynomial<kHalf, kImmittance>&first = polynomials[other], &second = polynomials[!other];
+#if defined(__AVX2__)
+        using Addends = ChebyshevAddends<S32_256, kHalf, kImmittance>;
+        Addends addends;
+        for (int i = 0; i <= kHalf; i++)
+            addends.of[i].v = _mm256_set_m128i(_mm_set1_epi32(Addends::addend(second, form, i)),
+                                               _mm_set1_epi32(Addends::addend(first, form, i)));
+        auto outside = S32_256::splat(0);
+        chebyshev(addends, form, S16_256::load(x), outside).store(y);
+#else
+        auto outside = S32_128::splat(0);
+        chebyshev(first, form, S16_128::load(x), outside).store(y);
+        chebyshev(second, form, S16_128::load(x + 8), outside).store(y + 8);
+#endif
+        return anyNegative(outside);
+    }
+
+    // The roots in intervals of the grid, up to eight of each polynomial, found together, and the values of the other
+    // polynomial there.
+    struct GridRoots {
+        int interval[2][9];  // the points at their lower ends; kGrid behind the last one
+        Vsp16s root[16], other[16];
+    };
+
+    [[gnu::always_inline]] void findGridRoots(GridRoots& found) const {
+        Vsp16s lowX[16] = {}, lowY[16] = {}, highX[16] = {}, highY[16] = {}, y[16];
+        for (int p = 0; p < 2; p++) {
+            int n = 0, at = 8 * p;
+            for (int j = nextChange(p, 1); j != kGrid && n < 8; j = nextChange(p, Vsp32u(j) + 1)) {
+                found.interval[p][n++] = j;
+                lowX[at] = grid.points[j];
+                lowY[at] = values[p][j];
+                highX[at] = grid.points[j - 1];
+                highY[at++] = values[p][j - 1];
+                if (j + 1 == kGrid) break;
+            }
+            for (; n < 9; n++) found.interval[p][n] = kGrid;
+        }
+        Sixteen16s low = Sixteen16s::load(lowX), yLow = Sixteen16s::load(lowY);
+        Sixteen16s high = Sixteen16s::load(highX), yHigh = Sixteen16s::load(highY);
+        bool uncertain = false;
+        for (int i = 0; i < grid.bisections; i++) {
+            const Sixteen16s middle = add(shr(low, 1), shr(high, 1)), zero = Sixteen16s::splat(0);
+            middle.store(lowX);
+            uncertain |= evaluateBoth(false, lowX, y);
+            const Sixteen16s yMiddle = Sixteen16s::load(y), same = wherePositive(yLow, yMiddle, zero, zero);
+            low = select(same, middle, low);
+            yLow = select(same, yMiddle, yLow);
+            high = select(same, high, middle);
+            yHigh = select(same, yHigh, yMiddle);
+        }
+        low.store(lowX);
+        yLow.store(lowY);
+        high.store(highX);
+        yHigh.store(highY);
+        for (int i = 0; i < 16; i++) found.root[i] = interpolated({lowX[i], lowY[i]}, {highX[i], highY[i]});
+        uncertain |= evaluateBoth(true, found.root, found.other);
+        if (uncertain) [[unlikely]]
+            found.interval[0][0] = found.interval[1][0] = kGrid;
+    }
+
     // Writes up to `wanted` roots, of the two polynomials in turn. Returns their number.
     [[gnu::always_inline]] int run(Vsp16s* roots, int wanted) {
         evaluateGrid();
+        GridRoots ofGrid;
+        findGridRoots(ofGrid);
+        const int* next[2] = {ofGrid.interval[0], ofGrid.interval[1]};
         int found = 0, polynomial = 0, j = 0;
         Point reached = {grid.points[0], values[0][0]};
         while (j + 1 < grid.count) {
             j++;
-            if (!changesSign(values[polynomial][j], reached.y)) {
-                j = nextChange(polynomial, Vsp32u(j) + 1);
+            if (found == 0 || !changesSign(values[polynomial][j], reached.y)) {
+                j = nextChange(polynomial, Vsp32u(j) + (found != 0));
                 if (j == kGrid) break;
                 reached = {grid.points[j - 1], values[polynomial][j - 1]};
+                while (*next[polynomial] < j) next[polynomial]++;
+                if (*next[polynomial] == j) {
+                    const int i = 8 * polynomial + int(next[polynomial] - ofGrid.interval[polynomial]);
+                    roots[found++] = ofGrid.root[i];
+                    if (found == wanted) break;
+                    reached = {ofGrid.root[i], ofGrid.other[i]};
+                    polynomial = 1 - polynomial;
+                    continue;
+                }
             }
             const Vsp16s root = rootBetween(polynomial, {grid.points[j], values[polynomial][j]}, reached);
             roots[found++] = root;
