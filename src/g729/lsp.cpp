@@ -36,7 +36,7 @@ VspStatus vspsLPCToLSP_G729A_16s(const Vsp16s* pLPC, const Vsp16s* pPrevLSP, Vsp
 
 VspStatus vspsLSPToLPC_G729_16s(const Vsp16s* pLSP, Vsp16s* pLPC) {
     if (anyNull(pLSP, pLPC)) return vspStsNullPtrErr;
-    lspToLpc<kHalf>(pLSP, pLPC);
+    lspToLpc(pLSP, pLPC);
     return vspStsNoErr;
 }
 

@@ -27,7 +27,7 @@ VspStatus vspsLPCToLSP_GSMAMR_16s(const Vsp16s* pLPC, const Vsp16s* pPrevLSP, Vs
 
 VspStatus vspsLSPToLPC_GSMAMR_16s(const Vsp16s* pLSP, Vsp16s* pLPC) {
     if (anyNull(pLSP, pLPC)) return vspStsNullPtrErr;
-    lspToLpc<kHalf>(pLSP, pLPC);
+    lspToLpc(pLSP, pLPC);
     return vspStsNoErr;
 }
 

@@ -106,6 +106,12 @@ TEST_P(LinearPrediction, HighPassFilterIsTheDefinition) {
 TEST_P(LinearPrediction, RecursionsAreTheDefinition) {
     for (unsigned seed = 1; seed <= 400; seed++) {
         SCOPED_TRACE(seed);
+        const Signal lsp = scaled(10, seed);
+        Signal filter(11), expectedFilter(11);
+        plain::lp::lspToLpc(lsp.data(), expectedFilter.data());
+        ASSERT_EQ(vspStsNoErr, api.vspsLSPToLPC_G729_16s(lsp.data(), filter.data()));
+        ASSERT_EQ(expectedFilter, filter);
+
         const int order = seed % 2 == 0 ? 10 : 30;
         const auto r = correlations(order + 1, seed);
         std::vector<Vsp32s> a, k;

@@ -60,6 +60,28 @@ inline bool autoCorr(const I16* src, int len, I32* r, int lags, I32* norm) {
     return divisions > 0;
 }
 
+// Lsp_Az: ten cosines to eleven coefficients.
+inline void lspToLpc(const I16* lsp, I16* lpc) {
+    I32 f[2][6];
+    for (int p = 0; p < 2; p++) {
+        f[p][0] = 1 << 24;
+        f[p][1] = lMsu(0, lsp[p], 512);
+        for (int i = 2; i <= 5; i++) {
+            const I16 q = lsp[2 * i - 2 + p];
+            f[p][i] = f[p][i - 2];
+            for (int j = i; j > 1; j--) f[p][j] = lSub(lAdd(f[p][j], f[p][j - 2]), lShl(mpy(Split(f[p][j - 1]), q), 1));
+            f[p][1] = lMsu(f[p][1], q, 512);
+        }
+    }
+    lpc[0] = 4096;
+    for (int i = 1; i <= 5; i++) {
+        const I32 sum = lAdd(f[0][i], f[0][i - 1]), difference = lSub(f[1][i], f[1][i - 1]);
+        const auto rounded = [](I32 a) { return I16((Vsp64s(a) + 4096) >> 13); };
+        lpc[i] = rounded(lAdd(sum, difference));
+        lpc[11 - i] = rounded(lSub(sum, difference));
+    }
+}
+
 inline void residual(const I16* src, const I16* lpc, int order, I16* dst, int len) {
     for (int n = 0; n < len; n++) {
         I32 s = 0;
