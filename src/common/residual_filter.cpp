@@ -41,6 +41,33 @@ VSP_INLINE void filterExact(const Vsp16s* src, const Vsp16s* c, int taps, Vsp16s
     for (int n = 0; n < len; n++) dst[n] = sat_16s((sums[n] + rounding) >> scaleFactor);
 }
 
+// A vector of outputs, the first of them at x. pairs: the taps by twos from that of the earliest sample on, the last of an
+// odd number alone.
+template <int kTaps, class V>
+VSP_INLINE V filterVector(const V (&pairs)[kTaps / 2 + 1], const Vsp16s* x, int scaleFactor) {
+    OffsetSums<V, 1> sums;
+    sums.even[0] = sums.odd[0] = Wide<V>::splat(roundingConstant(scaleFactor));
+    for (int t = 0; t < kTaps / 2; t++) addTaps(sums, pairs[t], x - kTaps + 1 + 2 * t);
+    addTaps(sums, pairs[kTaps / 2], x - 1);
+    return packSatAlternating(shr(sums.even[0], scaleFactor), shr(sums.odd[0], scaleFactor));
+}
+
+// The latest sample first, an odd number of taps and at least eight outputs. The last vector may overlap.
+template <int kTaps>
+VSP_INLINE void filterExact(const Vsp16s* x, const Vsp16s* c, Vsp16s* dst, int len, int scaleFactor) {
+    using V = Sliding16;
+    V pairs[kTaps / 2 + 1];
+    for (int t = 0; t < kTaps / 2; t++) pairs[t] = swapInPairs(splatPair<V>(c + kTaps - 2 - 2 * t));
+    pairs[kTaps / 2] = V{Wide<V>::splat(c[0] * 0x10000).v};
+    int n = 0;
+    for (; n + V::width <= len; n += V::width) filterVector<kTaps>(pairs, x + n, scaleFactor).store(dst + n);
+    if (n == len) return;
+    S16_128 narrow[kTaps / 2 + 1];
+    for (int t = 0; t <= kTaps / 2; t++) narrow[t] = lowest<S16_128>(pairs[t]);
+    for (; n + 8 <= len; n += 8) filterVector<kTaps>(narrow, x + n, scaleFactor).store(dst + n);
+    if (n < len) filterVector<kTaps>(narrow, x + len - 8, scaleFactor).store(dst + len - 8);
+}
+
 VSP_INLINE Vsp64s sumOfMagnitudes(const Vsp16s* c, int taps) {
     Vsp32s sum = 0;
     for (int t = 0; t < taps; t++) sum += c[t] < 0 ? -c[t] : c[t];
@@ -52,9 +79,23 @@ VSP_INLINE bool maySaturate(Vsp64s cMagnitude, const Vsp16s* src, int len) {
     return cMagnitude * maxMagnitude(src, len) >= (1 << 30);
 }
 
+template <int kOrder>
+void residualOfOrder(const Vsp16s* src, const Vsp16s* lpc, Vsp16s* dst, Vsp32s len, int scaleFactor) {
+    const Vsp64s magnitude = sumOfMagnitudes(lpc, kOrder + 1);
+    forBlocks(len, kBlock, [&](Vsp32s first, Vsp32s count) {
+        const Vsp16s* x = src + first;
+        if (count < S16_128::width || maySaturate(magnitude, x - kOrder, kOrder + count)) [[unlikely]]
+            filterSaturating(x, -1, lpc, kOrder + 1, dst + first, count, scaleFactor);
+        else
+            filterExact<kOrder + 1>(x, lpc, dst + first, count, scaleFactor);
+    });
+}
+
 }  // namespace
 
 void ownResidual(const Vsp16s* src, const Vsp16s* lpc, int order, Vsp16s* dst, Vsp32s len, int scaleFactor) {
+    if (order == 10) return residualOfOrder<10>(src, lpc, dst, len, scaleFactor);
+    if (order == 16) return residualOfOrder<16>(src, lpc, dst, len, scaleFactor);
     const Vsp64s magnitude = sumOfMagnitudes(lpc, order + 1);
     Vsp16s reversed[kMaxLpOrder + 2];
     for (int j = 0; j <= order; j++) reversed[order - j] = lpc[j];
@@ -62,10 +103,6 @@ void ownResidual(const Vsp16s* src, const Vsp16s* lpc, int order, Vsp16s* dst, V
         const Vsp16s* x = src + first;
         if (maySaturate(magnitude, x - order, order + count))
             filterSaturating(x, -1, lpc, order + 1, dst + first, count, scaleFactor);
-        else if (order == 10)
-            filterExact(x - order, reversed, 11, dst + first, count, scaleFactor);
-        else if (order == 16)
-            filterExact(x - order, reversed, 17, dst + first, count, scaleFactor);
         else
             filterExact(x - order, reversed, order + 1, dst + first, count, scaleFactor);
     });
