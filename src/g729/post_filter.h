@@ -24,6 +24,20 @@ VSP_INLINE void weight(const Vsp16s* lpc, Vsp16s gamma, Vsp16s* weighted, int le
     for (int i = Order + 1; i < len; i++) weighted[i] = 0;
 }
 
+// The same of order 10 for a factor that is known.
+template <Vsp16s kGamma>
+struct KnownWeights {
+    Vsp16s powers[10];
+    constexpr KnownWeights() : powers{kGamma} {
+        for (int i = 1; i < 10; i++) powers[i] = mulRound_16s(powers[i - 1], kGamma);
+    }
+    [[gnu::always_inline]] void weight(const Vsp16s* lpc, Vsp16s* weighted) const {
+        weighted[0] = lpc[0];
+        for (int i = 0; i < 4; i += 2)
+            mulRoundWrap(S16_128::load(lpc + 1 + i), S16_128::load(powers + i)).store(weighted + 1 + i);
+    }
+};
+
 // The present residual behind that of the past, which a state keeps.
 template <int Past>
 struct ResidualHistory {

@@ -5,7 +5,7 @@
 #include "g729/constants.h"
 #include "g729/exports.h"
 #include "g729/post_filter.h"
-#include "vector/correlate.h"
+#include "vector/largest.h"
 
 namespace vsp::VSP_LEVEL {
 
@@ -30,28 +30,45 @@ Normalised normalised(Vsp32s correlation, Vsp32s delayed, Vsp32s present) {
     return {round_32s(correlation << shift), round_32s(delayed << shift), round_32s(present << shift)};
 }
 
-// G.729 A.4.2.1: the residual and the delayed residual, mixed by their correlation. Both have Past samples before them.
-void longTerm(const Vsp16s* residual, const Vsp16s* scaled, int lag, Vsp16s* dst) {
-    const int longest = lag + 3 > kPitMax ? kPitMax : lag + 3, shortest = longest - 6;
-    constexpr int kLags = 7;
-    const Vsp16s* const earliest = scaled - longest;
-    Vsp32s sums[kLags + 1];
-    if (doubledSumsFit(energy(scaled, kL_subfr), energy(earliest, kL_subfr + kLags - 1))) {
-        correlateUnits<1, S16_128>(scaled, kL_subfr, earliest, sums);
-        for (Vsp32s& sum : sums) sum *= 2;
+constexpr int kLags = 7;
+
+// The sums of which a partial sum may leave 32 bits.
+[[gnu::noinline]] void correlateSaturating(const Vsp16s* residual, const Vsp16s* earliest, Vsp32s* sums) {
+    Vsp16s now[kL_subfr], earlier[kL_subfr + kLags];
+    for (int n = 0; n < kL_subfr; n++) now[n] = Vsp16s(residual[n] >> 2);
+    for (int n = 0; n < kL_subfr + kLags - 1; n++) earlier[n] = Vsp16s(earliest[n] >> 2);
+    for (int i = 0; i < kLags; i++) sums[i] = dotSaturating(now, earlier + i, kL_subfr);
+}
+
+// The index of the largest of the sums, of equal ones the last. The last one stands there twice.
+int lastLargest(const Vsp32s (&sums)[kLags + 1]) {
+    const S32_128 lower = S32_128::load(sums), upper = S32_128::load(sums + 4);
+    const S32_128 highest = S32_128::splat(largest(max(lower, upper)));
+    const Vsp32u where = (equal(lower, highest) | equal(upper, highest) << 4) & ((1 << kLags) - 1);
+    return 31 - __builtin_clz(where);
+}
+
+// G.729 A.4.2.1: the residual and the delayed residual, mixed by their correlation in 14 bits. kPitMax samples stand before
+// it.
+void longTerm(const Vsp16s* residual, int lag, Vsp16s* dst) {
+    const int longest = lag + 3 > kPitMax ? kPitMax : lag + 3;
+    const Vsp16s* const earliest = residual - longest;
+    const Vsp32u energyNow = quarterEnergy(residual);
+    Vsp32s correlations[kLags + 1];
+    if (doubledSumsFit(energyNow, Vsp64s(quarterEnergy(earliest)) + quarterEnergy(earliest + kLags - 1))) {
+        const auto at = [&](int i) { return quarterProducts(residual, earliest + i); };
+        const S32_128 lower = sums(at(0), at(1), at(2), at(3)), upper = sums(at(4), at(5), at(6), at(6));
+        add(lower, lower).store(correlations);
+        add(upper, upper).store(correlations + 4);
     } else {
-        for (int i = 0; i < kLags; i++) sums[i] = dotSaturating(scaled, earliest + i, kL_subfr);
+        correlateSaturating(residual, earliest, correlations);
+        correlations[kLags] = correlations[kLags - 1];
     }
-    Vsp32s best = kMin32;
-    int delay = shortest;
-    for (int i = kLags - 1; i >= 0; i--) {
-        if (sums[i] <= best) continue;
-        best = sums[i];
-        delay = longest - i;
-    }
+    const int chosen = lastLargest(correlations), delay = longest - chosen;
+    const Vsp32s best = correlations[chosen];
     const auto oneMore = [](Vsp32s sum) { return Add_32s(sum, 1); };
-    Normalised n = normalised(best > 0 ? best : 0, oneMore(doubledEnergy(scaled - delay, kL_subfr)),
-                              oneMore(doubledEnergy(scaled, kL_subfr)));
+    const Normalised n = normalised(best > 0 ? best : 0, oneMore(saturatedDouble(quarterEnergy(earliest + chosen))),
+                                    oneMore(saturatedDouble(energyNow)));
     Vsp16s present = 32767, past = 0;
     if (Mul2_16s32s(n.correlation, n.correlation) >= Mul2_16s32s(n.delayed, n.present) >> 1) {
         if (n.correlation > n.delayed) {
@@ -75,20 +92,14 @@ void longTerm(const Vsp16s* residual, const Vsp16s* scaled, int lag, Vsp16s* dst
     for (int i = 0; i < kL_subfr; i++) dst[i] = residual[i];
 }
 
-Vsp32s quarterEnergy(const Vsp16s* x) {
-    Vsp16s quarter[kL_subfr];
-    for (int n = 0; n < kL_subfr; n++) quarter[n] = Vsp16s(x[n] >> 2);
-    return doubledEnergy(quarter, kL_subfr);
-}
-
 // The energy of the input, followed slowly (G.729 A.4.2.4).
 void controlGain(const Vsp16s* input, Vsp16s* output, Vsp16s& gain) {
-    const Vsp32s out = quarterEnergy(output);
+    const Vsp32s out = saturatedDouble(quarterEnergy(output));
     if (out == 0) {
         gain = 0;
         return;
     }
-    const Vsp32s in = quarterEnergy(input);
+    const Vsp32s in = saturatedDouble(quarterEnergy(input));
     Vsp16s g0 = 0;
     if (in != 0) {
         const int shiftOut = norm_32s(out) - 1, shiftIn = norm_32s(in);
@@ -120,26 +131,25 @@ VspStatus vspsPostFilter_G729A_16s(const Vsp16s* pSyn, const Vsp16s* pLPC, Vsp16
     if (!isLegalLag(lag)) return vspStsRangeErr;
     if (frameType < 0 || frameType > 2) return vspStsRangeErr;
     State& state = *reinterpret_cast<State*>(pState);
-    constexpr int kResponse = 22;
-    Vsp16s numerator[kResponse], denominator[11], h[kResponse];
-    weight<10>(pLPC, kGammaNumerator, numerator, kResponse);
-    weight<10>(pLPC, kGammaDenominator, denominator, 11);
+    static constexpr KnownWeights<kGammaNumerator> kNumerator;
+    static constexpr KnownWeights<kGammaDenominator> kDenominator;
+    Vsp16s numerator[kTiltRoom] = {}, denominator[11], h[kTiltRoom] = {};
+    kNumerator.weight(pLPC, numerator);
+    kDenominator.weight(pLPC, denominator);
+    impulseResponse<10>(numerator, denominator, kTiltResponse, h);  // waits for itself while the rest goes on
     ResidualHistory<kPitMax> residual(state.residual);
     ownResidual(pSyn, numerator, 10, residual.now, kL_subfr, 12);
 
     Vsp16s signal[1 + kL_subfr];
     Vsp16s* const x = signal + 1;
     if (frameType == 1) {
-        Vsp16s scaled[kPitMax + kL_subfr];
-        for (int i = 0; i < kPitMax + kL_subfr; i++) scaled[i] = Vsp16s(residual.samples[i] >> 2);
-        longTerm(residual.now, scaled + kPitMax, lag, x);
+        longTerm(residual.now, lag, x);
     } else {
         for (int n = 0; n < kL_subfr; n++) x[n] = residual.now[n];
     }
     residual.keep(state.residual);
 
-    impulseResponse<10>(numerator, denominator, kResponse, h);
-    const Vsp16s factor = responseTilt(h, kResponse);
+    const Vsp16s factor = responseTilt(h);
     Vsp16s compensated[kL_subfr], output[kL_subfr];
     signal[0] = state.tilt;
     compensateTilt(factor, x, compensated);

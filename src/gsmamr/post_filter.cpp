@@ -28,12 +28,11 @@ void weigh(const Vsp16s* lpc, const Vsp16s* factors, Vsp16s* weighted) {
 }
 
 Vsp16s tiltOf(const Vsp16s* numerator, const Vsp16s* denominator) {
-    constexpr int kLength = 22;
     static constexpr Vsp16s kZero[kOrder] = {};
-    Vsp16s impulse[kLength] = {}, h[kLength];
+    Vsp16s impulse[kTiltResponse] = {}, h[kTiltRoom] = {};
     for (int i = 0; i <= kOrder; i++) impulse[i] = numerator[i];
-    vspsSynthesisFilter_NR_16s_Sfs(denominator, impulse, h, kLength, 12, kZero);
-    return responseTilt(h, kLength);
+    vspsSynthesisFilter_NR_16s_Sfs(denominator, impulse, h, kTiltResponse, 12, kZero);
+    return responseTilt(h);
 }
 
 // Brings the output to the energy of the input, with a gain that moves slowly (`agc`).
