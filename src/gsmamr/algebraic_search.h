@@ -36,68 +36,6 @@ VSP_INLINE S16_128 withSigns(S16_128 a, S16_128 which) {
     return mulShift15(a, select(which, S16_128::splat(-32767), S16_128::splat(32766)));
 }
 
-// Finds the best of up to Rows rows of eight candidates, as comparing them in their order does. Where all energies are
-// positive the order of the quotients square / energy is the same; estimates of them tell which few may be the best.
-template <int Rows>
-class PrunedCandidates {
-  public:
-    static constexpr int kAtOnce = Sliding16::width / kPlaces;  // rows in a vector
-    static_assert(Rows % kAtOnce == 0);
-
-    // Where a row is not full its squares and energies are 0, which are never better, and its divisors 1; else the
-    // energies.
-    [[gnu::always_inline]] void add(Sliding16 square, Sliding16 energy, Sliding16 divisor) {
-        square.store(squares_[rows_]);
-        energy.store(energies_[rows_]);
-        least_ = min(least_, divisor);
-        for (int i = 0; i < kAtOnce; i++) {
-            const Eight32f quotient = mul(toFloat(widen(block(square, i))), reciprocal(toFloat(widen(block(divisor, i)))));
-            quotient.store(quotients_[rows_++]);
-            largest_ = max(largest_, quotient);
-        }
-    }
-
-    // Returns the number of the candidate, 8 * row + lane, or -1 if there is none.
-    [[gnu::always_inline]] int best(Best& best) const {
-        int found = -1;
-        const auto consider = [&](int number) {
-            const Best candidate{squares_[number / kPlaces][number % kPlaces],
-                                 energies_[number / kPlaces][number % kPlaces]};
-            if (!isBetter(best, candidate)) return;
-            best = candidate;
-            found = number;
-        };
-        if (anyNotPositive()) [[unlikely]] {
-            for (int number = 0; number < kPlaces * rows_; number++) consider(number);
-            return found;
-        }
-        constexpr Vsp32f kNearly = 1 - 1.0f / 512;  // each of two quotients is wrong by less than 2^-11
-        const Eight32f threshold = Eight32f::splat(largest(largest_) * kNearly);
-        for (int first = 0; first < rows_; first += kPlaces) {  // as many rows as a word has octets
-            Vsp64u near = 0;
-            for (int row = first; row < rows_ && row < first + kPlaces; row++)
-                near |= Vsp64u(atLeast(Eight32f::load(quotients_[row]), threshold)) << (kPlaces * (row - first));
-            for (; near != 0; near &= near - 1) consider(kPlaces * first + __builtin_ctzll(near));
-        }
-        return found;
-    }
-
-  private:
-    [[gnu::always_inline]] bool anyNotPositive() const {
-        Vsp16s lanes[Sliding16::width];
-        least_.store(lanes);
-        bool any = false;
-        for (const Vsp16s lane : lanes) any |= lane <= 0;
-        return any;
-    }
-
-    Vsp16s squares_[Rows][kPlaces], energies_[Rows][kPlaces];
-    Vsp32f quotients_[Rows][kPlaces];
-    Sliding16 least_ = Sliding16::splat(kMax16);
-    Eight32f largest_ = Eight32f::splat(0);
-    int rows_ = 0;
-};
-
 // The searches. d is the target filtered backwards, h the impulse response with pitch sharpening.
 int ownSearchTwoOfPairs(const Vsp16s* d, const Vsp16s* h, int subframe, FoundPulses& found);  // returns the half found
 void ownSearchTwo(const Vsp16s* d, const Vsp16s* h, FoundPulses& found);

@@ -146,7 +146,7 @@ constexpr Weights kWeights[4] = {{2048, 16384, 4096, 3}, {1024, 8192, 2048, 3}, 
 template <int Tracks>
 class Search {
     using L = Layout<Tracks>;
-    static constexpr int kGroups = L::width / kPlaces;
+    static constexpr int kGroups = L::width / kPlaces;  // of eight places
     static constexpr int kPulses = 2 * Tracks;
 
   public:
@@ -165,8 +165,11 @@ class Search {
             for (int i = 1; i + 1 < 2 * Tracks; i++) order[i] = order[i + 1];
             order[2 * Tracks - 1] = second;
         }
-        for (int pair = 1; pair < Tracks; pair++)
-            for (Attempt& attempt : attempts) addBestPair(attempt, pair);
+        for (Attempt& attempt : attempts) addBestPair<1>(attempt);
+        for (Attempt& attempt : attempts) addBestPair<2>(attempt);
+        for (Attempt& attempt : attempts) addBestPair<3>(attempt);
+        if constexpr (Tracks > 4)
+            for (Attempt& attempt : attempts) addBestPair<4>(attempt);
 
         Pulse best[kPulses];
         for (int i = 0; i < kPulses; i++) best[i] = {i % Tracks, i / Tracks};
@@ -190,7 +193,7 @@ class Search {
         Best best;
     };
     struct Sums {
-        Eight32s v[kGroups];
+        Eight32s sum, peak;
     };
 
     Vsp16s d(Pulse p) const { return target_.d[p.track][p.place]; }
@@ -205,118 +208,150 @@ class Search {
         attempt.alp = (own(pulses[0]) + own(pulses[1])) * 2048 + crossed(pulses[0], pulses[1]) * 4096;
     }
 
-    // The energy of a pulse and twice its correlations with the pulses before, for the places of a track, and the largest
-    // sum of the positive ones.
-    Sums withEarlier(const Pulse* pulses, int track, int count, int* largest) const {
-        Sums sums;
-        Eight32s peaks = Eight32s::splat(0);
-        for (int g = 0; g < kGroups; g++) {
-            Eight32s crossed = Eight32s::splat(0), positive = crossed;
-            for (int n = 0; n < count; n++) {
-                const Eight32s row = widen(S16_128::load(correlations_.row(pulses[n], track) + kPlaces * g));
-                crossed = add(crossed, row);
-                positive = add(positive, max(row, Eight32s::splat(0)));
-            }
-            const Eight32s own = widen(S16_128::load(correlations_.diagonal(track) + kPlaces * g));
-            sums.v[g] = add(own, add(crossed, crossed));
-            peaks = max(peaks, add(own, add(positive, positive)));
+    // The energy of a pulse and twice its correlations with the pulses before, for eight places of a track, and the largest
+    // of the partial sums.
+    template <int Count>
+    [[gnu::always_inline]] Sums withEarlier(const Pulse* pulses, int track, int group) const {
+        Eight32s crossed = Eight32s::splat(0), peaks = crossed;
+        for (int n = 0; n < Count; n++) {
+            crossed = add(crossed, widen(S16_128::load(correlations_.row(pulses[n], track) + kPlaces * group)));
+            peaks = max(peaks, crossed);
         }
-        if (largest != nullptr) {
-            Vsp32s lanes[kPlaces];
-            peaks.store(lanes);
-            *largest = 0;
-            for (const Vsp32s lane : lanes) *largest = lane > *largest ? lane : *largest;
-        }
-        return sums;
+        const Eight32s own = widen(S16_128::load(correlations_.diagonal(track) + kPlaces * group));
+        return {add(own, shl(crossed, 1)), add(own, shl(peaks, 1))};
     }
 
-    // The mean v, every step saturated.
-    void meansSaturating(const Pulse* pulses, int track, int count, int shift, Vsp16s* v) const {
-        const Vsp16s weight = Vsp16s(1 << (15 - shift));
-        for (int i = 0; i < L::places; i++) {
-            Vsp32s sum = Mul2_16s32s(correlations_.diagonal(track)[i], weight);
-            for (int n = 0; n < count; n++) sum = mac_32s(sum, correlations_.row(pulses[n], track)[i], Vsp16s(2 * weight));
-            v[i] = round_32s(sum);
-        }
-    }
-
-    void addBestPair(Attempt& attempt, int pair) const {
+    template <int Pair>
+    [[gnu::always_inline]] void addBestPair(Attempt& attempt) const {
+        constexpr int kCount = 2 * Pair;
+        constexpr Weights kOf = kWeights[Pair - 1];
         Pulse* const pulses = attempt.pulses;
-        const int count = 2 * pair, first = pulses[count].track, second = pulses[count + 1].track;
-        const Weights weights = kWeights[pair - 1];
-        // What the places of the first track have with the pulses before, and their targets.
-        constexpr int kRows = L::places * kGroups;  // of eight candidates, kGroups for each place of the first track
-        Vsp32s ofFirst[L::width], outer[kRows];
-        Vsp16s psFirst[kRows];
-        const Sums sumsOfFirst = withEarlier(pulses, first, count, nullptr);
-        for (int g = 0; g < kGroups; g++) sumsOfFirst.v[g].store(ofFirst + kPlaces * g);
-        Vsp32s largestOuter = 0;
-        for (int i = 0; i < kRows; i++) {
-            outer[i] = attempt.alp + ofFirst[i / kGroups] * weights.own;
-            largestOuter = outer[i] > largestOuter ? outer[i] : largestOuter;
-            psFirst[i] = Add_16s(attempt.ps, target_.d[first][i / kGroups]);
+        const int first = pulses[kCount].track, second = pulses[kCount + 1].track;
+        // What the places of the first track have with the pulses before, and their targets. The means v of the second
+        // track, weighted, for its even and its odd places.
+        Vsp32s outer[L::width], even[L::width / 2], odd[L::width / 2];
+        Vsp16s psFirst[L::width];
+        Eight32s room = Eight32s::splat(1);  // positive where no sum with v saturates on the way
+        for (int g = 0; g < kGroups; g++) {
+            const Eight32s ofFirst = shl(withEarlier<kCount>(pulses, first, g).sum, __builtin_ctz(kOf.own));
+            const Eight32s sums = add(Eight32s::splat(attempt.alp), ofFirst);
+            sums.store(outer + kPlaces * g);
+            addSat(S16_128::splat(attempt.ps), S16_128::load(target_.d[first] + kPlaces * g)).store(psFirst + kPlaces * g);
+
+            const auto [sum, peak] = withEarlier<kCount>(pulses, second, g);
+            const S16_128 v = narrowSat(shr(add(sum, Eight32s::splat(1 << (kOf.shiftOfV - 1))), kOf.shiftOfV));
+            const S32_128 half = S32_128::splat(0x4000);
+            add(dot2(v, S16_128{S32_128::splat(kOf.v).v}), half).store(even + kPlaces / 2 * g);
+            add(dot2(v, S16_128{S32_128::splat(kOf.v << 16).v}), half).store(odd + kPlaces / 2 * g);
+            room = min(room, min(sub(Eight32s::splat((1 << 30) - 32767 * kOf.v), sums),
+                                 sub(Eight32s::splat(1 << (15 + kOf.shiftOfV)), peak)));
         }
 
-        int largest = 0;
-        Vsp16s v[L::width] = {};
-        const Sums ofSecond = withEarlier(pulses, second, count, &largest);
-        const int shift = weights.shiftOfV;
-        if (largest < 1 << (15 + shift)) {
-            for (int g = 0; g < kGroups; g++)
-                narrowSat(shr(add(ofSecond.v[g], Eight32s::splat(1 << (shift - 1))), shift)).store(v + kPlaces * g);
-        } else {
-            meansSaturating(pulses, second, count, shift, v);
-        }
-        int largestV = 0;
-        for (int i = 0; i < L::places; i++) largestV = v[i] > largestV ? v[i] : largestV;
-        // The sums with v stay within 32 bits, so that only their end can leave them.
-        const bool exact = Vsp64s(largestOuter) + largestV * Vsp64s(weights.v) < 1 << 30;
-
-        using V = Sliding16;
-        PrunedCandidates<kRows> candidates;
-        const V factors{Wide<V>::splat(weights.v | weights.crossed << 16).v};
+        // The candidates: rows of eight places of the second track, kGroups for each place of the first. Even and odd ones
+        // have vectors of their own.
+        using V = S16;
+        using W = Wide<V>;
+        constexpr int kVectors = L::places * kGroups / kBlocks<V>;
         const Vsp16s* const rows = correlations_.row({first, 0}, second);
-        const auto places = [](const Vsp16s* p, int row) {
-            return kGroups == 1 ? repeated(S16_128::load(p), V{}) : V::load(p + row % kGroups * kPlaces);
-        };
-        for (int i = 0; i < kRows; i += V::width / kPlaces) {
-            const V vs = places(v, i), row = V::load(rows + kPlaces * i);
-            const auto start = add(inBlocks(outer + i, Wide<V>{}), Wide<V>::splat(0x4000));
-            V energies = packSat(shr(add(dot2(V{zipLo(vs, row).v}, factors), start), 15),
-                                 shr(add(dot2(V{zipHi(vs, row).v}, factors), start), 15));
-            if (!exact) [[unlikely]]
-                energies = saturated(outer, v, rows, i, weights);
-            const V sum = addSat(inBlocks(psFirst + i, V{}), places(target_.d[second], i));
-            V square = mulShift15Sat(sum, sum), divisors = energies;
-            if (kGroups > 1) {
-                const V mask = places(kTenPlaces, i), one = V::splat(1);
-                square.v &= mask.v;
-                energies.v &= mask.v;
-                divisors.v = energies.v | (one.v & ~mask.v);
+        const V ofEven{W::splat(kOf.crossed).v}, ofOdd{W::splat(kOf.crossed << 16).v};
+        const W most = W::splat(kMax16);
+        Vsp16s squares[kVectors * V::width];
+        Vsp32s energies[2 * kVectors * W::width];
+        F32 quotients[2 * kVectors], largestQuotient = splat32f(0);
+        W least = W::splat(1);
+#pragma GCC unroll 5
+        for (int i = 0; i < kVectors; i++) {
+            const W start = splatInBlocks<W, kGroups>(outer + i * kBlocks<V> / kGroups);
+            const V row = V::load(rows + V::width * i);
+            const auto energy = [&](const Vsp32s* v, V weights) {
+                const W sums = add(add(start, repeatedBlocks<W, kGroups>(v, i)), dot2(row, weights));
+                return min(shr(sums, 15), most);
+            };
+            W e0 = energy(even, ofEven), e1 = energy(odd, ofOdd);
+            const V sum = addSat(splatInBlocks<V, kGroups>(psFirst + i * kBlocks<V> / kGroups),
+                                 repeatedBlocks<V, kGroups>(target_.d[second], i));
+            const V square = mulHiU(addSatU(magnitude(sum), magnitude(sum)), magnitude(sum));
+            W s0{square.v & W::splat(0xFFFF).v}, s1 = shrU(W{square.v}, 16);
+            if constexpr (kGroups > 1) {  // the places that are not there lose
+                const W mask = repeatedBlocks<W, kGroups>(kTenPlaces, i), none{~mask.v};
+                const W one{none.v & W::splat(1).v};
+                e0.v = (e0.v & mask.v) | one.v;
+                e1.v = (e1.v & mask.v) | one.v;
+                s0.v |= none.v;
+                s1.v |= none.v;
             }
-            candidates.add(square, energies, divisors);
+            square.store(squares + V::width * i);
+            e0.store(energies + 2 * i * W::width);
+            e1.store(energies + (2 * i + 1) * W::width);
+            least = min(least, min(e0, e1));
+            quotients[2 * i] = quotientEstimate(s0, e0);
+            quotients[2 * i + 1] = quotientEstimate(s1, e1);
+            largestQuotient = max(largestQuotient, max(quotients[2 * i], quotients[2 * i + 1]));
         }
+
         Best best = kNoCandidate;
-        const int number = candidates.best(best);
-        const int a = number < 0 ? 0 : number / L::width, b = number < 0 ? 0 : number % L::width;
-        pulses[count].place = a;
-        pulses[count + 1].place = b;
-        attempt.ps = number < 0 ? Vsp16s(0) : Add_16s(Add_16s(attempt.ps, target_.d[first][a]), target_.d[second][b]);
+        int found = 0;
+        if (anyNotPositive(least) || anyNotPositive(room)) [[unlikely]] {
+            found = bestSaturating(attempt, Pair, best);
+        } else {
+            // Where all energies are positive the order of the quotients square / energy is that of the comparisons. Those
+            // that may be the largest are compared, of equal ones the first wins.
+            constexpr Vsp32f kNearly = 1 - 3 * kQuotientError;
+            constexpr int kInWord = 64 / W::width;
+            const F32 threshold = splat32f(largest(largestQuotient) * kNearly);
+            for (int from = 0; from < 2 * kVectors; from += kInWord) {
+                Vsp64u near = 0;
+                for (int i = 0; i < kInWord && from + i < 2 * kVectors; i++)
+                    near |= Vsp64u(atLeast(quotients[from + i], threshold)) << (W::width * i);
+                for (; near != 0; near &= near - 1) {
+                    const int at = from * W::width + __builtin_ctzll(near), vector = at / W::width, lane = at % W::width;
+                    const int number = vector / 2 * V::width + 2 * lane + vector % 2;
+                    const Best candidate{squares[number], Vsp16s(energies[at])};
+                    const Vsp32s gain = best.energy * candidate.square - best.square * candidate.energy;
+                    if (gain < 0 || (gain == 0 && number > found)) continue;
+                    best = candidate;
+                    found = number;
+                }
+            }
+        }
+        const int a = found < 0 ? 0 : found / L::width, b = found < 0 ? 0 : found % L::width;
+        pulses[kCount].place = a;
+        pulses[kCount + 1].place = b;
+        attempt.ps = found < 0 ? Vsp16s(0) : Add_16s(psFirst[a], target_.d[second][b]);
         attempt.alp = best.energy * 16384;
         attempt.best = best;
     }
 
-    // A vector of energies from the given row on, every step saturated.
-    [[gnu::noinline]] static Sliding16 saturated(const Vsp32s* outer, const Vsp16s* v, const Vsp16s* rows, int first,
-                                                 Weights weights) {
-        Vsp16s energies[Sliding16::width];
-        for (int i = 0; i < Sliding16::width; i++) {
-            const int at = kPlaces * first + i;
-            const Vsp32s ofV = Cnvrt_64s32s(2 * Vsp64s(v[at % L::width]) * weights.v);
-            const Vsp32s sum = Add_32s(Cnvrt_64s32s(2 * Vsp64s(outer[at / kPlaces])), ofV);
-            energies[i] = round_32s(Add_32s(sum, 2 * rows[at] * weights.crossed));
+    // The best pair with every step saturated, candidate after candidate. Returns its number, -1 if there is none.
+    [[gnu::noinline]] int bestSaturating(const Attempt& attempt, int pair, Best& best) const {
+        const Pulse* const pulses = attempt.pulses;
+        const int count = 2 * pair, first = pulses[count].track, second = pulses[count + 1].track;
+        const Weights of = kWeights[pair - 1];
+        Vsp16s v[L::places];
+        for (int b = 0; b < L::places; b++) {
+            const Vsp16s weight = Vsp16s(1 << (15 - of.shiftOfV));
+            Vsp32s sum = Mul2_16s32s(correlations_.diagonal(second)[b], weight);
+            for (int n = 0; n < count; n++) sum = mac_32s(sum, correlations_.row(pulses[n], second)[b], Vsp16s(2 * weight));
+            v[b] = round_32s(sum);
         }
-        return Sliding16::load(energies);
+        int found = -1;
+        for (int a = 0; a < L::places; a++) {
+            const Pulse p{first, a};
+            Vsp32s ofFirst = own(p);
+            for (int n = 0; n < count; n++) ofFirst += 2 * crossed(pulses[n], p);
+            const Vsp32s outer = Cnvrt_64s32s(2 * (attempt.alp + Vsp64s(ofFirst) * of.own));
+            const Vsp16s ps = Add_16s(attempt.ps, d(p));
+            for (int b = 0; b < L::places; b++) {
+                const Vsp32s sum = Add_32s(outer, Cnvrt_64s32s(2 * Vsp64s(v[b]) * of.v));
+                const Vsp16s energy = round_32s(Add_32s(sum, 2 * crossed(p, {second, b}) * of.crossed));
+                const Vsp16s ofPair = Add_16s(ps, target_.d[second][b]);
+                const Best candidate{Mul_16s(ofPair, ofPair), energy};
+                if (!isBetter(best, candidate)) continue;
+                best = candidate;
+                found = L::width * a + b;
+            }
+        }
+        return found;
     }
 
     const SignedTarget<Tracks>& target_;

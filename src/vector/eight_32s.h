@@ -1,28 +1,12 @@
 // Eight 32-bit values beside eight 16-bit ones: what the eight places of a pulse track need at every level.
 #pragma once
 
-#include "vector/simd.h"
+#include "vector/blocks.h"
 
 namespace vsp::VSP_LEVEL {
 
-// Blocks of eight 16-bit or four 32-bit values: one or two of them in a vector. inBlocks has element i of p in all of block
-// i, repeated the same block in all.
-VSP_INLINE S16_128 inBlocks(const Vsp16s* p, S16_128) { return S16_128::splat(p[0]); }
-VSP_INLINE S32_128 inBlocks(const Vsp32s* p, S32_128) { return S32_128::splat(p[0]); }
-VSP_INLINE S16_128 repeated(S16_128 a, S16_128) { return a; }
-VSP_IF_256(VSP_INLINE S16_256 inBlocks(const Vsp16s* p, S16_256) {
-    return {_mm256_set_m128i(_mm_set1_epi16(p[1]), _mm_set1_epi16(p[0]))};
-})
-VSP_IF_256(VSP_INLINE S32_256 inBlocks(const Vsp32s* p, S32_256) {
-    return {_mm256_set_m128i(_mm_set1_epi32(p[1]), _mm_set1_epi32(p[0]))};
-})
-VSP_IF_256(VSP_INLINE S16_256 repeated(S16_128 a, S16_256) { return {_mm256_set_m128i(a.v, a.v)}; })
-
 #if defined(__AVX2__)
 using Eight32s = S32_256;
-VSP_INLINE S16_128 block(S16_256 a, int i) {
-    return {i == 0 ? _mm256_castsi256_si128(a.v) : _mm256_extracti128_si256(a.v, 1)};
-}
 using Eight32f = F32_256;
 VSP_INLINE Eight32s widen(S16_128 a) { return {_mm256_cvtepi16_epi32(a.v)}; }
 VSP_INLINE S16_128 narrowSat(Eight32s a) {
@@ -34,18 +18,7 @@ VSP_INLINE Eight32s mulLower(Eight32s a, Vsp16s x) { return dot2(S16_256{a.v}, S
 VSP_INLINE Eight32s dotPairs(Eight32s a, const Vsp16s* p) { return dot2(S16_256{a.v}, splatPair<S16_256>(p)); }
 VSP_INLINE Eight32f toFloat(Eight32s a) { return {_mm256_cvtepi32_ps(a.v)}; }
 VSP_INLINE Eight32f reciprocal(Eight32f a) { return {_mm256_rcp_ps(a.v)}; }  // wrong by 1.5 * 2^-12 at most
-VSP_INLINE Eight32f max(Eight32f a, Eight32f b) { return {_mm256_max_ps(a.v, b.v)}; }
-VSP_INLINE Vsp32f largest(Eight32f a) {
-    const __m128 four = _mm_max_ps(_mm256_castps256_ps128(a.v), _mm256_extractf128_ps(a.v, 1));
-    const __m128 two = _mm_max_ps(four, _mm_movehl_ps(four, four));
-    return _mm_cvtss_f32(_mm_max_ss(two, _mm_movehdup_ps(two)));
-}
-// Bit i tells whether a[i] >= b[i].
-VSP_INLINE Vsp32u atLeast(Eight32f a, Eight32f b) {
-    return Vsp32u(_mm256_movemask_ps(_mm256_cmp_ps(a.v, b.v, _CMP_GE_OS)));
-}
 #else
-VSP_INLINE S16_128 block(S16_128 a, int) { return a; }
 struct Eight32s {
     S32_128 lo, hi;
     [[gnu::always_inline]] static Eight32s splat(Vsp32s x) { return {S32_128::splat(x), S32_128::splat(x)}; }
@@ -56,7 +29,11 @@ struct Eight32s {
     }
 };
 VSP_INLINE Eight32s add(Eight32s a, Eight32s b) { return {add(a.lo, b.lo), add(a.hi, b.hi)}; }
+VSP_INLINE Eight32s sub(Eight32s a, Eight32s b) { return {sub(a.lo, b.lo), sub(a.hi, b.hi)}; }
 VSP_INLINE Eight32s max(Eight32s a, Eight32s b) { return {max(a.lo, b.lo), max(a.hi, b.hi)}; }
+VSP_INLINE Eight32s min(Eight32s a, Eight32s b) { return {min(a.lo, b.lo), min(a.hi, b.hi)}; }
+VSP_INLINE bool anyNotPositive(Eight32s a) { return anyNotPositive(min(a.lo, a.hi)); }
+VSP_INLINE Eight32s shl(Eight32s a, int n) { return {shl(a.lo, n), shl(a.hi, n)}; }
 VSP_INLINE Eight32s shr(Eight32s a, int n) { return {shr(a.lo, n), shr(a.hi, n)}; }
 VSP_INLINE Eight32s widen(S16_128 a) {
     return {{_mm_cvtepi16_epi32(a.v)}, {_mm_cvtepi16_epi32(_mm_unpackhi_epi64(a.v, a.v))}};
@@ -82,14 +59,9 @@ struct Eight32f {
 VSP_INLINE Eight32f toFloat(Eight32s a) { return {{_mm_cvtepi32_ps(a.lo.v)}, {_mm_cvtepi32_ps(a.hi.v)}}; }
 VSP_INLINE Eight32f mul(Eight32f a, Eight32f b) { return {mul(a.lo, b.lo), mul(a.hi, b.hi)}; }
 VSP_INLINE Eight32f reciprocal(Eight32f a) { return {{_mm_rcp_ps(a.lo.v)}, {_mm_rcp_ps(a.hi.v)}}; }
-VSP_INLINE Eight32f max(Eight32f a, Eight32f b) { return {{_mm_max_ps(a.lo.v, b.lo.v)}, {_mm_max_ps(a.hi.v, b.hi.v)}}; }
-VSP_INLINE Vsp32f largest(Eight32f a) {
-    const __m128 four = _mm_max_ps(a.lo.v, a.hi.v), two = _mm_max_ps(four, _mm_movehl_ps(four, four));
-    return _mm_cvtss_f32(_mm_max_ss(two, _mm_movehdup_ps(two)));
-}
-VSP_INLINE Vsp32u atLeast(Eight32f a, Eight32f b) {
-    return Vsp32u(_mm_movemask_ps(_mm_cmpge_ps(a.lo.v, b.lo.v)) | _mm_movemask_ps(_mm_cmpge_ps(a.hi.v, b.hi.v)) << 4);
-}
+VSP_INLINE Eight32f max(Eight32f a, Eight32f b) { return {max(a.lo, b.lo), max(a.hi, b.hi)}; }
+VSP_INLINE Vsp32f largest(Eight32f a) { return largest(max(a.lo, a.hi)); }
+VSP_INLINE Vsp32u atLeast(Eight32f a, Eight32f b) { return atLeast(a.lo, b.lo) | atLeast(a.hi, b.hi) << 4; }
 #endif
 
 // Rows to columns.
