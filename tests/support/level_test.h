@@ -9,7 +9,8 @@
 
 namespace vsp::test {
 
-// The functions of "y8", "v3", "v4", or of "library", the built shared library; null if the processor lacks the level.
+// The functions of "y8", "v3", "v4", or of "library", the built shared library; null if the processor lacks the level, or
+// if VSPSC_LEVEL in the environment names another one.
 const Api* apiOf(const std::string& level);
 
 // GetParam() names the level, api is its table. Skipped where the processor lacks the level.
