@@ -57,8 +57,9 @@ set(vspsc_level_sources
     src/ec/fir_subband_32sc.cpp
     src/ec/fir_subband_update_32fc.cpp
     src/ec/fir_subband_update_32sc.cpp
+    src/ec/fullband_controller.cpp
     src/ec/nlms.cpp
-    src/ec/state_sizes.cpp
+    src/ec/subband_controller.cpp
     src/ec/subband_process.cpp
     src/ec/subband_setup.cpp
     src/ec/tone_detect.cpp

@@ -56,9 +56,7 @@ add_library(
     voice/echo/bulk_delay.cpp
     voice/echo/echo_canceller.cpp
     voice/echo/fullband_canceller.cpp
-    voice/echo/fullband_step_size.cpp
     voice/echo/prototype_window.cpp
-    voice/echo/step_size.cpp
     voice/echo/subband_canceller.cpp
     voice/level/level_control.cpp
     voice/pitch/pitch_tracker.cpp

@@ -1,7 +1,7 @@
 /**
  * @file
  * Echo cancellation: sub-band filter bank, adaptive filters in sub-bands and over the full band, the 2100 Hz tone detector
- * of ITU-T G.168, and sizes of the step-size controllers.
+ * of ITU-T G.168; the step-size controllers are in ec/controllers.h.
  *
  * A full-band canceller filters and adapts sample by sample (vspsNLMS_EC_32f). A sub-band canceller splits the far-end
  * reference and the near-end signal with vspsSubbandAnalysis_32f32fc, estimates the echo in each band with a short complex
@@ -16,6 +16,7 @@
 #ifndef VSPSC_EC_H
 #define VSPSC_EC_H
 
+#include "vspsc/ec/controllers.h"
 #include "vspsc/types.h"
 
 #ifdef __cplusplus
@@ -355,22 +356,6 @@ VspStatus vspsNLMS_EC_32f(const Vsp32f* pRef, const Vsp32f* pNear, const Vsp32f*
  */
 VspStatus vspsNLMS_EC_16s(const Vsp16s* pRef, const Vsp16s* pNear, const Vsp32s* pStepSize, Vsp16s* pDst, Vsp32s len,
                           Vsp16s* pTaps, Vsp32s numTaps, Vsp16s* pScaledErr);
-
-/**
- * Size of the state of the fixed-point full-band step-size controller: 96 bytes.
- *
- * @param[out] pSize  bytes that the caller must provide
- * @retval vspStsNullPtrErr  pSize is null
- */
-VspStatus vspsFullbandControllerGetSize_EC_16s(Vsp32s* pSize);
-
-/**
- * Size of the state of the floating-point full-band step-size controller: 72 bytes.
- *
- * @param[out] pSize  bytes that the caller must provide
- * @retval vspStsNullPtrErr  pSize is null
- */
-VspStatus vspsFullbandControllerGetSize_EC_32f(Vsp32s* pSize);
 
 /**
  * Size of the state of the floating-point 2100 Hz tone detector, G.168: 80 bytes, at any address.

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <algorithm>
-#include <bit>
 #include <cmath>
 #include <cstdint>
 
@@ -19,12 +18,13 @@ struct FloatArithmetic {
     using Step = Vsp64f;
     using WindowValue = Vsp32f;
     using BankState = VspSubbandProcessState_32f;
+    using SubbandControllerState = VspSubbandControllerState_EC_32f;
+    using FullbandControllerState = VspFullbandControllerState_EC_32f;
 
     static constexpr float kBand = 1, kCoefficient = 1;  // what 1 is stored as
 
     static WindowValue windowValue(double w) { return static_cast<WindowValue>(w); }
     static Sample sample(float x) { return x; }
-    static Step step(float s) { return s; }
     static Complex subtract(Complex a, Complex b) { return {a.re - b.re, a.im - b.im}; }
 
     static void bankSize(const BankShape& s, Vsp32s* state, Vsp32s* init, Vsp32s* work) {
@@ -47,9 +47,35 @@ struct FloatArithmetic {
         vspsFIRSubbandCoeffUpdate_EC_32fc_I(steps, x, e, c, taps, bands);
     }
 
+    static void controllerSize(const BankShape& s, int taps, int rate, Vsp32s* size) {
+        vspsSubbandControllerGetSize_EC_32f(taps, s.bands(), s.frame, rate, size);
+    }
+    static void initController(SubbandControllerState* state, const BankShape& s, int taps, int rate) {
+        vspsSubbandControllerInit_EC_32f(state, taps, s.bands(), s.frame, rate);
+    }
+    static void resetController(SubbandControllerState* state, int shift) {
+        vspsSubbandControllerReset_EC_32f(state, shift);
+    }
+    static void control(const Complex* const* x, const Complex* e, const Complex* y, const Complex* const* c,
+                        bool cancelling, Step* const* steps, Vsp32s* adapt, float* residual, float* learning,
+                        Vsp32s* doubleTalk, SubbandControllerState* state) {
+        vspsSubbandControllerUpdate_EC_32f(x, e, y, c, cancelling, steps, adapt, residual, learning, doubleTalk, state);
+    }
+
     using FullbandStep = Vsp32f;
     static constexpr float kTap = 1;
-    static FullbandStep fullbandStep(double s, double /*peak*/, double /*refPeak*/) { return static_cast<FullbandStep>(s); }
+    static void initFullbandController(FullbandControllerState* state, int taps, int block, int rate) {
+        vspsFullbandControllerInit_EC_32f(state, taps, block, rate);
+    }
+    static void fullbandControllerSize(Vsp32s* size) { vspsFullbandControllerGetSize_EC_32f(size); }
+    static void resetFullbandController(FullbandControllerState* state, int shift) {
+        vspsFullbandControllerReset_EC_32f(state, shift);
+    }
+    static void controlFullband(const Sample* ref, const Sample* near, const Sample* err, int count, const Sample* taps,
+                                bool cancelling, FullbandStep* steps, float* learning, Vsp32s* doubleTalk,
+                                FullbandControllerState* state) {
+        vspsFullbandControllerUpdate_EC_32f(ref, near, err, count, taps, cancelling, steps, learning, doubleTalk, state);
+    }
     static void filterFullband(const Sample* ref, const Sample* near, Sample* out, int count, const Sample* taps,
                                int length) {
         vspsFIR_EC_32f(ref, near, out, count, taps, length);
@@ -66,6 +92,8 @@ struct FixedArithmetic {
     using Step = Vsp32sc;  // mantissa, exponent
     using WindowValue = Vsp16s;
     using BankState = VspSubbandProcessState_16s;
+    using SubbandControllerState = VspSubbandControllerDTState_EC_16s;
+    using FullbandControllerState = VspFullbandControllerState_EC_16s;
 
     // A band reaches 2^15 times the transform's length of 2^8 or 2^9, so that 6 more bits fit. Coefficients reach 16.
     static constexpr int kBandBits = 6, kCoefficientBits = 27;
@@ -74,16 +102,6 @@ struct FixedArithmetic {
     static WindowValue windowValue(double w) { return static_cast<WindowValue>(std::lrint(w * 8192)); }  // Q13
     static Sample sample(float x) { return static_cast<Sample>(std::lrint(std::clamp(x, -kFullScale, kHighest))); }
 
-    // An update is error * reference * mantissa * 2^-exponent, all of them integers. Taken from the bits of a float.
-    static Step step(float s) {
-        constexpr int kMantissaBits = 23, kBias = 127;
-        const auto bits = std::bit_cast<std::uint32_t>(s * (kCoefficient / (kBand * kBand)));
-        const int biased = static_cast<int>(bits >> kMantissaBits);
-        if (biased == 0) return {0, 0};
-        const std::uint32_t mantissa = (bits & ((1u << kMantissaBits) - 1)) | 1u << kMantissaBits;
-        constexpr int kShift = 30 - kMantissaBits;
-        return {static_cast<Vsp32s>(mantissa << kShift), kMantissaBits + kShift + kBias - biased};
-    }
     static Complex subtract(Complex a, Complex b) { return {difference(a.re, b.re), difference(a.im, b.im)}; }
 
     static void bankSize(const BankShape& s, Vsp32s* state, Vsp32s* init, Vsp32s* work) {
@@ -106,12 +124,34 @@ struct FixedArithmetic {
         vspsFIRSubbandCoeffUpdate_EC_32sc_I(steps, x, e, c, taps, bands, 0);
     }
 
+    static void controllerSize(const BankShape& s, int taps, int rate, Vsp32s* size) {
+        vspsSubbandControllerDTGetSize_EC_16s(taps, s.bands(), s.frame, rate, size);
+    }
+    static void initController(SubbandControllerState* state, const BankShape& s, int taps, int rate) {
+        vspsSubbandControllerDTInit_EC_16s(state, taps, s.bands(), s.frame, rate, -kBandBits, kCoefficientBits);
+    }
+    static void resetController(SubbandControllerState* state, int shift) {
+        vspsSubbandControllerDTReset_EC_16s(state, shift);
+    }
+    static void control(const Complex* const* x, const Complex* e, const Complex* y, const Complex* const* c,
+                        bool cancelling, Step* const* steps, Vsp32s* adapt, float* residual, float* learning,
+                        Vsp32s* doubleTalk, SubbandControllerState* state) {
+        vspsSubbandControllerDTUpdate_EC_16s(x, e, y, c, cancelling, steps, adapt, residual, learning, doubleTalk, state);
+    }
+
     using FullbandStep = Vsp32s;
     static constexpr float kTap = 32768;  // Q15
-    // A tap grows by error * step / 2^11 * reference / 2^13 / 2^15. No product may leave 32 bits.
-    static FullbandStep fullbandStep(double s, double peak, double refPeak) {
-        const double most = std::min(0x1p29 / (peak + 1), 0x1p40 / ((peak + 1) * (refPeak + 1)));
-        return static_cast<FullbandStep>(std::min(s * 0x1p39, most) + 0.5);
+    static void initFullbandController(FullbandControllerState* state, int taps, int block, int rate) {
+        vspsFullbandControllerInit_EC_16s(state, taps, block, rate);
+    }
+    static void fullbandControllerSize(Vsp32s* size) { vspsFullbandControllerGetSize_EC_16s(size); }
+    static void resetFullbandController(FullbandControllerState* state, int shift) {
+        vspsFullbandControllerReset_EC_16s(state, shift);
+    }
+    static void controlFullband(const Sample* ref, const Sample* near, const Sample* err, int count, const Sample* taps,
+                                bool cancelling, FullbandStep* steps, float* learning, Vsp32s* doubleTalk,
+                                FullbandControllerState* state) {
+        vspsFullbandControllerUpdate_EC_16s(ref, near, err, count, taps, cancelling, steps, learning, doubleTalk, state);
     }
     static void filterFullband(const Sample* ref, const Sample* near, Sample* out, int count, const Sample* taps,
                                int length) {

@@ -51,8 +51,8 @@ BulkDelay::BulkDelay(const Shape& s, Memory& memory)
     uncertainty_.fill(1 / static_cast<float>(length_));
 }
 
-// The step follows from what is unknown of the coefficients, as in step_size.h, with one uncertainty for all taps: of a
-// path that is as loud as the far end at most.
+// The step follows from what is unknown of the coefficients, as in the controllers of libvspscy8, with one uncertainty: of
+// a path that is as loud as the far end at most.
 void BulkDelay::adapt() {
     std::array<float, kBands> before;
     std::transform(left_.begin(), left_.end(), before.begin(), power);

@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <cmath>
 #include <optional>
 
 #include "echo/arithmetic.h"
@@ -8,7 +7,6 @@
 #include "echo/engine.h"
 #include "echo/enhancement.h"
 #include "echo/far_activity.h"
-#include "echo/fullband_step_size.h"
 #include "echo/output_guard.h"
 #include "echo/tone_disabler.h"
 
@@ -21,8 +19,6 @@ constexpr int kBlockRate = 200;  // blocks a second, for each of which a step si
 // Speech falls off towards high frequencies, and where there is little power an NLMS filter learns slowly. Both signals go
 // through a first difference that evens that out, and the output through its inverse. The gain keeps it in 16 bits.
 constexpr float kEmphasis = 0.9f, kEmphasisGain = 0.5f;
-
-constexpr double kSmallStep = 1e-5;  // not worth an update
 
 template <class Arithmetic>
 class FullbandCanceller {
@@ -45,11 +41,12 @@ class FullbandCanceller {
           far_(memory.take<Sample>(maxDelay_ + taps_ + block_)),
           coefficients_(memory.take<Sample>(taps_)),
           tapEnergy_(memory.take<float>(std::max(1, taps_ / frame_))),
-          stepSize_(taps_, kBlockRate),
+          controller_(takeController(memory)),
           farActivity_((maxDelay_ + taps_) / block_ + 1),
           presence_(kBlockRate),
           guard_(rate_),
           enhancement_(kBlockRate) {
+        if (!memory.measures()) Arithmetic::initFullbandController(controller_, taps_, block_, rate_);
         if (c.toneDisabling != 0) tone_.emplace(rate_, block_, memory);
         if (maxDelay_ >= frame_)
             bulkDelay_.emplace(bankShape(rate_), maxDelay_ / frame_, static_cast<int>(tapEnergy_.size()), rate_, memory);
@@ -71,6 +68,11 @@ class FullbandCanceller {
     }
 
   private:
+    static typename Arithmetic::FullbandControllerState* takeController(Memory& memory) {
+        Vsp32s size = 0;
+        Arithmetic::fullbandControllerSize(&size);
+        return reinterpret_cast<typename Arithmetic::FullbandControllerState*>(memory.take<Vsp8u>(size).data());
+    }
     int delay() const { return bulkDelay_ ? bulkDelay_->samples() : 0; }
     Sample* newest() { return far_.data() + maxDelay_ + taps_; }
     Sample* reference() { return newest() - delay(); }
@@ -103,7 +105,7 @@ class FullbandCanceller {
         farActivity_.update(energy(farIn_.data(), block_) / block_);
         status_ = {.echoFound = presence_.found(),
                    .farActive = farActivity_.active(),
-                   .doubleTalk = !disabled && farActivity_.active() && stepSize_.nearSpeech(),
+                   .doubleTalk = !disabled && farActivity_.active() && nearSpeech_ != 0,
                    .toneDisabled = disabled,
                    .bulkDelayMs = 1000.0 * delay() / rate_,
                    .stepSize = step,
@@ -115,29 +117,12 @@ class FullbandCanceller {
         const Sample* ref = reference();
         Arithmetic::filterFullband(ref, near_.data(), error_.data(), block_, coefficients_.data(), taps_);
         if (!mayAdapt) return 0;
-        FullbandStepSize::Block b{};
-        b.samples = block_;
-        b.cancelling = guard_.removing();
-        b.farEnergy = energy(ref + block_ - taps_, taps_);
-        b.farPower = energy(ref, block_) / block_;
-        double peak = 0;
-        for (std::size_t n = 0; n < near_.size(); n++) {
-            const double e = error_[n], y = double(near_[n]) - e;
-            b.errorPower += e * e / block_;
-            b.estimatePower += y * y / block_;
-            b.correlation += e * y / block_;
-            peak = std::max(peak, std::abs(e));
-        }
-        const double unit = Arithmetic::kTap;
-        const double step = stepSize_.update(b, energy(coefficients_.data(), taps_) / (unit * unit));
-        if (step < kSmallStep) {
+        float step = 0;
+        Arithmetic::controlFullband(ref, near_.data(), error_.data(), block_, coefficients_.data(), guard_.removing(),
+                                    steps_.data(), &step, &nearSpeech_, controller_);
+        if (step == 0) {
             scaledError_ = 0;
             return 0;
-        }
-        double power = energy(ref - taps_, taps_);
-        for (int n = 0; n < block_; n++) {
-            power += double(ref[n]) * ref[n] - double(ref[n - taps_]) * ref[n - taps_];
-            steps_[static_cast<std::size_t>(n)] = Arithmetic::fullbandStep(step / (power + 1), 2 * peak, std::sqrt(power));
         }
         Arithmetic::adaptFullband(ref, near_.data(), steps_.data(), error_.data(), block_, coefficients_.data(), taps_,
                                   &scaledError_);
@@ -181,9 +166,9 @@ class FullbandCanceller {
             std::fill(begin, std::shift_right(begin, end, -shift), Sample{});
         scaledError_ = 0;
         if (bulkDelay_->useful())
-            stepSize_.forget(std::min(1.0, std::abs(shift) / double(taps_)));
+            Arithmetic::resetFullbandController(controller_, shift);
         else
-            stepSize_.reset();
+            Arithmetic::resetFullbandController(controller_, taps_);
     }
 
     int rate_, block_, frame_, taps_, maxDelay_;
@@ -195,7 +180,8 @@ class FullbandCanceller {
     std::span<Sample> coefficients_;
     Sample scaledError_ = 0;
     std::span<float> tapEnergy_;  // in frames of the search
-    FullbandStepSize stepSize_;
+    typename Arithmetic::FullbandControllerState* controller_;
+    Vsp32s nearSpeech_ = 0;
     FarActivity farActivity_;
     EchoPresence presence_;
     OutputGuard guard_;

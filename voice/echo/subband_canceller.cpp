@@ -10,7 +10,7 @@
 #include "echo/far_activity.h"
 #include "echo/filter_bank.h"
 #include "echo/output_guard.h"
-#include "echo/step_size.h"
+#include "echo/subband_controller.h"
 #include "echo/tone_disabler.h"
 
 namespace vspv {
@@ -37,21 +37,16 @@ class SubbandCanceller {
           nearBank_(shape_, nearWindow, memory),
           outBank_(shape_, synthesisWindow, memory),
           far_(taps_ + maxDelay_, bands_, memory),
-          farPower_(taps_ + maxDelay_, bands_, memory),
           near_(kLookAhead + 1, bands_, memory),
           coefficients_(taps_, bands_, memory),
-          stepSize_(bands_, taps_, 1000 / frameMs_, memory),
+          controller_(shape_, taps_, c.samplingRate, memory),
           farActivity_(maxDelay_ + taps_),
           presence_(1000 / frameMs_),
           guard_(c.samplingRate),
           enhancement_(1000 / frameMs_),
-          steps_(memory.take<typename Arithmetic::Step>(bands_)),
           tapEnergy_(memory.take<float>(taps_)),
           estimate_(memory.take<Complex>(bands_)),
           error_(memory.take<Complex>(bands_)),
-          errorPower_(memory.take<float>(bands_)),
-          estimatePower_(memory.take<float>(bands_)),
-          correlation_(memory.take<float>(bands_)),
           farIn_(memory.take<Sample>(shape_.frame)),
           estimated_(memory.take<Sample>(shape_.frame)),
           echo_(memory.take<float>(shape_.frame)),
@@ -94,7 +89,6 @@ class SubbandCanceller {
 
         Complex* x = far_.push();
         farBank_.analyse(farIn_.data(), x);
-        powers(x, farPower_.push());
         nearBank_.analyse(newest(), near_.push());
         cancel(near_.at(kLookAhead)[0]);
         if (!disabled) adapt();
@@ -104,76 +98,35 @@ class SubbandCanceller {
         std::copy(nearIn_.begin() + shape_.frame, nearIn_.end(), nearIn_.begin());
     }
 
-    // |z|^2 of each band.
-    void powers(const Complex* z, float* power) const {
-        constexpr float kUnit = 1 / Arithmetic::kBand;
-        for (int k = 0; k < bands_; k++) {
-            const float re = kUnit * static_cast<float>(z[k].re), im = kUnit * static_cast<float>(z[k].im);
-            power[k] = re * re + im * im;
-        }
-    }
-
     void cancel(const Complex* near) {
         Arithmetic::filter(far_.at(delay()), coefficients_.at(0), estimate_.data(), taps_, bands_);
-        constexpr float kUnit = 1 / Arithmetic::kBand;
-        const Complex* y = estimate_.data();
-        Complex* __restrict e = error_.data();
-        float* __restrict errorPower = errorPower_.data();
-        float* __restrict estimatePower = estimatePower_.data();
-        float* __restrict correlation = correlation_.data();
-        for (int k = 0; k < bands_; k++) {
-            e[k] = Arithmetic::subtract(near[k], y[k]);
-            const float er = kUnit * static_cast<float>(e[k].re), ei = kUnit * static_cast<float>(e[k].im);
-            const float yr = kUnit * static_cast<float>(y[k].re), yi = kUnit * static_cast<float>(y[k].im);
-            errorPower[k] = er * er + ei * ei;
-            estimatePower[k] = yr * yr + yi * yi;
-            correlation[k] = er * yr + ei * yi;
-        }
-        float left = 0, heard = 0;
-        for (int k = 0; k < bands_; k++) {
-            left += errorPower[k];
-            heard += errorPower[k] + 2 * correlation[k] + estimatePower[k];
-        }
-        presence_.update(heard, left);
+        std::transform(near, near + bands_, estimate_.begin(), error_.begin(), Arithmetic::subtract);
     }
 
     // The bank would give the near end back as it was, but for rounding.
     void subtract(bool disabled) {
         outBank_.synthesise(estimate_.data(), estimated_.data());
         std::transform(estimated_.begin(), estimated_.end(), echo_.begin(), [](Sample y) { return static_cast<float>(y); });
-        guard_.limit(std::span<const Sample>(nearIn_.data(), echo_.size()), echo_, stepSize_.learning());
+        const std::span<const Sample> near(nearIn_.data(), echo_.size());
+        presence_.update(meanSquare(near), meanSquareLeft(near));
+        guard_.limit(near, echo_, controller_.learning());
         if (disabled) std::fill(echo_.begin(), echo_.end(), 0.0f);
         for (std::size_t n = 0; n < out_.size(); n++)
             out_[n] = Arithmetic::sample(static_cast<float>(nearIn_[n]) - echo_[n]);
         enhancement_.update<Sample>(nearIn_.first(out_.size()), out_);
     }
 
-    void adapt() {
-        stepSize_.update(
-            {farPower_.at(delay()), errorPower_.data(), estimatePower_.data(), correlation_.data(), guard_.removing()});
-        for (int g = 0; g < stepSize_.groups(); g++) {
-            if (!stepSize_.adapts(g)) continue;
-            std::transform(stepSize_.steps(g), stepSize_.steps(g) + bands_, steps_.begin(), Arithmetic::step);
-            const int first = stepSize_.firstTap(g);
-            Arithmetic::adapt(steps_.data(), far_.at(delay() + first), error_.data(), coefficients_.at(first),
-                              stepSize_.taps(g), bands_);
+    float meanSquareLeft(std::span<const Sample> near) const {
+        float sum = 0;
+        for (std::size_t n = 0; n < near.size(); n++) {
+            const float left = static_cast<float>(near[n]) - echo_[n];
+            sum += left * left;
         }
-        turn_ = (turn_ + 1) % stepSize_.groups();
-        measureCoefficients(turn_);
+        return sum / static_cast<float>(near.size());
     }
 
-    void measureCoefficients(int group) {
-        constexpr float kUnit = 1 / Arithmetic::kCoefficient;
-        const float share = kUnit * kUnit / static_cast<float>(stepSize_.taps(group));
-        float* power = stepSize_.coefficientPower(group);
-        std::fill_n(power, bands_, 0.0f);
-        for (int t = 0; t < stepSize_.taps(group); t++) {
-            const Complex* c = coefficients_.at(stepSize_.firstTap(group))[t];
-            for (int k = 0; k < bands_; k++) {
-                const auto re = static_cast<float>(c[k].re), im = static_cast<float>(c[k].im);
-                power[k] += share * (re * re + im * im);
-            }
-        }
+    void adapt() {
+        controller_.adapt(far_.at(delay()), error_.data(), estimate_.data(), coefficients_.at(0), guard_.removing());
     }
 
     void followDelay() {
@@ -203,19 +156,19 @@ class SubbandCanceller {
         };
         for (int t = 0; t < taps_; t++) move(shift > 0 ? t : taps_ - 1 - t);
         if (bulkDelay_->useful())
-            stepSize_.shift(shift);
+            controller_.shift(shift);
         else
-            stepSize_.reset();
+            controller_.reset();
     }
 
     void observe(bool disabled) {
         farActivity_.update(meanSquare<Sample>(farIn_));
         status_ = {.echoFound = presence_.found(),
                    .farActive = farActivity_.active(),
-                   .doubleTalk = !disabled && farActivity_.active() && stepSize_.nearSpeech(),
+                   .doubleTalk = !disabled && farActivity_.active() && controller_.nearSpeech(),
                    .toneDisabled = disabled,
                    .bulkDelayMs = delay() * frameMs_,
-                   .stepSize = disabled ? 0 : stepSize_.learning(),
+                   .stepSize = disabled ? 0 : controller_.learning(),
                    .erle = enhancement_.decibels()};
     }
 
@@ -225,23 +178,20 @@ class SubbandCanceller {
     int taps_, maxDelay_;
     FilterBank<Arithmetic> farBank_, nearBank_, outBank_;
     DelayLine<Complex> far_;
-    DelayLine<float> farPower_;
     DelayLine<Complex> near_, coefficients_;
-    SubbandStepSize stepSize_;
+    SubbandController<Arithmetic> controller_;
     FarActivity farActivity_;
     EchoPresence presence_;
     OutputGuard guard_;
     Enhancement enhancement_;
     std::optional<ToneDisabler> tone_;
     std::optional<BulkDelay> bulkDelay_;
-    std::span<typename Arithmetic::Step> steps_;
     std::span<float> tapEnergy_;
     std::span<Complex> estimate_, error_;
-    std::span<float> errorPower_, estimatePower_, correlation_;
     std::span<Sample> farIn_, estimated_;
     std::span<float> echo_;
     std::span<Sample> out_, nearIn_;
-    int filled_ = 0, turn_ = 0;
+    int filled_ = 0;
     VspvEchoStatus status_{};
 };
 

@@ -10,8 +10,6 @@ static const Described functions("core",
                                      VSPSC_FUNCTION(vspsQMFGetStateSize_G7291_16s, size(128)).notRecorded(),
                                      VSPSC_FUNCTION(vspsPostFilterGetStateSize_RTA_32f, size(32)).notRecorded(),
                                      VSPSC_FUNCTION(vspsQMFGetStateSize_RTA_32f, size(208)).notRecorded(),
-                                     VSPSC_FUNCTION(vspsFullbandControllerGetSize_EC_16s, size(96)).notRecorded(),
-                                     VSPSC_FUNCTION(vspsFullbandControllerGetSize_EC_32f, size(72)).notRecorded(),
                                  });
 
 }  // namespace vsp::test

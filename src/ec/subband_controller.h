@@ -1,0 +1,286 @@
+// Step sizes of the sub-band filters, and with them the protection against double talk.
+//
+// Each coefficient is taken for a random value that drifts slowly, and the mean square of what is still unknown of it, its
+// uncertainty, is tracked as a Kalman filter with a diagonal covariance does (G. Enzner, P. Vary: Frequency-domain adaptive
+// Kalman filter for acoustic echo control in hands-free telephones, Signal Processing 86, 2006). The step follows from the
+// share of the error that the uncertainties explain: near-end speech makes the error larger than that and the step small,
+// in the very frame in which it begins.
+//
+// A filter that is certain and wrong, because the echo path has changed, would not recover. So the error is also correlated
+// with the echo estimate: near-end speech has nothing in common with it, the echo of another path has (J.-M. Valin: On
+// adjusting the learning rate in frequency domain echo cancellation with double-talk, IEEE Trans. ASLP 15, 2007). What they
+// have in common makes the filter uncertain again.
+#pragma once
+
+#include "ec/near_speech.h"
+#include "ec/partial_sums.h"
+#include "ec/subband_limits.h"
+
+namespace vsp::VSP_LEVEL {
+
+constexpr Vsp32s kControllerGroup = 4;  // neighbouring taps that have the steps in common
+
+VSP_INLINE constexpr Vsp32s controllerGroups(Vsp32s len) { return (len + kControllerGroup - 1) / kControllerGroup; }
+
+// The state; arrays of floats follow it.
+struct SubbandController {
+    Vsp32s len, numSubbands, groups, turn;
+    Vsp32f noiseDecay, leakageDecay, drift;
+    Vsp32f cross, estimate, chance;  // smoothed, for the leakage
+    Vsp32f noiseSum;
+    Vsp32f bandUnit, coefUnit, stepUnit;  // what 1 is worth in a band and in a coefficient, and a step for the updates
+    NearSpeech nearSpeech;
+};
+
+// Where they are: one value for a group, or for each band, or for each band of each group.
+struct ControllerArrays {
+    Vsp32f* prior;      // share of a coefficient in the power of a path, [group]
+    Vsp32f* predicted;  // residual echo of a group when it adapted last, [group]
+    Vsp32f *noise, *gain, *path;
+    Vsp32f *farPower, *uncertainty, *coefPower;  // [group][band]
+
+    [[gnu::always_inline]] explicit ControllerArrays(SubbandController* s) {
+        Vsp32f* next = reinterpret_cast<Vsp32f*>(s + 1);
+        const auto take = [&next](Vsp32s count) {
+            Vsp32f* const begin = next;
+            next += count;
+            return begin;
+        };
+        const Vsp32s bands = s->numSubbands, all = s->groups * bands;
+        prior = take(s->groups);
+        predicted = take(s->groups);
+        noise = take(bands);
+        gain = take(bands);
+        path = take(bands);
+        farPower = take(all);
+        uncertainty = take(all);
+        coefPower = take(all);
+    }
+};
+
+VSP_INLINE constexpr Vsp32s controllerSize(Vsp32s len, Vsp32s numSubbands) {
+    const Vsp32s groups = controllerGroups(len);
+    return Vsp32s(sizeof(SubbandController)) +
+           Vsp32s(sizeof(Vsp32f)) * (2 * groups + 3 * numSubbands + 3 * groups * numSubbands);
+}
+
+VSP_INLINE constexpr bool isController(Vsp32s len, Vsp32s numSubbands, Vsp32s frameSize, Vsp32s rate) {
+    return len >= 1 && len <= kMaxSubbandTaps && numSubbands >= 1 && numSubbands <= kMaxSubbands && frameSize >= 1 &&
+           frameSize <= rate && (rate == 8000 || rate == 16000);
+}
+
+// What is not a number, or beyond what powers of signals can be, counts as nothing.
+VSP_INLINE Vsp32f plausible(Vsp32f power) {
+    constexpr Vsp32f kMost = 1e16f;
+    return power <= kMost ? power : 0;
+}
+
+template <class Band>
+VSP_INLINE Vsp32f powerOf(const Band& z, Vsp32f unit) {
+    const Vsp32f re = unit * Vsp32f(z.re), im = unit * Vsp32f(z.im);
+    return re * re + im * im;
+}
+
+VSP_INLINE Vsp32s tapsOf(const SubbandController& s, Vsp32s group) {
+    const Vsp32s left = s.len - group * kControllerGroup;
+    return left < kControllerGroup ? left : kControllerGroup;
+}
+
+// The path is thought to be as loud as the far end at most, and to fall off from tap to tap.
+VSP_INLINE void resetController(SubbandController* s, Vsp32s shift) {
+    const ControllerArrays a(s);
+    const Vsp32s bands = s->numSubbands;
+    for (Vsp32s i = 0; i < s->groups; i++) {
+        const Vsp32s group = shift > 0 ? i : s->groups - 1 - i;
+        const Vsp64s first = Vsp64s(group) * kControllerGroup + shift, last = first + tapsOf(*s, group) - 1;
+        Vsp32f* to = a.uncertainty + group * bands;
+        if (first < 0 || last >= s->len) {
+            for (Vsp32s k = 0; k < bands; k++) to[k] = a.prior[group];
+        } else {
+            const Vsp32f* x = a.uncertainty + Vsp32s(first) / kControllerGroup * bands;
+            const Vsp32f* y = a.uncertainty + Vsp32s(last) / kControllerGroup * bands;
+            for (Vsp32s k = 0; k < bands; k++) to[k] = larger(x[k], y[k]);
+        }
+        a.predicted[group] = 1;
+    }
+    s->noiseSum = 0;
+}
+
+VSP_INLINE void initController(SubbandController* s, Vsp32s len, Vsp32s numSubbands, Vsp32s frameSize, Vsp32s rate,
+                               Vsp32f bandUnit, Vsp32f coefUnit) {
+    constexpr Vsp32f kNoiseTime = 0.02f;    // s, smoothing of the error power
+    constexpr Vsp32f kLeakageTime = 0.25f;  // s, over which error and echo estimate are compared
+    constexpr Vsp32f kDriftTime = 3e5f;     // s in which an echo path becomes another one
+    constexpr Vsp32f kPriorDecay = 0.8f;    // of the power of an echo path from tap to tap
+    const Vsp32f frameRate = Vsp32f(rate) / Vsp32f(frameSize);
+    *s = {};
+    s->len = len;
+    s->numSubbands = numSubbands;
+    s->groups = controllerGroups(len);
+    s->noiseDecay = decay(kNoiseTime, frameRate);
+    s->leakageDecay = decay(kLeakageTime, frameRate);
+    s->drift = 1 / (kDriftTime * frameRate);
+    s->bandUnit = bandUnit;
+    s->coefUnit = coefUnit;
+    s->stepUnit = bandUnit * bandUnit / coefUnit;
+    initNearSpeech(s->nearSpeech, frameRate);
+    const Vsp32s floats = (controllerSize(len, numSubbands) - Vsp32s(sizeof *s)) / Vsp32s(sizeof(Vsp32f));
+    const ControllerArrays a(s);
+    for (Vsp32s i = 0; i < floats; i++) a.prior[i] = 0;
+    Vsp32f sum = 0, tap = 1;
+    for (Vsp32s t = 0; t < len; t++, tap *= kPriorDecay) {
+        sum += tap;
+        if (t % kControllerGroup == 0) a.prior[t / kControllerGroup] = tap;
+    }
+    for (Vsp32s g = 0; g < s->groups; g++) a.prior[g] /= sum;
+    resetController(s, len);
+}
+
+// What a frame is, summed over the bands.
+struct FramePowers {
+    Vsp32f error, estimate, correlation, chance;  // chance: of the products of the two powers
+};
+
+template <class Band>
+VSP_INLINE FramePowers measureFrame(const SubbandController& s, const Band* err, const Band* est) {
+    Vsp32f error[kPartialSums] = {}, estimate[kPartialSums] = {}, correlation[kPartialSums] = {}, chance[kPartialSums] = {};
+    const Vsp32f unit = s.bandUnit;
+    forParts(s.numSubbands, [&](Vsp32s k, int i) {
+        const Vsp32f er = unit * Vsp32f(err[k].re), ei = unit * Vsp32f(err[k].im);
+        const Vsp32f yr = unit * Vsp32f(est[k].re), yi = unit * Vsp32f(est[k].im);
+        const Vsp32f e = er * er + ei * ei, y = yr * yr + yi * yi;
+        error[i] += e;
+        estimate[i] += y;
+        correlation[i] += er * yr + ei * yi;
+        chance[i] += e * y;
+    });
+    return {sumOfParts(error), sumOfParts(estimate), sumOfParts(correlation), sumOfParts(chance)};
+}
+
+constexpr Vsp32f kNothing = 1;  // power in a band
+
+// The square of the regression coefficient of the error on the estimate, less what it is by chance.
+VSP_INLINE Vsp32f leakage(SubbandController& s, const FramePowers& frame) {
+    constexpr Vsp32f kChance = 8;  // in units of its expectation
+    const Vsp32f kept = s.leakageDecay, now = 1 - kept;
+    s.cross = kept * s.cross + now * frame.correlation;
+    s.estimate = kept * s.estimate + now * frame.estimate;
+    s.chance = kept * s.chance + now * now * frame.chance;
+    const Vsp32f square = s.cross * s.cross - kChance * s.chance;
+    return square > 0 ? smaller(1, square / (s.estimate * s.estimate + kNothing)) : 0;
+}
+
+// The mean power of the coefficients of a group.
+template <class Band>
+VSP_INLINE void measureCoefficients(const SubbandController& s, const ControllerArrays& a, const Band* const* coef,
+                                    Vsp32s group) {
+    const Vsp32s taps = tapsOf(s, group);
+    const Vsp32f share = 1 / Vsp32f(taps), unit = s.coefUnit;
+    Vsp32f* power = a.coefPower + group * s.numSubbands;
+    for (Vsp32s k = 0; k < s.numSubbands; k++) power[k] = 0;
+    for (Vsp32s t = 0; t < taps; t++) {
+        const Band* c = coef[group * kControllerGroup + t];
+        for (Vsp32s k = 0; k < s.numSubbands; k++) power[k] += share * plausible(powerOf(c[k], unit));
+    }
+}
+
+// How much of the echo the group may leave, from what is unknown of its coefficients; added to the residual.
+template <class Band>
+VSP_INLINE void predict(const SubbandController& s, const ControllerArrays& a, const Band* const* src, Vsp32s group,
+                        Vsp32f leak, Vsp32f* __restrict residual) {
+    const Vsp32s bands = s.numSubbands, taps = tapsOf(s, group);
+    Vsp32f* __restrict power = a.farPower + group * bands;
+    Vsp32f* __restrict uncertainty = a.uncertainty + group * bands;
+    const Vsp32f* coefficient = a.coefPower + group * bands;
+    const Vsp32f unit = s.bandUnit, drift = s.drift, prior = a.prior[group];
+    for (Vsp32s k = 0; k < bands; k++) power[k] = 0;
+    for (Vsp32s t = 0; t < taps; t++) {
+        const Band* x = src[group * kControllerGroup + t];
+        for (Vsp32s k = 0; k < bands; k++) power[k] += plausible(powerOf(x[k], unit));
+    }
+    a.predicted[group] = sumOverBands(bands, [&](Vsp32s k) {
+        const Vsp32f drifted = uncertainty[k] + drift * coefficient[k],
+                     leaked = leak * (coefficient[k] + prior * a.path[k]);
+        uncertainty[k] = larger(drifted, leaked);
+        const Vsp32f left = uncertainty[k] * power[k];
+        residual[k] += left;
+        return left;
+    });
+}
+
+// The steps, and how much they will reduce the uncertainty.
+template <class Arithmetic>
+VSP_INLINE void correct(const SubbandController& s, const ControllerArrays& a, Vsp32s group,
+                        typename Arithmetic::Step* __restrict steps) {
+    constexpr Vsp32f kCorrelated = 0.4f;  // neighbouring taps are correlated: a frame teaches less than if they were not
+    const Vsp32s bands = s.numSubbands;
+    const Vsp32f* power = a.farPower + group * bands;
+    Vsp32f* __restrict uncertainty = a.uncertainty + group * bands;
+    const Vsp32f share = kCorrelated / Vsp32f(tapsOf(s, group)), unit = s.stepUnit;
+    for (Vsp32s k = 0; k < bands; k++) {
+        const Vsp32f step = uncertainty[k] * a.gain[k];
+        uncertainty[k] *= 1 - share * step * power[k];
+        steps[k] = Arithmetic::step(step, unit);
+    }
+}
+
+struct Verdict {
+    Vsp32f learning;
+    bool doubleTalk;
+};
+
+// A frame whose powers are not finite teaches nothing: no group adapts, and the state stays as it is.
+template <class Arithmetic>
+VSP_INLINE Verdict updateController(SubbandController* s, const typename Arithmetic::Band* const* src,
+                                    const typename Arithmetic::Band* err, const typename Arithmetic::Band* est,
+                                    const typename Arithmetic::Band* const* coef, bool cancelling,
+                                    typename Arithmetic::Step* const* steps, Vsp32s* adapt, Vsp32f* residual) {
+    constexpr Vsp32f kIdle = 0.0005f;  // share in what is to be learned below which a group is idle
+    constexpr Vsp32f kMost = 1e16f;
+    const ControllerArrays a(s);
+    const Vsp32s bands = s->numSubbands;
+    const FramePowers frame = measureFrame(*s, err, est);
+    for (Vsp32s k = 0; k < bands; k++) residual[k] = 0;
+    if (!(frame.error <= kMost && frame.estimate <= kMost)) {
+        for (Vsp32s g = 0; g < s->groups; g++) adapt[g] = 0;
+        return {0, false};
+    }
+    const Vsp32f leak = leakage(*s, frame);
+    measureCoefficients(*s, a, coef, s->turn);
+    s->turn = s->turn + 1 < s->groups ? s->turn + 1 : 0;
+
+    Vsp32f total = 0;
+    for (Vsp32s g = 0; g < s->groups; g++) total += a.predicted[g];
+    if (leak > 0) {
+        for (Vsp32s k = 0; k < bands; k++) a.path[k] = 0;
+        for (Vsp32s g = 0; g < s->groups; g++)
+            for (Vsp32s k = 0; k < bands; k++) a.path[k] += Vsp32f(tapsOf(*s, g)) * a.coefPower[g * bands + k];
+    }
+    for (Vsp32s g = 0; g < s->groups; g++) {
+        adapt[g] = leak > 0 || g == s->turn || a.predicted[g] >= kIdle * (total + s->noiseSum);
+        if (adapt[g] != 0) predict(*s, a, src, g, leak, residual);
+    }
+
+    const Vsp32f kept = s->noiseDecay, unit = s->bandUnit;
+    Vsp32f predicted[kPartialSums] = {}, noise[kPartialSums] = {}, far[kPartialSums] = {};
+    forParts(bands, [&](Vsp32s k, int i) {
+        a.noise[k] = kept * a.noise[k] + (1 - kept) * powerOf(err[k], unit);
+        a.gain[k] = 1 / (residual[k] + a.noise[k] + kNothing);
+        predicted[i] += residual[k];
+        noise[i] += a.noise[k];
+        far[i] += plausible(powerOf(src[0][k], unit));
+    });
+    s->noiseSum = sumOfParts(noise);
+    for (Vsp32s g = 0; g < s->groups; g++)
+        if (adapt[g] != 0) correct<Arithmetic>(*s, a, g, steps[g]);
+
+    const HeardPowers heard = {frame.error + frame.estimate + 2 * frame.correlation,
+                               sumOfParts(far),
+                               frame.error,
+                               frame.estimate,
+                               s->noiseSum,
+                               sumOfParts(predicted)};
+    return {heard.predicted / (heard.predicted + heard.noise + kNothing), hearNearSpeech(s->nearSpeech, heard, cancelling)};
+}
+
+}  // namespace vsp::VSP_LEVEL
