@@ -67,8 +67,8 @@ target_include_directories(vspsvoice PRIVATE ${PROJECT_SOURCE_DIR}/voice)
 target_compile_options(
     vspsvoice PRIVATE ${vspsc_optimisation} -march=x86-64-v2 -ffp-contract=off -fno-math-errno
                       -fno-exceptions -fno-rtti -fno-asynchronous-unwind-tables -fvisibility=hidden -fcf-protection=full)
-# Installed, it finds libvspscy8 beside itself.
-set_target_properties(vspsvoice PROPERTIES VERSION 1 SOVERSION 1 INSTALL_RPATH "$ORIGIN" LINK_DEPENDS ${vspsvoice_exports})
+# It finds libvspscy8 beside itself.
+set_target_properties(vspsvoice PROPERTIES VERSION 1 SOVERSION 1 INSTALL_RPATH "$ORIGIN" BUILD_RPATH_USE_ORIGIN ON LINK_DEPENDS ${vspsvoice_exports})
 target_link_options(vspsvoice PRIVATE -Wl,--version-script=${vspsvoice_exports} -Wl,-z,relro,-z,now -Wl,-z,noexecstack)
 if(NOT VSPSC_SANITIZE AND NOT VSPSC_COVERAGE)
     target_link_options(vspsvoice PRIVATE -nostartfiles -nodefaultlibs -Wl,-z,defs)
