@@ -64,7 +64,7 @@ expect_scale "$tmp/home/scale"
 
 # find_package
 mkdir "$tmp/outside"
-cp "$source"/examples/* "$tmp/outside"
+cp -r "$source"/examples/* "$tmp/outside"
 "$CMAKE" -S "$tmp/outside" -B "$tmp/outside/build" -DCMAKE_PREFIX_PATH="$prefix" >/dev/null
 "$CMAKE" --build "$tmp/outside/build" >/dev/null
 expect_scale "$tmp/outside/build/scale"
