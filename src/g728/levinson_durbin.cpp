@@ -11,7 +11,7 @@ using namespace g728;
 
 namespace {
 
-constexpr int kMaxOrder = 50, kPostFilterOrder = 10, kLowestScale = 13, kHighestScale = 15;
+constexpr int kMaxOrder = 50, kShortOrder = 10, kLowestScale = 13, kHighestScale = 15;
 
 // The elements moved up by one, the first one taken from the end of `before`.
 VSP_INLINE S16_128 movedUp(S16_128 a, S16_128 before) { return {_mm_alignr_epi8(a.v, before.v, 14)}; }
@@ -152,20 +152,21 @@ struct Recursion {
     }
 };
 
-Vsp16s expanded(Vsp16s a, Vsp16s power, int scale) {
-    return Vsp16s(roundHigh(Cnvrt_64s32s(a * Vsp64s(power) * (1 << (16 - scale)))));
-}
-
-// Whether the product stays within 32 bits.
-bool fits(Vsp16s a, Vsp16s power, int scale) {
-    const Vsp64s product = a * Vsp64s(power) * (1 << (16 - scale));
-    return product == Vsp32s(product);
-}
-
-bool allFit(const Vsp16s* a, const Vsp16s* powers, int order, int scale) {
-    bool all = true;
-    for (int i = 0; i < order; i++) all &= fits(a[i], powers[i], scale);
-    return all || scale != kLowestScale;
+// Multiplies by powers, Q14. False, and nothing written, if a product leaves 32 bits, as may happen at the lowest scale.
+template <int kOrder>
+bool expand(const Vsp16s* a, const Vsp16s* powers, int scale, Vsp16s* dst) {
+    const int shift = kHighestScale + 1 - scale;
+    Vsp16s expanded[kOrder];
+    Vsp32s beyond = 0;
+    for (int i = 0; i < kOrder; i++) {
+        const Vsp32s product = a[i] * powers[i], x = Vsp32s(Vsp32u(product) << shift);
+        beyond |= product ^ (x >> shift);
+        const Vsp32s rounded = (x >> 16) + (x >> 15 & 1);
+        expanded[i] = Vsp16s(rounded < kMax16 ? rounded : kMax16);
+    }
+    if (beyond != 0) return false;
+    for (int i = 0; i < kOrder; i++) dst[i] = expanded[i];
+    return true;
 }
 
 }  // namespace
@@ -208,11 +209,9 @@ VspStatus vspsBandwidthExpand_G728_16s(const Vsp16s* pSrc, Vsp32s kind, Vsp32s s
                                                 kExpandErasure};
     if (anyNull(pSrc, pDst, pFlag)) return vspStsNullPtrErr;
     if (kind < 0 || kind > 6 || scale < kLowestScale || scale > kHighestScale) return vspStsRangeErr;
-    const int order = kind == 0 || kind == 6 ? 50 : 10;
-    const bool fit = allFit(pSrc, kPowers[kind], order, scale);
+    const bool fit = kind == 0 || kind == 6 ? expand<kMaxOrder>(pSrc, kPowers[kind], scale, pDst)
+                                            : expand<kShortOrder>(pSrc, kPowers[kind], scale, pDst);
     *pFlag = fit ? 0 : 1;
-    if (!fit) return vspStsNoErr;
-    for (int i = 0; i < order; i++) pDst[i] = expanded(pSrc[i], kPowers[kind][i], scale);
     return vspStsNoErr;
 }
 
@@ -221,16 +220,13 @@ VspStatus vspsPostFilterCoeff_G728_16s(const Vsp16s* pLPC, Vsp32s scale, Vsp32s 
     constexpr int kTiltFactor = 4915;  // 0.15, Q15
     if (anyNull(pLPC, pZero, pPole, pTilt, pInverse)) return vspStsNullPtrErr;
     if (scale < kLowestScale || scale > kHighestScale || rc1 != Vsp16s(rc1)) return vspStsRangeErr;
-    const bool fit = allFit(pLPC, kExpandPostFilterPole, kPostFilterOrder, scale);
-    for (int i = 0; i < kPostFilterOrder; i++) {
-        const Vsp16s a = pLPC[i];
-        if (fit) {
-            pZero[i] = expanded(a, kExpandPostFilterZero[i], scale);
-            pPole[i] = expanded(a, kExpandPostFilterPole[i], scale);
-        }
-        pInverse[i] = Vsp16s(roundHigh(a * (1LL << (29 - scale))));
+    Vsp16s lpc[kShortOrder];
+    for (int i = 0; i < kShortOrder; i++) lpc[i] = pLPC[i];
+    if (expand<kShortOrder>(lpc, kExpandPostFilterPole, scale, pPole)) {
+        expand<kShortOrder>(lpc, kExpandPostFilterZero, scale, pZero);
+        *pTilt = Vsp16s(roundHigh(kTiltFactor * Vsp64s(rc1)));
     }
-    if (fit) *pTilt = Vsp16s(roundHigh(kTiltFactor * Vsp64s(rc1)));
+    for (int i = 0; i < kShortOrder; i++) pInverse[i] = Vsp16s(roundHigh(lpc[i] * (1LL << (29 - scale))));
     return vspStsNoErr;
 }
 

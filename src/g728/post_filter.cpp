@@ -50,7 +50,7 @@ VspStatus vspsPostFilter_G728_16s(const Vsp16s* pSrc, const Vsp16s* pPast, Vsp32
     Vsp64s longTerm[kVector], ofInput[kVector], ofPast[kVector];
     for (int n = 0; n < kVector; n++) {
         longTerm[n] = Vsp64s(pGain[0]) * pSrc[n] + pGain[1] * pPast[kPast + n - pitch];
-        f[kOrder + n] = Vsp16s(roundHigh(Cnvrt_64s32s(4 * longTerm[n])));
+        f[kOrder + n] = roundQ14(longTerm[n]);
     }
     sumsOfTen(pZero, f + kOrder, ofInput);
     sumsOfTen(pPole, y + kOrder, ofPast);
@@ -71,8 +71,8 @@ VspStatus vspsPostFilter_G728_16s(const Vsp16s* pSrc, const Vsp16s* pPast, Vsp32
     }
     const Vsp64s target = shift_32s(kNew * ratio.mantissa, 14 - 7 - ratio.scale);
     for (int n = 0; n < kVector; n++) {
-        s.gain = Vsp16s(roundHigh(Cnvrt_64s32s(4 * (target + Vsp64s(kOld) * s.gain))));
-        pDst[n] = Vsp16s(roundHigh(Cnvrt_64s32s(4 * Vsp64s(s.gain) * out[n])));
+        s.gain = roundQ14(target + Vsp64s(kOld) * s.gain);
+        pDst[n] = roundQ14(Vsp64s(s.gain) * out[n]);
     }
     return vspStsNoErr;
 }

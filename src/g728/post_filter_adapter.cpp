@@ -1,8 +1,10 @@
 // What the post-filter follows: the prediction residual, its pitch and the long-term coefficients (G.728 blocks 81 to 84).
 #include "core/checks.h"
 #include "core/state_size.h"
+#include "g728/exact_sums.h"
 #include "g728/exports.h"
 #include "g728/pitch.h"
+#include "vector/correlate.h"
 #include "vector/dot.h"
 
 namespace vsp::VSP_LEVEL {
@@ -21,17 +23,20 @@ struct State {
 };
 static_assert(sizeof(State) == 176);
 
-Vsp32s correlation(const Vsp16s* x, int lag, int len) { return Cnvrt_64s32s(dot(x, x - lag, len)); }
-
-// The lag of the strongest correlation, the smallest of several.
+// The lag of the strongest correlation, the smallest of several, of up to kMostLags, which are all looked at in vectors.
+template <int kMostLags>
 int strongest(const Vsp16s* x, int len, int from, int to, Vsp32s* most) {
-    int lag = from;
-    *most = correlation(x, from, len);
-    for (int l = from + 1; l <= to; l++) {
-        const Vsp32s c = correlation(x, l, len);
-        if (c > *most) *most = c, lag = l;
-    }
-    return lag;
+    Vsp32s correlations[kMostLags];  // the largest lag first
+    const int last = to - from;
+    if (energy(x - to, to + len) <= kMax32)
+        correlate(x, len, x - to, correlations, kMostLags);
+    else
+        for (int i = 0; i <= last; i++) correlations[i] = Cnvrt_64s32s(dot(x, x - to + i, len));
+    int best = last;
+    for (int i = last - 1; i >= 0; i--)
+        if (correlations[i] > correlations[best]) best = i;
+    *most = correlations[best];
+    return to - best;
 }
 
 Vsp32s within(Vsp32s x, Vsp32s most) { return x < 0 ? 0 : x < most ? x : most; }
@@ -59,14 +64,13 @@ VspStatus vspsPostFilterAdapterInit_G728(void* pState) {
 VspStatus vspsLPCInverseFilter_G728_16s(const Vsp16s* pSrc, const Vsp16s* pCoeff, Vsp16s* pDst, void* pAdapter) {
     if (anyNull(pSrc, pCoeff, pDst, pAdapter)) return vspStsNullPtrErr;
     State& s = *static_cast<State*>(pAdapter);
-    Vsp16s x[kOrder + kVector];
+    constexpr int kPadding = 7;
+    Vsp16s x[kOrder + kVector + kPadding] = {};
     for (int i = 0; i < kOrder; i++) x[i] = s.speech[i];
     for (int n = 0; n < kVector; n++) x[kOrder + n] = pSrc[n];
-    for (int n = 0; n < kVector; n++) {
-        Vsp64s sum = 8192 * x[kOrder + n];
-        for (int i = 0; i < kOrder; i++) sum += pCoeff[i] * x[kOrder + n - 1 - i];
-        pDst[n] = Vsp16s(roundHigh(Cnvrt_64s32s(4 * sum)));
-    }
+    Vsp64s sums[kVector];
+    sumsOfTen(pCoeff, x + kOrder, sums);
+    for (int n = 0; n < kVector; n++) pDst[n] = roundQ14(8192 * x[kOrder + n] + sums[n]);
     for (int i = 0; i < kOrder; i++) s.speech[i] = x[kVector + i];
     return vspStsNoErr;
 }
@@ -84,20 +88,20 @@ VspStatus vspsPitchExtract_G728_16s(const Vsp16s* pResidual, Vsp16s* pPitch, voi
         Vsp64s t = (18721LL * (x[n] + x[n - 3]) - 3668LL * (x[n - 1] + x[n - 2])) >> 6;
         t -= -19172LL * y[2] + 16481LL * y[1] - 5031LL * y[0];
         y[0] = y[1], y[1] = y[2];
-        y[2] = Vsp16s(roundHigh(Cnvrt_64s32s(8 * t)));
+        y[2] = roundQ14(2 * t);
         if (n % kDecimation == kDecimation - 1) s.decimated[kDecimated - kNewDecimated + n / kDecimation] = y[2];
     }
 
     Vsp32s c1, c2;
-    const int coarse = strongest(s.decimated + kDecimated - kDecimatedWindow, kDecimatedWindow, 5, 35, &c1);
+    const int coarse = strongest<32>(s.decimated + kDecimated - kDecimatedWindow, kDecimatedWindow, 5, 35, &c1);
     const auto from = [](int lag) { return lag > kMinPitch ? lag : kMinPitch; };
     const auto to = [](int lag) { return lag < kMaxPitch ? lag : kMaxPitch; };
     const Vsp16s* const newest = pResidual + kResidual - kWindow;
     const int reach = kDecimation - 1, centre = kDecimation * coarse;
-    int pitch = strongest(newest, kWindow, from(centre - reach), to(centre + reach), &c1);
+    int pitch = strongest<16>(newest, kWindow, from(centre - reach), to(centre + reach), &c1);
     const int old = *pPitch;
     if (old + kNear < pitch) {
-        const int nearOld = strongest(newest, kWindow, from(old - kNear), old + kNear, &c2);
+        const int nearOld = strongest<16>(newest, kWindow, from(old - kNear), old + kNear, &c2);
         if (prefersOld(newest, pitch, c1, nearOld, c2)) pitch = nearOld;
     }
     *pPitch = Vsp16s(pitch);
