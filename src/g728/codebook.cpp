@@ -3,6 +3,7 @@
 #include "g728/block_float.h"
 #include "g728/exports.h"
 #include "g728/tables.h"
+#include "vector/simd.h"
 
 namespace vsp::VSP_LEVEL {
 
@@ -36,19 +37,40 @@ VspStatus vspsImpulseResponse_G728_16s(const Vsp16s* pLPC, const Vsp16s* pZero, 
     return vspStsNoErr;
 }
 
+// Both values in every pair.
+VSP_INLINE S16 pair(Vsp16s a, Vsp16s b) { return {S32::splat(Vsp16u(a) | b * 0x10000).v}; }
+
+// Sums of the squares of five values, Q15 of a 32-bit value, above 32767 for what clips. The values come in pairs.
+template <class Zip>
+VSP_INLINE S32 energyOf(const S16 (&x)[kVector], Zip zip) {
+    const S32 most = S32::splat(1 << 30);  // no sum of three wraps as an unsigned value, nor does one of two squares
+    S32 sum = S32::splat(0);
+    for (int n = 0; n < kVector; n += 2) {
+        const S16 two{zip(x[n], n + 1 < kVector ? x[n + 1] : S16::splat(0)).v};
+        sum = add(sum, minU(dot2(two, two), most));
+    }
+    return shrU(minU(sum, most), 15);
+}
+
 VspStatus vspsCodebookEnergy_G728_16s(const Vsp16s* pH, Vsp16s* pEnergy) {
     if (anyNull(pH, pEnergy)) return vspStsNullPtrErr;
-    Vsp64s energy[kShapeCount] = {};
-    for (int n = 0; n < kVector; n++) {
-        Vsp32s filtered[kShapeCount] = {};
-        for (int k = 0; k <= n; k++)
-            for (int i = 0; i < kShapeCount; i++) filtered[i] += kShapes[k][i] * pH[n - k];
-        for (int i = 0; i < kShapeCount; i++) {
-            const Vsp32s u = sat_16s(filtered[i] >> 14);
-            energy[i] += u * u;
+    for (int i = 0; i < kShapeCount; i += S16::width) {
+        S16 shape[kVector], filtered[kVector];
+        for (int n = 0; n < kVector; n++) shape[n] = S16::load(kShapes[n] + i);
+        for (int n = 0; n < kVector; n++) {
+            S32 low = S32::splat(0), high = low;
+            for (int k = 0; k <= n; k += 2) {  // a shape and any 16-bit vector stay within 32 bits
+                const S16 next = k < n ? shape[k + 1] : S16::splat(0);
+                const S16 h = pair(pH[n - k], k < n ? pH[n - k - 1] : Vsp16s(0));
+                low = add(low, dot2(S16{zipLo(shape[k], next).v}, h));
+                high = add(high, dot2(S16{zipHi(shape[k], next).v}, h));
+            }
+            filtered[n] = packSat(shr(low, 14), shr(high, 14));
         }
+        const S32 low = energyOf(filtered, [](S16 a, S16 b) { return zipLo(a, b); });
+        const S32 high = energyOf(filtered, [](S16 a, S16 b) { return zipHi(a, b); });
+        packSat(low, high).store(pEnergy + i);
     }
-    for (int i = 0; i < kShapeCount; i++) pEnergy[i] = sat16(energy[i] >> 15);
     return vspStsNoErr;
 }
 

@@ -119,8 +119,9 @@ struct Recursion {
             }
             // floor(n / alpha) for n < 2^31 is this times n / 2^46, rounded down
             const Vsp64s inverse = (1LL << 46) / (alpha > 0 ? alpha : 1) + 1;
-            const Vsp64s s = (sum(products) - Vsp64s(kLanes / 2) * kDotBias) * (2LL << halvings);
-            const Vsp64s h = (lags[order] * 0x10000LL + 0x8000 + s) >> 16, size = h < 0 ? -h : h;
+            const int scale = 1 + halvings;
+            const Vsp64s rest = lags[order] * 0x10000LL + 0x8000 - (Vsp64s(kLanes / 2) * kDotBias << scale);
+            const Vsp64s h = ((sum(products) << scale) + rest) >> 16, size = h < 0 ? -h : h;
             if (size >= alpha) return false;
             const int q = int((size * inverse) >> 30), rounded = (q + 1) >> 1, half = h > 0 ? -rounded : rounded;
             const Vsp64s energy = alpha * 0x10000LL + 2 * half * h;
