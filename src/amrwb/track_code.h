@@ -53,11 +53,13 @@ struct Halves {
     int lower[6], upper[6], lowers, uppers;
 
     [[gnu::always_inline]] constexpr Halves(const int* p, int count, int half) : lower{}, upper{}, lowers(0), uppers(0) {
-        for (int i = 0; i < count; i++)
-            if ((p[i] & half) == 0)
-                lower[lowers++] = p[i];
-            else
-                upper[uppers++] = p[i];
+        // Without branches, which nothing could predict.
+        for (int i = 0; i < count; i++) {
+            const bool isUpper = (p[i] & half) != 0;
+            lower[lowers] = upper[uppers] = p[i];
+            lowers += !isUpper;
+            uppers += isUpper;
+        }
     }
 };
 
