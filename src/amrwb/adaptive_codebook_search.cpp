@@ -9,6 +9,7 @@
 #include "common/filtered_lags.h"
 #include "core/checks.h"
 #include "vector/eight_32s.h"
+#include "vector/magnitude.h"
 
 namespace vsp::VSP_LEVEL {
 
@@ -53,20 +54,28 @@ class NormalisedCorrelation {
 void correlate(const Vsp16s* target, const Vsp16s* h, const Vsp16s* exc, int first, Vsp16s* correlations) {
     alignas(64) Vsp16s cells[kCells] = {};
     Padded<kCells> response{}, x{}, mask{};
+    const bool fits = maxMagnitude(h, kWideSubframe) < 0x4000;  // when doubled
     for (int i = 0; i < kWideSubframe; i++) {
-        response.middle()[i] = h[i];
+        response.middle()[i] = Vsp16s(h[i] << fits);
         x.middle()[i] = target[i];
         mask.middle()[i] = -1;
     }
     const NormalisedCorrelation normalised(target);
     ownFilterExcitation(exc - first, h, cells + kFirst);
-    for (int i = 0; i < kLags; i++) {
-        const int at = kFirst - i;
-        const S16 sample = S16::splat(i == 0 ? Vsp16s(0) : exc[-first - i]);
-        const Products products = addSample<kCells>(cells, response.from(at), x.from(at), mask.from(at),
-                                                    [&](S16 a) { return mulShift15Sat(a, sample); });
-        correlations[i] = normalised(products, cells + at);
-    }
+    const auto run = [&](auto product) {
+        for (int i = 0; i < kLags; i++) {
+            const int at = kFirst - i;
+            const S16 sample = S16::splat(i == 0 ? Vsp16s(0) : exc[-first - i]);
+            const Products products = addSample<kCells>(cells, response.from(at), x.from(at), mask.from(at),
+                                                        [&](S16 a) { return product(a, sample); });
+            correlations[i] = normalised(products, cells + at);
+        }
+    };
+    // (a * sample) >> 15
+    if (fits)
+        run([](S16 doubled, S16 sample) { return mulHi(doubled, sample); });
+    else
+        run([](S16 a, S16 sample) { return mulShift15Sat(a, sample); });
 }
 
 // Between the correlations of lags, at a fraction of -4 .. 3 quarters (`Interpol_4`).
