@@ -56,9 +56,35 @@ VSP_INLINE void formScaled(const Vsp16s* h, TrackCorrelations& correlations) {
 }
 
 VSP_INLINE void sharpenCode(Vsp16s* code, Vsp16s lag, Vsp16s sharp) {
+    if (lag >= kL_subfr) return;
     Subframe sharpened(code);
     sharpen(sharpened, lag, sharp);
     for (int i = 0; i < kL_subfr; i++) code[i] = sharpened.samples[i];
+}
+
+// A subframe with a pulse anywhere: all bits at one place, moved by where the vector begins.
+struct PulseMask {
+    Vsp16s samples[2 * kL_subfr];
+    constexpr PulseMask() : samples{} { samples[kL_subfr] = -1; }
+    [[gnu::always_inline]] const Vsp16s* at(int position) const { return samples + kL_subfr - position; }
+};
+
+struct CodedPulse {
+    int position;
+    Vsp16s amplitude;
+};
+
+// The sum of the pulses from sample n on, in the pieces in which `map` and `dot` read it back.
+template <int Pulses, class V = S16>
+VSP_INLINE void storeSum(const CodedPulse (&pulses)[Pulses], Vsp16s* code, int n = 0) {
+    static constexpr PulseMask kMask;
+    for (; n + V::width <= kL_subfr; n += V::width) {
+        V sum = V::splat(0);
+        for (const CodedPulse& pulse : pulses)
+            sum = add(sum, V{V::load(kMask.at(pulse.position) + n).v & V::splat(pulse.amplitude).v});
+        sum.store(code + n);
+    }
+    if constexpr (V::width > S16_128::width) storeSum<Pulses, Half<V>>(pulses, code, n);
 }
 
 // The code vector with its pulses, sharpened, and the same filtered by the sharpened response.
@@ -66,11 +92,16 @@ template <int Pulses>
 VSP_INLINE void storePulses(const Pulse (&pulses)[Pulses], const SignedTarget& target, const Vsp16s* response, Vsp16s lag,
                             Vsp16s sharp, Vsp16s* pCode, Vsp16s* pFiltered) {
     const ShiftedResponse shifted(response);
-    for (int i = 0; i < kL_subfr; i++) pCode[i] = pFiltered[i] = 0;
-    for (const Pulse& pulse : pulses) {
-        const bool negative = target.isNegative(pulse);
-        pCode[pulse.position()] = Vsp16s(pCode[pulse.position()] + (negative ? -8192 : 8191));
-        shifted.addTo(pFiltered, pulse.position(), !negative);
+    CodedPulse coded[Pulses];
+    for (int i = 0; i < Pulses; i++) coded[i] = {pulses[i].position(), Vsp16s(target.isNegative(pulses[i]) ? -8192 : 8191)};
+    storeSum(coded, pCode);
+    for (int n = 0; n < kL_subfr; n += S16_128::width) {
+        S16_128 sum = S16_128::splat(0);
+        for (const CodedPulse& pulse : coded) {
+            const S16_128 part = S16_128::load(shifted.at(pulse.position) + n);
+            sum = pulse.amplitude < 0 ? subSat(sum, part) : addSat(sum, part);
+        }
+        sum.store(pFiltered + n);
     }
     sharpenCode(pCode, lag, sharp);
 }

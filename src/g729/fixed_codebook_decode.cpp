@@ -10,16 +10,11 @@ namespace vsp::VSP_LEVEL {
 
 namespace {
 
-struct CodedPulse {
-    int position;
-    bool positive;
-};
+constexpr Vsp16s amplitudeOf(bool positive) { return positive ? 8191 : -8192; }
 
 template <int Pulses>
 void storeCode(const CodedPulse (&pulses)[Pulses], Vsp16s lag, Vsp16s sharp, Vsp16s* pCode) {
-    for (int i = 0; i < kL_subfr; i++) pCode[i] = 0;
-    for (const CodedPulse& pulse : pulses)
-        pCode[pulse.position] = Vsp16s(pCode[pulse.position] + (pulse.positive ? 8191 : -8192));
+    storeSum(pulses, pCode);
     sharpenCode(pCode, lag, sharp);
 }
 
@@ -55,8 +50,8 @@ VspStatus vspsFixedCodebookDecode_G729_16s(const Vsp16s* pIndex, Vsp16s lag, Vsp
     if (!isLegalLag(lag)) return vspStsRangeErr;
     const int positions = pIndex[0], signs = pIndex[1];
     CodedPulse pulses[4];
-    for (int i = 0; i < 3; i++) pulses[i] = {positionOf(i, positions >> 3 * i & 7), (signs >> i & 1) != 0};
-    pulses[3] = {positionOf(3 + (positions >> 9 & 1), positions >> 10 & 7), (signs >> 3 & 1) != 0};
+    for (int i = 0; i < 3; i++) pulses[i] = {positionOf(i, positions >> 3 * i & 7), amplitudeOf((signs >> i & 1) != 0)};
+    pulses[3] = {positionOf(3 + (positions >> 9 & 1), positions >> 10 & 7), amplitudeOf((signs >> 3 & 1) != 0)};
     storeCode(pulses, lag, sharp, pCode);
     return vspStsNoErr;
 }
@@ -65,8 +60,8 @@ VspStatus vspsFixedCodebookDecode_G729D_16s(const Vsp16s* pIndex, Vsp16s lag, Vs
     if (anyNull(pIndex, pCode)) return vspStsNullPtrErr;
     if (!isLegalLag(lag)) return vspStsRangeErr;
     const int positions = pIndex[0], signs = pIndex[1];
-    const CodedPulse pulses[] = {{trackTable0[fromGray(positions & 15)], (signs & 1) != 0},
-                                 {trackTable1[fromGray(positions >> 4 & 31)], (signs & 2) != 0}};
+    const CodedPulse pulses[] = {{trackTable0[fromGray(positions & 15)], amplitudeOf((signs & 1) != 0)},
+                                 {trackTable1[fromGray(positions >> 4 & 31)], amplitudeOf((signs & 2) != 0)}};
     storeCode(pulses, lag, sharp, pCode);
     return vspStsNoErr;
 }

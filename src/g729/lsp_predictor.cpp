@@ -27,12 +27,13 @@ void ownLspWeights(const Vsp16s* lsf, Vsp16s* weights) {
 }
 
 void ownLspSpread(Vsp16s* lsf, int first, int last, Vsp16s gap) {
+    int before = lsf[first - 1];
     for (int j = first; j <= last; j++) {
-        const Vsp16s half = Vsp16s(Add_16s(Sub_16s(lsf[j - 1], lsf[j]), gap) >> 1);
-        if (half <= 0) continue;
-        lsf[j - 1] = Sub_16s(lsf[j - 1], half);
-        lsf[j] = Add_16s(lsf[j], half);
+        const int here = lsf[j], middle = (before + here + gap) >> 1, moved = here > middle ? here : middle;
+        lsf[j - 1] = Vsp16s(before + here - moved);
+        before = moved;
     }
+    lsf[last] = Vsp16s(before);
 }
 
 void ownLspCompose(const LspPredictor<Vsp16s>& predictor, const Vsp16s* coded, const Vsp16s* previous, Vsp16s* lsf) {
@@ -70,7 +71,9 @@ void ownLspExtract(const LspPredictor<Vsp16s>& predictor, const Vsp16s* lsf, con
 }
 
 void ownLspRemember(const Vsp16s* coded, Vsp16s* previous) {
-    for (int i = kMaTaps * kLspOrder - 1; i >= kLspOrder; i--) previous[i] = previous[i - kLspOrder];
+    Vsp16s kept[(kMaTaps - 1) * kLspOrder];
+    for (int i = 0; i < (kMaTaps - 1) * kLspOrder; i++) kept[i] = previous[i];
+    for (int i = 0; i < (kMaTaps - 1) * kLspOrder; i++) previous[kLspOrder + i] = kept[i];
     for (int j = 0; j < kLspOrder; j++) previous[j] = coded[j];
 }
 

@@ -1,7 +1,6 @@
 // Memory of the weighting filter after a subframe (G.729 3.10).
-#include "arithmetic/standard_ops.h"
+#include "common/post_filter.h"
 #include "core/checks.h"
-#include "g729/constants.h"
 #include "g729/exports.h"
 
 namespace vsp::VSP_LEVEL {
@@ -10,13 +9,15 @@ VspStatus vspsWeightedErrorUpdate_G729_16s(const Vsp16s* pTarget, const Vsp16s* 
                                            const Vsp16s* pFilteredFixed, const Vsp16s* pGain, Vsp16s* pMem) {
     if (anyNull(pTarget, pFilteredAdaptive, pFilteredFixed, pGain, pMem)) return vspStsNullPtrErr;
     constexpr int kMemory = 10;
-    const Vsp16s gainPitch = pGain[0], gainCode = pGain[1];
-    for (int i = 0; i < kMemory; i++) {
-        const int n = kL_subfr - kMemory + i;
-        const Vsp16s adaptive = high_32s(Mul2_32s(Mul2_16s32s(pFilteredAdaptive[n], gainPitch)));
-        const Vsp16s fixed = high_32s(Mul4_32s(Mul2_16s32s(pFilteredFixed[n], gainCode)));
-        pMem[i] = Sub_16s(pTarget[n], Add_16s(adaptive, fixed));
-    }
+    const S16_128 gainPitch = S16_128::splat(pGain[0]), gainCode = S16_128::splat(pGain[1]);  // Q14 and Q13
+    const auto error = [&](int n) {
+        const S16_128 adaptive = product<14, false>(S16_128::load(pFilteredAdaptive + n), gainPitch);
+        const S16_128 fixed = product<13, false>(S16_128::load(pFilteredFixed + n), gainCode);
+        return subSat(S16_128::load(pTarget + n), addSat(adaptive, fixed));
+    };
+    const S16_128 early = error(kL_subfr - kMemory), late = error(kL_subfr - S16_128::width);
+    early.store(pMem);
+    late.store(pMem + kMemory - S16_128::width);
     return vspStsNoErr;
 }
 
