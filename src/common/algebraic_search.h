@@ -254,6 +254,7 @@ class ShiftedResponse {
             padded_[i] = 0;
             padded_[kL_subfr + i] = h[i];
         }
+        for (int i = 0; i < kPlaces; i++) padded_[2 * kL_subfr + i] = 0;
     }
     [[gnu::always_inline]] const Vsp16s* at(int position) const { return padded_ + kL_subfr - position; }
 
@@ -266,7 +267,7 @@ class ShiftedResponse {
     }
 
   private:
-    Vsp16s padded_[2 * kL_subfr];
+    Vsp16s padded_[2 * kL_subfr + kPlaces];  // there to be read by the last of wide vectors
 };
 
 }  // namespace vsp::VSP_LEVEL

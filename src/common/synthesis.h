@@ -8,6 +8,26 @@
 
 namespace vsp::VSP_LEVEL {
 
+// What the filter needs of vectors of four values for each of one or two signals.
+template <class W>
+struct NarrowOf;
+template <>
+struct NarrowOf<S32_128> {
+    using Type = S16_128;
+};
+template <class W>
+using Narrow = typename NarrowOf<W>::Type;
+template <class V, class From>
+VSP_INLINE V forEach(From a) {
+    if constexpr (sizeof(V) == sizeof(From)) return {a.v};
+    VSP_IF_256(else return {_mm256_set_m128i(a.v, a.v)};)
+}
+VSP_IF_256(template <> struct NarrowOf<S32_256> { using Type = S16_256; };)
+VSP_IF_256(template <int i> VSP_INLINE S32_256 splatElement(S32_256 a) { return {_mm256_shuffle_epi32(a.v, 0x55 * i)}; })
+VSP_IF_256(template <int i> VSP_INLINE S16_256 splatLowerHalves(S32_256 a) {
+    return {_mm256_shuffle_epi8(a.v, _mm256_set1_epi32(0x05040100 + 0x04040404 * i))};
+})
+
 template <int kOrder, int kBlock = 40>
 struct SynthesisFilter {
     enum class Outcome { exact, clipped, uncertain };
@@ -60,62 +80,77 @@ struct SynthesisFilter {
     static constexpr int kShift = 12;                // of filters in the usual format
     static constexpr int kFours = (kOrder + 3) / 4;  // to which the outputs of four before them contribute
 
-    // Four outputs at a time with sums that wrap and without clipping; y is written up to a multiple of four. What an
-    // output adds to later ones is taken from their sums at once, so that what it waits for is one product with the output
-    // before. Returns the largest magnitude of an input, output or earlier output.
-    [[gnu::always_inline]] static Vsp32u filterUnclipped(const Vsp16s* lpc, const Vsp16s* x, const Vsp16s* past, Vsp16s* y,
-                                                         int len) {
-        const auto shifted = [](S32_128 sum) { return shr(sum, kShift); };
+    // Four outputs at a time with sums that wrap and without clipping, of one signal or, in vectors of 256 bits, of two.
+    // What an output adds to later ones is taken from their sums at once, so that what it waits for is one product with the
+    // output before. input(n) and past(n) are the inputs and earlier outputs n .. n + 3, store(four, n) takes the outputs.
+    // Returns the largest magnitudes of inputs and outputs by element.
+    template <class W, class Input, class Past, class Store>
+    [[gnu::always_inline]] static W filterUnclipped(const Vsp16s* lpc, int len, Input input, Past past, Store store) {
+        using V = Narrow<W>;
+        const auto shifted = [](W sum) { return shr(sum, kShift); };
         // Element i of the vectors f: with which factors the outputs 0 and 1, 2 and 3 of four contribute to output 4f + i.
-        S16_128 of01[kFours + 1], of23[kFours + 1];
+        V of01[kFours + 1], of23[kFours + 1];
         for (int f = 0; f <= kFours; f++) {
-            of01[f].v = zipLo(taps(lpc, 4 * f), taps(lpc, 4 * f - 1)).v;
-            of23[f].v = zipLo(taps(lpc, 4 * f - 2), taps(lpc, 4 * f - 3)).v;
+            of01[f] = forEach<V>(zipLo(taps(lpc, 4 * f), taps(lpc, 4 * f - 1)));
+            of23[f] = forEach<V>(zipLo(taps(lpc, 4 * f - 2), taps(lpc, 4 * f - 3)));
         }
-        const auto ofFirst = [](S16_128 pairs) { return S16_128{pairs.v & S32_128::splat(0xFFFF).v}; };
-        const auto ofSecond = [](S16_128 pairs) { return S16_128{shrU(S32_128{pairs.v}, 16).v}; };
-        const S16_128 of0 = ofFirst(of01[0]), of1 = ofSecond(of01[0]), of2 = of23[0];
-        const S16_128 of2Beyond = ofFirst(of23[1]), of3Beyond = ofSecond(of23[1]);
+        const auto ofFirst = [](V pairs) { return V{pairs.v & W::splat(0xFFFF).v}; };
+        const auto ofSecond = [](V pairs) { return V{shrU(W{pairs.v}, 16).v}; };
+        const V of0 = ofFirst(of01[0]), of1 = ofSecond(of01[0]), of2 = of23[0];
+        const V of2Beyond = ofFirst(of23[1]), of3Beyond = ofSecond(of23[1]);
 
-        S32_128 inputs[kBlock / 4 + 1], largest = S32_128::splat(0);
-        const S16_128 lpc0{S32_128::splat(Vsp16u(lpc[0])).v};
-        const auto input = [&](S32_128 in) {
-            largest = maxU(largest, magnitude(in));
-            return add(dot2(S16_128{in.v}, lpc0), S32_128::splat(roundingConstant(kShift)));
-        };
+        W inputs[kBlock / 4 + 1], largest = W::splat(0);
+        const V lpc0{W::splat(Vsp16u(lpc[0])).v};
+        const W rounding = W::splat(roundingConstant(kShift));
         int fours = 0;
-        for (int n = 0; n < len; n += 4) inputs[fours++] = input(n + 4 <= len ? loadFour(x + n) : loadFew(x + n, len - n));
-        inputs[fours] = S32_128::splat(0);
+        for (int n = 0; n < len; n += 4) {
+            const W in = input(n);
+            largest = maxU(largest, magnitude(in));
+            inputs[fours++] = add(dot2(V{in.v}, lpc0), rounding);
+        }
+        inputs[fours] = W::splat(0);
 
-        S32_128 sums[kFours + 1];  // of the outputs to come
-        for (S32_128& sum : sums) sum = S32_128::splat(0);
-        const auto without = [](S32_128 sum, S16_128 pairs, S16_128 factors) { return sub(sum, dot2(pairs, factors)); };
-        const auto takeFrom = [&](int f, S16_128 y01, S16_128 y23) {
+        W sums[kFours + 1];  // of the outputs to come
+        for (W& sum : sums) sum = W::splat(0);
+        const auto without = [](W sum, V pairs, V factors) { return sub(sum, dot2(pairs, factors)); };
+        const auto takeFrom = [&](int f, V y01, V y23) {
             sums[f] = without(without(sums[f + 1], y01, of01[f + 1]), y23, of23[f + 1]);
         };
         for (int f = kFours; f > 0; f--) {
-            const int missing = 4 * f > kOrder ? 4 * f - kOrder : 0;
-            const S16_128 narrow{shl(S64_128{fourAt(past + kOrder - 4 * f + missing).v}, 16 * missing).v};
-            const S32_128 four = widenFour(narrow);
+            const W four = past(-4 * f);
             largest = maxU(largest, magnitude(four));
             for (int to = 0; to < kFours; to++) takeFrom(to, splatLowerHalves<0>(four), splatLowerHalves<2>(four));
         }
 
-        S32_128 sum = add(sums[0], inputs[0]);
+        W sum = add(sums[0], inputs[0]);
         for (int n = 0; n < len; n += 4) {
             sum = without(sum, {splatElement<0>(shifted(sum)).v}, of0);
-            const S32_128 second = shifted(sum);
+            const W second = shifted(sum);
             sum = without(sum, {splatElement<1>(second).v}, of1);
-            const S16_128 y2{splatElement<2>(shifted(sum)).v};
-            const S32_128 four = shifted(without(sum, y2, of2));
-            const S16_128 y01 = splatLowerHalves<0>(second), y23 = splatLowerHalves<2>(four), y3{splatElement<3>(four).v};
+            const V y2{splatElement<2>(shifted(sum)).v};
+            const W four = shifted(without(sum, y2, of2));
+            const V y01 = splatLowerHalves<0>(second), y23 = splatLowerHalves<2>(four), y3{splatElement<3>(four).v};
             sum = without(without(add(sums[1], inputs[n / 4 + 1]), y01, of01[1]), y2, of2Beyond);
             sum = without(sum, y3, of3Beyond);
             for (int to = 1; to < kFours; to++) takeFrom(to, y01, y23);
-            largest = maxU(largest, magnitude(n + 4 <= len ? four : S32_128{four.v & firstFew(len - n).v}));
-            storeFour(packSat(four, four), y + n);
+            largest = maxU(largest, magnitude(n + 4 <= len ? four : W{four.v & forEach<W>(firstFew(len - n)).v}));
+            store(four, n);
         }
-        return largestU(largest);
+        return largest;
+    }
+
+    // Of the outputs before mem[kOrder], those from n on, zeros before them.
+    [[gnu::always_inline]] static S32_128 earlier(const Vsp16s* mem, int n) {
+        const int missing = n < -kOrder ? -kOrder - n : 0;
+        return widenFour({shl(S64_128{fourAt(mem + kOrder + n + missing).v}, 16 * missing).v});
+    }
+
+    // Of one signal; y is written up to a multiple of four.
+    [[gnu::always_inline]] static Vsp32u filterOne(const Vsp16s* lpc, const Vsp16s* x, const Vsp16s* mem, Vsp16s* y,
+                                                   int len) {
+        return largestU(filterUnclipped<S32_128>(
+            lpc, len, [&](int n) { return n + 4 <= len ? loadFour(x + n) : loadFew(x + n, len - n); },
+            [&](int n) { return earlier(mem, n); }, [&](S32_128 four, int n) { storeFour(packSat(four, four), y + n); }));
     }
 
     // The same with sums that wrap; only the outputs are clipped. They are made in pairs: one 64-bit product holds what an
@@ -180,7 +215,7 @@ struct SynthesisFilter {
         for (int b = 0; len > 0; len -= kBlock, b ^= 1) {
             const Vsp32s count = len < kBlock ? len : kBlock;
             Vsp16s* const y = blocks[b];
-            const Vsp32u largest = scaleFactor == kShift ? filterUnclipped(lpc, src, past, y, count) : Vsp32u(-1);
+            const Vsp32u largest = scaleFactor == kShift ? filterOne(lpc, src, past, y, count) : Vsp32u(-1);
             if (largest > Vsp32u(kMax16) || !fits(lpcMagnitude, largest, kShift))
                 overflow |= filterAnyhow(lpc, lpcMagnitude, src, past, y, count, scaleFactor);
             int i = 0;
@@ -191,6 +226,34 @@ struct SynthesisFilter {
             dst += count;
         }
         return overflow;
+    }
+
+    // A block of two signals through one filter in the usual format, each after its own outputs before. Their results take
+    // the place of the signals.
+    static void runTwo(const Vsp16s* lpc, Vsp16s* a, const Vsp16s* memOfA, Vsp16s* b, const Vsp16s* memOfB) {
+#if defined(__AVX2__)
+        Vsp16s y[2][kBlock];
+        const auto both = [](S32_128 ofA, S32_128 ofB) { return S32_256{_mm256_set_m128i(ofB.v, ofA.v)}; };
+        const S32_256 largest = filterUnclipped<S32_256>(
+            lpc, kBlock, [&](int n) { return both(loadFour(a + n), loadFour(b + n)); },
+            [&](int n) { return both(earlier(memOfA, n), earlier(memOfB, n)); },
+            [&](S32_256 four, int n) {
+                const S16_256 narrow = packSat(four, four);
+                storeFour({_mm256_castsi256_si128(narrow.v)}, y[0] + n);
+                storeFour({_mm256_extracti128_si256(narrow.v, 1)}, y[1] + n);
+            });
+        const Vsp32u most =
+            largestU(maxU(S32_128{_mm256_castsi256_si128(largest.v)}, S32_128{_mm256_extracti128_si256(largest.v, 1)}));
+        if (most <= Vsp32u(kMax16) && fits(magnitudes(lpc), most, kShift)) {
+            for (int i = 0; i < kBlock; i += 4) {
+                storeFour(fourAt(y[0] + i), a + i);
+                storeFour(fourAt(y[1] + i), b + i);
+            }
+            return;
+        }
+#endif
+        run(lpc, a, a, kBlock, kShift, memOfA);
+        run(lpc, b, b, kBlock, kShift, memOfB);
     }
 };
 

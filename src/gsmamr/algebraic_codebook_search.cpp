@@ -46,7 +46,7 @@ void filterUnitPulses(const Vsp16s* h, const FoundPulses& pulses, int count, Vsp
     for (int i = 0; i < kL_subfr; i++) y[i] = Vsp16s(y[i] + ((16384 - positive[i]) >> 15));
 }
 
-// Pulses of +-8192 / 32768.
+// An even number of pulses of +-8192 / 32768.
 void filterQuarterPulses(const Vsp16s* h, const FoundPulses& pulses, int count, Vsp16s* y) {
     constexpr int kLargest = 13000;  // ten such samples do not saturate
     for (int i = 0; i < kL_subfr; i++)
@@ -55,13 +55,26 @@ void filterQuarterPulses(const Vsp16s* h, const FoundPulses& pulses, int count, 
                 h, pulses, count, [](bool negative) { return Vsp16s(negative ? -8192 : 8192); }, y);
             return;
         }
-    Vsp32s sums[kL_subfr];
-    for (Vsp32s& sum : sums) sum = 2;
-    for (int n = 0; n < count; n++) {
-        const int position = pulses.position[n], sign = pulses.negative[n] ? -1 : 1;
-        for (int i = position; i < kL_subfr; i++) sums[i] += h[i - position] * sign;
+    // The exact sums of pulse after pulse, two at a time.
+    using V = Sliding16;
+    constexpr int kVectors = (kL_subfr + V::width - 1) / V::width;
+    const ShiftedResponse shifted(h);
+    Wide<V> lo[kVectors], hi[kVectors];
+    for (int i = 0; i < kVectors; i++) lo[i] = hi[i] = Wide<V>::splat(2);
+    for (int n = 0; n < count; n += 2) {
+        const Vsp16s* const a = shifted.at(pulses.position[n]);
+        const Vsp16s* const b = shifted.at(pulses.position[n + 1]);
+        const int ofA = pulses.negative[n] ? 0xFFFF : 1, ofB = pulses.negative[n + 1] ? -65536 : 65536;
+        const V signs{Wide<V>::splat(ofA | ofB).v};
+        for (int i = 0; i < kVectors; i++) {
+            const V ofFirst = V::load(a + V::width * i), ofSecond = V::load(b + V::width * i);
+            lo[i] = add(lo[i], dot2(V{zipLo(ofFirst, ofSecond).v}, signs));
+            hi[i] = add(hi[i], dot2(V{zipHi(ofFirst, ofSecond).v}, signs));
+        }
     }
-    for (int i = 0; i < kL_subfr; i++) y[i] = sat_16s(sums[i] >> 2);
+    Vsp16s filtered[kVectors * V::width];
+    for (int i = 0; i < kVectors; i++) packSat(shr(lo[i], 2), shr(hi[i], 2)).store(filtered + V::width * i);
+    for (int i = 0; i < kL_subfr; i++) y[i] = filtered[i];
 }
 
 // --- The indices -------------------------------------------------------------------------------------------------------

@@ -1,6 +1,6 @@
 // What the codebook searches of a subframe work on (3GPP TS 26.090 5.4 and 5.5, subframePreProc).
-#include "common/exports.h"
 #include "common/residual_filter.h"
+#include "common/synthesis.h"
 #include "core/checks.h"
 #include "gsmamr/exports.h"
 #include "gsmamr/modes.h"
@@ -16,17 +16,18 @@ VspStatus vspsPitchTarget_GSMAMR_16s(const Vsp16s* pSrc, const Vsp16s* pLPC, con
     if (!isSpeechMode(mode)) return vspStsRangeErr;
     const WeightingFilters filters(pLPC, mode);
 
+    // Both pass the same two filters: the response, and the error that the filter memories alone would give.
+    using Synthesis = SynthesisFilter<kOrder, kSubframe>;
     const Vsp16s zeros[kOrder] = {};
-    for (int i = 0; i < kSubframe; i++) pImpulse[i] = i <= kOrder ? filters.numerator[i] : Vsp16s(0);
-    vspsSynthesisFilter_NR_16s_ISfs(pQuantLPC, pImpulse, kSubframe, kScaleFactor, zeros);
-    vspsSynthesisFilter_NR_16s_ISfs(filters.denominator, pImpulse, kSubframe, kScaleFactor, zeros);
-
+    Vsp16s response[kSubframe], error[kOrder + kSubframe];
+    for (int i = 0; i < kSubframe; i++) response[i] = i <= kOrder ? filters.numerator[i] : Vsp16s(0);
     ownResidual(pSrc, pQuantLPC, kOrder, pResidual, kSubframe, kScaleFactor);
-    Vsp16s error[kOrder + kSubframe];  // of what the filter memories alone would give
     for (int i = 0; i < kOrder; i++) error[i] = pMemErr[i];
-    vspsSynthesisFilter_NR_16s_Sfs(pQuantLPC, pResidual, error + kOrder, kSubframe, kScaleFactor, pMemErr);
+    for (int i = 0; i < kSubframe; i++) error[kOrder + i] = pResidual[i];
+    Synthesis::runTwo(pQuantLPC, response, zeros, error + kOrder, pMemErr);
     ownResidual(error + kOrder, filters.numerator, kOrder, pTarget, kSubframe, kScaleFactor);
-    vspsSynthesisFilter_NR_16s_ISfs(filters.denominator, pTarget, kSubframe, kScaleFactor, pMemW0);
+    Synthesis::runTwo(filters.denominator, response, zeros, pTarget, pMemW0);
+    for (int i = 0; i < kSubframe; i++) pImpulse[i] = response[i];
     return vspStsNoErr;
 }
 
