@@ -4,6 +4,9 @@
 include(CMakePackageConfigHelpers)
 
 install(TARGETS vspscy8 vspsvoice EXPORT vspsc LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+if(VSPSC_STATIC)
+    install(TARGETS vspscy8_static vspsvoice_static EXPORT vspsc ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+endif()
 install(FILES include/vspsc.h include/vspsvoice.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(DIRECTORY include/vspsc include/vspsvoice DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h")
 install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})

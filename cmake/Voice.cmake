@@ -75,4 +75,14 @@ if(NOT VSPSC_SANITIZE AND NOT VSPSC_COVERAGE)
     target_link_libraries(vspsvoice PRIVATE m c)
 endif()
 
+if(VSPSC_STATIC)
+    add_library(vspsvoice_static STATIC $<TARGET_PROPERTY:vspsvoice,SOURCES>)
+    add_library(vspsc::vspsvoice_static ALIAS vspsvoice_static)
+    target_link_libraries(vspsvoice_static PUBLIC vspscy8_static PRIVATE $<BUILD_INTERFACE:vspsc_options>)
+    target_include_directories(vspsvoice_static PRIVATE ${PROJECT_SOURCE_DIR}/voice)
+    target_compile_options(vspsvoice_static PRIVATE $<TARGET_PROPERTY:vspsvoice,COMPILE_OPTIONS>)
+    set_target_properties(vspsvoice_static PROPERTIES OUTPUT_NAME vspsvoice POSITION_INDEPENDENT_CODE ON
+                                                      ARCHIVE_OUTPUT_DIRECTORY ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
+endif()
+
 vspsc_expect_all_listed(${PROJECT_SOURCE_DIR}/voice/*.cpp)

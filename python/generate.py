@@ -11,8 +11,6 @@ import re
 import sys
 from typing import NamedTuple
 
-from cffi import FFI
-
 ELEMENTS = {"Vsp8u": "uint8", "Vsp16s": "int16", "Vsp16u": "uint16", "Vsp32s": "int32", "Vsp32u": "uint32",
             "Vsp64s": "int64", "Vsp32f": "float32", "Vsp64f": "float64", "Vsp32fc": "complex64"}  # fmt: skip
 # By hand, in special.py and voice.py: what depends on what a state is initialised with.
@@ -88,7 +86,7 @@ def without_preprocessor(text: str) -> str:
 
 def functions(text: str) -> list[Function]:
     found = []
-    for comment, name, parameters in re.findall(r"/\*\*((?:(?!\*/).)*)\*/\n^[\w ]+[ *](vsp\w+)\(([^)]*)\);", text, re.M | re.S):
+    for comment, name, parameters in re.findall(r"/\*\*((?:(?!\*/).)*)\*/\n^[\w ]+[ *]+(vsp\w+)\(([^)]*)\);", text, re.M | re.S):
         all_of_them = []
         for parameter in [] if parameters == "void" else parameters.split(","):
             match = re.fullmatch(r"(const )?(\w+)([* const]*?) ?\b(\w+)", " ".join(parameter.split()))
@@ -110,6 +108,8 @@ def records(text: str) -> dict[str, list[tuple[str, str, tuple[int, ...]]]]:
 
 
 def write_cffi(text: str, package: pathlib.Path) -> None:
+    from cffi import FFI
+
     ffi = FFI()
     ffi.set_source("vspsc._cffi", None)
     ffi.cdef(without_preprocessor(text))
