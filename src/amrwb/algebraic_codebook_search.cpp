@@ -29,9 +29,9 @@ void store(const PulseCodebook& codebook, const FoundWidePulses& found, const Vs
     for (int i = 0; i < kWideSubframe; i++) code[i] = 0;
     for (int i = 0; i < found.count; i++) {
         const int position = found.position[i], track = position % kPulseTracks;
-        const bool negative = sign[position] < 0;
-        code[position] = Vsp16s(code[position] + (negative ? -found.amplitude : found.amplitude));
-        pulses[track][counts[track]++] = position / kPulseTracks + (negative ? kNegative : 0);
+        const int minus = sign[position] >> 15;  // -1 for a negative one: no branch, which nothing could predict
+        code[position] = Vsp16s(code[position] + (found.amplitude ^ minus) - minus);
+        pulses[track][counts[track]++] = position / kPulseTracks + (kNegative & minus);
     }
     for (int t = 0; t < kPulseTracks; t++) {
         const int word = encodeTrack(pulses[t], codebook.pulses[t]);
