@@ -31,9 +31,42 @@ struct ScaledResponse {
     }
 };
 
-// mult(a, s) with s the product of two signs of +-32767; which has all bits set where they differ.
-VSP_INLINE S16_128 withSigns(S16_128 a, S16_128 which) {
-    return mulShift15(a, select(which, S16_128::splat(-32767), S16_128::splat(32766)));
+// The signs of a track's places, for rows of correlations with them: mult(a, s) with s the product of two signs of
+// +-32767. That is 32766 or -32767, so that a or -a changes by the high half of a product with -4 or 2.
+class TrackSigns {
+  public:
+    // negative: -1 at places whose sign is negative, else 0.
+    [[gnu::always_inline]] explicit TrackSigns(const Vsp16s* negative) {
+        const S16_128 equal = S16_128::load(negative), one = S16_128::splat(1);
+        const S16_128 differ{~equal.v};
+        const S16_128 ofEqual = S16_128::splat(-4), ofDifferent = S16_128::splat(2);
+        signs_[0].v = equal.v | one.v;
+        signs_[1].v = differ.v | one.v;
+        factors_[0] = select(equal, ofDifferent, ofEqual);
+        factors_[1] = select(equal, ofEqual, ofDifferent);
+    }
+    // The row of a place whose own sign is given likewise.
+    [[gnu::always_inline]] S16_128 applied(S16_128 row, Vsp16s negative) const {
+        const int which = negative & 1;
+        return add(S16_128{_mm_sign_epi16(row.v, signs_[which].v)}, mulHi(row, factors_[which]));
+    }
+
+  private:
+    S16_128 signs_[2], factors_[2];
+};
+
+// The correlations of the places of two tracks with their signs, by those of the one and by those of the other. The signs
+// of b are signsOfB.
+VSP_INLINE void formPairs(const TrackCorrelations& correlations, int a, int b, const Vsp16s* negativeOfA,
+                          const TrackSigns& signsOfB, Vsp16s (&ab)[kPlaces][kPlaces], Vsp16s (&ba)[kPlaces][kPlaces]) {
+    S16_128 rows[kPlaces];
+    correlations.pairs(a, b, ab, [&](S16_128 row, int i) { return rows[i] = signsOfB.applied(row, negativeOfA[i]); });
+    if (a == b) {
+        for (int i = 0; i < kPlaces; i++) ab[i][i] = correlations.diagonal(a)[i];
+        return;
+    }
+    transpose(rows);
+    for (int i = 0; i < kPlaces; i++) rows[i].store(ba[i]);
 }
 
 // The searches. d is the target filtered backwards, h the impulse response with pitch sharpening.

@@ -38,21 +38,33 @@ struct SignedTarget {
                     shr(add(dot2(S16_128{zipHi(r, x).v}, factors), half), 5))
                 .store(means + n);
         }
-        int largest = -1;
+        // A track has an element of each vector of magnitudes that begins with a place of the first track.
+        const S16_128 zero = S16_128::splat(0);
+        Vsp16s signedTarget[kL_subfr], magnitudes[kL_subfr + S16_128::width];
+        for (int n = 0; n < kL_subfr; n += S16_128::width) {
+            const S16_128 mean = S16_128::load(means + n), x = S16_128::load(filtered + n);
+            select(shr(mean, 15), subSat(zero, x), x).store(signedTarget + n);
+            max(mean, subSat(zero, mean)).store(magnitudes + n);
+        }
+        zero.store(magnitudes + kL_subfr);
+        S16_128 maximum = S16_128::splat(-1), places = zero;
+        for (int i = 0; i < L::places; i++) {
+            const S16_128 row = S16_128::load(magnitudes + L::position(0, i));
+            places = select({_mm_cmpgt_epi16(row.v, maximum.v)}, S16_128::splat(Vsp16s(i)), places);
+            maximum = max(maximum, row);
+        }
+        Vsp16s largestOf[kPlaces], placeOf[kPlaces];
+        maximum.store(largestOf);
+        places.store(placeOf);
+        firstTrack = 0;
         for (int t = 0; t < Tracks; t++) {
-            int maximum = -1;
+            maximumPlace[t] = placeOf[t];
+            if (largestOf[t] > largestOf[firstTrack]) firstTrack = t;
             for (int i = 0; i < L::places; i++) {
                 const int n = L::position(t, i);
-                const Vsp16s mean = means[n];
-                negative[t][i] = Vsp16s(mean < 0 ? -1 : 0);
-                d[t][i] = mean < 0 ? Negate_16s(filtered[n]) : filtered[n];
-                if (Abs_16s(mean) <= maximum) continue;
-                maximum = Abs_16s(mean);
-                maximumPlace[t] = i;
+                negative[t][i] = Vsp16s(means[n] >> 15);
+                d[t][i] = signedTarget[n];
             }
-            if (maximum <= largest) continue;
-            largest = maximum;
-            firstTrack = t;
         }
     }
 };
@@ -81,15 +93,12 @@ Correlations<5>::Correlations(const Vsp16s* impulse, const SignedTarget<5>& targ
     const ScaledResponse response(impulse);
     TrackCorrelations correlations;
     correlations.form<0x1F>(response.h, 0, 0, 0x8000);
-    for (int a = 0; a < kTracks; a++)
-        for (int b = 0; b < kTracks; b++) {
-            const S16_128 signs = S16_128::load(target.negative[b]);
-            correlations.pairs(a, b, crossed_[a][b], [&](S16_128 row, int i) {
-                return withSigns(row, {signs.v ^ S16_128::splat(target.negative[a][i]).v});
-            });
-        }
-    for (int t = 0; t < kTracks; t++)
-        for (int i = 0; i < kPlaces; i++) diagonal_[t][i] = crossed_[t][t][i][i] = correlations.diagonal(t)[i];
+    for (int b = 0; b < kTracks; b++) {
+        const TrackSigns signs(target.negative[b]);
+        for (int a = 0; a <= b; a++)
+            formPairs(correlations, a, b, target.negative[a], signs, crossed_[a][b], crossed_[b][a]);
+        for (int i = 0; i < kPlaces; i++) diagonal_[b][i] = correlations.diagonal(b)[i];
+    }
 }
 
 // Row by row of the later position: lane i of a track's sums has the distance of the row to place i, so that from one row

@@ -10,10 +10,12 @@ struct Pulse {
     int track, place;
 };
 
-// Pulses found so far: their correlation with the target and their energy.
-struct Sums {
-    Vsp16s ps, alp;
+// How a step of the search weighs the energy of the pulses before, that of the pulse itself and its correlation with one
+// before.
+struct Weights {
+    int before, own, crossed;
 };
+constexpr Weights kWeights[3] = {{8192, 8192, 16384}, {8192, 2048, 4096}, {32768, 2048, 4096}};
 
 class Search {
   public:
@@ -32,46 +34,53 @@ class Search {
             }
     }
 
+    // Pulses on both tracks are to be searched together.
     [[gnu::always_inline]] void needPair(int a, int b) {
-        const S16_128 signs = S16_128::load(negative_[b]);
-        correlations_.pairs(a, b, crossed_[a][b], [&](S16_128 row, int i) {
-            return withSigns(row, {signs.v ^ S16_128::splat(negative_[a][i]).v});
-        });
-        if (a == b)
-            for (int i = 0; i < kPlaces; i++) crossed_[a][b][i][i] = correlations_.diagonal(a)[i];
+        formPairs(correlations_, a, b, negative_[a], TrackSigns(negative_[b]), crossed_[a][b], crossed_[b][a]);
     }
 
     // The places of a track but the given number of those with the smallest magnitudes, of equal ones the first.
-    [[gnu::always_inline]] unsigned largest(int track, int without) const {
-        unsigned left = 0xFF;
+    [[gnu::always_inline]] S16_128 largest(int track, int without) const {
+        const __m128i numbers = _mm_setr_epi16(0, 1, 2, 3, 4, 5, 6, 7);
+        S16_128 left = S16_128::load(magnitude_[track]), out = S16_128::splat(0);
         for (int n = 0; n < without; n++) {
-            int smallest = -1;
-            for (int i = 0; i < kPlaces; i++)
-                if ((left >> i & 1) != 0 && magnitude_[track][i] < (smallest < 0 ? kMax16 : magnitude_[track][smallest]))
-                    smallest = i;
-            if (smallest >= 0) left &= ~(1u << smallest);
+            const __m128i smallest = _mm_minpos_epu16(left.v);
+            if (Vsp16s(_mm_cvtsi128_si32(smallest)) == kMax16) break;
+            out.v |= _mm_cmpeq_epi16(numbers, S16_128::splat(Vsp16s(_mm_extract_epi16(smallest, 1))).v);
+            left = maxU(left, out);
         }
-        return left;
+        return {~out.v};
     }
 
-    // Each adds the best pulse of a track to those before, and is given their places.
-    [[gnu::always_inline]] Best second(Pulse p0, int track, Pulse& p, Sums& sums) const {
-        const Vsp32s energy0 = correlations_.diagonal(p0.track)[p0.place];
-        const S16_128 own = S16_128::load(correlations_.diagonal(track));
-        const Weighted sum(energy0 * 8192, own, row(p0, track), 8192, 16384);
-        return best(sum.rounded(), magnitude_[p0.track][p0.place], track, p, sums);
-    }
-    [[gnu::always_inline]] Best third(Pulse p0, Pulse p1, int track, Pulse& p, Sums& sums) const {
-        const S16_128 own = S16_128::load(correlations_.diagonal(track));
-        Weighted sum(sums.alp * 8192, own, row(p1, track), 2048, 4096);
-        sum.add(row(p0, track), S16_128::splat(0), 4096, 0);
-        return best(sum.rounded(), sums.ps, track, p, sums);
-    }
-    [[gnu::always_inline]] Best fourth(Pulse p0, Pulse p1, Pulse p2, int track, Pulse& p, Sums& sums) const {
-        const S16_128 own = S16_128::load(correlations_.diagonal(track));
-        Weighted sum(sums.alp * 32768, own, row(p2, track), 2048, 4096);
-        sum.add(row(p1, track), row(p0, track), 4096, 4096);
-        return best(sum.rounded(), sums.ps, track, p, sums);
+    // Pulses for each place of the first: elements of vectors.
+    template <int Count>
+    struct Attempts {
+        const int* tracks;
+        S16_128 places[Count];  // but of the first
+        S16_128 ps, minusSquare, energy;
+    };
+
+    // For each of the first places with its bits set, in their order, adds the best pulse of each further track to those
+    // before. Returns whether one of the results was better than what is known.
+    template <int Count>
+    [[gnu::always_inline]] bool run(const int* tracks, S16_128 firstPlaces, Best& best, Pulse* pulses) const {
+        Attempts<Count> attempts{
+            tracks, {}, S16_128::load(magnitude_[tracks[0]]), {}, S16_128::load(correlations_.diagonal(tracks[0]))};
+        addPulse<1>(attempts);
+        if constexpr (Count > 2) addPulse<2>(attempts);
+        if constexpr (Count > 3) addPulse<3>(attempts);
+        // What is 0 and has no energy is never better.
+        const S16_128 squares{sub(S16_128::splat(0), attempts.minusSquare).v & firstPlaces.v};
+        int first = -1;
+        compare(best, squares, {attempts.energy.v & firstPlaces.v}, [&](int place) { first = place; });
+        if (first < 0) return false;
+        pulses[0] = {tracks[0], first};
+        for (int n = 1; n < Count; n++) {
+            Vsp16s places[kPlaces];
+            attempts.places[n].store(places);
+            pulses[n] = {tracks[n], places[first]};
+        }
+        return true;
     }
 
     [[gnu::always_inline]] void take(int count, const Pulse* pulses, FoundPulses& found) const {
@@ -82,39 +91,51 @@ class Search {
     }
 
   private:
-    // Halves of sums of doubled products, with 15 bits after the point. None of them leaves 32 bits.
-    struct Weighted {
-        S32_128 lo, hi;
+    // Place after place of the track of pulse n is compared with the best so far.
+    template <int n, int Count>
+    [[gnu::always_inline]] void addPulse(Attempts<Count>& attempts) const {
+        constexpr Weights kOf = kWeights[n - 1];
+        const int track = attempts.tracks[n];
+        const S16_128 zero = S16_128::splat(0), halves = S16_128::splat(Vsp16s(kOf.before / 2));
+        const S32_128 half = S32_128::splat(0x4000);
+        const S32_128 lo = add(dot2(S16_128{zipLo(attempts.energy, attempts.energy).v}, halves), half);
+        const S32_128 hi = add(dot2(S16_128{zipHi(attempts.energy, attempts.energy).v}, halves), half);
+        S16_128 octets[Count];  // of the places in a row
+        for (int k = 1; k < n; k++)
+            octets[k] = add(mulLo(attempts.places[k], S16_128::splat(0x0202)), S16_128::splat(0x0100));
 
-        [[gnu::always_inline]] Weighted(Vsp32s start, S16_128 a, S16_128 b, int ofA, int ofB)
-            : lo(S32_128::splat(start + 0x4000)), hi(lo) {
-            add(a, b, ofA, ofB);
+        const S16_128 weights = S16_128::splat(Vsp16s(kOf.crossed));
+        S16_128 minusSquare = S16_128::splat(1), energy = minusSquare, places = zero, ps = zero;
+#pragma GCC unroll 8
+        for (int i = 0; i < kPlaces; i++) {
+            const auto with = [&](int k) {
+                const S16_128 row = S16_128::load(crossed_[track][attempts.tracks[k]][i]);
+                return k == 0 ? row : S16_128{_mm_shuffle_epi8(row.v, octets[k].v)};
+            };
+            const S16_128 a = with(0), b = n > 1 ? with(1) : zero;
+            const S32_128 own = S32_128::splat(correlations_.diagonal(track)[i] * kOf.own);
+            S32_128 sumLo = add(add(lo, own), dot2(S16_128{zipLo(a, b).v}, weights));
+            S32_128 sumHi = add(add(hi, own), dot2(S16_128{zipHi(a, b).v}, weights));
+            if constexpr (n > 2) {
+                const S16_128 c = with(2);
+                sumLo = add(sumLo, dot2(S16_128{zipLo(c, zero).v}, weights));
+                sumHi = add(sumHi, dot2(S16_128{zipHi(c, zero).v}, weights));
+            }
+            const S16_128 candidate = packSat(shr(sumLo, 15), shr(sumHi, 15));
+            const S16_128 sum = addSat(attempts.ps, S16_128::splat(magnitude_[track][i]));
+            const S16_128 square = mulHiU(add(sum, sum), sum);
+            const S16_128 gain = packSat(dot2(S16_128{zipLo(square, candidate).v}, S16_128{zipLo(energy, minusSquare).v}),
+                                         dot2(S16_128{zipHi(square, candidate).v}, S16_128{zipHi(energy, minusSquare).v}));
+            const S16_128 better{_mm_cmpgt_epi16(gain.v, zero.v)};
+            minusSquare = select(better, sub(zero, square), minusSquare);
+            energy = select(better, candidate, energy);
+            places = select(better, S16_128::splat(Vsp16s(i)), places);
+            ps = select(better, sum, ps);
         }
-        [[gnu::always_inline]] void add(S16_128 a, S16_128 b, int ofA, int ofB) {
-            const S16_128 weights{S32_128::splat(ofA | ofB << 16).v};
-            lo = vsp::VSP_LEVEL::add(lo, dot2(S16_128{zipLo(a, b).v}, weights));
-            hi = vsp::VSP_LEVEL::add(hi, dot2(S16_128{zipHi(a, b).v}, weights));
-        }
-        [[gnu::always_inline]] S16_128 rounded() const { return packSat(shr(lo, 15), shr(hi, 15)); }
-    };
-
-    [[gnu::always_inline]] S16_128 row(Pulse p, int track) const {
-        return S16_128::load(crossed_[p.track][track][p.place]);
-    }
-
-    [[gnu::always_inline]] Best best(S16_128 energies, Vsp16s ps, int track, Pulse& p, Sums& sums) const {
-        Best result = kNoCandidate;
-        p = {track, 0};
-        sums.ps = 0;
-        const S16_128 sum = addSat(S16_128::splat(ps), S16_128::load(magnitude_[track]));
-        Vsp16s ofPlace[kPlaces];
-        sum.store(ofPlace);
-        compare(result, mulShift15Sat(sum, sum), energies, [&](int place) {
-            p.place = place;
-            sums.ps = ofPlace[place];
-        });
-        sums.alp = result.energy;
-        return result;
+        attempts.places[n] = places;
+        attempts.ps = ps;
+        attempts.minusSquare = minusSquare;
+        attempts.energy = energy;
     }
 
     const TrackCorrelations& correlations_;
@@ -125,36 +146,16 @@ class Search {
 // Of pulses that no candidate has replaced.
 constexpr Pulse kStart[4] = {{0, 0}, {1, 0}, {2, 0}, {3, 0}};
 
-// Runs over the starts of the first pulse. Returns whether something better was found.
-template <int Count>
-VSP_INLINE bool searchTracks(const Search& search, const int* tracks, unsigned places, Best& best, Pulse* pulses) {
-    bool found = false;
-    for (unsigned left = places; left != 0; left &= left - 1) {
-        Pulse p[4] = {{tracks[0], __builtin_ctz(left)}, {}, {}, {}};
-        Sums sums{};
-        Best candidate = search.second(p[0], tracks[1], p[1], sums);
-        if constexpr (Count > 2) candidate = search.third(p[0], p[1], tracks[2], p[2], sums);
-        if constexpr (Count > 3) candidate = search.fourth(p[0], p[1], p[2], tracks[3], p[3], sums);
-        if (!isBetter(best, candidate)) continue;
-        best = candidate;
-        found = true;
-        for (int n = 0; n < Count; n++) pulses[n] = p[n];
-    }
-    return found;
-}
-
 // All rotations of the tracks, of which each begins with the last of the one before.
 template <int Count>
-VSP_INLINE void searchRotations(const Search& search, const int (&tracks)[Count], const unsigned* places, Best& best,
+VSP_INLINE void searchRotations(const Search& search, const int (&tracks)[Count], const S16_128* places, Best& best,
                                 Pulse* pulses) {
     int rotated[Count];
     for (int rotation = 0; rotation < Count; rotation++) {
         for (int n = 0; n < Count; n++) rotated[n] = tracks[(n + Count - rotation) % Count];
-        searchTracks<Count>(search, rotated, places[rotated[0]], best, pulses);
+        search.run<Count>(rotated, places[rotated[0]], best, pulses);
     }
 }
-
-constexpr unsigned kAllPlaces = 0xFF;
 
 }  // namespace
 
@@ -169,7 +170,7 @@ int ownSearchTwoOfPairs(const Vsp16s* d, const Vsp16s* h, int subframe, FoundPul
     for (int t = 0; t < 2; t++) {
         const int tracks[2] = {startPos[t][subframe][0], startPos[t][subframe][1]};
         search.needPair(tracks[0], tracks[1]);
-        if (searchTracks<2>(search, tracks, kAllPlaces, best, pulses)) half = t;
+        if (search.run<2>(tracks, S16_128::splat(-1), best, pulses)) half = t;
     }
     search.take(2, pulses, found);
     return half;
@@ -186,7 +187,7 @@ void ownSearchTwo(const Vsp16s* d, const Vsp16s* h, FoundPulses& found) {
             if (second == 3) continue;
             const int tracks[2] = {first, second};
             search.needPair(first, second);
-            searchTracks<2>(search, tracks, kAllPlaces, best, pulses);
+            search.run<2>(tracks, S16_128::splat(-1), best, pulses);
         }
     search.take(2, pulses, found);
 }
@@ -195,12 +196,10 @@ void ownSearchThree(const Vsp16s* d, const Vsp16s* h, FoundPulses& found) {
     TrackCorrelations correlations;
     Search::form<0x1E>(correlations, h);
     Search search(d, correlations);
-    static constexpr int kGroups[3][2] = {{0, 0}, {1, 3}, {2, 4}};
-    for (int a = 0; a < 3; a++)
-        for (int b = 0; b < 3; b++)
-            for (int i = 0; i < (a == b ? 0 : a == 0 ? 1 : 2); i++)
-                for (int j = 0; j < (b == 0 ? 1 : 2); j++) search.needPair(kGroups[a][i], kGroups[b][j]);
-    unsigned places[kTracks];
+    for (int b = 1; b < kTracks; b++)
+        for (int a = 0; a < b; a++)
+            if (a == 0 || b - a != 2) search.needPair(a, b);
+    S16_128 places[kTracks];
     for (int t = 0; t < kTracks; t++) places[t] = search.largest(t, 2);
     Best best = kNoCandidate;
     Pulse pulses[3] = {kStart[0], kStart[1], kStart[2]};
@@ -213,10 +212,9 @@ void ownSearchFour(const Vsp16s* d, const Vsp16s* h, FoundPulses& found) {
     TrackCorrelations correlations;
     Search::form<0x1E>(correlations, h);
     Search search(d, correlations);
-    for (int a = 0; a < kTracks; a++)
-        for (int b = 0; b < kTracks; b++)
-            if (a != b && (a < 3 || b < 3)) search.needPair(a, b);
-    unsigned places[kTracks];
+    for (int b = 1; b < kTracks; b++)
+        for (int a = 0; a < b && a < 3; a++) search.needPair(a, b);
+    S16_128 places[kTracks];
     for (int t = 0; t < kTracks; t++) places[t] = search.largest(t, 4);
     Best best = kNoCandidate;
     Pulse pulses[4] = {kStart[0], kStart[1], kStart[2], kStart[3]};
