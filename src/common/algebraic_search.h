@@ -39,20 +39,29 @@ VSP_INLINE void sharpen(Subframe& x, int lag, Vsp16s gain) {
 // and GSM-AMR).
 template <int Tracks>
 VSP_INLINE void filterBackwards(const Vsp16s* target, const Vsp16s* impulse, int headroom, Vsp16s* d) {
-    Vsp32s sums[kL_subfr];
+    static_assert(Tracks <= kPlaces);
+    Vsp32s sums[kL_subfr + kPlaces] = {};
     ownCrossCorr_32s(target, impulse, kL_subfr, sums);
+    // A track has an element of each vector that begins with a position of the first.
+    Eight32s most = Eight32s::splat(0), least = most;
+    for (int i = 0; i < kL_subfr; i += Tracks) {
+        most = max(most, Eight32s::load(sums + i));
+        least = min(least, Eight32s::load(sums + i));
+    }
+    Vsp32s mostOf[kPlaces], leastOf[kPlaces];
+    most.store(mostOf);
+    least.store(leastOf);
     Vsp32s total = 5;
     for (int t = 0; t < Tracks; t++) {
-        Vsp32s largest = 0;
-        for (int i = t; i < kL_subfr; i += Tracks) {
-            const Vsp32s magnitude = Abs_32s(sums[i]);
-            largest = magnitude > largest ? magnitude : largest;
-        }
-        total = Add_32s(total, largest >> 1);
+        const Vsp32s magnitude = Abs_32s(leastOf[t]);
+        total = Add_32s(total, (mostOf[t] > magnitude ? mostOf[t] : magnitude) >> 1);
     }
+    // No sum is larger than twice the total, which has more leading bits than it is shifted by.
     const int shift = norm_32s_Pos(total) - headroom;
-    for (int i = 0; i < kL_subfr; i++)
-        d[i] = round_32s(shift < 0 ? sums[i] >> -shift : Cnvrt_64s32s(sums[i] * (1LL << shift)));
+    for (int i = 0; i < kL_subfr; i += kPlaces) {
+        const Eight32s x = Eight32s::load(sums + i), scaled = shift < 0 ? shr(x, -shift) : shl(x, shift);
+        narrowSat(shr(add(shr(scaled, 15), Eight32s::splat(1)), 1)).store(d + i);
+    }
 }
 
 // The samples by tracks.

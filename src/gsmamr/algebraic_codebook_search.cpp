@@ -132,25 +132,22 @@ struct OrderedPulses {
     bool negative[Tracks];  // the first of them
 
     OrderedPulses(const FoundPulses& pulses, Vsp16s amplitude, Vsp16s* code) {
-        bool begun[Tracks] = {};
+        struct {
+            int place;
+            bool negative;
+        } ofTrack[Tracks][2];
+        int found[Tracks] = {};
         for (int n = 0; n < 2 * Tracks; n++) {
-            const int position = pulses.position[n], track = position % Tracks, p = position / Tracks;
-            const bool minus = pulses.negative[n];
-            code[position] = Vsp16s(code[position] + (minus ? -amplitude : amplitude));
-            if (!begun[track]) {
-                begun[track] = true;
-                place[track] = p;
-                negative[track] = minus;
-                continue;
-            }
-            const bool inOrder = place[track] <= p, equalSigns = minus == negative[track];
-            if (inOrder == equalSigns) {
-                place[track + Tracks] = p;
-            } else {
-                place[track + Tracks] = place[track];
-                place[track] = p;
-                negative[track] = minus;
-            }
+            const int position = pulses.position[n], track = position % Tracks;
+            code[position] = Vsp16s(code[position] + (pulses.negative[n] ? -amplitude : amplitude));
+            ofTrack[track][found[track]++ & 1] = {position / Tracks, pulses.negative[n]};
+        }
+        for (int t = 0; t < Tracks; t++) {
+            const auto [a, b] = ofTrack[t];
+            const bool inOrder = (a.place <= b.place) == (a.negative == b.negative);
+            place[t] = inOrder ? a.place : b.place;
+            place[t + Tracks] = inOrder ? b.place : a.place;
+            negative[t] = inOrder ? a.negative : b.negative;
         }
     }
 };
