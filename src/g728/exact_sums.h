@@ -42,14 +42,39 @@ class ExactSums {
     int taken_ = 0;
 };
 
-// A filter of order 10 on a vector: sums[n] = sum of c[i] * x[n - 1 - i]. Ten samples lie before x, and any seven behind.
+// a[i] and b[i] as pairs.
+#if defined(__AVX2__)
+VSP_INLINE Eight32s pairsOf(S16_128 a, S16_128 b) { return {_mm256_set_m128i(zipHi(a, b).v, zipLo(a, b).v)}; }
+#else
+VSP_INLINE Eight32s pairsOf(S16_128 a, S16_128 b) { return {zipLo(a, b), zipHi(a, b)}; }
+#endif
+
+// Eight elements from place `at` of sixteen on, zeros behind them.
+template <int at>
+VSP_INLINE S16_128 elementsFrom(S16_128 first, S16_128 second) {
+    if constexpr (at > 8)
+        return elementsFrom<at - 8>(second, S16_128::splat(0));
+    else
+        return {_mm_alignr_epi8(second.v, first.v, 2 * at)};
+}
+
+// Products of the coefficients i and i + 1 with the samples before each output; the first of the sixteen is ten before.
+template <int i>
+VSP_INLINE void addTwoTaps(ExactSums& total, const Vsp16s* c, S16_128 first, S16_128 second) {
+    const S16_128 later = elementsFrom<9 - i>(first, second), earlier = elementsFrom<8 - i>(first, second);
+    total.addProducts(dotPairs(pairsOf(later, earlier), c + i));
+}
+
+// A filter of order 10 on a vector: sums[n] = sum of c[i] * x[n - 1 - i]. Ten samples lie before x, and any six behind.
 VSP_INLINE void sumsOfTen(const Vsp16s* c, const Vsp16s* x, Vsp64s* sums) {
     constexpr int kOrder = 10;
-    alignas(32) Vsp32s pairs[kOrder + kOutputs];
-    storePairs(x - kOrder, pairs);
-    storePairs(x - kOrder + kOutputs, pairs + kOutputs);
+    const S16_128 first = S16_128::load(x - kOrder), second = S16_128::load(x - kOrder + kOutputs);
     ExactSums total;
-    for (int i = 0; i < kOrder; i += 2) total.addProducts(dotPairs(Eight32s::load(pairs + kOrder - 1 - i), c + i));
+    addTwoTaps<0>(total, c, first, second);
+    addTwoTaps<2>(total, c, first, second);
+    addTwoTaps<4>(total, c, first, second);
+    addTwoTaps<6>(total, c, first, second);
+    addTwoTaps<8>(total, c, first, second);
     total.store(sums);
 }
 
