@@ -11,9 +11,9 @@ namespace vsp::VSP_LEVEL {
 
 namespace {
 
-constexpr Vsp16s kTamedPitch = 481;    // 0.94 in Q9
-constexpr Vsp16s kTamedLimit = 16383;  // 0.9999 in Q14
-constexpr int kMaxPairs = 36;
+constexpr Vsp16s kTamedPitch = 481;      // 0.94 in Q9
+constexpr Vsp16s kTamedLimit = 16383;    // 0.9999 in Q14
+constexpr int kMaxPairs = 36, kRow = 8;  // pairs of entries that are compared, at most; those of one entry
 
 // value = mantissa * 2^-exponent
 struct Scaled {
@@ -173,14 +173,15 @@ VspStatus quantise(const GainCodebooks& t, const Vsp16s* target, const Vsp16s* y
 
     // All pairs, side by side.
     const int pairs = t.candidates1 * t.candidates2;
-    Vsp32s pitches[kMaxPairs], codes[kMaxPairs], errors[kMaxPairs];
-    for (int i = 0; i < t.candidates1; i++)
-        for (int j = 0; j < t.candidates2; j++) {
-            const Vsp16s* const a = t.gbk1[first.entry1 + i];
-            const Vsp16s* const b = t.gbk2[first.entry2 + j];
-            pitches[i * t.candidates2 + j] = a[0] + b[0];
-            codes[i * t.candidates2 + j] = (predicted.mantissa * ((a[1] + b[1]) >> 1)) >> 15;
+    Vsp32s pitches[kMaxPairs + kRow], codes[kMaxPairs + kRow], errors[kMaxPairs];
+    for (int i = 0; i < t.candidates1; i++) {
+        const Vsp16s* const a = t.gbk1[first.entry1 + i];
+        const Vsp16s(*const b)[2] = t.gbk2 + first.entry2;
+        for (int j = 0; j < kRow; j++) {  // more than the candidates where these are fewer, which the next row replaces
+            pitches[i * t.candidates2 + j] = a[0] + b[j][0];
+            codes[i * t.candidates2 + j] = (predicted.mantissa * ((a[1] + b[j][1]) >> 1)) >> 15;
         }
+    }
     for (int i = 0; i < pairs; i++) {
         const Vsp32s p = pitches[i], c = codes[i];
         Vsp32s error = addSaturating(times(pp, (p * p) >> 15), times(p1, p));
