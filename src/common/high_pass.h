@@ -82,7 +82,8 @@ struct HighPass {
         Vsp32s sums[kBlock];
         for (int n = 0; n < len; n++) sums[n] = c.b0 * x[n + 2] + c.b1 * x[n + 1] + c.b2 * x[n];
         Vsp64s y1 = m.y1Hi * 32768LL + m.y1Lo, y2 = m.y2Hi * 32768LL + m.y2Lo, fed1 = (y1 * c.a1) >> 15;
-        const Vsp64s shiftedA1 = c.a1 * (1LL << kShift);
+        Vsp64s shiftedA1 = c.a1 * (1LL << kShift);
+        asm("" : "+r"(shiftedA1));  // or the shift follows each product, where the next output waits for it
         constexpr Vsp64s kLimit = 1LL << (30 - kShift);
         Vsp64u outside = 0;
         for (int n = 0; n < len; n++) {
