@@ -131,6 +131,8 @@ struct SynthesisFilter {
             const W four = shifted(without(sum, y2, of2));
             const V y01 = splatLowerHalves<0>(second), y23 = splatLowerHalves<2>(four), y3{splatElement<3>(four).v};
             sum = without(without(add(sums[1], inputs[n / 4 + 1]), y01, of01[1]), y2, of2Beyond);
+            asm(""
+                : "+x"(sum.v));  // or some of this is added behind what y3 takes away, where the next output waits for it
             sum = without(sum, y3, of3Beyond);
             for (int to = 1; to < kFours; to++) takeFrom(to, y01, y23);
             largest = maxU(largest, magnitude(n + 4 <= len ? four : W{four.v & forEach<W>(firstFew(len - n)).v}));
