@@ -109,6 +109,11 @@ Correlations<4>::Correlations(const Vsp16s* impulse, const SignedTarget<4>& targ
     const ScaledResponse response(impulse);
     const Vsp16s* const h = response.h;
     const bool exact = 2 * energy(h, kL_subfr) + 0x8000 <= kMax32;
+    const auto signsOf = [&](int track, int group) { return TrackSigns(target.negative[track] + kPlaces * group); };
+    const TrackSigns signs[4][2] = {{signsOf(0, 0), signsOf(0, 1)},
+                                    {signsOf(1, 0), signsOf(1, 1)},
+                                    {signsOf(2, 0), signsOf(2, 1)},
+                                    {signsOf(3, 0), signsOf(3, 1)}};
     alignas(64) Vsp32s sums[4][11 + kLanes] = {}, mirrored[4][kLanes] = {};
     for (int n = 0; n < kL_subfr; n++) mirrored[n % 4][n / 4] = Vsp16u(h[kL_subfr - 1 - n]);
     for (int k = 0; k < kL_subfr; k++) {
@@ -122,26 +127,25 @@ Correlations<4>::Correlations(const Vsp16s* impulse, const SignedTarget<4>& targ
                     at[i] = mac_32s(at[i], h[k], Vsp16s(mirrored[a][i]));
                     cells[i] = round_32s(at[i]);
                 }
-                continue;
+            } else {
+                for (int i = 0; i < kLanes; i += kPlaces) {
+                    const Eight32s sum = add(Eight32s::load(at + i), mulLower(Eight32s::load(mirrored[a] + i), h[k]));
+                    sum.store(at + i);
+                    S16_128 rounded = narrowSat(shr(add(sum, Eight32s::splat(0x4000)), 15));
+                    if (i > 0) rounded.v &= S16_128::load(kTenPlaces + kPlaces).v;
+                    rounded.store(cells + i);
+                }
             }
-            for (int i = 0; i < kLanes; i += kPlaces) {
-                const Eight32s sum = add(Eight32s::load(at + i), mulLower(Eight32s::load(mirrored[a] + i), h[k]));
-                sum.store(at + i);
-                S16_128 rounded = narrowSat(shr(add(sum, Eight32s::splat(0x4000)), 15));
-                if (i > 0) rounded.v &= S16_128::load(kTenPlaces + kPlaces).v;
-                rounded.store(cells + i);
+            const Vsp16s own = cells[place];
+            for (int g = 0; g < kLanes / kPlaces; g++) {
+                const S16_128 row = S16_128::load(cells + kPlaces * g);
+                signs[a][g].applied(row, target.negative[track][place]).store(cells + kPlaces * g);
             }
+            if (a == track) diagonal_[track][place] = cells[place] = own;
         }
     }
-    for (int p = 0; p < kL_subfr; p++) {
-        diagonal_[p % 4][p / 4] = crossed_[p % 4][p % 4][p / 4][p / 4];
-        for (int q = 0; q < p; q++) {
-            const bool differ = target.negative[p % 4][p / 4] != target.negative[q % 4][q / 4];
-            Vsp16s& cell = crossed_[p % 4][q % 4][p / 4][q / 4];
-            cell = Vsp16s((cell * (differ ? -32767 : 32766)) >> 15);
-            crossed_[q % 4][p % 4][q / 4][p / 4] = cell;
-        }
-    }
+    for (int p = 0; p < kL_subfr; p++)
+        for (int q = 0; q < p; q++) crossed_[q % 4][p % 4][q / 4][p / 4] = crossed_[p % 4][q % 4][p / 4][q / 4];
 }
 
 // The weights of the search of a pair, as halves of doubled products: of the energy of the pulse at the first track and
