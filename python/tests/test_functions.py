@@ -5,6 +5,7 @@ import pathlib
 import re
 import subprocess
 import sys
+from types import SimpleNamespace
 
 import numpy as np
 import pytest
@@ -23,6 +24,10 @@ DTYPES = {"Vsp8u": np.uint8, "Vsp16s": np.int16, "Vsp16u": np.uint16, "Vsp32s": 
           "Vsp64s": np.int64, "Vsp32f": np.float32, "Vsp64f": np.float64, "Vsp32fc": np.complex64}  # fmt: skip
 
 
+# What a state remembers is the same for all functions of one length expression.
+REMEMBERED = {"pState": SimpleNamespace(**{k: v for kept in Lengths().kept.values() for k, v in kept.items()})}
+
+
 def dtype(parameter):
     return np.dtype(DTYPES.get(parameter.type) or getattr(vspsc, parameter.type))
 
@@ -33,7 +38,7 @@ def is_state(length):
 
 def counts(length, values):
     """Elements, history and rows by lengths.txt."""
-    return [int(eval(text, {"max": max}, dict(values))) if text else default
+    return [int(eval(text, {"max": max}, {**REMEMBERED, **values})) if text else default
             for text, default in zip(Length.read(length), (0, 0, 1))]  # fmt: skip
 
 
@@ -64,7 +69,7 @@ def suggestion(name, seen):
 
 def arguments_of(f, values, short=None):
     """Arrays of exactly the needed lengths, one of them an element short."""
-    named = {p.name: v for p, v in zip(f.parameters, values)}
+    named = {p.name: v for p, v in zip(f.parameters, values) if not p.pointers}
     arguments = []
     for i, (p, value) in enumerate(zip(f.parameters, values)):
         if not p.pointers:
@@ -82,6 +87,7 @@ def arguments_of(f, values, short=None):
 
 
 def test_every_exported_function_is_there():
+    assert {name for name in FUNCTIONS if not SPECIAL.fullmatch(name)} == set(LENGTHS)
     for name in FUNCTIONS:
         function = getattr(vspsc, name)
         assert function.__doc__, name
@@ -99,7 +105,7 @@ def test_lengths_are_those_of_the_descriptions():
             continue
         f = FUNCTIONS[name]
         for values, arguments in seen:
-            named = {p.name: v for p, v in zip(f.parameters, values)}
+            named = {p.name: v for p, v in zip(f.parameters, values) if not p.pointers}
             for p, (kind, *expected) in zip(f.parameters, arguments):
                 if p.pointers:
                     length = LENGTHS.get(name, {}).get(p.name, "0")
@@ -112,7 +118,7 @@ def test_lengths_are_those_of_the_descriptions():
 
 
 # States that point to something are made by their initialisers only.
-INITIALISED = {"ToneDetectState_EC_16s", "ToneDetectState_EC_32f"}
+INITIALISED = {"ToneDetectState_EC_16s", "ToneDetectState_EC_32f", *(name for name, kept in Lengths().kept.items() if kept)}
 
 
 @pytest.mark.filterwarnings("ignore::vspsc.VspWarning")
@@ -241,6 +247,24 @@ def test_filter_bank(kind, samples, bands, scale):
     with pytest.raises(vspsc.BadArgumentError):
         getattr(vspsc, f"vspsSubbandProcessInit_{kind}")(states[0], 6, 65, 256, None, None)
     assert states[0].ready and states[0].frameSize == 44
+
+
+def test_controllers_know_their_filters():
+    state = vspsc.SubbandControllerState_EC_32f()
+    vspsc.vspsSubbandControllerInit_EC_32f(state, 40, 33, 44, 8000)
+    assert (state.len, state.numSubbands) == (40, 33)
+    with pytest.raises(vspsc.BadArgumentError):
+        vspsc.vspsSubbandControllerInit_EC_32f(vspsc.SubbandControllerState_EC_32f(), 40, 33, 44, 11025)
+    far, error, steps = np.ones((40, 33), np.complex64), np.ones(33, np.complex64), np.zeros((10, 33))
+    adapt, residual = np.zeros(10, np.int32), np.zeros(33, np.float32)
+    learning, double_talk = np.zeros(1, np.float32), np.zeros(1, np.int32)
+    rest = (1, steps, adapt, residual, learning, double_talk, state)
+    assert vspsc.vspsSubbandControllerUpdate_EC_32f(far, error, error, far, *rest) == 0
+    for short in ((far[:39], error, far), (far, error[:32], far), (far, error, far[:, :32].copy())):
+        with pytest.raises(ValueError, match="needs"):
+            vspsc.vspsSubbandControllerUpdate_EC_32f(short[0], short[1], error, short[2], *rest)
+    with pytest.raises(TypeError, match="initialised SubbandControllerState_EC_32f"):
+        vspsc.vspsSubbandControllerUpdate_EC_32f(far, error, error, far, *rest[:-1], vspsc.SubbandControllerState_EC_32f())
 
 
 def test_hybrid_windows_of_g728():

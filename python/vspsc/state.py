@@ -37,6 +37,19 @@ def to_initialise(state: object, kind: type[State], name: str) -> Any:
     raise TypeError(f"{name} must be a {kind.__name__} or None, not {type(state).__name__}")
 
 
+def make_room(state: object, kind: type[State], get_size: Any, *arguments: int) -> None:
+    """Memory for what a state is to be initialised with; where the arguments are bad the initialiser will say so."""
+    size = ffi.new("Vsp32s*")
+    if type(state) is kind and get_size(*arguments, size) == 0:
+        state._allocate(size[0])
+
+
+def initialised_with(state: object, kind: type[State], name: str) -> None:
+    """Of a state by whose initialisation the lengths of arrays go: refuses any other."""
+    if type(state) is not kind or not state.ready:
+        raise TypeError(f"{name} must be an initialised {kind.__name__}")
+
+
 def initialised(state: object, kind: type[State], name: str) -> Any:
     """The address of a state that has been initialised."""
     if type(state) is kind and state.ready:
