@@ -1,6 +1,6 @@
 # Manual pages, and completions for bash and zsh: of the program from its --help, of the functions from the headers.
 
-set(pages ${PROJECT_BINARY_DIR}/pages)
+set(pages ${PROJECT_BINARY_DIR}/manual)
 install(FILES docs/man/vspsc.7 DESTINATION ${CMAKE_INSTALL_MANDIR}/man7)
 if(VSPSC_PYTHON)
     file(GLOB_RECURSE headers CONFIGURE_DEPENDS include/*.h)
