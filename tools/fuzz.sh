@@ -30,7 +30,7 @@ for family in "${families[@]}"; do
     log=build/fuzz/corpus/$family.log
     mkdir -p "$corpus"
     [[ -d $seeds ]] || seeds=
-    build/fuzz/bin/fuzz_"$family" -max_total_time="$seconds" -max_len=1000 -timeout=60 -rss_limit_mb=4000 -print_final_stats=1 \
+    build/fuzz/bin/fuzz_"$family" -max_total_time="$seconds" -max_len=600 -len_control=0 -timeout=60 -rss_limit_mb=4000 -print_final_stats=1 \
         -artifact_prefix="$findings/$family-" "$corpus" $seeds >"$log" 2>&1 || failed+=("$family")
     executions=$(sed -n 's/^stat::number_of_executed_units: *//p' "$log")
     edges=$(grep -o 'cov: [0-9]*' "$log" | tail -1 | cut -d' ' -f2)

@@ -84,7 +84,7 @@ class Build:
 
     def link(self, program, source, changed, out):
         if program not in self.links:
-            listed = subprocess.run(["ninja", "-C", str(self.folder), "-t", "commands", "-s", program], text=True,
+            listed = subprocess.run(["ninja", "-C", str(self.folder), "-t", "commands", "-s", f"bin/{program}"], text=True,
                                     capture_output=True, check=True).stdout.strip().split("\n")[-1]  # fmt: skip
             self.links[program] = re.sub(r"^: && | && :$", "", listed)
         object_file = f"CMakeFiles/vspsc_y8.dir/{source.relative_to(SOURCE)}.o"
@@ -114,7 +114,7 @@ def main():
     chance = random.Random(options.seed)
     build = Build(options.build)
     files = [f.resolve() for f in options.files] or sorted(pathlib.Path(f) for f in build.commands)
-    files = [f for f in files if f.parent.name not in ("rta", "version")]
+    files = [f for f in files if str(f) in build.commands and f.parent.name not in ("rta", "version")]
     chance.shuffle(files)
 
     found, survivors, drawn = 0, [], 0

@@ -12,11 +12,6 @@ constexpr int kHistory = 22, kChunk = 320;
 using V = Sliding16;
 static_assert(kChunk % (2 * V::width) == 0);
 
-// Samples to filter, the history first.
-struct Line {
-    Vsp16s past[kHistory], present[kChunk];
-};
-
 // Two values for every pair of samples up to it: finish gets the sums with the first and those with the second taps.
 template <class Finish>
 VSP_INLINE void filterPairs(const Vsp16s* line, int samples, const QmfTaps& taps, Vsp16s* out, Finish finish) {
@@ -38,18 +33,18 @@ VSP_INLINE void filterPairs(const Vsp16s* line, int samples, const QmfTaps& taps
 // Runs a filter over chunks. Whole vectors of a chunk are filtered, what is beyond its end as zeros.
 template <class Filter>
 VSP_INLINE void inChunks(const Vsp16s* src, Vsp16s* dst, int len, Vsp16s* delay, Filter filter) {
-    Line line;
-    Vsp16s out[kChunk];
-    __builtin_memcpy(line.past, delay, sizeof line.past);
+    Vsp16s line[kHistory + kChunk], out[kChunk];  // the history first
+    Vsp16s* const present = line + kHistory;
+    __builtin_memcpy(line, delay, sizeof(Vsp16s) * kHistory);
     for (Vsp64s i = 0; i < len; i += kChunk) {
         const int n = len - i < kChunk ? int(len - i) : kChunk;
-        __builtin_memcpy(line.present, src + i, sizeof(Vsp16s) * n);
-        __builtin_memset(line.present + n, 0, sizeof(Vsp16s) * (kChunk - n));
+        __builtin_memcpy(present, src + i, sizeof(Vsp16s) * n);
+        __builtin_memset(present + n, 0, sizeof(Vsp16s) * (kChunk - n));
         filter(line, n, out);
         __builtin_memcpy(dst + i, out, sizeof(Vsp16s) * n);
-        __builtin_memmove(line.past, line.past + n, sizeof line.past);
+        __builtin_memmove(line, line + n, sizeof(Vsp16s) * kHistory);
     }
-    __builtin_memcpy(delay, line.past, sizeof line.past);
+    __builtin_memcpy(delay, line, sizeof(Vsp16s) * kHistory);
 }
 
 }  // namespace
@@ -57,8 +52,8 @@ VSP_INLINE void inChunks(const Vsp16s* src, Vsp16s* dst, int len, Vsp16s* delay,
 VspStatus vspsQMFAnalysis_G722_16s(const Vsp16s* pSrc, Vsp16s* pDst, Vsp32s len, Vsp16s* pDelay) {
     if (anyNull(pSrc, pDst, pDelay)) return vspStsNullPtrErr;
     if (len < 2 || len % 2 != 0) return vspStsSizeErr;
-    inChunks(pSrc, pDst, len, pDelay, [](const Line& line, int n, Vsp16s* out) {
-        filterPairs(line.past, n, qmfAnalysis, out, [](Wide<V> low, Wide<V> high) {
+    inChunks(pSrc, pDst, len, pDelay, [](const Vsp16s* line, int n, Vsp16s* out) {
+        filterPairs(line, n, qmfAnalysis, out, [](Wide<V> low, Wide<V> high) {
             const V bands = packSatAlternating(shr(low, 14), shr(high, 14));
             return min(max(bands, V::splat(-16384)), V::splat(16383));
         });
@@ -69,12 +64,13 @@ VspStatus vspsQMFAnalysis_G722_16s(const Vsp16s* pSrc, Vsp16s* pDst, Vsp32s len,
 VspStatus vspsQMFSynthesis_G722_16s(const Vsp16s* pSrc, Vsp16s* pDst, Vsp32s len, Vsp16s* pDelay) {
     if (anyNull(pSrc, pDst, pDelay)) return vspStsNullPtrErr;
     if (len < 2 || len % 2 != 0) return vspStsSizeErr;
-    inChunks(pSrc, pDst, len, pDelay, [](Line& line, int n, Vsp16s* out) {
+    inChunks(pSrc, pDst, len, pDelay, [](Vsp16s* line, int n, Vsp16s* out) {
+        Vsp16s* const present = line + kHistory;
         for (int i = 0; i < n; i += V::width) {  // low, high to low + high, low - high
-            const V bands = V::load(line.present + i), swapped = swapInPairs(bands);
-            firstAndSecond(addSat(bands, swapped), subSat(swapped, bands)).store(line.present + i);
+            const V bands = V::load(present + i), swapped = swapInPairs(bands);
+            firstAndSecond(addSat(bands, swapped), subSat(swapped, bands)).store(present + i);
         }
-        filterPairs(line.past, n, qmfSynthesis, out,
+        filterPairs(line, n, qmfSynthesis, out,
                     [](Wide<V> first, Wide<V> second) { return packSatAlternating(shr(first, 11), shr(second, 11)); });
     });
     return vspStsNoErr;

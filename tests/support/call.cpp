@@ -96,7 +96,7 @@ void setNumberAt(Bytes& bytes, char type, std::size_t i, double x) {
     switch (type) {
         case 'h': return write(Vsp16s(x));
         case 'i': return write(Vsp32s(x));
-        case 'u': return write(Vsp32u(x));
+        case 'u': return write(Vsp32u(Vsp64s(x)));
         case 'f': return write(Vsp32f(x));
         case 'd': return write(Vsp64f(x));
         default: return write(Vsp8u(x));
