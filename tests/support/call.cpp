@@ -94,12 +94,12 @@ double numberAt(const Bytes& bytes, char type, std::size_t i) { return readAt<do
 void setNumberAt(Bytes& bytes, char type, std::size_t i, double x) {
     const auto write = [&](auto y) { std::memcpy(bytes.data() + i * sizeof y, &y, sizeof y); };
     switch (type) {
-        case 'h': return write(Vsp16s(x));
-        case 'i': return write(Vsp32s(x));
+        case 'h': return write(Vsp16s(Vsp64s(x)));
+        case 'i': return write(Vsp32s(Vsp64s(x)));
         case 'u': return write(Vsp32u(Vsp64s(x)));
         case 'f': return write(Vsp32f(x));
         case 'd': return write(Vsp64f(x));
-        default: return write(Vsp8u(x));
+        default: return write(Vsp8u(Vsp64s(x)));
     }
 }
 
