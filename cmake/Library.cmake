@@ -62,6 +62,7 @@ set(vspsc_level_sources
     src/ec/subband_controller.cpp
     src/ec/subband_process.cpp
     src/ec/subband_setup.cpp
+    src/ec/subband_suppressor.cpp
     src/ec/tone_detect.cpp
     src/g722/conceal_codes.cpp
     src/g722/qmf.cpp

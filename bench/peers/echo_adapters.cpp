@@ -1,6 +1,7 @@
 #include "echo_adapters.h"
 
 #include <speex/speex_echo.h>
+#include <speex/speex_preprocess.h>
 #include <webrtc/modules/audio_processing/include/audio_processing.h>
 #include <webrtc/modules/interface/module_common_types.h>
 
@@ -20,7 +21,8 @@ VspvEchoSettings settingsOf(const std::string& name, double tailMs) {
     VspvEchoSettings c = echoSettings(kRate);
     c.tailMs = tailMs;
     c.engine = name.starts_with("fullband") ? vspvEchoFullband : vspvEchoSubband;
-    c.arithmetic = name.ends_with("-fixed") ? vspvEchoFixed : vspvEchoFloat;
+    c.arithmetic = name.find("-fixed") != std::string::npos ? vspvEchoFixed : vspvEchoFloat;
+    c.suppression = name.ends_with("-suppress") ? 1 : 0;
     if (name.ends_with("-bare")) {
         c.maxBulkDelayMs = 0;
         c.toneDisabling = 0;
@@ -53,13 +55,17 @@ class Library : public Adapter {
 
 class Speex : public Adapter {
   public:
-    explicit Speex(double tailMs) : tail_(static_cast<int>(tailMs * kRate / 1000)) {}
+    Speex(double tailMs, bool suppresses) : tail_(static_cast<int>(tailMs * kRate / 1000)), suppresses_(suppresses) {}
 
     Signal process(const Signal& far, const Signal& near) override {
         constexpr std::size_t kFrame = 160;
         SpeexEchoState* state = speex_echo_state_init(kFrame, tail_);
         int rate = kRate;
         speex_echo_ctl(state, SPEEX_ECHO_SET_SAMPLING_RATE, &rate);
+        SpeexPreprocessState* suppressor = speex_preprocess_state_init(kFrame, rate);
+        int off = 0;
+        speex_preprocess_ctl(suppressor, SPEEX_PREPROCESS_SET_DENOISE, &off);
+        speex_preprocess_ctl(suppressor, SPEEX_PREPROCESS_SET_ECHO_STATE, state);
         Signal result(near.size());
         spx_int16_t f[kFrame], n[kFrame], out[kFrame];
         for (std::size_t i = 0; i + kFrame <= near.size(); i += kFrame) {
@@ -68,18 +74,23 @@ class Speex : public Adapter {
                 n[k] = static_cast<spx_int16_t>(near[i + k]);
             }
             speex_echo_cancellation(state, n, f, out);
+            if (suppresses_) speex_preprocess_run(suppressor, out);
             std::copy(out, out + kFrame, result.begin() + static_cast<std::ptrdiff_t>(i));
         }
+        speex_preprocess_state_destroy(suppressor);
         speex_echo_state_destroy(state);
         return result;
     }
 
   private:
     int tail_;
+    bool suppresses_;
 };
 
 class Webrtc : public Adapter {
   public:
+    explicit Webrtc(webrtc::EchoCancellation::SuppressionLevel level) : level_(level) {}
+
     Signal process(const Signal& far, const Signal& near) override {
         constexpr std::size_t kFrame = 80;
         webrtc::Config config;
@@ -87,7 +98,7 @@ class Webrtc : public Adapter {
         config.Set<webrtc::DelayAgnostic>(new webrtc::DelayAgnostic(true));
         const std::unique_ptr<webrtc::AudioProcessing> apm(webrtc::AudioProcessing::Create(config));
         apm->echo_cancellation()->Enable(true);
-        apm->echo_cancellation()->set_suppression_level(webrtc::EchoCancellation::kLowSuppression);
+        apm->echo_cancellation()->set_suppression_level(level_);
         webrtc::AudioFrame reverse, frame;
         for (webrtc::AudioFrame* f : {&reverse, &frame}) {
             f->sample_rate_hz_ = kRate;
@@ -107,6 +118,9 @@ class Webrtc : public Adapter {
         }
         return result;
     }
+
+  private:
+    webrtc::EchoCancellation::SuppressionLevel level_;
 };
 
 // A program that reads and writes files of 16-bit samples.
@@ -145,8 +159,9 @@ class Program : public Adapter {
 }  // namespace
 
 std::unique_ptr<Adapter> makeAdapter(const std::string& name, double tailMs) {
-    if (name == "speexdsp") return std::make_unique<Speex>(tailMs);
-    if (name == "webrtc") return std::make_unique<Webrtc>();
+    if (name.starts_with("speexdsp")) return std::make_unique<Speex>(tailMs, name.ends_with("-suppress"));
+    if (name == "webrtc") return std::make_unique<Webrtc>(webrtc::EchoCancellation::kLowSuppression);
+    if (name == "webrtc-high") return std::make_unique<Webrtc>(webrtc::EchoCancellation::kHighSuppression);
     if (name.find('/') != std::string::npos) return std::make_unique<Program>(name);
     return std::make_unique<Library>(name, tailMs);
 }

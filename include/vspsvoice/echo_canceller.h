@@ -40,6 +40,8 @@ typedef struct {
     Vsp32s engine;         /**< vspvEchoSubband or vspvEchoFullband */
     Vsp32s arithmetic;     /**< vspvEchoFloat or vspvEchoFixed */
     Vsp32s toneDisabling;  /**< 1: stop at a modem's answer tone (2100 Hz with phase reversals), ITU-T G.168; 0: do not */
+    Vsp32s suppression;    /**< 1: suppress what the filters leave of the echo, with comfort noise in its place, sub-bands
+                              only;    0: do not */
     Vsp64f tailMs;         /**< longest echo path that can be cancelled, without its bulk delay: 1 to 500 ms */
     Vsp64f maxBulkDelayMs; /**< the pure delay before the path is searched up to here: 0, taken to be none, to 1000 ms */
 } VspvEchoSettings;
@@ -60,7 +62,8 @@ typedef struct {
 typedef struct VspvEchoCanceller VspvEchoCanceller;
 
 /**
- * The usual settings: sub-bands, floating point, a tail of 128 ms, search of the bulk delay up to 1000 ms, tone disabling.
+ * The usual settings: sub-bands, floating point, a tail of 128 ms, search of the bulk delay up to 1000 ms, tone disabling,
+ * no suppression.
  *
  * @param[in]  samplingRate  8000 or 16000 Hz
  * @param[out] pSettings     to be changed as needed
@@ -76,7 +79,8 @@ VspStatus vspvEchoCancellerDefaults(Vsp32s samplingRate, VspvEchoSettings* pSett
  * @param[out] pSize      bytes that the caller must provide
  * @retval vspStsNullPtrErr  pSettings or pSize is null
  * @retval vspStsRangeErr    samplingRate, tailMs or maxBulkDelayMs is outside its range
- * @retval vspStsBadArgErr   engine, arithmetic or toneDisabling is none of its values
+ * @retval vspStsBadArgErr   engine, arithmetic, toneDisabling or suppression is none of its values, or there is suppression
+ * in the full band
  */
 VspStatus vspvEchoCancellerGetSize(const VspvEchoSettings* pSettings, Vsp32s* pSize);
 
@@ -87,7 +91,8 @@ VspStatus vspvEchoCancellerGetSize(const VspvEchoSettings* pSettings, Vsp32s* pS
  * @param[in]  pSettings   what it is to be
  * @retval vspStsNullPtrErr  pCanceller or pSettings is null
  * @retval vspStsRangeErr    samplingRate, tailMs or maxBulkDelayMs is outside its range
- * @retval vspStsBadArgErr   engine, arithmetic or toneDisabling is none of its values
+ * @retval vspStsBadArgErr   engine, arithmetic, toneDisabling or suppression is none of its values, or there is suppression
+ * in the full band
  */
 VspStatus vspvEchoCancellerInit(VspvEchoCanceller* pCanceller, const VspvEchoSettings* pSettings);
 

@@ -20,6 +20,7 @@ struct FloatArithmetic {
     using BankState = VspSubbandProcessState_32f;
     using SubbandControllerState = VspSubbandControllerState_EC_32f;
     using FullbandControllerState = VspFullbandControllerState_EC_32f;
+    using SuppressorState = VspSubbandSuppressorState_EC_32f;
 
     static constexpr float kBand = 1, kCoefficient = 1;  // what 1 is stored as
 
@@ -62,6 +63,16 @@ struct FloatArithmetic {
         vspsSubbandControllerUpdate_EC_32f(x, e, y, c, cancelling, steps, adapt, residual, learning, doubleTalk, state);
     }
 
+    static void suppressorSize(const BankShape& s, int rate, Vsp32s* size) {
+        vspsSubbandSuppressorGetSize_EC_32f(s.bands(), s.frame, rate, size);
+    }
+    static void initSuppressor(SuppressorState* state, const BankShape& s, int rate) {
+        vspsSubbandSuppressorInit_EC_32f(state, s.bands(), s.frame, rate);
+    }
+    static void suppress(const Complex* y, const float* residual, bool doubleTalk, Complex* e, SuppressorState* state) {
+        vspsSubbandSuppressor_EC_32fc_I(y, residual, doubleTalk, e, state);
+    }
+
     using FullbandStep = Vsp32f;
     static constexpr float kTap = 1;
     static void initFullbandController(FullbandControllerState* state, int taps, int block, int rate) {
@@ -94,6 +105,7 @@ struct FixedArithmetic {
     using BankState = VspSubbandProcessState_16s;
     using SubbandControllerState = VspSubbandControllerDTState_EC_16s;
     using FullbandControllerState = VspFullbandControllerState_EC_16s;
+    using SuppressorState = VspSubbandSuppressorState_EC_16s;
 
     // A band reaches 2^15 times the transform's length of 2^8 or 2^9, so that 6 more bits fit. Coefficients reach 16.
     static constexpr int kBandBits = 6, kCoefficientBits = 27;
@@ -137,6 +149,16 @@ struct FixedArithmetic {
                         bool cancelling, Step* const* steps, Vsp32s* adapt, float* residual, float* learning,
                         Vsp32s* doubleTalk, SubbandControllerState* state) {
         vspsSubbandControllerDTUpdate_EC_16s(x, e, y, c, cancelling, steps, adapt, residual, learning, doubleTalk, state);
+    }
+
+    static void suppressorSize(const BankShape& s, int rate, Vsp32s* size) {
+        vspsSubbandSuppressorGetSize_EC_16s(s.bands(), s.frame, rate, size);
+    }
+    static void initSuppressor(SuppressorState* state, const BankShape& s, int rate) {
+        vspsSubbandSuppressorInit_EC_16s(state, s.bands(), s.frame, rate, -kBandBits);
+    }
+    static void suppress(const Complex* y, const float* residual, bool doubleTalk, Complex* e, SuppressorState* state) {
+        vspsSubbandSuppressor_EC_32sc_I(y, residual, doubleTalk, e, state);
     }
 
     using FullbandStep = Vsp32s;

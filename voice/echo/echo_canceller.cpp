@@ -24,7 +24,7 @@ static bool isInRange(const VspvEchoSettings& s) {
 
 static bool hasKnownModes(const VspvEchoSettings& s) {
     return isOneOf(s.engine, vspvEchoSubband, vspvEchoFullband) && isOneOf(s.arithmetic, vspvEchoFloat, vspvEchoFixed) &&
-           isOneOf(s.toneDisabling, 0, 1);
+           isOneOf(s.toneDisabling, 0, 1) && isOneOf(s.suppression, 0, s.engine == vspvEchoSubband ? 1 : 0);
 }
 
 static const EchoEngine& chosenEngine(const VspvEchoSettings& s) {
@@ -40,7 +40,7 @@ using namespace vspv;
 VspStatus vspvEchoCancellerDefaults(Vsp32s samplingRate, VspvEchoSettings* pSettings) {
     if (pSettings == nullptr) return vspStsNullPtrErr;
     if (!isOneOf(samplingRate, 8000, 16000)) return vspStsRangeErr;
-    *pSettings = {samplingRate, vspvEchoSubband, vspvEchoFloat, 1, 128, 1000};
+    *pSettings = {samplingRate, vspvEchoSubband, vspvEchoFloat, 1, 0, 128, 1000};
     return vspStsNoErr;
 }
 

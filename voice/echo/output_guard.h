@@ -25,8 +25,9 @@ class OutputGuard {
     explicit OutputGuard(int rate) : millisecond_(static_cast<std::size_t>(rate / 1000)) {}
 
     // A block of the near end and of the echo estimated in it, which becomes what is subtracted. learning: the step size.
+    // residual: what else is to be subtracted, to the same extent; nothing if it is empty.
     template <class Sample>
-    void limit(std::span<const Sample> near, std::span<float> echo, double learning) {
+    void limit(std::span<const Sample> near, std::span<float> echo, double learning, std::span<float> residual = {}) {
         std::array<Energies, kMostMilliseconds> each;
         Energies all;
         const std::size_t count = near.size() / millisecond_;
@@ -36,7 +37,7 @@ class OutputGuard {
         judge(all, static_cast<double>(near.size()), learning);
         for (std::size_t i = 0; i < count; i++)
             limitMillisecond(near.subspan(i * millisecond_, millisecond_), echo.subspan(i * millisecond_, millisecond_),
-                             each[i]);
+                             each[i], residual.empty() ? residual : residual.subspan(i * millisecond_, millisecond_));
     }
 
     // The filter has been seen to remove echo.
@@ -105,7 +106,8 @@ class OutputGuard {
     }
 
     template <class Sample>
-    void limitMillisecond(std::span<const Sample> near, std::span<float> echo, const Energies& e) {
+    void limitMillisecond(std::span<const Sample> near, std::span<float> echo, const Energies& e,
+                          std::span<float> residual) {
         const bool silence = e.near == 0, afterSilence = level_ == 0;
         level_ = silence ? 0 : level_ + kSmoothing * (e.near - level_);
         peak_ = std::max(level_, kPeakFall * peak_);
@@ -119,38 +121,44 @@ class OutputGuard {
         if (silence || afterSilence) share = 0;
         if (e.left() > most) share = std::min(share, e.share(most));
         if (silence) share_ = 0;
-        Energies faded = fade(near, echo, e, static_cast<float>(share));
+        Energies faded = fade(near, echo, e, static_cast<float>(share), residual);
         if (faded.left() > most) {
             const auto less = static_cast<float>(faded.share(most));
             for (float& y : echo) y *= less;
+            for (float& y : residual) y *= less;
             share_ *= less;
             faded = faded.scaled(less);
         }
-        if (silenceEnd(near, echo)) faded = measure<Sample>(near, echo);
+        if (silenceEnd(near, echo, residual)) faded = measure<Sample>(near, echo);
         excess_ = std::max(0.0, excess_ + faded.left() - kLouder * e.near);
     }
 
     // Digital silence that begins within a millisecond stays silence.
     template <class Sample>
-    static bool silenceEnd(std::span<const Sample> near, std::span<float> echo) {
+    static bool silenceEnd(std::span<const Sample> near, std::span<float> echo, std::span<float> residual) {
         std::size_t zeros = 0;
         while (zeros < near.size() && near[near.size() - 1 - zeros] == 0) zeros++;
         if (zeros < kZeros) return false;
         std::fill(echo.end() - static_cast<std::ptrdiff_t>(zeros), echo.end(), 0.0f);
+        if (!residual.empty()) std::fill(residual.end() - static_cast<std::ptrdiff_t>(zeros), residual.end(), 0.0f);
         return true;
     }
 
     // From the share so far to the given one. What comes out, measured anew only where it is not a multiple of what was.
     template <class Sample>
-    Energies fade(std::span<const Sample> near, std::span<float> echo, const Energies& before, float share) {
+    Energies fade(std::span<const Sample> near, std::span<float> echo, const Energies& before, float share,
+                  std::span<float> residual) {
         const float from = share_, step = (share - from) / static_cast<float>(echo.size());
         share_ = share;
         if (step == 0) {
             if (share == 1) return before;
             for (float& y : echo) y *= share;
+            for (float& y : residual) y *= share;
             return before.scaled(share);
         }
-        for (std::size_t n = 0; n < echo.size(); n++) echo[n] *= from + static_cast<float>(n + 1) * step;
+        const auto ramp = [=](std::size_t n) { return from + static_cast<float>(n + 1) * step; };
+        for (std::size_t n = 0; n < echo.size(); n++) echo[n] *= ramp(n);
+        for (std::size_t n = 0; n < residual.size(); n++) residual[n] *= ramp(n);
         return measure<Sample>(near, echo);
     }
 

@@ -10,6 +10,7 @@
 #include "echo/far_activity.h"
 #include "echo/filter_bank.h"
 #include "echo/output_guard.h"
+#include "echo/residual_echo.h"
 #include "echo/subband_controller.h"
 #include "echo/tone_disabler.h"
 
@@ -53,6 +54,7 @@ class SubbandCanceller {
           out_(memory.take<Sample>(shape_.frame)),
           nearIn_(memory.take<Sample>(latency())) {
         if (c.toneDisabling != 0) tone_.emplace(c.samplingRate, shape_.frame, memory);
+        if (c.suppression != 0) residualEcho_.emplace(shape_, c.samplingRate, memory);
         const double spacing = double(c.samplingRate) / shape_.transform();
         if (maxDelay_ > 0) bulkDelay_.emplace(BulkDelay::Shape{maxDelay_, taps_, spacing, 1000 / frameMs_}, memory);
     }
@@ -109,11 +111,19 @@ class SubbandCanceller {
         std::transform(estimated_.begin(), estimated_.end(), echo_.begin(), [](Sample y) { return static_cast<float>(y); });
         const std::span<const Sample> near(nearIn_.data(), echo_.size());
         presence_.update(meanSquare(near), meanSquareLeft(near));
-        guard_.limit(near, echo_, controller_.learning());
+        const std::span<float> residual = residualEcho(disabled);
+        guard_.limit(near, echo_, controller_.learning(), residual);
+        for (std::size_t n = 0; n < residual.size(); n++) echo_[n] += residual[n];
         if (disabled) std::fill(echo_.begin(), echo_.end(), 0.0f);
         for (std::size_t n = 0; n < out_.size(); n++)
             out_[n] = Arithmetic::sample(static_cast<float>(nearIn_[n]) - echo_[n]);
         enhancement_.update<Sample>(nearIn_.first(out_.size()), out_);
+    }
+
+    std::span<float> residualEcho(bool disabled) {
+        if (!residualEcho_) return {};
+        return residualEcho_->find(estimate_.data(), error_.data(), controller_.residual(), controller_.nearSpeech(),
+                                   !disabled && guard_.removing());
     }
 
     float meanSquareLeft(std::span<const Sample> near) const {
@@ -186,6 +196,7 @@ class SubbandCanceller {
     Enhancement enhancement_;
     std::optional<ToneDisabler> tone_;
     std::optional<BulkDelay> bulkDelay_;
+    std::optional<ResidualEcho<Arithmetic>> residualEcho_;
     std::span<float> tapEnergy_;
     std::span<Complex> estimate_, error_;
     std::span<Sample> farIn_, estimated_;

@@ -45,6 +45,8 @@ class SubbandController {
 
     // The share of the error power that is still to be learned, 0 to 1: the step size over all bands.
     double learning() const { return learning_; }
+    // The power of the error in each band as far as it is echo that has not been learned yet.
+    const float* residual() const { return residual_.data(); }
     bool nearSpeech() const { return doubleTalk_ != 0; }
 
   private:

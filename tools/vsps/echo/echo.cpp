@@ -20,16 +20,18 @@ struct Options {
     CallFiles call;
     std::string out, plot, engine = "subband";
     VspvEchoSettings settings = echoSettings(8000);
-    bool fixedPoint = false, json = false;
+    bool suppress = false, fixedPoint = false, json = false;
 };
 
-void checkUsage(const CallFiles& call) {
+void checkUsage(const Options& o) {
+    const CallFiles& call = o.call;
     const bool two = !call.far.empty() || !call.near.empty();
     if (two && !call.both.empty()) throw UsageError{"--far-near", "excludes --far and --near"};
     if (call.both.empty() && call.far.empty()) throw UsageError{"--far", "is required, or --far-near"};
     if (call.both.empty() && call.near.empty()) throw UsageError{"--near", "is required, or --far-near"};
     if (call.swap && call.both.empty()) throw UsageError{"--swap", "needs --far-near"};
     if (call.input.channel != 0 && !call.both.empty()) throw UsageError{"--channel", "excludes --far-near"};
+    if (o.suppress && o.engine != "subband") throw UsageError{"--suppress", "needs --engine subband"};
 }
 
 void cancelEcho(CallReader& in, const VspvEchoSettings& settings, AudioWriter& out, EchoMeter& meter) {
@@ -51,9 +53,10 @@ void cancelEcho(CallReader& in, const VspvEchoSettings& settings, AudioWriter& o
 
 void runEcho(Options& o) {
     const Stopwatch stopwatch;
-    checkUsage(o.call);
+    checkUsage(o);
     o.settings.engine = o.engine == "subband" ? vspvEchoSubband : vspvEchoFullband;
     o.settings.arithmetic = o.fixedPoint ? vspvEchoFixed : vspvEchoFloat;
+    o.settings.suppression = o.suppress ? 1 : 0;
     const int format = outputFormat(o.out, o.call.input.rawRate != 0);
     refuseSameFiles({o.call.far, o.call.near, o.call.both}, {o.out, o.plot});
     std::unique_ptr<Gnuplot> gnuplot;
@@ -113,6 +116,10 @@ void addEcho(CommandLine& vsps) {
         .takes("subband|fullband")
         .oneOf({"subband", "fullband"})
         .showDefault();
+    command.flag(
+        "--suppress", o->suppress,
+        "Suppress what the filters leave of the echo, with comfort noise in its place: for listening, as ERLE then "
+        "tells nothing about the filters");
     command.flag("--fixed", o->fixedPoint, "Use the fixed-point functions of the library");
     addInputSettings(command, o->call.input, "FAR and NEAR");
     command.option("--plot", o->plot, "Draw levels and echo removed over time; needs gnuplot").takes("FILE.png|svg|pdf");
