@@ -59,6 +59,8 @@ set(vspsc_level_sources
     src/ec/fir_subband_update_32sc.cpp
     src/ec/fullband_controller.cpp
     src/ec/nlms.cpp
+    src/ec/noise_filter.cpp
+    src/ec/noise_setup.cpp
     src/ec/subband_controller.cpp
     src/ec/subband_process.cpp
     src/ec/subband_setup.cpp
@@ -261,6 +263,9 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     set_source_files_properties(src/ec/fir_subband_32fc.cpp src/ec/fir_subband_update_32fc.cpp src/vector/real_fft_16s.cpp
                                 src/vector/real_fft_32f.cpp PROPERTIES COMPILE_OPTIONS "-fno-tree-vectorize")
 endif()
+# Selects of floating-point values are vectorised only if comparisons have no side effects.
+set_source_files_properties(src/ec/noise_filter.cpp PROPERTIES COMPILE_OPTIONS "-fno-trapping-math"
+                                                               SKIP_PRECOMPILE_HEADERS ON)
 if(VSPSC_SANITIZE)
     # The butterflies are long and unrolled: with a check of every reference and scope in them they take minutes to compile.
     set_property(SOURCE src/vector/real_fft_16s.cpp src/vector/real_fft_32f.cpp APPEND

@@ -181,8 +181,9 @@ class Memory {
         const Bytes& bytes = *call.arrays[argument];
         const std::size_t rows = call.rows(argument), row = rows == 0 ? 0 : bytes.size() / rows;
         const Argument& a = call.function->arguments[argument];
-        const std::size_t toMultiple = a.hasAddresses && guard == Guard::end ? (16 - bytes.size() % 16) % 16 : 0;
-        const std::size_t away = gap * (a.kind == Kind::state ? 16 : size_) + toMultiple;
+        const std::size_t toMultiple =
+            a.hasAddresses && guard == Guard::end ? (a.line - bytes.size() % a.line) % a.line : 0;
+        const std::size_t away = gap * (a.kind == Kind::state ? a.line : size_) + toMultiple;
         for (std::size_t i = 0; i < rows; i++) {
             const auto begin = bytes.begin() + std::ptrdiff_t(i * row);
             rows_.emplace_back(Bytes(begin, begin + std::ptrdiff_t(row)), guard, away);

@@ -81,6 +81,7 @@ struct Argument {
         {};                         // of a pointer that is not always used: checked after all other arguments
     std::vector<int> sources = {};  // arguments whose memory this may be
     bool onlyInitialised = false, hasAddresses = false;
+    std::size_t line = 16;  // bytes; the layout of a state may depend on its address modulo these
     Initialiser initialise = {};
     Vsp64s always = -1;  // the only content that the function writes
     int onWarning = -1;  // elements that count with a positive status
@@ -155,9 +156,10 @@ struct Argument {
     Argument alwaysInitialised() const {
         return with([&](Argument& a) { a.onlyInitialised = true; });
     }
-    // The state is laid out by its address modulo 16, and points to tables of the program or library that initialised it.
-    Argument withAddresses() const {
-        return with([&](Argument& a) { a.onlyInitialised = a.hasAddresses = true; });
+    // The state is laid out by its address modulo 16 or so, and points to tables of the program or library that initialised
+    // it.
+    Argument withAddresses(std::size_t modulo = 16) const {
+        return with([&](Argument& a) { a.onlyInitialised = a.hasAddresses = true, a.line = modulo; });
     }
     // With a positive status only the first elements count, or the array is left as it was.
     Argument firstOnWarning(int number) const {

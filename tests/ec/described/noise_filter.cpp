@@ -1,0 +1,32 @@
+// The noise filter, with short transforms so that the states to compare are small.
+#include "support/described.h"
+
+namespace vsp::test {
+
+static const Argument kRate = oneOf({8000, 16000, 22050, 32000}, vspStsBadArgErr), kOrder = limited(vspStsBadArgErr, 5, 12);
+static const Argument kFrameLen = limited(vspStsBadArgErr, [](const Values& v) {
+    return Limits{1, v[2] < 1 || v[2] > 31 ? 1 : 1LL << (v[2] - 1)};
+});
+static const int kBytes = 13183, kLeastBytes = 4959, kLine = 64;
+static const Argument kState = state(kBytes, [](const Api& api, int, void* s) {
+                                   auto* const filter = static_cast<VspFilterNoiseState_EC_32f*>(s);
+                                   api.vspsFilterNoiseInit_EC_32f(filter, 8000, 40, 7);
+                                   api.vspsFilterNoiseSetMode_EC_32f(filter, vspFilterNoiseAuto);
+                               }).withAddresses(kLine);
+
+static const Described functions("ec",
+                                 {
+                                     VSPSC_FUNCTION(vspsFilterNoiseGetStateSize_EC_32f, kRate, kFrameLen, kOrder, out(1))
+                                         .checks({vspStsNullPtrErr, vspStsBadArgErr})
+                                         .notRecorded(),
+                                     VSPSC_FUNCTION(vspsFilterNoiseInit_EC_32f, state(kLeastBytes).withAddresses(kLine),
+                                                    kRate, kFrameLen, kOrder.upTo(5))
+                                         .checks({vspStsNullPtrErr, vspStsBadArgErr})
+                                         .notRecorded(),
+                                     VSPSC_FUNCTION(vspsFilterNoiseSetMode_EC_32f, kState, limited(vspStsBadArgErr, 0, 4))
+                                         .checks({vspStsNullPtrErr, vspStsBadArgErr})
+                                         .notRecorded(),
+                                     VSPSC_FUNCTION(vspsFilterNoise_EC_32f_I, io(40), kState, out(1)).notRecorded(),
+                                 });
+
+}  // namespace vsp::test
