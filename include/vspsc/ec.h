@@ -19,8 +19,8 @@
 #define VSPSC_EC_H
 
 #include "vspsc/ec/controllers.h"
-#include "vspsc/ec/suppressor.h"
 #include "vspsc/ec/noise_filter.h"
+#include "vspsc/ec/suppressor.h"
 #include "vspsc/types.h"
 
 #ifdef __cplusplus
