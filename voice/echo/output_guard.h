@@ -17,6 +17,8 @@
 #include <cstddef>
 #include <span>
 
+#include "echo/samples.h"
+
 namespace vspv {
 
 class OutputGuard {
@@ -26,8 +28,11 @@ class OutputGuard {
 
     // A block of the near end and of the echo estimated in it, which becomes what is subtracted. learning: the step size.
     // residual: what else is to be subtracted, to the same extent; nothing if it is empty.
+    // future: the near end of the next tenth of a second, as far as it is known.
     template <class Sample>
-    void limit(std::span<const Sample> near, std::span<float> echo, double learning, std::span<float> residual = {}) {
+    void limit(std::span<const Sample> near, std::span<float> echo, double learning, std::span<float> residual = {},
+               std::span<const Sample> future = {}) {
+        future_ = future.empty() ? kUnknown : meanSquare(future) * static_cast<double>(future.size());
         std::array<Energies, kMostMilliseconds> each;
         Energies all;
         const std::size_t count = near.size() / millisecond_;
@@ -47,11 +52,13 @@ class OutputGuard {
     // dB removed, times ms: when a share is subtracted, all of it, and when the filter is trusted in double talk.
     static constexpr double kHopeful = 500, kRemoving = 1000, kProven = 2500, kTrusted = 4500, kMost = 6000;
     static constexpr double kInaudible = 0.25, kFaint = 30;                        // powers of a sample
+    static constexpr double kShareOfFuture = 2;                                    // what may be added to it, at most
     static constexpr double kSmoothing = 0.05, kPeakFall = 0.998, kForget = 0.98;  // in a millisecond
     static constexpr double kQuiet = 0.003;                                        // of the peak
     static constexpr double kLouder = 1.1;                                         // ratio of powers that is no matter
     static constexpr double kTolerance = 8, kTrustedTolerance = 40;                // ms of the near end's power
     static constexpr double kOffset = 0.01;                                        // in a block
+    static constexpr double kUnknown = 1e30;
     static constexpr std::size_t kMostMilliseconds = 16;
     static constexpr std::size_t kZeros = 3;  // samples that are silence, not a crossing of zero
 
@@ -115,7 +122,7 @@ class OutputGuard {
         const bool trusted = evidence_ >= kTrusted && !quiet;
         const double tolerance = trusted ? kTrustedTolerance : kTolerance;
         if (trusted) excess_ *= kForget;
-        const double more = (kLouder - 1) * e.near + tolerance * level_ - excess_;
+        const double more = (kLouder - 1) * e.near + std::min(tolerance * level_, kShareOfFuture * future_) - excess_;
         const double most = e.near + (proven() && !faint ? std::max(0.0, more) : 0);
         double share = proven() ? 1 : hope_ / kHopeful;
         if (silence || afterSilence) share = 0;
@@ -165,6 +172,7 @@ class OutputGuard {
     std::size_t millisecond_;
     double hope_ = 0, evidence_ = 0, offset_ = 0;
     double level_ = 0, peak_ = 0;  // energy of the near end in a millisecond, smoothed; its peak, which falls slowly
+    double future_ = 0;            // energy of the near end after the block
     double excess_ = 0;            // energy by which the output is louder in the stretch where it is most so
     float share_ = 0;
 };

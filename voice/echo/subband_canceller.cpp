@@ -112,7 +112,7 @@ class SubbandCanceller {
         const std::span<const Sample> near(nearIn_.data(), echo_.size());
         presence_.update(meanSquare(near), meanSquareLeft(near));
         const std::span<float> residual = residualEcho(disabled);
-        guard_.limit(near, echo_, controller_.learning(), residual);
+        guard_.limit(near, echo_, controller_.learning(), residual, std::span<const Sample>(nearIn_).subspan(near.size()));
         for (std::size_t n = 0; n < residual.size(); n++) echo_[n] += residual[n];
         if (disabled) std::fill(echo_.begin(), echo_.end(), 0.0f);
         for (std::size_t n = 0; n < out_.size(); n++)
