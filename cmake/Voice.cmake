@@ -59,6 +59,7 @@ add_library(
     voice/echo/prototype_window.cpp
     voice/echo/subband_canceller.cpp
     voice/level/level_control.cpp
+    voice/noise/denoiser.cpp
     voice/pitch/pitch_tracker.cpp
     voice/pitch/speech_analysis.cpp)
 add_library(vspsc::vspsvoice ALIAS vspsvoice)

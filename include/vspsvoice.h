@@ -1,7 +1,7 @@
 /**
  * @file
- * Ready-to-call voice processing, put together from the building blocks of vspsc.h: speech codecs, an echo canceller,
- * level control, the detection of speech and of answer tones, and the pitch.
+ * Ready-to-call voice processing, put together from the building blocks of vspsc.h: speech codecs, an echo canceller, a
+ * denoiser, level control, the detection of speech and of answer tones, and the pitch.
  *
  * The application owns every buffer and every object: it asks for the size, provides that much memory (what malloc
  * returns is aligned for all of them), initialises it and passes it to each call. The functions keep nothing, allocate
@@ -18,6 +18,7 @@
 #include "vspsvoice/amr.h"
 #include "vspsvoice/amrwb.h"
 #include "vspsvoice/codec.h"
+#include "vspsvoice/denoiser.h"
 #include "vspsvoice/echo_canceller.h"
 #include "vspsvoice/g723.h"
 #include "vspsvoice/g728.h"
