@@ -20,3 +20,7 @@ grep -q "tests are left out.*apt-get install libgtest-dev" "$tmp/log" || fail "n
 [[ ! -e $tmp/plain/tests ]] || fail "the tests were not left out"
 if configure asked -DVSPSC_BUILD_TESTS=ON; then fail "tests that were asked for are left out"; fi
 grep -q "apt-get install libgtest-dev" "$tmp/log" || fail "the error does not name the package"
+
+# Another processor is refused in one line.
+if configure other -DCMAKE_SYSTEM_NAME=Linux -DCMAKE_SYSTEM_PROCESSOR=aarch64; then fail "aarch64 is accepted"; fi
+grep -q "vspsc is for x86-64 Linux (64-bit), not for aarch64 Linux" "$tmp/log" || fail "no message about the processor"
