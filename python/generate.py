@@ -153,7 +153,7 @@ def write_records(text: str, package: pathlib.Path) -> None:
         record = re.search(rf"Reset value of a (\w+): .*{name}", text)
         assert record
         lines.append(f"{name}: np.ndarray[Any, Any] = np.array([{ast.literal_eval(value)}], {record[1]})\n{name}.setflags(write=False)")
-    for name, value in re.findall(r"\b(vspv\w+) =\s+(\d+)", without_preprocessor(text)):
+    for name, value in re.findall(r"\b(vsp(?!Sts)\w+) =\s+(\d+)", without_preprocessor(text)):
         lines.append(f"{name}: Final = {value}")
     (package / "records.py").write_text("\n".join(lines) + "\n")
 

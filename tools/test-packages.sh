@@ -21,7 +21,7 @@ fail() {
 
 # What the packages depend on, a compiler, and what Debian's minimal system has.
 if [[ ! -e $root/usr/bin/dpkg ]]; then
-    needed=$(dpkg-deb -W --showformat='${Depends},' "$packages"/*.deb | tr ',' '\n' | sed 's/^ *//; s/ .*//; s/:any//' |
+    needed=$(for package in "$packages"/*.deb; do dpkg-deb -f "$package" Depends; done | tr ',' '\n' | sed 's/^ *//; s/ .*//; s/:any//' |
         grep -vE '^(libvsps|$)' | sort -u | paste -sd,)
     sources=()
     for list in /etc/apt/sources.list /etc/apt/sources.list.d/*.{list,sources}; do

@@ -84,7 +84,7 @@ class EchoCanceller:
     """
 
     def __init__(self, rate: int = 8000, tail_ms: float = 128, *, engine: str = "subband", arithmetic: str = "float",
-                 max_delay_ms: float = 1000, tone_disabling: bool = True) -> None:  # fmt: skip
+                 max_delay_ms: float = 1000, tone_disabling: bool = True, suppression: bool = False) -> None:  # fmt: skip
         """Makes a canceller.
 
         Args:
@@ -94,12 +94,13 @@ class EchoCanceller:
             arithmetic: "float" or "fixed"
             max_delay_ms: the pure delay is searched up to here, 0 to 1000 ms
             tone_disabling: whether it steps aside for modems
+            suppression: whether what the filters leave of the echo is suppressed, in sub-bands
         """
         settings = ffi.new("VspvEchoSettings*")
         settings.samplingRate, settings.tailMs, settings.maxBulkDelayMs = rate, tail_ms, max_delay_ms
         settings.engine = _choice("engine", {"subband": 0, "fullband": 1}, engine)
         settings.arithmetic = _choice("arithmetic", {"float": 0, "fixed": 1}, arithmetic)
-        settings.toneDisabling = bool(tone_disabling)
+        settings.toneDisabling, settings.suppression = bool(tone_disabling), bool(suppression)
         self._object = _Object("VspvEchoCanceller", _size("vspvEchoCancellerGetSize", settings))
         _done(_voice.vspvEchoCancellerInit(self._object._pointer, settings), "vspvEchoCancellerInit")
         self._pointer, self._lock = self._object._pointer, self._object._lock
