@@ -20,7 +20,7 @@ SONAME = "libvspsvoice.so.1" if VOICE else "libvspscy8.so.6.1"
 NEEDED = {"libc.so.6", "libm.so.6"} | ({"libvspscy8.so.6.1"} if VOICE else set())
 # No memory management, environment, locks, files or output.
 IMPORTS = {"memcpy", "memmove", "memset", "memcmp", "pow", "sqrt", "exp", "log", "log10", "cos", "sin", "sincos", "__stack_chk_fail"}
-STACK = 64 << 10 if VOICE else 12 << 10  # bytes, without libc and libm
+STACK = 64 << 10 if VOICE else 16 << 10  # bytes, without libc and libm
 if VOICE:
     IMPORTS |= set(exported_names(source))
 
@@ -79,7 +79,7 @@ check(any(p.pr_data & 0x3 == 0x3 for p in properties), "not marked for indirect 
 FORBIDDEN = {"y8": {"c4", "c5", "62"}, "v3": {"62"}, "v4": set()}
 listing = subprocess.run(["objdump", "-d", "-w", str(path)], text=True, capture_output=True, check=True).stdout
 function, level, functions = "", "y8", {"y8": 0, "v3": 0, "v4": 0}
-stack = StackUse(dict.fromkeys(exported_names(source), 12 << 10) if VOICE else None)
+stack = StackUse(dict.fromkeys(exported_names(source), 16 << 10) if VOICE else None)
 landed, entered = set(), False
 for line in listing.splitlines():
     if start := re.match(r"[0-9a-f]+ <(.+)>:$", line):
