@@ -48,7 +48,7 @@ VSP_INLINE Vsp16s responseTilt(const Vsp16s (&h)[kTiltRoom]) {
         sums[0] = add(sums[0], dot2(x, x));
         sums[1] = add(sums[1], dot2(x, S16_128::load(h + n + 1)));
     }
-    Vsp32s r0 = 2 * sum(sums[0]), r1 = 2 * sum(sums[1]);
+    Vsp32s r0 = Vsp32s(2 * Vsp32u(sum(sums[0]))), r1 = Vsp32s(2 * Vsp32u(sum(sums[1])));  // wrong if a sample is larger
     if (largestU(largest) > kLargest) [[unlikely]] {
         r0 = doubledEnergy(h, kTiltResponse);
         r1 = neighbourCorrelation(h, kTiltResponse, r0);
