@@ -51,7 +51,7 @@ frames = vspsc.Codec("g729a").encoder().process(x)
 assert b"".join(f.data for f in frames) == open("/tmp/noise.g729a", "rb").read()
 assert vspsc.vad(x).size == 100' || fail "the Python package"
 for page in vsps-encode.1 vspsMulC_NR_16s_Sfs.3 vspsc.7; do
-    dpkg-deb -c "$packages"/*tools*.deb | cat - <(dpkg-deb -c "$packages"/*-dev_*.deb) | grep -q "/$page.gz$" || fail "no $page"
+    dpkg-deb -c "$packages"/*tools*.deb | cat - <(dpkg-deb -c "$packages"/*-dev_*.deb) | grep "/$page.gz$" >/dev/null || fail "no $page"
 done
 
 inside sh -c 'dpkg --purge $(for p in /tmp/*.deb; do dpkg-deb -f "$p" Package; done)' >/dev/null
