@@ -99,7 +99,7 @@ def test_lengths_are_those_of_the_descriptions():
     for name, values, arguments in described_calls():
         calls.setdefault(name, []).append((values, arguments))
     wrong = []
-    states = Lengths().states
+    states, sized_by = Lengths().states, Lengths().sized_by
     for name, seen in calls.items():
         if SPECIAL.fullmatch(name):
             continue
@@ -109,8 +109,7 @@ def test_lengths_are_those_of_the_descriptions():
             for p, (kind, *expected) in zip(f.parameters, arguments):
                 if p.pointers:
                     length = LENGTHS.get(name, {}).get(p.name, "0")
-                    varies = Lengths().sized_by.get(length)
-                    got = [expected[0] if varies else states.get(length), 0, 1] if is_state(length) else counts(length, named)
+                    got = [expected[0] if sized_by.get(length) else states.get(length), 0, 1] if is_state(length) else counts(length, named)
                     if got != expected:
                         wrong.append(f"{p.name} with {values}: {got} instead of {expected}; perhaps\n{suggestion(name, seen)}")
                         break
