@@ -8,13 +8,6 @@ namespace vsp::VSP_LEVEL::g728 {
 
 constexpr int kOutputs = 8;  // of which a vector of samples needs the first five
 
-// x[i] and x[i - 1] as a pair for i = 1 .. 8.
-VSP_INLINE void storePairs(const Vsp16s* x, Vsp32s* pairs) {
-    const S16_128 later = S16_128::load(x + 1), earlier = S16_128::load(x);
-    zipLo(later, earlier).store(pairs + 1);
-    zipHi(later, earlier).store(pairs + 5);
-}
-
 // Sums of 32-bit values by their upper halves and modulo 2^32, which gives the lower halves as well.
 class ExactSums {
   public:
@@ -27,13 +20,19 @@ class ExactSums {
         add(VSP_LEVEL::add(x, Eight32s::splat(-0x10000)));
         taken_++;
     }
+    [[gnu::always_inline]] void subtractProducts(Eight32s x) {
+        const Eight32s fitting = VSP_LEVEL::add(x, Eight32s::splat(-0x10000));
+        low_ = sub(low_, fitting);
+        high_ = sub(high_, shr(fitting, 16));
+        taken_--;
+    }
     [[gnu::always_inline]] void store(Vsp64s* sums) const {
         alignas(32) Vsp32s low[kOutputs], high[kOutputs];
         low_.store(low);
         high_.store(high);
         for (int n = 0; n < kVector; n++) {
             const Vsp64s upper = Vsp64s(high[n]) * 0x10000;
-            sums[n] = upper + Vsp32u(low[n] - upper) + taken_ * 0x10000LL;
+            sums[n] = upper + Vsp32s(Vsp32u(low[n] - upper)) + taken_ * 0x10000LL;
         }
     }
 
@@ -58,23 +57,58 @@ VSP_INLINE S16_128 elementsFrom(S16_128 first, S16_128 second) {
         return {_mm_alignr_epi8(second.v, first.v, 2 * at)};
 }
 
-// Products of the coefficients i and i + 1 with the samples before each output; the first of the sixteen is ten before.
+// Five elements and zeros behind them. Elements that are stored and loaded in the same pieces do not wait for memory.
+VSP_INLINE S16_128 loadFive(const Vsp16s* x) {
+    return {_mm_insert_epi16(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(x)), x[4], 4)};
+}
+VSP_INLINE void storeFive(S16_128 a, Vsp16s* x) {
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(x), a.v);
+    x[4] = Vsp16s(_mm_extract_epi16(a.v, 4));
+}
+VSP_INLINE S16_128 five(const Vsp16s (&x)[kVector]) { return {_mm_setr_epi16(x[0], x[1], x[2], x[3], x[4], 0, 0, 0)}; }
+
+// The ten samples before a vector and its five ones, and zeros.
+struct Fifteen {
+    S16_128 first, second;
+
+    [[gnu::always_inline]] Fifteen(const Vsp16s* ten, S16_128 five) : first(S16_128::load(ten)) {
+        Vsp32s two;
+        __builtin_memcpy(&two, ten + 8, sizeof two);
+        second.v = _mm_or_si128(_mm_cvtsi32_si128(two), _mm_slli_si128(five.v, 4));
+    }
+    [[gnu::always_inline]] void storeNewest(Vsp16s* ten) const {
+        elementsFrom<5>(first, second).store(ten);
+        const Vsp32s two = _mm_cvtsi128_si32(_mm_srli_si128(second.v, 10));
+        __builtin_memcpy(ten + 8, &two, sizeof two);
+    }
+};
+
+// Products of the coefficients i and i + 1 with the samples before each output.
 template <int i>
-VSP_INLINE void addTwoTaps(ExactSums& total, const Vsp16s* c, S16_128 first, S16_128 second) {
-    const S16_128 later = elementsFrom<9 - i>(first, second), earlier = elementsFrom<8 - i>(first, second);
-    total.addProducts(dotPairs(pairsOf(later, earlier), c + i));
+VSP_INLINE Eight32s twoTaps(const Vsp16s* c, const Fifteen& x) {
+    return dotPairs(pairsOf(elementsFrom<9 - i>(x.first, x.second), elementsFrom<8 - i>(x.first, x.second)), c + i);
 }
 
-// A filter of order 10 on a vector: sums[n] = sum of c[i] * x[n - 1 - i]. Ten samples lie before x, and any six behind.
+// A filter of order 10 on a vector: the sum of c[i] * x[n - 1 - i] for each n.
+VSP_INLINE void addTenTaps(ExactSums& total, const Vsp16s* c, const Fifteen& x) {
+    total.addProducts(twoTaps<0>(c, x));
+    total.addProducts(twoTaps<2>(c, x));
+    total.addProducts(twoTaps<4>(c, x));
+    total.addProducts(twoTaps<6>(c, x));
+    total.addProducts(twoTaps<8>(c, x));
+}
+VSP_INLINE void subtractTenTaps(ExactSums& total, const Vsp16s* c, const Fifteen& x) {
+    total.subtractProducts(twoTaps<0>(c, x));
+    total.subtractProducts(twoTaps<2>(c, x));
+    total.subtractProducts(twoTaps<4>(c, x));
+    total.subtractProducts(twoTaps<6>(c, x));
+    total.subtractProducts(twoTaps<8>(c, x));
+}
+
+// The same of memory: ten samples lie before x, and any six behind.
 VSP_INLINE void sumsOfTen(const Vsp16s* c, const Vsp16s* x, Vsp64s* sums) {
-    constexpr int kOrder = 10;
-    const S16_128 first = S16_128::load(x - kOrder), second = S16_128::load(x - kOrder + kOutputs);
     ExactSums total;
-    addTwoTaps<0>(total, c, first, second);
-    addTwoTaps<2>(total, c, first, second);
-    addTwoTaps<4>(total, c, first, second);
-    addTwoTaps<6>(total, c, first, second);
-    addTwoTaps<8>(total, c, first, second);
+    addTenTaps(total, c, Fifteen(x - 10, S16_128::load(x)));
     total.store(sums);
 }
 

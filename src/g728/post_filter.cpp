@@ -20,10 +20,16 @@ struct State {
 };
 static_assert(sizeof(State) == 64);
 
-Vsp64s sumOfMagnitudes(const Vsp16s* x) {
-    Vsp64s sum = 0;
+int sumOfMagnitudes(const Vsp16s* x) {
+    int sum = 0;
     for (int n = 0; n < kVector; n++) sum += x[n] < 0 ? -x[n] : x[n];
     return sum;
+}
+
+// The high half of 4 x, rounded, of sums of two products.
+S16_128 clippedQ14(Eight32s x) {
+    const Eight32s fitting = add(x, Eight32s::splat(-0x10000));
+    return narrowSat(add(shr(add(fitting, Eight32s::splat(0x2000)), 14), Eight32s::splat(0x10000 >> 14)));
 }
 
 }  // namespace
@@ -44,24 +50,26 @@ VspStatus vspsPostFilter_G728_16s(const Vsp16s* pSrc, const Vsp16s* pPast, Vsp32
     if (anyNull(pSrc, pPast, pGain, pZero, pPole, pDst, pState)) return vspStsNullPtrErr;
     if (!isPitch(pitch)) return vspStsRangeErr;
     State& s = *static_cast<State*>(pState);
-    constexpr int kPadding = 7;
-    Vsp16s f[kOrder + kVector + kPadding] = {}, y[kOrder + kVector + kPadding] = {}, out[kVector];
-    for (int i = 0; i < kOrder; i++) f[i] = s.longTerm[i], y[i] = s.shortTerm[i];
-    Vsp64s longTerm[kVector], ofInput[kVector], ofPast[kVector];
+    const S16_128 src = loadFive(pSrc), past = loadFive(pPast + kPast - pitch);
+    const Eight32s longTerm = dotPairs(pairsOf(src, past), pGain);
+    const Fifteen f(s.longTerm, clippedQ14(longTerm)), old(s.shortTerm, S16_128::splat(0));
+    ExactSums total;
+    total.addProducts(longTerm);
+    addTenTaps(total, pZero, f);
+    subtractTenTaps(total, pPole, old);
+    Vsp64s sums[kVector];
+    total.store(sums);
+    Vsp16s y[kVector], out[kVector];
+    Vsp16s previous = s.shortTerm[kOrder - 1];
     for (int n = 0; n < kVector; n++) {
-        longTerm[n] = Vsp64s(pGain[0]) * pSrc[n] + pGain[1] * pPast[kPast + n - pitch];
-        f[kOrder + n] = roundQ14(longTerm[n]);
+        Vsp64s sum = sums[n];
+        for (int i = 0; i < n; i++) sum -= pPole[i] * y[n - 1 - i];
+        y[n] = sat16(sum >> 14);
+        out[n] = sat16((sum + Vsp64s(tilt) * previous) >> 14);
+        previous = y[n];
     }
-    sumsOfTen(pZero, f + kOrder, ofInput);
-    sumsOfTen(pPole, y + kOrder, ofPast);
-    for (int n = 0; n < kVector; n++) {
-        Vsp16s* const newY = y + kOrder + n;
-        Vsp64s sum = longTerm[n] + ofInput[n] - ofPast[n];
-        for (int i = 0; i < n; i++) sum -= pPole[i] * newY[-1 - i];
-        *newY = sat16(sum >> 14);
-        out[n] = sat16((sum + Vsp64s(tilt) * newY[-1]) >> 14);
-    }
-    for (int i = 0; i < kOrder; i++) s.longTerm[i] = f[kVector + i], s.shortTerm[i] = y[kVector + i];
+    f.storeNewest(s.longTerm);
+    Fifteen(s.shortTerm, five(y)).storeNewest(s.shortTerm);
 
     Float16 ratio{16384, 14};
     const Vsp64s before = sumOfMagnitudes(pSrc), after = sumOfMagnitudes(out);

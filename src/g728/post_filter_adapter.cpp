@@ -64,14 +64,17 @@ VspStatus vspsPostFilterAdapterInit_G728(void* pState) {
 VspStatus vspsLPCInverseFilter_G728_16s(const Vsp16s* pSrc, const Vsp16s* pCoeff, Vsp16s* pDst, void* pAdapter) {
     if (anyNull(pSrc, pCoeff, pDst, pAdapter)) return vspStsNullPtrErr;
     State& s = *static_cast<State*>(pAdapter);
-    constexpr int kPadding = 7;
-    Vsp16s x[kOrder + kVector + kPadding] = {};
-    for (int i = 0; i < kOrder; i++) x[i] = s.speech[i];
-    for (int n = 0; n < kVector; n++) x[kOrder + n] = pSrc[n];
+    const S16_128 src = loadFive(pSrc);
+    const Fifteen x(s.speech, src);
+    ExactSums total;
+    addTenTaps(total, pCoeff, x);
+    total.add(shl(widen(src), 13));
     Vsp64s sums[kVector];
-    sumsOfTen(pCoeff, x + kOrder, sums);
-    for (int n = 0; n < kVector; n++) pDst[n] = roundQ14(8192 * x[kOrder + n] + sums[n]);
-    for (int i = 0; i < kOrder; i++) s.speech[i] = x[kVector + i];
+    total.store(sums);
+    Vsp16s y[kVector];
+    for (int n = 0; n < kVector; n++) y[n] = roundQ14(sums[n]);
+    storeFive(five(y), pDst);
+    x.storeNewest(s.speech);
     return vspStsNoErr;
 }
 

@@ -76,40 +76,53 @@ struct SynthesisMemory {
   private:
     static constexpr int kNegligible = 30;  // shift from which on the oldest vector does not count
 
+    // Eight coefficients from i on, zeros around them.
+    template <int i>
+    [[gnu::always_inline]] static S16_128 coefficients(const Vsp16s* lpc) {
+        constexpr int kLast = kSynthesisOrder - S16_128::width;
+        if constexpr (i < 0)
+            return {_mm_slli_si128(S16_128::load(lpc).v, -2 * i)};
+        else if constexpr (i <= kLast)
+            return S16_128::load(lpc + i);
+        else
+            return elementsFrom<i - kLast>(S16_128::load(lpc + kLast), S16_128::splat(0));
+    }
+
+    template <int i>
+    [[gnu::always_inline]] static Eight32s coefficientPairs(const Vsp16s* lpc) {
+        return pairsOf(coefficients<i>(lpc), coefficients<i - 1>(lpc));
+    }
+
+    // The products with the vectors from v on, those of two samples at a time.
+    template <int v>
+    [[gnu::always_inline]] void addVectors(ExactSums& total, const Vsp16s* lpc, int least) const {
+        if constexpr (v < kPastVectors) {
+            const int shift = past[v].scale - least;
+            if (v < kPastVectors - 1 || shift < kNegligible) {
+                const Vsp16s* const x = past[v].x;
+                const Eight32s two = dotPairs(coefficientPairs<kVector * v + 4>(lpc), x),
+                               four = add(two, dotPairs(coefficientPairs<kVector * v + 2>(lpc), x + 2)),
+                               five = add(four, mulLower(widen(coefficients<kVector * v>(lpc)), x[4]));
+                total.add(shr(sub(Eight32s::splat(0), five), shift));
+            }
+            addVectors<v + 1>(total, lpc, least);
+        }
+    }
+
     // For each sample of the next vector the sum of the products with the past, brought to a common scale vector after
-    // vector, in vectors: if no sample is larger than those that advance() makes. Products with a vector's coefficients are
-    // taken of two samples at a time.
+    // vector, in vectors: if no sample is larger than those that advance() makes.
     bool sumsOfSmall(const Vsp16s* lpc, int least, Vsp64s* sums) const {
-        constexpr int kStride = kVector + 1, kWords = kPastVectors * kStride, kMost = 0xFFFF / kVector, kZeros = 6;
-        alignas(32) Vsp16s negated[kWords];
+        constexpr int kWords = kPastVectors * (kVector + 1), kMost = 0xFFFF / kVector;
         S16_128 largest = S16_128::splat(0);
         const Vsp16s* const words = reinterpret_cast<const Vsp16s*>(past);
         for (int i = 0; i < kWords; i += S16_128::width) {
             const int at = i < kWords - S16_128::width ? i : kWords - S16_128::width;
-            const S16_128 x = S16_128::load(words + at);
-            largest = maxU(largest, magnitude(x));
-            sub(S16_128::splat(0), x).store(negated + at);
+            largest = maxU(largest, magnitude(S16_128::load(words + at)));
         }
         if (largestU(largest) > kMost) return false;
 
-        alignas(32) Vsp32s pairs[kSynthesisOrder + 1 + kZeros];  // coefficients i and i - 1
-        pairs[0] = Vsp16u(lpc[0]);
-        for (int i = 0; i + kOutputs < kSynthesisOrder; i += kOutputs) storePairs(lpc + i, pairs + i);
-        for (int i = kSynthesisOrder / kOutputs * kOutputs + 1; i < kSynthesisOrder; i++)
-            pairs[i] = Vsp16u(lpc[i]) | lpc[i - 1] * 0x10000;
-        pairs[kSynthesisOrder] = lpc[kSynthesisOrder - 1] * 0x10000;
-        for (int i = 1; i <= kZeros; i++) pairs[kSynthesisOrder + i] = 0;
-
         ExactSums total;
-        for (int v = 0; v < kPastVectors; v++) {
-            const int shift = past[v].scale - least;
-            if (v == kPastVectors - 1 && shift >= kNegligible) continue;
-            const Vsp16s* const x = negated + kStride * v;
-            const Vsp32s* const c = pairs + kVector * v;
-            const Eight32s two = dotPairs(Eight32s::load(c + 4), x),
-                           four = add(two, dotPairs(Eight32s::load(c + 2), x + 2));
-            total.add(shr(add(four, mulLower(Eight32s::load(c), x[4])), shift));
-        }
+        addVectors<0>(total, lpc, least);
         total.store(sums);
         return true;
     }

@@ -16,6 +16,20 @@ struct State {
 };
 static_assert(sizeof(State) == 144);
 
+// Times 2^n, rounded or clipped.
+struct ToScale {
+    int left, right, half;
+    explicit ToScale(Vsp64s n)
+        : left(n < 0    ? 0
+               : n < 16 ? int(n)
+                        : 16),
+          right(n > 0     ? 0
+                : n > -16 ? int(-n)
+                          : 16),
+          half(right > 0 ? 1 << (right - 1) : 0) {}
+    S16_128 operator()(S16_128 x) const { return narrowSat(shl(shr(add(widen(x), Eight32s::splat(half)), right), left)); }
+};
+
 }  // namespace
 
 VspStatus vspsSynthesisFilterGetStateSize_G728_16s(Vsp32s* pSize) { return fixedSize(pSize, sizeof(State)); }
@@ -46,7 +60,10 @@ VspStatus vspsSpeechConvert_G728_16s(const Vsp16s* pSrc, Vsp32s srcScale, Vsp32s
     if (len < 1) return vspStsSizeErr;
     if (dstScale != 2 && dstScale != 3) return vspStsRangeErr;
     const Vsp64s shift = 16LL + dstScale - srcScale;
-    for (Vsp32s i = 0; i < len; i++) pDst[i] = Vsp16s(roundHigh(shift_32s(pSrc[i], shift)));
+    Vsp32s i = 0;
+    for (const ToScale convert(shift - 16); len - i >= kVector; i += kVector)
+        storeFive(convert(loadFive(pSrc + i)), pDst + i);
+    for (; i < len; i++) pDst[i] = Vsp16s(roundHigh(shift_32s(pSrc[i], shift)));
     return vspStsNoErr;
 }
 

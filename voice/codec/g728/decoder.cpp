@@ -9,13 +9,16 @@ namespace {
 constexpr Vsp32s kMostGain = 14336, kSpeechScale = 2;
 constexpr Vsp32s kBlock = 4;  // frames of 2.5 ms for which a concealment is set up
 
-template <Vsp32s kLength>
-void append(const Vsp16s* newest, Vsp16s (&x)[kLength]) {
-    for (Vsp32s i = 0; i < kLength - kVector; i++) x[i] = x[i + kVector];
-    copy(newest, x + kLength - kVector, kVector);
-}
-
 }  // namespace
+
+void History::append(const Vsp16s* vector) {
+    if (start_ == kLength) {
+        copy(x_ + kLength, x_, kLength);
+        start_ = 0;
+    }
+    copy(vector, x_ + start_ + kLength, kVector);
+    start_ += kVector;
+}
 
 void Decoder::reset() {
     *this = {};
@@ -98,20 +101,20 @@ void Decoder::output(const Vector& speech, bool withPitch, Vsp16s* samples) {
     Vsp16s x[kVector], residual[kVector], newest[kVector];
     vspsSpeechConvert_G728_16s(speech.x, speech.scale, kSpeechScale, x, kVector);
     vspsLPCInverseFilter_G728_16s(x, inverse_, residual, adapter_);
-    append(residual, residual_);
+    residual_.append(residual);
     if (withPitch) {
-        vspsPitchExtract_G728_16s(residual_, &pitch_, adapter_);
-        vspsPitchTap_G728_16s(past_, pitch_, &tap_, longTerm_);
+        vspsPitchExtract_G728_16s(residual_.samples(), &pitch_, adapter_);
+        vspsPitchTap_G728_16s(past_.samples(), pitch_, &tap_, longTerm_);
     }
     if (postFiltered_) {
-        const Vsp16s* const lately = past_ + sizeof past_ / sizeof *past_ - kMaxLag;
+        const Vsp16s* const lately = past_.samples() + History::kLength - kMaxLag;
         vspsPostFilter_G728_16s(x, lately, pitch_, longTerm_, zero_, pole_, tilt_, samples, postFilter_);
         vspsSpeechConvert_G728_16s(samples, kSpeechScale, kLinearScale, samples, kVector);
     } else {
         vspsSpeechConvert_G728_16s(speech.x, speech.scale, kLinearScale, samples, kVector);
     }
     for (Vsp32s i = 0; i < kVector; i++) newest[i] = Vsp16s(x[i] >> 2);
-    append(newest, past_);
+    past_.append(newest);
 }
 
 void Decoder::adaptPostFilter() {

@@ -4,6 +4,18 @@
 
 namespace vspv::g728 {
 
+// The last samples, which move to the front when there is no room behind them.
+class History {
+  public:
+    static constexpr Vsp32s kLength = 240;
+    void append(const Vsp16s* vector);
+    const Vsp16s* samples() const { return x_ + start_; }  // the newest last
+
+  private:
+    Vsp16s x_[2 * kLength];
+    Vsp32s start_;
+};
+
 class Decoder {
   public:
     void reset();
@@ -25,7 +37,7 @@ class Decoder {
 
     Vsp16s zero_[kOrder], pole_[kOrder], tilt_, inverse_[kOrder];  // of the short-term post-filter
     Vsp16s pitch_, tap_, longTerm_[2];                             // of the long-term post-filter
-    Vsp16s residual_[240], past_[240];                             // Q1 and Q0, the newest last
+    History residual_, past_;                                      // Q1 and Q0
     LibraryState<144> synthesisState_;
     LibraryState<176> adapter_;
     LibraryState<64> postFilter_;
