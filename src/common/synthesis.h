@@ -97,6 +97,7 @@ struct SynthesisFilter {
         const auto ofFirst = [](V pairs) { return V{pairs.v & W::splat(0xFFFF).v}; };
         const auto ofSecond = [](V pairs) { return V{shrU(W{pairs.v}, 16).v}; };
         const V of0 = ofFirst(of01[0]), of1 = ofSecond(of01[0]), of2 = of23[0];
+        const V of1InAll{W::splat(Vsp16u(lpc[1])).v};
         const V of2Beyond = ofFirst(of23[1]), of3Beyond = ofSecond(of23[1]);
 
         W inputs[kBlock / 4 + 1], largest = W::splat(0);
@@ -122,17 +123,29 @@ struct SynthesisFilter {
             for (int to = 0; to < kFours; to++) takeFrom(to, splatLowerHalves<0>(four), splatLowerHalves<2>(four));
         }
 
-        W sum = add(sums[0], inputs[0]);
+        // Two chains side by side: sum holds one output of four in each element, next the coming one in all of them. What
+        // an output waits for is then a product and a difference, without moving an element.
+        const auto newest = [shifted](W next) {
+            asm("" : "+x"(next.v));  // or it is taken from an element of the sum, as the same value
+            return shifted(next);
+        };
+        W sum = add(sums[0], inputs[0]), next = splatElement<0>(sum);
         for (int n = 0; n < len; n += 4) {
-            sum = without(sum, {splatElement<0>(shifted(sum)).v}, of0);
-            const W second = shifted(sum);
-            sum = without(sum, {splatElement<1>(second).v}, of1);
-            const V y2{splatElement<2>(shifted(sum)).v};
+            const V y0{newest(next).v};
+            next = without(splatElement<1>(sum), y0, of1InAll);
+            sum = without(sum, y0, of0);
+            const V y1{newest(next).v};
+            next = without(splatElement<2>(sum), y1, of1InAll);
+            sum = without(sum, y1, of1);
+            const V y2{newest(next).v};
+            next = without(splatElement<3>(sum), y2, of1InAll);
             const W four = shifted(without(sum, y2, of2));
-            const V y01 = splatLowerHalves<0>(second), y23 = splatLowerHalves<2>(four), y3{splatElement<3>(four).v};
+            const V y3{newest(next).v};
+            const V y01 = splatLowerHalves<0>(shifted(sum)), y23 = splatLowerHalves<2>(four);
             sum = without(without(add(sums[1], inputs[n / 4 + 1]), y01, of01[1]), y2, of2Beyond);
             asm(""
                 : "+x"(sum.v));  // or some of this is added behind what y3 takes away, where the next output waits for it
+            next = without(splatElement<0>(sum), y3, of1InAll);
             sum = without(sum, y3, of3Beyond);
             for (int to = 1; to < kFours; to++) takeFrom(to, y01, y23);
             largest = maxU(largest, magnitude(n + 4 <= len ? four : W{four.v & forEach<W>(firstFew(len - n)).v}));
