@@ -116,7 +116,7 @@ ABSURD = ["", "-", "--", "0", "-1", "1", "2", "1e308", "-1e308", "nan", "inf", "
           "99999999999999999999", "in.wav", "missing.wav", "/", ".", "{}", "\u00e9\u2603", "a" * 5000, "%s%n", "8000", "all"]  # fmt: skip
 
 
-@pytest.mark.parametrize("command", ["codecs", "decode", "echo", "encode", "info", "level", "pitch", "simulate-echo", "tone", "vad"])
+@pytest.mark.parametrize("command", ["codecs", "decode", "denoise", "echo", "encode", "info", "level", "pitch", "simulate-echo", "tone", "vad"])
 def test_absurd_options(vsps, command):
     chance = random.Random(command)
     options = sorted(set(re.findall(r"--[a-z][a-z-]+", vsps.ok(command, "--help").stdout)) - {"--help"})

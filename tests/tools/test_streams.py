@@ -15,6 +15,7 @@ WAV = wav16(SAMPLES)
 COMMANDS = {
     "level": ["level", "{}"],
     "level-two-pass": ["level", "--two-pass", "{}"],
+    "denoise": ["denoise", "{}"],
     "echo": ["echo", "--far", "far.wav", "--near", "{}"],
     "echo-far": ["echo", "--far", "{}", "--near", "far.wav"],
     "simulate-echo": ["simulate-echo", "{}", "none"],
@@ -111,7 +112,7 @@ def peak_memory(vsps, minutes, *arguments):
 
 
 @measures_memory
-@pytest.mark.parametrize("name", ["level", "level-two-pass", "echo-far", "simulate-echo"])
+@pytest.mark.parametrize("name", ["denoise", "level", "level-two-pass", "echo-far", "simulate-echo"])
 def test_twenty_minutes_need_no_more_memory_than_one(vsps, name):
     command = [argument.format("-") for argument in COMMANDS[name]]
     if name == "echo-far":

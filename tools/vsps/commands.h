@@ -5,6 +5,7 @@
 
 void addCodecs(CommandLine& vsps);
 void addDecode(CommandLine& vsps);
+void addDenoise(CommandLine& vsps);
 void addEcho(CommandLine& vsps);
 void addEncode(CommandLine& vsps);
 void addInfo(CommandLine& vsps);

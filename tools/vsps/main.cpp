@@ -12,15 +12,17 @@ namespace {
 constexpr int kBadFile = 1, kBadUsage = 2;
 
 int run(int argc, char** argv) {
-    CommandLine vsps("vsps",
-                     "Speech-coding primitives on recordings: codecs, level control, echo cancellation, pitch, speech and "
-                     "tone detection.",
-                     std::string("vsps ") + vspscGetLibVersion()->Version);
+    CommandLine vsps(
+        "vsps",
+        "Speech-coding primitives on recordings: codecs, level control, cancellation of echo and noise, pitch, speech "
+        "and tone detection.",
+        std::string("vsps ") + vspscGetLibVersion()->Version);
     vsps.footer(
         "Exit codes: 0 done, 1 a file that cannot be used (one line says which and why), 2 bad usage.\n"
         "\"vsps COMMAND --help\" explains a command.");
     addCodecs(vsps);
     addDecode(vsps);
+    addDenoise(vsps);
     addEcho(vsps);
     addEncode(vsps);
     addInfo(vsps);

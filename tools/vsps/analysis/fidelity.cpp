@@ -10,8 +10,6 @@ constexpr double kLowestSnr = -10, kHighestSnr = 35;  // dB: a few segments do n
 constexpr float kDynamics = 1e-5f;                    // what is 50 dB below the strongest bin counts as that much
 constexpr float kFloor = 1e-12f;                      // power, for silence
 
-int orderFor(int rate) { return rate <= 8000 ? 8 : rate <= 16000 ? 9 : 10; }
-
 // Root mean square over the bins of the difference in dB.
 double logSpectralDistance(std::span<const float> a, std::span<const float> b) {
     const float floor = std::max(kFloor, kDynamics * *std::max_element(a.begin(), a.end()));
@@ -29,7 +27,7 @@ double energy(std::span<const std::int16_t> x) {
 
 }  // namespace
 
-FidelityMeter::FidelityMeter(int rate) : rate_(rate), original_(orderFor(rate)), heard_(orderFor(rate)) {}
+FidelityMeter::FidelityMeter(int rate) : rate_(rate), original_(spectrumOrder(rate)), heard_(spectrumOrder(rate)) {}
 
 FidelityStep FidelityMeter::process(std::span<const std::int16_t> original, std::span<const std::int16_t> heard) {
     FidelityStep s{};

@@ -7,6 +7,9 @@
 
 #include "vspsc.h"
 
+// The order for windows of about 32 ms.
+inline int spectrumOrder(int rate) { return rate <= 8000 ? 8 : rate <= 16000 ? 9 : 10; }
+
 // Hann windows of 2^order samples that overlap by a half, transformed by the library's filter bank.
 class PowerSpectrum {
   public:

@@ -2,27 +2,31 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
 #include "analysis/fidelity.h"
 #include "audio/bounded_trace.h"
 #include "plot/gnuplot.h"
+#include "plot/spectrogram.h"
 
 // What is drawn, gathered step by step.
 class FidelityCurves {
   public:
-    struct Point {
-        std::vector<float> original, heard;  // power of each bin, sums over the steps
-        double distance = 0, active = 0;     // sum over the active steps, and their number
-
-        void operator+=(const Point& next);
-    };
-
     void add(const FidelityStep& step);
-    const BoundedTrace<Point>& points() const { return points_; }
+
+    const Spectrogram& original() const { return original_; }
+    const Spectrogram& heard() const { return heard_; }
+    // Time and mean distance; an empty line leaves a gap in pauses.
+    std::string distances(double stepSeconds) const;
 
   private:
-    BoundedTrace<Point> points_{800};
+    struct Distance {
+        double sum = 0, active = 0;  // over the active steps, and their number
+
+        void operator+=(const Distance& next);
+    };
+
+    Spectrogram original_, heard_;
+    BoundedTrace<Distance> distances_{800};
 };
 
 // Both spectrograms and the distance between them over time. Returns the bytes of the picture.
