@@ -107,6 +107,13 @@ TEST_P(Recorded, Calls) {
     }
 }
 
+// The sanitizers see as many again when the fuzzers are replayed.
+#ifdef VSPSC_NOT_OPTIMISED
+constexpr std::size_t kFaultyCalls = 10, kLegalCalls = 300;
+#else
+constexpr std::size_t kFaultyCalls = 40, kLegalCalls = 1000;
+#endif
+
 // All single faults, all pairs of faults of two arguments, and some of more.
 TEST_P(Arguments, FirstErrorInOrderIsReportedAndNothingIsTouched) {
     std::mt19937 random(1);
@@ -121,7 +128,7 @@ TEST_P(Arguments, FirstErrorInOrderIsReportedAndNothingIsTouched) {
     };
     // The legal calls differ in which of their pointers are used and in limits that depend on other arguments.
     std::size_t tried = 0;
-    for (std::size_t seed = 0; seed < 40 && tried < 20000; seed++) {
+    for (std::size_t seed = 0; seed < kFaultyCalls && tried < 20000; seed++) {
         const Call legal = draw.call(function, seed * 7, false);
         const auto faults = faultsOf(legal);
         const auto with = [&](std::initializer_list<const Fault*> chosen) {
@@ -142,12 +149,6 @@ TEST_P(Arguments, FirstErrorInOrderIsReportedAndNothingIsTouched) {
         }
     }
 }
-
-#ifdef VSPSC_NOT_OPTIMISED
-constexpr std::size_t kLegalCalls = 300;  // the sanitizers see as many again when the fuzzers are replayed
-#else
-constexpr std::size_t kLegalCalls = 1000;
-#endif
 
 TEST_P(Arguments, AnyLegalOnesGiveTheSameAtEveryLevel) {
     std::mt19937 random(1);

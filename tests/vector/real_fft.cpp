@@ -173,9 +173,9 @@ TYPED_TEST(RealFft, ForwardIsTheDft) {
     for (int order = 1; order <= kMaxOrder; order++) {
         const std::size_t n = std::size_t(1) << order;
         Transform<TypeParam> transform(order, std::size_t(order) * 5);
-        for (const int scaleFactor : kFixed<TypeParam> ? std::vector{0, 1, order, 17, -1, -9} : std::vector{0})
-            for (const auto& x : {samples<Sample>(n, unsigned(order)), std::vector<Sample>(n, Sample(-32768))}) {
-                const auto exact = bins(x);
+        for (const auto& x : {samples<Sample>(n, unsigned(order)), std::vector<Sample>(n, Sample(-32768))}) {
+            const auto exact = bins(x);
+            for (const int scaleFactor : kFixed<TypeParam> ? std::vector{0, 1, order, 17, -1, -9} : std::vector{0}) {
                 const auto actual = transform.forward(x, scaleFactor);
                 const double factor = std::ldexp(1, -scaleFactor);
                 double largest = 0;
@@ -187,6 +187,7 @@ TYPED_TEST(RealFft, ForwardIsTheDft) {
                 EXPECT_EQ(0, actual.back().im);
                 EXPECT_LT(largest, kFixed<TypeParam> ? 0.51 : 1e-7 * (order + 2) * norm(x)) << "order " << order;
             }
+        }
     }
 }
 
@@ -195,9 +196,9 @@ TYPED_TEST(RealFft, InverseIsTheDftBack) {
     for (int order = 1; order <= kMaxOrder; order++) {
         const std::size_t n = std::size_t(1) << order;
         Transform<TypeParam> transform(order, std::size_t(order) * 7);
+        const auto half = randomBins<Bin>(n, unsigned(order));
+        const auto exact = signal(half);
         for (const int scaleFactor : kFixed<TypeParam> ? std::vector{0, 12, 16, 20, -3} : std::vector{0}) {
-            const auto half = randomBins<Bin>(n, unsigned(order));
-            const auto exact = signal(half);
             const auto actual = transform.inverse(half, scaleFactor);
             const double factor = std::ldexp(1, -scaleFactor);
             double largest = 0;
