@@ -112,6 +112,21 @@ def test_levels_and_pitch_are_right():
     assert 85 < np.median(voiced) < 155
 
 
+@pytest.mark.parametrize("rate", [8000, 16000, 22050, 32000])
+def test_denoiser(rate, tmp_path):
+    signal = np.concatenate([(300 * np.random.default_rng(4).normal(size=2 * rate)).astype(np.int16), speech(1, rate)])
+    whole, parts = vspsc.Denoiser(rate, "high"), vspsc.Denoiser(rate, "high")
+    out = whole.process(np.append(signal, np.zeros(whole.latency, np.int16)))[whole.latency :]
+    assert (np.concatenate([*map(parts.process, in_blocks(signal))])[parts.latency :] == out[: -parts.latency]).all()
+    write_wave(tmp_path / "in.wav", signal, rate)
+    subprocess.run([VSPS, "denoise", tmp_path / "in.wav", tmp_path / "out.wav", "--mode", "high"], check=True, capture_output=True)
+    with wave.open(str(tmp_path / "out.wav")) as file:
+        assert file.getframerate() == rate and file.readframes(signal.size) == out.tobytes()
+    noise = vspsc.Denoiser(rate)
+    noise.process(signal[: 2 * rate])
+    assert noise.presence < 0.1
+
+
 @pytest.mark.parametrize("rate", [8000, 16000])
 def test_answer_tones(rate):
     t = np.arange(3 * rate)
@@ -146,7 +161,7 @@ def test_objects_refuse_what_does_not_fit():
         canceller.process(np.zeros(160, np.int16)[::2], x)
     assert canceller.process(x[:0], x[:0]).size == 0
     for wrong in (lambda: vspsc.EchoCanceller(11025), lambda: vspsc.EchoCanceller(8000, 1000), lambda: vspsc.vad(x, 44100),
-                  lambda: vspsc.pitch(x, 16000), lambda: vspsc.EchoCanceller(engine="?"), lambda: vspsc.Codec("mp3"),
+                  lambda: vspsc.pitch(x, 16000), lambda: vspsc.Denoiser(11025), lambda: vspsc.Denoiser(mode="?"), lambda: vspsc.EchoCanceller(engine="?"), lambda: vspsc.Codec("mp3"),
                   lambda: vspsc.Codec("g722").encoder(1), lambda: vspsc.Codec("pcmu").encoder(dtx=1),
                   lambda: vspsc.Codec("g729").decoder().process(b"12345"[:3] and [b"123"])):  # fmt: skip
         with pytest.raises(ValueError):
@@ -184,7 +199,7 @@ def test_nothing_ends_the_interpreter(data):
     anything = st.one_of(SCALARS, ARRAYS, ARRAYS)
     try:
         made = data.draw(st.sampled_from([vspsc.vad, vspsc.level, vspsc.pitch, vspsc.tone, vspsc.EchoCanceller, vspsc.Codec,
-                                          vspsc.SpeechDetector, vspsc.LevelControl, vspsc.ToneDetector]))  # fmt: skip
+                                          vspsc.SpeechDetector, vspsc.LevelControl, vspsc.Denoiser, vspsc.ToneDetector]))  # fmt: skip
         result = made(*data.draw(st.lists(anything, max_size=4)))
         if isinstance(result, vspsc.EchoCanceller):
             result.process(data.draw(anything), data.draw(anything))

@@ -283,6 +283,37 @@ def level(samples: Samples, rate: int = 8000, target: float = 26.1, limit: float
     return control.process(np.append(samples, np.zeros(-samples.size % 8, np.int16)))[: samples.size]
 
 
+class Denoiser:
+    """Attenuates the noise in speech."""
+
+    def __init__(self, rate: int = 8000, mode: str = "normal") -> None:
+        """Makes a denoiser at 8000, 16000, 22050 or 32000 Hz; mode is "off", "low", "normal", "high" or "auto"."""
+        _check_rate(rate, 8000, 16000, 22050, 32000)
+        modes = {"off": 0, "low": 1, "normal": 2, "high": 3, "auto": 4}
+        settings = ffi.new("VspvDenoiserSettings*", (rate, _choice("mode", modes, mode)))
+        self._object = _Object("VspvDenoiser", _size("vspvDenoiserGetSize", settings))
+        _done(_voice.vspvDenoiserInit(self._object._pointer, settings), "vspvDenoiserInit")
+        self.latency = _size("vspvDenoiserLatency", self._object._pointer)  #: samples by which the output is late
+
+    def process(self, samples: Samples) -> Samples:
+        """The next samples with less noise, `latency` samples late."""
+        samples = _samples(samples)
+        out = np.empty_like(samples)
+        if samples.size:
+            with self._object as denoiser:
+                _done(_voice.vspvDenoiserProcess_16s(denoiser, _from_buffer(_shorts, samples), _from_buffer(_shorts, out), samples.size),
+                      "vspvDenoiserProcess_16s")  # fmt: skip
+        return out
+
+    @property
+    def presence(self) -> float:
+        """The share of the frequencies from 200 to 3500 Hz that have speech, 0 to 1."""
+        presence = ffi.new("Vsp32f*")
+        with self._object as denoiser:
+            _done(_voice.vspvDenoiserPresence(denoiser, presence), "vspvDenoiserPresence")
+        return float(presence[0])
+
+
 class ToneEvent(NamedTuple):
     """A phase reversal of an answer tone, or the end of one."""
 
@@ -516,5 +547,5 @@ class Decoder:
         return samples
 
 
-__all__ = ["Codec", "Decoder", "EchoCanceller", "Encoder", "Frame", "LevelControl", "PitchTracker", "SpeechDetector",
+__all__ = ["Codec", "Decoder", "Denoiser", "EchoCanceller", "Encoder", "Frame", "LevelControl", "PitchTracker", "SpeechDetector",
            "ToneDetector", "ToneEvent", "codecs", "level", "pitch", "tone", "vad"]  # fmt: skip
