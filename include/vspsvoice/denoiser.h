@@ -98,10 +98,12 @@ VspStatus vspvDenoiserProcess_32f(VspvDenoiser* pDenoiser, const Vsp32f* pSrc, V
 VspStatus vspvDenoiserLatency(const VspvDenoiser* pDenoiser, Vsp32s* pLatency);
 
 /**
- * How much speech there is.
+ * How much speech there is in the window of the latency's length that ends with the last complete 10 ms of the signal. The
+ * mode makes no difference.
  *
  * @param[in]  pDenoiser  initialised denoiser
- * @param[out] pPresence  the share of the frequencies from 200 to 3500 Hz with speech in the last 10 ms that are complete
+ * @param[out] pPresence  the share of the frequencies from 200 to 3500 Hz with speech: near 0 for noise or silence, up to
+ * 1; 0 before the first 10 ms are complete
  * @retval vspStsNullPtrErr  pDenoiser or pPresence is null
  */
 VspStatus vspvDenoiserPresence(const VspvDenoiser* pDenoiser, Vsp32f* pPresence);

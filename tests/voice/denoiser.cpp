@@ -1,6 +1,8 @@
 // The denoiser of the voice layer against the noise filter of the library.
 #include <algorithm>
 #include <cmath>
+#include <numeric>
+#include <random>
 
 #include "support/samples.h"
 #include "support/speech.h"
@@ -33,6 +35,27 @@ Samples filteredByTheLibrary(const Samples& samples, Vsp32s rate, Vsp32s order, 
     return result;
 }
 
+// After every 10 ms of a signal at 8 kHz.
+std::vector<Vsp32f> presenceIn(Samples signal, Vsp32s mode) {
+    const VspvDenoiserSettings settings{8000, mode};
+    Denoiser denoiser(0, vspvDenoiserGetSize, &settings);
+    EXPECT_EQ(vspStsNoErr, vspvDenoiserInit(denoiser.get(), &settings));
+    std::vector<Vsp32f> found;
+    Vsp32f presence = -1;
+    EXPECT_EQ(vspStsNoErr, vspvDenoiserPresence(denoiser.get(), &presence));
+    EXPECT_EQ(0, presence);
+    for (std::size_t at = 0; at + 80 <= signal.size(); at += 80) {
+        EXPECT_EQ(vspStsNoErr, vspvDenoiserProcess_16s(denoiser.get(), &signal[at], &signal[at], 79));
+        Vsp32f before = -1;
+        EXPECT_EQ(vspStsNoErr, vspvDenoiserPresence(denoiser.get(), &before));
+        EXPECT_EQ(presence, before);
+        EXPECT_EQ(vspStsNoErr, vspvDenoiserProcess_16s(denoiser.get(), &signal[at + 79], &signal[at + 79], 1));
+        EXPECT_EQ(vspStsNoErr, vspvDenoiserPresence(denoiser.get(), &presence));
+        found.push_back(presence);
+    }
+    return found;
+}
+
 }  // namespace
 
 TEST(VoiceDenoiser, BlocksOfAnyLengthGiveTheFiltersResultAsLateAsTold) {
@@ -63,6 +86,31 @@ TEST(VoiceDenoiser, BlocksOfAnyLengthGiveTheFiltersResultAsLateAsTold) {
         EXPECT_TRUE(std::equal(expected.begin(), expected.begin() + long(whole - frame), result.begin() + long(frame)))
             << rate;
     }
+}
+
+TEST(VoiceDenoiser, PresenceIsLargeInSpeechAndSmallInNoiseAndSilence) {
+    constexpr std::size_t kSecond = 8000, kFrames = 100;  // of 10 ms, in a second
+    const Samples speech = recordedSpeech();
+    Samples signal(2 * kSecond);
+    signal.insert(signal.end(), speech.begin() + 1600, speech.begin() + 1600 + 2 * kSecond);
+    signal.resize(6 * kSecond);
+    std::minstd_rand random;
+    for (Vsp16s& x : signal) x = Vsp16s(std::clamp(x + std::uniform_int_distribution(-150, 150)(random), -32768, 32767));
+    signal.resize(8 * kSecond);  // silence
+    const std::vector<Vsp32f> presence = presenceIn(signal, vspvDenoiserNormal);
+    for (const Vsp32f p : presence) {
+        EXPECT_GE(p, 0);
+        EXPECT_LE(p, 1);
+    }
+    const auto mean = [&](std::size_t second, std::size_t seconds) {
+        const auto begin = presence.begin() + long(second * kFrames);
+        return std::accumulate(begin, begin + long(seconds * kFrames), 0.0) / double(seconds * kFrames);
+    };
+    EXPECT_LT(mean(0, 2), 0.01);
+    EXPECT_GT(mean(2, 2), 0.75);
+    EXPECT_LT(mean(5, 1), 0.01);
+    EXPECT_LT(mean(7, 1), 0.01);
+    EXPECT_EQ(presence, presenceIn(signal, vspvDenoiserOff));
 }
 
 TEST(VoiceDenoiser, ChecksComeInOrderAndTouchNothing) {
