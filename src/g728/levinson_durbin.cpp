@@ -103,13 +103,14 @@ struct Recursion {
             for (int j = 0; j < order; j++) reversed[j] = a[order - 1 - j];
             b = L(reversed);
         };
-        const auto lastOf = [&](int q, Vsp64s h) {
-            const int last = int(roundHigh((Vsp64s(q) << 15) >> halvings));
+        const auto lastOf = [&](Vsp64s quotient, Vsp64s h) {
+            const int last = int(roundHigh((quotient >> 30 << 15) >> halvings));
             return Vsp16s(h > 0 ? -last : last);
         };
         reverse();
         for (; order < to; order++) {
-            const L behind(kOneAt.bits + kPadded - order), foremost(kOneAt.bits + kPadded);
+            const L behind(kOneAt.bits + kPadded - order);
+            const V foremost = V::load(kOneAt.bits + kPadded);
             L upF = f, upB = b;
             auto products = biasedProducts(r.v[0], b.v[0]);
             for (int n = 1; n < L::kCount; n++) products = add(products, biasedProducts(r.v[n], b.v[n]));
@@ -117,18 +118,20 @@ struct Recursion {
                 upF.v[n] = movedUp(f.v[n], f.before(n));
                 upB.v[n] = movedUp(b.v[n], b.before(n));
             }
+            if (alpha <= 0) return false;
             // floor(n / alpha) for n < 2^31 is this times n / 2^46, rounded down
-            const Vsp64s inverse = (1LL << 46) / (alpha > 0 ? alpha : 1) + 1;
+            const Vsp64s inverse = Vsp64s((1ULL << 46) / Vsp32u(alpha)) + 1;
             const int scale = 1 + halvings;
             const Vsp64s rest = lags[order] * 0x10000LL + 0x8000 - (Vsp64s(kLanes / 2) * kDotBias << scale);
             const Vsp64s h = ((sum(products) << scale) + rest) >> 16, size = h < 0 ? -h : h;
             if (size >= alpha) return false;
-            const int q = int((size * inverse) >> 30), rounded = (q + 1) >> 1, half = h > 0 ? -rounded : rounded;
-            const Vsp64s energy = alpha * 0x10000LL + 2 * half * h;
-            if (energy <= 0) return false;
-            alpha = int(roundHigh(energy));
+            // half the quotient of -h and alpha, its magnitude rounded to the nearest, upwards in the middle
+            const int half = int(((1LL << 30) - (h > 0) - h * inverse) >> 31);
+            const Vsp64s rounded = alpha * 0x10000LL + 0x8000 + 2 * half * h;  // no more than alpha was
+            if (rounded <= 0x8000) return false;
+            alpha = int(rounded >> 16);
 
-            const V k = V::splat(Vsp16s(half)), last = V::splat(halvings == 0 ? Vsp16s(half) : lastOf(q, h));
+            const V k = V::splat(Vsp16s(half)), last = V::splat(halvings == 0 ? Vsp16s(half) : lastOf(size * inverse, h));
             const L old = f;
             V extreme = V::splat(0);
             for (int n = 0; n < L::kCount; n++) {
@@ -136,12 +139,12 @@ struct Recursion {
                 extreme = maxU(extreme, magnitude(f.v[n]));
                 f.v[n].v |= last.v & behind.v[n].v;
                 b.v[n] = addSat(upB.v[n], mulRoundWrap(k, upF.v[n]));
-                b.v[n].v |= last.v & foremost.v[n].v;
+                if (n == 0) b.v[n].v |= last.v & foremost.v;
             }
             if (anyBit(Wide<V>{shrU(add(extreme, V::splat(1)), 15).v})) {  // perhaps one leaves 16 bits
                 old.store(a);
                 if (!addReverseHalving(half)) return false;
-                a[order] = lastOf(q, h);
+                a[order] = lastOf(size * inverse, h);
                 f = L(a);
                 order++;
                 reverse();
