@@ -51,13 +51,14 @@ constexpr OneElement kOneAt = oneElement();  // from kPadded - i on, all bits of
 
 // The filter of one order after the other. Behind its coefficients are zeros.
 struct Recursion {
-    alignas(64) Vsp16s a[kPadded];
+    alignas(64) Vsp16s a[kPadded], reversed[kPadded];  // reversed[j] is a[order - 1 - j]
     int order, alpha;
     int halvings;  // of the filter, to keep it within 16 bits: Q15 - halvings
 
     void start(const Vsp16s* filter, int filterOrder) {
         order = filterOrder;
-        for (int j = 0; j < kPadded; j++) a[j] = j < order ? filter[j] : Vsp16s(0);
+        for (int j = 0; j < kPadded; j++) a[j] = reversed[j] = 0;
+        for (int j = 0; j < order; j++) a[j] = reversed[order - 1 - j] = filter[j];
     }
 
     bool first(const Vsp16s* r) {
@@ -91,23 +92,17 @@ struct Recursion {
     }
 
     // Up to another order, at most kLanes. lags[j] is r[j + 1], with zeros behind. The recursion waits for one quotient
-    // after the other, so all else is done beside: the reverse filter b, where b[j] is a[order - 1 - j], moves up before
+    // after the other, so all else is done beside: the reverse filter b moves up before
     // half k is known, and the reciprocal of alpha is there when the sum of products is.
     template <int kLanes>
     bool advance(const Vsp16s* lags, int to) {
         if (order >= to) return true;
         using L = Lanes<kLanes>;
-        L f(a), b(a), r(lags);
-        const auto reverse = [&] {
-            alignas(64) Vsp16s reversed[kLanes] = {};
-            for (int j = 0; j < order; j++) reversed[j] = a[order - 1 - j];
-            b = L(reversed);
-        };
+        L f(a), b(reversed), r(lags);
         const auto lastOf = [&](Vsp64s quotient, Vsp64s h) {
             const int last = int(roundHigh((quotient >> 30 << 15) >> halvings));
             return Vsp16s(h > 0 ? -last : last);
         };
-        reverse();
         for (; order < to; order++) {
             const L behind(kOneAt.bits + kPadded - order);
             const V foremost = V::load(kOneAt.bits + kPadded);
@@ -146,12 +141,12 @@ struct Recursion {
                 if (!addReverseHalving(half)) return false;
                 a[order] = lastOf(size * inverse, h);
                 f = L(a);
-                order++;
-                reverse();
-                order--;
+                for (int j = 0; j <= order; j++) reversed[j] = a[order - j];
+                b = L(reversed);
             }
         }
         f.store(a);
+        b.store(reversed);
         return true;
     }
 };
