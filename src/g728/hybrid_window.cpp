@@ -20,8 +20,6 @@ struct Shape {
 };
 constexpr Shape kSynthesis{50, 35, 20, 2, kSynthesisWindow}, kWeighting{10, 30, 20, 1, kWeightingWindow},
     kLogGain{10, 20, 4, 2, kLogGainWindow};
-constexpr int kMaxSamples = kSynthesis.samples(), kMaxOrder = kSynthesis.order, kMaxBlock = kSynthesis.block,
-              kMaxNonRecursive = kSynthesis.nonRecursive;
 
 // Behind it the recursive parts, order + 1, the samples, and of each vector of these its scale.
 struct Header {

@@ -14,11 +14,12 @@ namespace {
 constexpr int kMaxOrder = 50, kShortOrder = 10, kLowestScale = 13, kHighestScale = 15;
 
 // The elements moved up by one, the first one taken from the end of `before`.
-VSP_INLINE S16_128 movedUp(S16_128 a, S16_128 before) { return {_mm_alignr_epi8(a.v, before.v, 14)}; }
 #if defined(__AVX2__)
 VSP_INLINE S16_256 movedUp(S16_256 a, S16_256 before) {
     return {_mm256_alignr_epi8(a.v, _mm256_permute2x128_si256(before.v, a.v, 0x21), 14)};
 }
+#else
+VSP_INLINE S16_128 movedUp(S16_128 a, S16_128 before) { return {_mm_alignr_epi8(a.v, before.v, 14)}; }
 #endif
 
 using V = Sliding16;
