@@ -73,6 +73,15 @@ class _Object:
         raise TypeError(f"{type(self).__name__} cannot be copied")
 
 
+def _found(function: str, detector: _Object, kind: str, most: int, *samples: Any) -> Records:
+    """The records of this kind that a call of a detector finds."""
+    found, count = np.zeros(most, getattr(records, kind)), ffi.new("Vsp32s*")
+    if most:
+        with detector as pointer:
+            _done(getattr(_voice, function)(pointer, *samples, ffi.from_buffer(kind + "[]", found), count), function)
+    return found[: count[0]]
+
+
 class EchoCanceller:
     """Removes from a near-end signal the echo that it has of a far-end signal.
 
@@ -165,23 +174,12 @@ class SpeechDetector:
     def process(self, samples: Samples) -> Records:
         """Decisions about the frames that these samples complete: fields speech, power, snr (dB), reference (dB)."""
         samples = _samples(samples)
-        decisions = np.zeros((samples.size + self.frame - 1) // self.frame, records.VspvSpeechDecision)
-        count = ffi.new("Vsp32s*")
-        if samples.size:
-            with self._object as detector:
-                _done(_voice.vspvSpeechDetectorProcess(detector, _from_buffer(_shorts, samples), samples.size,
-                                                       ffi.from_buffer("VspvSpeechDecision[]", decisions), count),
-                      "vspvSpeechDetectorProcess")  # fmt: skip
-        return decisions[: count[0]]
+        most = (samples.size + self.frame - 1) // self.frame
+        return _found("vspvSpeechDetectorProcess", self._object, "VspvSpeechDecision", most, _from_buffer(_shorts, samples), samples.size)
 
     def finish(self) -> Records:
         """At the end of the signal: the decision about the frame that has begun, if there is one."""
-        decisions = np.zeros(1, records.VspvSpeechDecision)
-        count = ffi.new("Vsp32s*")
-        with self._object as detector:
-            _done(_voice.vspvSpeechDetectorFinish(detector, ffi.from_buffer("VspvSpeechDecision[]", decisions), count),
-                  "vspvSpeechDetectorFinish")  # fmt: skip
-        return decisions[: count[0]]
+        return _found("vspvSpeechDetectorFinish", self._object, "VspvSpeechDecision", 1)
 
 
 def vad(samples: Samples, rate: int = 8000, option: int = 1) -> npt.NDArray[np.bool_]:
@@ -210,22 +208,12 @@ class PitchTracker:
     def process(self, samples: Samples) -> Records:
         """Two points of each frame of 80 samples that these and the 40 after it complete: the fields of VspvPitchPoint."""
         samples = _samples(samples)
-        points = np.zeros(2 * ((samples.size + 79) // 80), records.VspvPitchPoint)
-        count = ffi.new("Vsp32s*")
-        if samples.size:
-            with self._object as tracker:
-                _done(_voice.vspvPitchTrackerProcess(tracker, _from_buffer(_shorts, samples), samples.size,
-                                                     ffi.from_buffer("VspvPitchPoint[]", points), count),
-                      "vspvPitchTrackerProcess")  # fmt: skip
-        return points[: count[0]]
+        most = 2 * ((samples.size + 79) // 80)
+        return _found("vspvPitchTrackerProcess", self._object, "VspvPitchPoint", most, _from_buffer(_shorts, samples), samples.size)
 
     def finish(self) -> Records:
         """At the end of the signal: the points of the last whole frame, if they are still missing."""
-        points = np.zeros(2, records.VspvPitchPoint)
-        count = ffi.new("Vsp32s*")
-        with self._object as tracker:
-            _done(_voice.vspvPitchTrackerFinish(tracker, ffi.from_buffer("VspvPitchPoint[]", points), count), "vspvPitchTrackerFinish")
-        return points[: count[0]]
+        return _found("vspvPitchTrackerFinish", self._object, "VspvPitchPoint", 2)
 
 
 def pitch(samples: Samples, rate: int = 8000, search: str = "main") -> Records:
