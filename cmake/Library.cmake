@@ -264,8 +264,8 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
                                 src/vector/real_fft_32f.cpp PROPERTIES COMPILE_OPTIONS "-fno-tree-vectorize")
 endif()
 # Selects of floating-point values are vectorised only if comparisons have no side effects.
-set_source_files_properties(src/ec/noise_filter.cpp PROPERTIES COMPILE_OPTIONS "-fno-trapping-math"
-                                                               SKIP_PRECOMPILE_HEADERS ON)
+set_source_files_properties(src/ec/noise_filter.cpp src/ec/subband_suppressor.cpp
+                            PROPERTIES COMPILE_OPTIONS "-fno-trapping-math" SKIP_PRECOMPILE_HEADERS ON)
 if(VSPSC_SANITIZE)
     # The butterflies are long and unrolled: with a check of every reference and scope in them they take minutes to compile.
     set_property(SOURCE src/vector/real_fft_16s.cpp src/vector/real_fft_32f.cpp APPEND

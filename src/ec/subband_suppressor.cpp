@@ -94,11 +94,12 @@ VSP_INLINE void followNoise(Suppressor* s, const SuppressorArrays& a) {
     constexpr Vsp32f kFar = 5, kMostAbove = 2, kShare = 0.05f, kSmoothing = 0.7f;
     s->frames = s->frames + 1 < s->window ? s->frames + 1 : 0;
     const bool renews = s->frames == 0;
+    VSP_INDEPENDENT
     for (Vsp32s k = 0; k < s->numSubbands; k++) {
         const Vsp32f e = a.heard[k], smooth = kSmoothing * a.smooth[k] + (1 - kSmoothing) * e;
         const Vsp32f lowest = smaller(a.lowest[k], smooth), before = a.lowestBefore[k];
         const Vsp32f floor = kLowest * smaller(lowest, before), n = a.noise[k];
-        const Vsp32f mean = n + kShare * (e - n), next = e < kFar * floor && a.echo[k] < n ? mean : n;
+        const Vsp32f mean = n + kShare * (e - n), near = e < kFar * floor ? mean : n, next = a.echo[k] < n ? near : n;
         a.noise[k] = larger(floor / kMostAbove, smaller(kMostAbove * floor, next));
         a.smooth[k] = smooth;
         a.lowestBefore[k] = renews ? lowest : before;
@@ -115,6 +116,7 @@ VSP_INLINE void expectEcho(Suppressor* s, const SuppressorArrays& a, const Band*
     const Vsp32f unit = s->unit, fade = s->referenceDecay;
     const Vsp32f total = sumOverBands(bands, [&](Vsp32s k) { return limited(powerOf(est[k], unit)); });
     const Vsp32f spread = kSpread / Vsp32f(bands) * total;
+    VSP_INDEPENDENT
     for (Vsp32s k = 0; k < bands; k++) {
         const Vsp32f now = limited(powerOf(est[k], unit)) + spread;
         const Vsp32f faded = fade * a.reference[k];
@@ -139,6 +141,7 @@ VSP_INLINE Vsp32f talkingShare(const Suppressor* s, const SuppressorArrays& a) {
 VSP_INLINE void learnLeftShare(const Suppressor* s, const SuppressorArrays& a, Vsp32f speed) {
     constexpr Vsp32f kAudible = 4, kSmall = 0.3f;
     const Vsp32f share = speed * (1 - s->leftDecay);
+    VSP_INDEPENDENT
     for (Vsp32s k = 0; k < s->numSubbands; k++) {
         const Vsp32f ref = a.reference[k], now = (a.heard[k] - a.noise[k]) / (ref + kNothing);
         const bool counts = ref > kAudible * a.noise[k] && now < kSmall;
@@ -168,7 +171,14 @@ VSP_INLINE void suppress(Suppressor* s, const Band* est, const Vsp32f* residual,
     const SuppressorArrays a(s);
     const Vsp32s bands = s->numSubbands;
     const Vsp32f unit = s->unit;
-    for (Vsp32s k = 0; k < bands; k++) a.heard[k] = limited(powerOf(err[k], unit));
+    VSP_INDEPENDENT
+    for (Vsp32s k = 0; k < bands; k++) {
+        const Band e = err[k];
+        const Vsp32f power = powerOf(e, unit);
+        a.heard[k] = limited(power);
+        err[k].re = power <= kMost ? e.re : 0;
+        err[k].im = power <= kMost ? e.im : 0;
+    }
     expectEcho(s, a, est, residual);
     const Vsp32f clear = larger(0, smaller(1, (talkingShare(s, a) - kAlone) / (kTalking - kAlone)));
     s->talk = larger(clear, s->talkDecay * s->talk);
@@ -176,6 +186,7 @@ VSP_INLINE void suppress(Suppressor* s, const Band* est, const Vsp32f* residual,
     followNoise(s, a);
 
     const Vsp32f talk = s->talk, toBand = 1 / unit;
+    VSP_INDEPENDENT
     for (Vsp32s k = 0; k < bands; k++) {
         const Vsp32f heard = a.heard[k] + kNothing, echo = a.echo[k], noise = a.noise[k];
         const Vsp32f soft = larger(0, 1 - kOver * echo / heard), firm = noise / (noise + kFirm * echo + 0.01f);
@@ -183,13 +194,13 @@ VSP_INLINE void suppress(Suppressor* s, const Band* est, const Vsp32f* residual,
     }
     const Vsp32u random = s->random;
     s->random += 2 * Vsp32u(bands);
+    VSP_INDEPENDENT
     for (Vsp32s k = 0; k < bands; k++) {
-        const Vsp32f gain = a.heard[k] > 0 ? __builtin_sqrtf(a.gain[k]) : 0;
+        const Vsp32f gain = __builtin_sqrtf(a.gain[k]);
         const Vsp32f comfort = toBand * __builtin_sqrtf(1.5f * s->comfort * a.noise[k] * (1 - a.gain[k]));
         const Vsp32u seed = random + 2 * Vsp32u(k);
-        const Vsp32f re = gain > 0 ? gain * Vsp32f(err[k].re) : 0, im = gain > 0 ? gain * Vsp32f(err[k].im) : 0;
-        storeValue(re + comfort * noiseOf(seed * 0x9E3779B9U), err[k].re);
-        storeValue(im + comfort * noiseOf((seed + 1) * 0x9E3779B9U), err[k].im);
+        storeValue(gain * Vsp32f(err[k].re) + comfort * noiseOf(seed * 0x9E3779B9U), err[k].re);
+        storeValue(gain * Vsp32f(err[k].im) + comfort * noiseOf((seed + 1) * 0x9E3779B9U), err[k].im);
     }
     err[0].im = err[bands - 1].im = 0;
 }
