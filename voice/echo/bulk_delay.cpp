@@ -95,8 +95,8 @@ void BulkDelay::measureEnergies(std::span<const float> covered) {
     float outside = 0;
     for (int t = 0; t < length_; t++) {
         float& e = upTo_[static_cast<std::size_t>(t + 1)];
-        e = 0;
-        for (int k = 0; k < kBands; k++) e += power(response_.at(t)[0][k]) / kBands;
+        const Vsp32fc* h = response_.at(t)[0];
+        e = sumOf(kBands, [h](std::size_t k) { return power(h[k]); }) / kBands;
         if (t < delay_ || t >= delay_ + covered_) outside += e;
     }
     const float chance =

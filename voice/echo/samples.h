@@ -22,11 +22,24 @@ inline void toOutside(float x, Vsp16s& out) {
     out = static_cast<Vsp16s>(clipped + (clipped < 0 ? -0.5 : 0.5));
 }
 
+// The sum of term(0) .. term(count - 1), in parts that the compiler adds at once.
+template <class Term>
+float sumOf(std::size_t count, Term term) {
+    constexpr std::size_t kParts = 16;
+    float parts[kParts] = {};
+    std::size_t n = 0;
+    for (; count - n >= kParts; n += kParts)
+        for (std::size_t i = 0; i < kParts; i++) parts[i] += term(n + i);
+    for (std::size_t i = 0; n + i < count; i++) parts[i] += term(n + i);
+    for (std::size_t half = kParts / 2; half > 0; half /= 2)
+        for (std::size_t i = 0; i < half; i++) parts[i] += parts[i + half];
+    return parts[0];
+}
+
 template <class Sample>
 float meanSquare(std::span<const Sample> x) {
-    float sum = 0;
-    for (const Sample v : x) sum += static_cast<float>(v) * static_cast<float>(v);
-    return sum / static_cast<float>(x.size());
+    const auto square = [x](std::size_t n) { return static_cast<float>(x[n]) * static_cast<float>(x[n]); };
+    return sumOf(x.size(), square) / static_cast<float>(x.size());
 }
 
 }  // namespace vspv

@@ -127,11 +127,10 @@ class SubbandCanceller {
     }
 
     float meanSquareLeft(std::span<const Sample> near) const {
-        float sum = 0;
-        for (std::size_t n = 0; n < near.size(); n++) {
+        const float sum = sumOf(near.size(), [&](std::size_t n) {
             const float left = static_cast<float>(near[n]) - echo_[n];
-            sum += left * left;
-        }
+            return left * left;
+        });
         return sum / static_cast<float>(near.size());
     }
 
