@@ -15,6 +15,7 @@
 #include <map>
 
 #include "echo_adapters.h"
+#include "echo_measures.h"
 #include "echo_scenario.h"
 
 namespace {
@@ -23,22 +24,6 @@ using namespace echo;
 
 constexpr double kSeconds = 60, kTail = 256;  // of the recording; ms
 constexpr double kStartOfNear = 30;           // s, in the double-talk run
-
-// The power of what is left, over samples from..to, at the delay of the output that leaves least: webrtc's canceller
-// delays its output without saying by how much.
-double residual(const Signal& out, const Signal& wanted, std::size_t from, std::size_t to) {
-    constexpr std::size_t kMaxDelay = 160;
-    double least = std::numeric_limits<double>::max();
-    for (std::size_t delay = 0; delay <= kMaxDelay; delay++) {
-        double sum = 0;
-        for (std::size_t n = from; n < to - kMaxDelay && sum < least; n++) {
-            const double e = double(out[n + delay]) - wanted[n];
-            sum += e * e;
-        }
-        least = std::min(least, sum);
-    }
-    return least / static_cast<double>(to - kMaxDelay - from);
-}
 
 // s from the first far-end speech until the ERLE over a quarter of a second of speech is 20 dB; NaN if it never is.
 double timeTo20dB(const Scenario& s, const Signal& out) {

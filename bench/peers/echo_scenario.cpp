@@ -91,6 +91,13 @@ Signal recordedSpeech(const std::vector<std::string>& files, double seconds) {
     return all;
 }
 
+Signal played(const Signal& x, Clipping clipping, double percent) {
+    const Loudspeaker loudspeaker(clipping, percent, activeDbov(x));
+    Signal y(x.size());
+    std::transform(x.begin(), x.end(), y.begin(), [&](float v) { return static_cast<float>(loudspeaker.play(v)); });
+    return y;
+}
+
 double activeDbov(const Signal& x) {
     const auto level = activeLevel(asIntegers(x));
     if (!level) throw std::runtime_error("no speech in the recordings");

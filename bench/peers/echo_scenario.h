@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "simulate_echo/loudspeaker.h"
+
 namespace echo {
 
 constexpr int kRate = 8000;         // Hz
@@ -23,6 +25,9 @@ std::vector<Path> eightPaths();
 
 // Recorded prompts, 8 kHz, one after another, cut to the given length or repeated up to it.
 Signal recordedSpeech(const std::vector<std::string>& files, double seconds);
+
+// As a loudspeaker plays it that distorts a sine of the signal's active level by so many percent.
+Signal played(const Signal& x, Clipping clipping, double percent);
 
 struct Scenario {
     Signal far;         // recorded speech

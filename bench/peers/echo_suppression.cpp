@@ -6,12 +6,11 @@
 // output is at most 3 dB above the noise of the near end. In double talk, from 30 s on, the segmental SNR of the near-end
 // speech is taken over the frames in which both talk, each limited to -10 .. 35 dB. The distorting loudspeaker clips
 // softly, y = a tanh(x / a): 5 % of harmonics for a sine of the far end's active level.
-#include <algorithm>
-#include <cmath>
 #include <cstdio>
 #include <exception>
 
 #include "echo_adapters.h"
+#include "echo_measures.h"
 #include "echo_scenario.h"
 
 namespace {
@@ -19,34 +18,6 @@ namespace {
 using namespace echo;
 
 constexpr double kSeconds = 60, kTail = 256, kStartOfNear = 30;
-constexpr std::size_t kFrame = kRate / 50;
-
-Signal softlyClipped(const Signal& x) {
-    // a sine of amplitude 0.72 a has 5 % of harmonics
-    const double rms = 32768 * std::pow(10, activeDbov(x) / 20), a = rms * std::sqrt(2.0) / 0.72;
-    Signal y(x.size());
-    for (std::size_t n = 0; n < x.size(); n++) y[n] = static_cast<float>(a * std::tanh(x[n] / a));
-    return y;
-}
-
-// Of a canceller that delays its output without saying by how much.
-std::size_t delayOf(const Signal& out, const Signal& wanted, std::size_t from) {
-    constexpr std::size_t kMaxDelay = 160;
-    std::size_t best = 0;
-    double least = 1e300;
-    for (std::size_t delay = 0; delay <= kMaxDelay; delay++) {
-        double sum = 0;
-        for (std::size_t n = from; n < out.size() - kMaxDelay && sum < least; n++) {
-            const double e = double(out[n + delay]) - wanted[n];
-            sum += e * e;
-        }
-        if (sum < least) {
-            least = sum;
-            best = delay;
-        }
-    }
-    return best;
-}
 
 struct Quality {
     double inaudible, above, segmental;  // %, dB above the noise on the average of frames, dB
@@ -55,35 +26,15 @@ struct Quality {
 Quality measure(Adapter& canceller, const Path& path, const Signal& far, const Signal& loudspeaker,
                 const Signal& nearSpeech) {
     const std::size_t half = far.size() / 2;
-    const double quiet = 0.01 * power(far.data(), far.size());
     Quality q{};
     Scenario s = makeScenario(path, loudspeaker, nearSpeech, kSeconds);
     const Signal alone = canceller.process(far, s.near);
-    const double floor = power(s.noise.data() + half, half);
-    std::size_t all = 0, good = 0;
-    for (std::size_t n = half; n + kFrame <= far.size(); n += kFrame) {
-        if (power(far.data() + n, kFrame) < quiet) continue;
-        const double left = decibels(power(alone.data() + n, kFrame) / floor);
-        all++;
-        good += left <= 3;
-        q.above += left;
-    }
-    q.inaudible = 100 * double(good) / double(all);
-    q.above /= double(all);
+    const Residue left = residueOf(alone, far, power(s.noise.data() + half, half), half, far.size());
+    q.inaudible = left.inaudible;
+    q.above = left.overNoise;
 
     s = makeScenario(path, loudspeaker, nearSpeech, kStartOfNear);
-    const Signal out = canceller.process(far, s.near);
-    const std::size_t delay = delayOf(out, s.nearSpeech, half);
-    const double quietTalk = 0.03 * power(s.nearSpeech.data() + half, half);
-    std::size_t frames = 0;
-    for (std::size_t n = half; n + kFrame + delay <= far.size(); n += kFrame) {
-        if (power(far.data() + n, kFrame) < quiet || power(s.nearSpeech.data() + n, kFrame) < quietTalk) continue;
-        double error = 0;
-        for (std::size_t i = n; i < n + kFrame; i++) error += std::pow(double(out[i + delay]) - s.nearSpeech[i], 2);
-        q.segmental += std::clamp(decibels(power(s.nearSpeech.data() + n, kFrame) * kFrame / (error + 1)), -10.0, 35.0);
-        frames++;
-    }
-    q.segmental /= double(frames);
+    q.segmental = segmentalSnr(canceller.process(far, s.near), far, s.nearSpeech, half);
     return q;
 }
 
@@ -101,7 +52,7 @@ int run(int argc, char** argv) {
         return recordedSpeech(paths, kSeconds);
     };
     const Signal far = recording({"demo-congrats", "demo-moreinfo", "demo-abouttotry"});
-    const Signal nearSpeech = recording({"demo-instruct"}), distorted = softlyClipped(far);
+    const Signal nearSpeech = recording({"demo-instruct"}), distorted = played(far, Clipping::soft, 5);
     std::printf("%-23s %-22s %-11s %11s %13s %16s\n", "canceller", "path", "loudspeaker", "inaudible/%", "over noise/dB",
                 "double talk/dB");
     for (const std::string& name : names)

@@ -150,6 +150,31 @@ def test_16_khz_stays_16_khz(vsps):
     assert len(near) == 24000 and max(map(abs, near[:7900])) < 5 and abs(near[12000] - 1000) < 5
 
 
+@pytest.mark.parametrize("clipping", ["soft", "hard"])
+@pytest.mark.parametrize("percent", [5, 25])
+def test_a_loudspeaker_distorts(vsps, clipping, percent):
+    """As much as it is told to at the far end's level, odd harmonics only, and less what is quieter."""
+
+    def harmonic(samples, k):
+        return sum(x * math.sin(2 * math.pi * k * n / 80) for n, x in enumerate(samples)) * math.sqrt(2) / len(samples)
+
+    def distortion(samples):
+        fundamental = harmonic(samples, 1) ** 2
+        return 100 * math.sqrt((power(samples) - fundamental) / fundamental)
+
+    loud = tone(2, 20000, frequency=100)
+    vsps.put("path.txt", b"1")
+    options = ["--path", "path.txt", "--erl", 0, "--distortion", percent, "--clipping", clipping]
+    out, report = simulate(vsps, loud, None, *options)
+    assert abs(distortion(out) / percent - 1) < 0.1  # the active level is measured to 0.1 dB
+    assert abs(harmonic(out, 2)) < 1 < abs(harmonic(out, 3))
+    assert report["loudspeaker"] == {"distortion_percent": percent, "clipping": clipping}
+    if clipping == "hard":
+        assert sum(x == max(out) for x in out) > 800 and out[:3] == loud[:3]
+    quiet = [x // 10 for x in loud[:2000]]
+    assert distortion(simulate(vsps, loud + quiet, None, *options)[0][-1600:]) < max(0.35, percent / 20)
+
+
 def test_clipping_is_counted(vsps):
     far = [32000 if i % 100 < 50 else -32000 for i in range(8000)]
     vsps.put("path.txt", b"1")
@@ -229,6 +254,9 @@ def test_out_of_memory_is_said(vsps):
         ["--delay", "-1"],
         ["--near-at", "inf"],
         ["--seed", "-1"],
+        ["--distortion", "0"],
+        ["--distortion", "41"],
+        ["--clipping", "hard"],
         ["--raw", "0"],
         ["more.wav"],
     ],

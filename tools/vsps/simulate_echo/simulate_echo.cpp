@@ -7,6 +7,7 @@
 #include "audio/audio_format.h"
 #include "audio/audio_writer.h"
 #include "audio/input_options.h"
+#include "audio/spool.h"
 #include "commands.h"
 #include "console/output_file.h"
 #include "console/progress.h"
@@ -21,7 +22,7 @@ constexpr const char* kNobody = "none";  // as the name of NEAR
 constexpr int kWideband = 16000;         // Hz, the highest rate of an echo canceller
 
 struct Options {
-    std::string far, near, out;
+    std::string far, near, out, clipping = "soft";
     InputSettings input;
     SimulateSettings settings;
     bool json = false;
@@ -37,13 +38,26 @@ class Talker {
         begin_ = waiting_ = std::size_t(std::lround(seconds_ * rate));
     }
 
-    // The next samples: so many, or fewer at the end.
+    // Hears the whole recording, which it keeps for reading.
+    std::optional<ActiveLevel> activeLevel() {
+        LevelMeter meter(in_.rate());
+        kept_ = std::make_unique<Spool>();
+        while (in_.read(kBlockLength, block_)) {
+            meter.process(block_[0]);
+            kept_->write(block_);
+        }
+        kept_->rewind();
+        return meter.activeLevel();
+    }
+
+    // The next samples: so many, or fewer at the end; what has been kept comes in blocks of kBlockLength.
     void read(std::size_t count, Samples& samples) {
         const std::size_t silent = std::min(waiting_, count);
         waiting_ -= silent;
         samples.assign(silent, 0);
         if (silent == count) return;
-        if (in_.read(count - silent, block_)) samples.insert(samples.end(), block_[0].begin(), block_[0].end());
+        if (kept_ ? kept_->read(block_) : in_.read(count - silent, block_))
+            samples.insert(samples.end(), block_[0].begin(), block_[0].end());
     }
 
     const AudioReader& recording() const { return in_; }
@@ -61,6 +75,7 @@ class Talker {
   private:
     AudioReader in_;
     double seconds_;
+    std::unique_ptr<Spool> kept_;
     std::size_t begin_ = 0, waiting_ = 0;  // samples of silence before it: all, and still to come
     Block block_;
 };
@@ -69,6 +84,12 @@ struct Meters {
     explicit Meters(int rate) : far(rate), near(rate), echo(rate), noise(rate), out(rate) {}
     LevelMeter far, near, echo, noise, out;
 };
+
+std::optional<Loudspeaker> loudspeakerOf(const SimulateSettings& s, Talker& far) {
+    if (!s.distortion) return {};
+    const std::optional<ActiveLevel> level = far.activeLevel();
+    return level ? std::optional(Loudspeaker(s.clipping, *s.distortion, level->dbov)) : std::nullopt;
+}
 
 // Both begin at once, and the line is as long as the longer one. Returns its length.
 std::size_t simulate(Talker& far, Talker* near, LineSimulation& line, AudioWriter& out, Meters& meters) {
@@ -94,8 +115,10 @@ std::size_t simulate(Talker& far, Talker* near, LineSimulation& line, AudioWrite
     }
 }
 
-void runSimulateEcho(const Options& o) {
-    const SimulateSettings& s = o.settings;
+void runSimulateEcho(Options& o) {
+    SimulateSettings& s = o.settings;
+    s.clipping = o.clipping == "soft" ? Clipping::soft : Clipping::hard;
+    if (s.clipping == Clipping::hard && !s.distortion) throw UsageError{"--clipping", "needs --distortion"};
     const bool nobody = o.near == kNobody;
     const int format = outputFormat(o.out, o.input.rawRate != 0);
     refuseSameFiles({o.far, nobody ? "" : o.near, s.path}, {o.out});
@@ -109,7 +132,8 @@ void runSimulateEcho(const Options& o) {
     printNotes(path.notes);
 
     const EchoFilter filter(path.response, std::size_t(std::lround(s.delay * rate / 1000)));
-    LineSimulation line(filter, s.noise ? std::optional(NoiseSettings{*s.noise, s.seed}) : std::nullopt);
+    LineSimulation line(filter, s.noise ? std::optional(NoiseSettings{*s.noise, s.seed}) : std::nullopt,
+                        loudspeakerOf(s, far));
     AudioWriter out(o.out, format, rate, 1);
     Meters meters(rate);
     const std::size_t length = simulate(far, near ? &*near : nullptr, line, out, meters);
@@ -158,6 +182,15 @@ void addSimulateEcho(CommandLine& vsps) {
         .showDefault();
     command.option("--noise", s.noise, "Add white noise of this level").takes("dBov").within(-120, 0);
     command.option("--seed", s.seed, "Which noise").takes("N").showDefault();
+    command
+        .option("--distortion", s.distortion,
+                "Play FAR over a loudspeaker that distorts: total harmonic distortion of a sine of FAR's active level")
+        .takes("%")
+        .within(0.001, 40);
+    command.option("--clipping", o->clipping, "How the loudspeaker distorts: y = a tanh(x/a), or cut off at a")
+        .takes("soft|hard")
+        .oneOf({"soft", "hard"})
+        .showDefault();
     command.option("--near-at", s.nearAt, "When NEAR begins").takes("s").within(0, 36000).showDefault();
     addInputSettings(command, o->input, "FAR and NEAR");
     command.flag("--json", o->json, "Print a JSON object instead of text");
@@ -177,6 +210,6 @@ void addSimulateEcho(CommandLine& vsps) {
         "Examples:\n"
         "  vsps simulate-echo far.wav none line.wav\n"
         "  vsps simulate-echo far.wav near.wav line.wav --near-at 8 --path d4 --erl 10 --noise -68\n"
-        "  vsps simulate-echo far.flac near.flac room.wav --path kitchen.wav --erl 6 --delay 40");
+        "  vsps simulate-echo far.flac near.flac room.wav --path kitchen.wav --erl 6 --delay 40 --distortion 5");
     command.run([o] { runSimulateEcho(*o); });
 }

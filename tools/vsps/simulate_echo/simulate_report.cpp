@@ -16,6 +16,13 @@ Json levelJson(const SignalLevel& s) {
     return {{"level_dbov", number(s.level)}, {"active_level_dbov", s.active ? number(s.active->dbov) : Json(nullptr)}};
 }
 
+const char* clippingName(Clipping c) { return c == Clipping::soft ? "soft" : "hard"; }
+
+Json loudspeakerJson(const SimulateSettings& s) {
+    if (!s.distortion) return nullptr;
+    return {{"distortion_percent", number(*s.distortion)}, {"clipping", clippingName(s.clipping)}};
+}
+
 }  // namespace
 
 SignalLevel measured(const LevelMeter& meter) { return {meter.meanDbov(), meter.activeLevel()}; }
@@ -32,6 +39,8 @@ std::string toText(const SimulateReport& r) {
     text += row("output", r.out);
     text += format("  echo return loss  %.1f dB as set, ", s.echoReturnLoss) + decibels(r.measuredLoss, "dB") +
             " for this far end\n";
+    if (s.distortion)
+        text += format("  loudspeaker       %g %% distortion, %s clipping\n", *s.distortion, clippingName(s.clipping));
     text += format("  samples clipped   %zu (%.2f %%)\n", r.clipped, 100.0 * double(r.clipped) / double(r.samples));
     text += "written: " + outputName(r.outFile) + format(" (%d Hz, %zu samples)\n", r.rate, r.samples);
     return text;
@@ -53,5 +62,6 @@ Json toJson(const SimulateReport& r) {
           {"samples_clipped", r.clipped}}},
         {"path", {{"name", s.path}, {"taps", r.taps}, {"delay_ms", number(s.delay)}, {"erl_db", number(s.echoReturnLoss)}}},
         {"echo", {{"level", levelJson(r.echo)}, {"measured_erl_db", number(r.measuredLoss)}}},
+        {"loudspeaker", loudspeakerJson(s)},
         {"noise", s.noise ? Json{{"seed", s.seed}, {"level", levelJson(r.noise)}} : Json(nullptr)}};
 }

@@ -6,12 +6,15 @@
 
 #include "audio/active_level.h"
 #include "console/json.h"
+#include "simulate_echo/loudspeaker.h"
 
 struct SimulateSettings {
     std::string path = "d2";
     double echoReturnLoss = 12, delay = 0, nearAt = 0;  // dB, ms, s
     std::optional<double> noise;                        // dBov
     unsigned seed = 1;
+    std::optional<double> distortion;  // %, of a sine of the far end's active level
+    Clipping clipping = Clipping::soft;
 };
 
 struct SignalLevel {

@@ -24,7 +24,7 @@ double NoiseSource::next() {
 EchoFilter::EchoFilter(std::vector<double> response, std::size_t delay)
     : response_(std::move(response)), past_(response_.size() + delay), history_(past_) {}
 
-const std::vector<double>& EchoFilter::process(std::span<const std::int16_t> far) {
+const std::vector<double>& EchoFilter::process(std::span<const double> far) {
     history_.insert(history_.end(), far.begin(), far.end());
     echo_.assign(far.size(), 0);
     const std::size_t delay = past_ - response_.size();
@@ -37,12 +37,17 @@ const std::vector<double>& EchoFilter::process(std::span<const std::int16_t> far
     return echo_;
 }
 
-LineSimulation::LineSimulation(const EchoFilter& filter, const std::optional<NoiseSettings>& noise) : filter_(filter) {
+LineSimulation::LineSimulation(const EchoFilter& filter, const std::optional<NoiseSettings>& noise,
+                               const std::optional<Loudspeaker>& loudspeaker)
+    : filter_(filter), loudspeaker_(loudspeaker) {
     if (noise) source_.emplace(*noise);
 }
 
 void LineSimulation::process(const Samples& far, const Samples& near) {
-    const std::vector<double>& echo = filter_.process(far);
+    sound_.assign(far.begin(), far.end());
+    if (loudspeaker_)
+        for (double& x : sound_) x = loudspeaker_->play(x);
+    const std::vector<double>& echo = filter_.process(sound_);
     echo_.clear();
     noise_.clear();
     out_.clear();

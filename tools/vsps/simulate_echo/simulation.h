@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "audio/audio.h"
+#include "simulate_echo/loudspeaker.h"
 
 struct NoiseSettings {
     double level;  // dBov
@@ -32,7 +33,7 @@ class EchoFilter {
     EchoFilter(std::vector<double> response, std::size_t delay);
 
     // The echo of the next samples; the reference holds until the next call.
-    const std::vector<double>& process(std::span<const std::int16_t> far);
+    const std::vector<double>& process(std::span<const double> far);
 
   private:
     std::vector<double> response_;
@@ -43,7 +44,8 @@ class EchoFilter {
 
 class LineSimulation {
   public:
-    LineSimulation(const EchoFilter& filter, const std::optional<NoiseSettings>& noise);
+    LineSimulation(const EchoFilter& filter, const std::optional<NoiseSettings>& noise,
+                   const std::optional<Loudspeaker>& loudspeaker = {});
 
     // far and near are of one length.
     void process(const Samples& far, const Samples& near);
@@ -60,6 +62,8 @@ class LineSimulation {
   private:
     EchoFilter filter_;
     std::optional<NoiseSource> source_;
+    std::optional<Loudspeaker> loudspeaker_;
+    std::vector<double> sound_;  // of the far end
     Samples echo_, noise_, out_;
     double farEnergy_ = 0, echoEnergy_ = 0;
     std::size_t clipped_ = 0;
