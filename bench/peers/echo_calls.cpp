@@ -102,8 +102,9 @@ int run(int argc, char** argv) {
     std::size_t calls = 0;
     for (const Path& path : paths())
         for (const Condition condition : {asItIs, late, changing, clipping}) {
-            const std::size_t language = calls % folders.size(),
-                              other = (language + 1 + calls / folders.size() % (folders.size() - 1)) % folders.size();
+            // Every language comes in every condition.
+            const std::size_t language = (calls + calls / 4) % folders.size();
+            const std::size_t other = (language + 1 + calls / 4 % (folders.size() - 1)) % folders.size();
             const Signal far = speech(folders[language], {"demo-congrats", "conf-adminmenu", "demo-moreinfo"}, calls);
             const Signal talker = speech(folders[other], {"demo-instruct"}, calls);
             const Scenario call = makeCall(path, condition, far, talker);

@@ -152,7 +152,7 @@ Talk talk(const std::string& name, const Signal& far, const Signal& near) {
     Signal out(kEchoFrame);
     for (std::size_t at = 0; at + kEchoFrame <= near.size(); at += kEchoFrame) {
         canceller.process(std::span{far.data() + at, kEchoFrame}, {near.data() + at, kEchoFrame}, out);
-        joiner.add({power(far.data() + at, kEchoFrame), power(near.data() + at, kEchoFrame), 0, canceller.status()});
+        joiner.add({power(far.data() + at, kEchoFrame), power(near.data() + at, kEchoFrame), 0, 0, canceller.status()});
     }
     joiner.finish();
     Talk frames;

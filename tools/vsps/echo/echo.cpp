@@ -20,7 +20,7 @@ struct Options {
     CallFiles call;
     std::string out, plot, engine = "subband";
     VspvEchoSettings settings = echoSettings(8000);
-    bool suppress = false, fixedPoint = false, json = false;
+    bool suppress = false, noSuppress = false, fixedPoint = false, json = false;
 };
 
 void checkUsage(const Options& o) {
@@ -31,10 +31,21 @@ void checkUsage(const Options& o) {
     if (call.both.empty() && call.near.empty()) throw UsageError{"--near", "is required, or --far-near"};
     if (call.swap && call.both.empty()) throw UsageError{"--swap", "needs --far-near"};
     if (call.input.channel != 0 && !call.both.empty()) throw UsageError{"--channel", "excludes --far-near"};
+    if (o.suppress && o.noSuppress) throw UsageError{"--suppress", "excludes --no-suppress"};
     if (o.suppress && o.engine != "subband") throw UsageError{"--suppress", "needs --engine subband"};
 }
 
-void cancelEcho(CallReader& in, const VspvEchoSettings& settings, AudioWriter& out, EchoMeter& meter) {
+// A recording of which it was expected that something in it can be cancelled.
+constexpr double kLongEnough = 5;  // s of far-end speech
+
+void warn(const CallReader& in, const EchoMeter& meter, const SwapTrial& trial, const EchoMeasures& measures) {
+    if (trial.seemSwapped(meter.learned()))
+        std::cerr << "vsps: " << in.nearName() << ": far end and near end seem to be swapped: the echo is in the far end\n";
+    else if (!measures.bulkDelayMs && meter.learned().speechSeconds() > kLongEnough)
+        std::cerr << "vsps: " << in.nearName() << ": seems to have nothing to do with the far end: no echo found\n";
+}
+
+void cancelEcho(CallReader& in, const VspvEchoSettings& settings, AudioWriter& out, EchoMeter& meter, SwapTrial& trial) {
     TracedCanceller canceller(settings);
     Progress progress("cancelling echo", in.expected());
     const auto passOn = [&] {
@@ -45,6 +56,7 @@ void cancelEcho(CallReader& in, const VspvEchoSettings& settings, AudioWriter& o
         canceller.process(far, near);
         meter.addInput(far, near);
         passOn();
+        trial.process(far, near, meter.learned());
         progress.advance(near.size());
     }
     canceller.finish();
@@ -56,7 +68,7 @@ void runEcho(Options& o) {
     checkUsage(o);
     o.settings.engine = o.engine == "subband" ? vspvEchoSubband : vspvEchoFullband;
     o.settings.arithmetic = o.fixedPoint ? vspvEchoFixed : vspvEchoFloat;
-    o.settings.suppression = o.suppress ? 1 : 0;
+    o.settings.suppression = o.engine == "subband" && !o.noSuppress ? 1 : 0;
     const int format = outputFormat(o.out, o.call.input.rawRate != 0);
     refuseSameFiles({o.call.far, o.call.near, o.call.both}, {o.out, o.plot});
     std::unique_ptr<Gnuplot> gnuplot;
@@ -66,7 +78,8 @@ void runEcho(Options& o) {
     AudioWriter out(o.out, format, in.rate(), 1);
 
     EchoMeter meter(in.rate());
-    cancelEcho(in, o.settings, out, meter);
+    SwapTrial trial(o.settings);
+    cancelEcho(in, o.settings, out, meter, trial);
     printNotes(in.notes());
     const bool two = o.call.both.empty();
     EchoReport report{two ? o.call.far : o.call.both,
@@ -78,6 +91,7 @@ void runEcho(Options& o) {
                       in.length(),
                       0,
                       meter.finish()};
+    warn(in, meter, trial, report.measures);
 
     std::unique_ptr<OutputFile> picture;
     if (gnuplot)
@@ -116,10 +130,9 @@ void addEcho(CommandLine& vsps) {
         .takes("subband|fullband")
         .oneOf({"subband", "fullband"})
         .showDefault();
-    command.flag(
-        "--suppress", o->suppress,
-        "Suppress what the filters leave of the echo, with comfort noise in its place: for listening, as ERLE then "
-        "tells nothing about the filters");
+    command.flag("--suppress", o->suppress,
+                 "Suppress what the filters leave of the echo, with comfort noise in its place; as it is in sub-bands");
+    command.flag("--no-suppress", o->noSuppress, "Write what the filters leave");
     command.flag("--fixed", o->fixedPoint, "Use the fixed-point functions of the library");
     addInputSettings(command, o->call.input, "FAR and NEAR");
     command.option("--plot", o->plot, "Draw levels and echo removed over time; needs gnuplot").takes("FILE.png|svg|pdf");
@@ -128,6 +141,11 @@ void addEcho(CommandLine& vsps) {
         "ERLE (echo return loss enhancement) is the power of the near end over that of the output, where there is echo\n"
         "alone. Noise and near-end speech stay in the output, so ERLE cannot pass the echo-to-noise ratio. At the answer\n"
         "tone of a modem (2100 Hz with phase reversals, ITU-T G.168) the canceller steps aside.\n\n"
+        "OUT is for listening: a suppressor takes out what the filters leave, near-end speech over it suffers a little. "
+        "What\n"
+        "is measured are the filters alone, with a second canceller: ERLE over time, convergence, and the green line of "
+        "the\n"
+        "plot; the levels are those of OUT. With --no-suppress OUT is what the filters leave.\n\n"
         "The bulk delay, the pure delay before the echo path, is searched from 0 to " +
         format("%.0f", o->settings.maxBulkDelayMs) +
         " ms while there is echo that the\n"

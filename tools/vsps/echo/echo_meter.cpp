@@ -5,16 +5,11 @@
 
 namespace {
 
-constexpr std::size_t kSettlingFrames = 10;  // 0.2 s, over which an enhancement counts as reached
-
-double decibelsOf(double numerator, double denominator) {
-    return 10 * std::log10(std::max(numerator, 1.0) / std::max(denominator, 1.0));
-}
-
 EchoPoint toPoint(const EchoFrame& f) {
-    EchoPoint p{1, f.farPower, f.nearPower, f.outPower, 0, 0, 0, double(f.status.doubleTalk)};
+    EchoPoint p{1, f.farPower, f.nearPower, f.outPower, 0, 0, 0, 0, double(f.status.doubleTalk)};
     if (f.measuresCancelling()) {
         p.echoNearPower = f.nearPower;
+        p.echoLeftPower = f.leftPower;
         p.echoOutPower = f.outPower;
         p.echo = 1;
     }
@@ -36,6 +31,7 @@ EchoPoint& EchoPoint::operator+=(const EchoPoint& next) {
     nearPower += next.nearPower;
     outPower += next.outPower;
     echoNearPower += next.echoNearPower;
+    echoLeftPower += next.echoLeftPower;
     echoOutPower += next.echoOutPower;
     echo += next.echo;
     doubleTalk += next.doubleTalk;
@@ -43,6 +39,10 @@ EchoPoint& EchoPoint::operator+=(const EchoPoint& next) {
 }
 
 std::optional<double> EchoPoint::erle() const {
+    return echo > 0 ? std::optional(decibelsOf(echoNearPower, echoLeftPower)) : std::nullopt;
+}
+
+std::optional<double> EchoPoint::erleOfOutput() const {
     return echo > 0 ? std::optional(decibelsOf(echoNearPower, echoOutPower)) : std::nullopt;
 }
 
@@ -80,18 +80,9 @@ void EchoMeter::measureFrames() {
         if (frame.status.doubleTalk) inDoubleTalk_ += point;
         toneFrames_ += frame.status.toneDisabled;
         if (frame.status.echoFound) bulkDelayMs_ = frame.status.bulkDelayMs;
-        watchConvergence(frame);
+        convergence_.watch(frame);
+        learned_.watch(frame);
     }
-}
-
-// The enhancement over the last frames with echo alone has to reach the goal.
-void EchoMeter::watchConvergence(const EchoFrame& frame) {
-    speechFrames_ += frame.status.farActive;
-    if (convergence_ || !frame.measuresCancelling()) return;
-    lastEcho_.push_back(toPoint(frame));
-    if (lastEcho_.size() < kSettlingFrames) return;
-    if (*sumOf(lastEcho_.begin(), lastEcho_.end()).erle() >= kConvergedErle) convergence_ = speechFrames_;
-    lastEcho_.pop_front();
 }
 
 EchoMeasures EchoMeter::finish() {
@@ -103,8 +94,10 @@ EchoMeasures EchoMeter::finish() {
     m.outLevel = out_.activeLevel();
     m.bulkDelayMs = bulkDelayMs_;
     const auto& points = trace_.points();
-    m.steadyErle = sumOf(points.begin() + std::ptrdiff_t(points.size() / 2), points.end()).erle();
-    if (convergence_) m.convergence = *convergence_ * kEchoFrameSeconds;
+    const EchoPoint secondHalf = sumOf(points.begin() + std::ptrdiff_t(points.size() / 2), points.end());
+    m.steadyErle = secondHalf.erle();
+    m.steadyErleOfOutput = secondHalf.erleOfOutput();
+    m.convergence = convergence_.seconds();
     m.doubleTalkSeconds = inDoubleTalk_.frames * kEchoFrameSeconds;
     if (inDoubleTalk_.frames > 0) m.doubleTalkChange = decibelsOf(inDoubleTalk_.outPower, inDoubleTalk_.nearPower);
     m.toneSeconds = toneFrames_ * kEchoFrameSeconds;

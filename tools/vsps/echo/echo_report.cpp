@@ -14,6 +14,7 @@ Json numberOrNull(const std::optional<double>& value) { return value ? number(*v
 
 const char* engineName(const VspvEchoSettings& c) { return c.engine == vspvEchoSubband ? "subband" : "fullband"; }
 bool isFixedPoint(const VspvEchoSettings& c) { return c.arithmetic == vspvEchoFixed; }
+bool suppresses(const VspvEchoSettings& c) { return c.suppression != 0; }
 
 // The enhancement at up to so many times, spread over the recording.
 std::string overTimeText(const std::vector<ErlePoint>& erle) {
@@ -50,6 +51,9 @@ std::string toText(const EchoReport& r) {
                 : format("  bulk delay        no echo found that begins within %.0f ms\n", r.settings.maxBulkDelayMs);
     text += "  ERLE              " + (m.steadyErle ? decibels(*m.steadyErle, "dB") : std::string("-")) +
             " over the second half, where there is echo alone\n";
+    if (suppresses(r.settings))
+        text += "  with suppressor   " + (m.steadyErleOfOutput ? decibels(*m.steadyErleOfOutput, "dB") : std::string("-")) +
+                ", of the output\n";
     text += m.convergence
                 ? format("  convergence       %.0f dB after %.2f s of far-end speech\n", kConvergedErle, *m.convergence)
                 : format("  convergence       %.0f dB not reached\n", kConvergedErle);
@@ -83,10 +87,12 @@ Json toJson(const EchoReport& r) {
         {"settings",
          {{"engine", engineName(r.settings)},
           {"fixed_point", isFixedPoint(r.settings)},
+          {"suppression", suppresses(r.settings)},
           {"tail_ms", r.settings.tailMs},
           {"max_bulk_delay_ms", r.settings.maxBulkDelayMs}}},
         {"bulk_delay_ms", numberOrNull(m.bulkDelayMs)},
         {"erle_db", numberOrNull(m.steadyErle)},
+        {"erle_of_output_db", numberOrNull(m.steadyErleOfOutput)},
         {"convergence_to_20_db_s", numberOrNull(m.convergence)},
         {"double_talk", {{"seconds", number(m.doubleTalkSeconds)}, {"level_change_db", numberOrNull(m.doubleTalkChange)}}},
         {"tone_disabled_s", number(m.toneSeconds)},

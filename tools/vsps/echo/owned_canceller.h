@@ -48,3 +48,8 @@ inline VspvEchoSettings echoSettings(int rate) {
     vspvEchoCancellerDefaults(rate, &settings);
     return settings;
 }
+
+inline VspvEchoSettings withoutSuppression(VspvEchoSettings settings) {
+    settings.suppression = 0;
+    return settings;
+}
