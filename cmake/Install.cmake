@@ -14,7 +14,7 @@ install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(FILES docs/subband-windows.png DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs)
 
 # Links to what is not installed become plain text in the installed pages.
-foreach(page README.md CHANGELOG.md SECURITY.md docs/architecture.md docs/echo.md docs/noise.md docs/reliability.md docs/subband-windows.md)
+foreach(page README.md CHANGELOG.md SECURITY.md docs/architecture.md docs/echo.md docs/g168.md docs/noise.md docs/reliability.md docs/subband-windows.md)
     file(READ ${page} text)
     string(REGEX REPLACE "\\[([^]]*)\\]\\((\\.\\./)?(CONTRIBUTING|bench|cmake|debian|fuzz|include|python|src|tests|tools|voice)[^)]*\\)" "\\1" text "${text}")
     file(WRITE ${CMAKE_CURRENT_BINARY_DIR}/pages/${page} "${text}")

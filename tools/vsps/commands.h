@@ -8,6 +8,7 @@ void addDecode(CommandLine& vsps);
 void addDenoise(CommandLine& vsps);
 void addEcho(CommandLine& vsps);
 void addEncode(CommandLine& vsps);
+void addG168(CommandLine& vsps);
 void addInfo(CommandLine& vsps);
 void addLevel(CommandLine& vsps);
 void addPitch(CommandLine& vsps);

@@ -25,6 +25,7 @@ int run(int argc, char** argv) {
     addDenoise(vsps);
     addEcho(vsps);
     addEncode(vsps);
+    addG168(vsps);
     addInfo(vsps);
     addLevel(vsps);
     addPitch(vsps);

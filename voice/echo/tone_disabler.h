@@ -27,8 +27,8 @@ class ToneDisabler {
         silence_ = power(far, count) < kRelease && power(near, count) < kRelease ? silence_ + count : 0;
         if (silence_ < kReleaseTime * rate_) return;
         disabled_ = false;
-        far_.reset(rate_);
-        near_.reset(rate_);
+        far_.reset();
+        near_.reset();
     }
 
     bool disabled() const { return disabled_; }
@@ -38,17 +38,27 @@ class ToneDisabler {
     static constexpr double kRelease = 32768.0 * 32768.0 * 6.09e-5;
     static constexpr double kReleaseTime = 0.25;  // s
 
-    // In fixed point for samples of either type: that is twice as fast.
+    static constexpr double kSilence = 32768.0 * 32768.0 * 1e-6;  // -60 dBov
+    static constexpr double kGap = 0.02;                          // s of silence, after which a tone is another one
+
+    // In fixed point for samples of either type: that is twice as fast. What rings in the detector after a loud signal
+    // would count as a tone in the silence after it, so it begins anew there.
     class Detector {
       public:
-        Detector(int rate, int block, Memory& memory) : samples_(memory.take<Vsp16s>(block).data()) {
+        Detector(int rate, int block, Memory& memory) : rate_(rate), samples_(memory.take<Vsp16s>(block).data()) {
             Vsp32s size = 0;
             vspsToneDetectGetStateSize_EC_16s(rate, &size);
             state_ = reinterpret_cast<VspToneDetectState_EC_16s*>(memory.take<Vsp8u>(size).data());
-            if (!memory.measures()) reset(rate);
+            if (!memory.measures()) reset();
         }
-        void reset(int rate) { vspsToneDetectInit_EC_16s(state_, rate); }
+        void reset() { vspsToneDetectInit_EC_16s(state_, rate_); }
         bool detect(const Vsp16s* in, int count) {
+            silence_ = power(in, count) < kSilence ? silence_ + count : 0;
+            if (silence_ > kGap * rate_) {
+                silence_ = 0;
+                reset();
+                return false;
+            }
             Vsp32s found = 0;
             vspsToneDetect_EC_16s(in, count, &found, state_);
             return found != 0;
@@ -61,6 +71,7 @@ class ToneDisabler {
         }
 
       private:
+        int rate_, silence_ = 0;  // Hz, samples
         VspToneDetectState_EC_16s* state_;
         Vsp16s* samples_;
     };
