@@ -1,4 +1,4 @@
-# Checks of the source text: test `format`; targets `tidy` (clang-tidy), `cppcheck` and `docs` (doxygen, stops at the first warning).
+# Checks of the source text: test `format`; targets `tidy` (clang-tidy) and `cppcheck`.
 
 find_program(VSPSC_CLANG_FORMAT NAMES clang-format-14 clang-format)
 if(VSPSC_BUILD_TESTS AND VSPSC_CLANG_FORMAT)
@@ -28,10 +28,4 @@ if(VSPSC_CPPCHECK)
                 ${vspsc_cppcheck_wrong} -DVSP_LEVEL=y8 -Iinclude -Isrc -Ivoice -Itools/vsps src voice tools/vsps
         WORKING_DIRECTORY ${PROJECT_SOURCE_DIR}
         USES_TERMINAL VERBATIM)
-endif()
-
-find_program(VSPSC_DOXYGEN doxygen)
-if(VSPSC_DOXYGEN)
-    configure_file(docs/Doxyfile.in docs/Doxyfile @ONLY)
-    add_custom_target(docs COMMAND ${VSPSC_DOXYGEN} ${PROJECT_BINARY_DIR}/docs/Doxyfile USES_TERMINAL VERBATIM)
 endif()

@@ -16,7 +16,7 @@ install(FILES docs/subband-windows.png DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs)
 # Links to what is not installed become plain text in the installed pages.
 foreach(page README.md CHANGELOG.md SECURITY.md docs/architecture.md docs/echo.md docs/g168.md docs/noise.md docs/reliability.md docs/subband-windows.md)
     file(READ ${page} text)
-    string(REGEX REPLACE "\\[([^]]*)\\]\\((\\.\\./)?(CONTRIBUTING|bench|cmake|debian|fuzz|include|python|src|tests|tools|voice)[^)]*\\)" "\\1" text "${text}")
+    string(REGEX REPLACE "\\[([^]]*)\\]\\((\\.\\./)?(CONTRIBUTING|bench|cmake|debian|docs/(guides|site|families)|fuzz|include|python|src|tests|tools|voice)[^)]*\\)" "\\1" text "${text}")
     file(WRITE ${CMAKE_CURRENT_BINARY_DIR}/pages/${page} "${text}")
     set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${page})
 endforeach()

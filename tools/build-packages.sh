@@ -11,7 +11,7 @@ case ${1-} in
     *) sed -n 's/^# //p' "$0" >&2 && exit 2 ;;
 esac
 tools/install-packages.sh debhelper dh-python lintian fakeroot g++ cmake ninja-build pkg-config libcli11-dev libsndfile1-dev \
-    libsoxr-dev nlohmann-json3-dev doxygen python3-cffi python3-numpy
+    libsoxr-dev nlohmann-json3-dev doxygen doxygen-awesome-css graphviz python3-cffi python3-numpy
 
 version=$(dpkg-parsechangelog -S Version)
 project=$(sed -n 's/^project(vspsc VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt)

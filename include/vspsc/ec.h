@@ -1,9 +1,8 @@
 /**
  * @file
  * Echo cancellation: sub-band filter bank, adaptive filters in sub-bands and over the full band, the 2100 Hz tone detector
- * of ITU-T G.168; the step-size controllers are in ec/controllers.h, the
- * residual echo suppressor in ec/suppressor.h.
- * of ITU-T G.168; the step-size controllers are in ec/controllers.h, the noise filter in ec/noise_filter.h.
+ * of ITU-T G.168; the step-size controllers are in ec/controllers.h, the residual echo suppressor in ec/suppressor.h, the
+ * noise filter in ec/noise_filter.h.
  *
  * A full-band canceller filters and adapts sample by sample (vspsNLMS_EC_32f). A sub-band canceller splits the far-end
  * reference and the near-end signal with vspsSubbandAnalysis_32f32fc, estimates the echo in each band with a short complex

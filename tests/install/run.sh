@@ -54,14 +54,6 @@ for example in codec_roundtrip echo_canceller; do
     "$CC" -std=c89 -pedantic-errors -Wall -Wextra -Werror "$source/examples/$example.c" "${flags[@]}" -o "$tmp/$example"
 done
 
-# The commands of the README, in a home directory of their own
-mkdir -p "$tmp/home/build"
-ln -s "$build" "$tmp/home/build/release"
-cp "$source/examples/scale.c" "$tmp/home"
-sed -n "/^cmake --install/,/^$fence\$/{/^$fence/!p}" "$source/README.md" >"$tmp/commands"
-(cd "$tmp/home" && HOME=$tmp/home PKG_CONFIG_PATH= bash -e "$tmp/commands" >/dev/null)
-expect_scale "$tmp/home/scale"
-
 # find_package
 mkdir "$tmp/outside"
 cp -r "$source"/examples/* "$tmp/outside"
