@@ -299,11 +299,11 @@ target_sources(vspsc_levels INTERFACE $<TARGET_OBJECTS:vspsc_common> $<TARGET_OB
                                       $<TARGET_OBJECTS:vspsc_v4>)
 target_include_directories(vspsc_levels INTERFACE ${PROJECT_SOURCE_DIR}/include ${PROJECT_SOURCE_DIR}/src)
 
-# The names that the linker exports, from the same lists as the dispatcher.
+# The names that the linker exports, from the same lists as the dispatcher, with the version that programs will ask for.
 file(STRINGS src/core/exports.def export_lists REGEX "^#include")
 list(TRANSFORM export_lists REPLACE "^#include \"(.+)\"$" "src/\\1")
 set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS src/core/exports.def ${export_lists})
-set(export_map "{\n    global:\n")
+set(export_map "LIBVSPSCY8_6.1 {\n    global:\n")
 foreach(export_list ${export_lists})
     file(STRINGS ${export_list} exports REGEX "^VSPSC_EXPORT")
     foreach(export ${exports})

@@ -17,6 +17,7 @@ from stack_use import StackUse, exported_bytes, pointers
 path, source = pathlib.Path(sys.argv[1]), pathlib.Path(sys.argv[2])
 VOICE = path.name.startswith("libvspsvoice")
 SONAME = "libvspsvoice.so.1" if VOICE else "libvspscy8.so.6.1"
+VERSION = SONAME.replace(".so.", "_").upper()  # of all symbols
 NEEDED = {"libc.so.6", "libm.so.6"} | ({"libvspscy8.so.6.1"} if VOICE else set())
 # No memory management, environment, locks, files or output.
 IMPORTS = {"memcpy", "memmove", "memset", "memcmp", "pow", "sqrt", "exp", "log", "log10", "cos", "sin", "sincos", "__stack_chk_fail"}
@@ -49,11 +50,16 @@ for tag in ["DT_INIT", "DT_FINI", "DT_INIT_ARRAY", "DT_FINI_ARRAY", "DT_PREINIT_
     check(tag not in flags or (VOICE and tag == "DT_RUNPATH"), f"has {tag}")  # to libvspscy8 beside it
 
 symbols = list(elf.get_section_by_name(".dynsym").iter_symbols())[1:]
-defined = {s.name: s.entry.st_info.type for s in symbols if s.entry.st_shndx != "SHN_UNDEF"}
+defined = {s.name: s.entry.st_info.type for s in symbols if s.entry.st_shndx not in ("SHN_UNDEF", "SHN_ABS")}
 undefined = {s.name for s in symbols if s.entry.st_shndx == "SHN_UNDEF"}
 check(exports and set(defined) == exports, f"exports differ: {sorted(set(defined) ^ exports)}")
 check(set(defined.values()) == {"STT_FUNC"}, f"not all exports are functions: {defined}")
 check(undefined <= IMPORTS, f"imports {sorted(undefined - IMPORTS)}")
+definitions = elf.get_section_by_name(".gnu.version_d")
+versions = [next(names).name for _, names in definitions.iter_versions()][1:] if definitions else []  # the first is the SONAME
+check(versions == [VERSION], f"versions {versions}, not {VERSION}")
+numbers = [s["ndx"] for s in elf.get_section_by_name(".gnu.version").iter_symbols()][1:]
+check({n for n, s in zip(numbers, symbols) if s.name in defined} == {2}, "symbols without that version")
 
 symtab = list(elf.get_section_by_name(".symtab").iter_symbols())
 weak = [s.name for s in symtab + symbols if s.entry.st_info.bind in ("STB_WEAK", "STB_LOOS")]

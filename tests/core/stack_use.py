@@ -174,7 +174,7 @@ def main():
     callees = {}
     for library in sys.argv[1:]:
         dynamic = subprocess.run(["nm", "-D", "--defined-only", library], text=True, capture_output=True, check=True).stdout
-        callees, unknown = measure(library, {line.split()[-1] for line in dynamic.splitlines()}, callees)
+        callees, unknown = measure(library, {line.split()[-1].partition("@")[0] for line in dynamic.splitlines()}, callees)
         for name, size in sorted(callees.items(), key=lambda item: -item[1]):
             print(f"{size:8} {name}")
         if unknown:
