@@ -16,7 +16,7 @@ PYTHON = pathlib.Path(__file__).parents[1]
 WITHOUT_BUILD = {k: v for k, v in os.environ.items() if k not in ("PYTHONPATH", "VSPSC_LIBRARY_PATH")}
 
 
-@pytest.mark.parametrize("name", ["vspsc", "vspsc.voice", "vspsc.special"])
+@pytest.mark.parametrize("name", ["vspsc", "vspsc.codec", "vspsc.special", "vspsc.voice"])
 def test_examples_in_docstrings(name):
     failed, tried = doctest.testmod(importlib.import_module(name))
     assert tried > 0 and failed == 0

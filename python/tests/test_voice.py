@@ -1,7 +1,8 @@
 """Codecs, canceller, detectors, pitch, level: the same for any blocks, and the same as the program vsps."""
 
-import json
 import os
+import pathlib
+import re
 import subprocess
 import threading
 import wave
@@ -60,6 +61,73 @@ def test_codecs(name):
     if codec.has_dtx:
         quiet = codec.encoder(codec.bit_rates[-1], dtx=1).process(np.zeros(signal.size * 2, np.int16))
         assert quiet[0].bit_rate == codec.bit_rates[-1] and min(len(f.data) for f in quiet) < len(frames[0].data)
+
+
+def decoded_by(codec, frames, post_filter):
+    decoder = codec.decoder()
+    decoder.set_post_filter(post_filter)
+    return decoder.process(frames)
+
+
+def test_filters_can_be_left_out():
+    signal = speech(1) + np.int16(500)
+    for name in ("g723", "g728"):
+        codec = vspsc.Codec(name)
+        frames = codec.encoder().process(signal)
+        assert (decoded_by(codec, frames, True) == codec.decoder().process(frames)).all()
+        assert (decoded_by(codec, frames, False) != codec.decoder().process(frames)).any()
+    encoder = vspsc.Codec("g723").encoder()
+    encoder.set_high_pass(False)
+    heard = vspsc.Codec("g723").decoder().process(encoder.process(signal))
+    assert heard.mean() > vspsc.Codec("g723").decoder().process(vspsc.Codec("g723").encoder().process(signal)).mean() + 100
+    for refused in (lambda: vspsc.Codec("g729").decoder().set_post_filter(False), lambda: vspsc.Codec("g728").encoder().set_high_pass(False)):
+        with pytest.raises(vspsc.BadArgumentError):
+            refused()
+
+
+@pytest.mark.parametrize("name, rate, magic, forms", [("amr", 8000, b"#!AMR\n", ["storage", "if1", "if2"]), ("amrwb", 16000, b"#!AMR-WB\n", ["storage"])])
+def test_frames_as_they_are_stored_and_sent(tmp_path, name, rate, magic, forms):
+    codec, signal = vspsc.Codec(name), np.append(speech(1, rate), np.zeros(rate, np.int16))
+    frames = codec.encoder(codec.bit_rates[1], dtx=1).process(signal)
+    assert len({f.type for f in frames}) > 2
+    for form in forms:
+        octets, back = b"".join(codec.pack_frame(f, form) for f in frames), []
+        while octets:
+            frame, used = codec.unpack_frame(octets, form)
+            back, octets = [*back, frame], octets[used:]
+        assert [(f.type, f.data) for f in back] == [(f.type, f.data) for f in frames]
+    write_wave(tmp_path / "in.wav", signal, rate)
+    out = tmp_path / f"out.{'amr' if name == 'amr' else 'awb'}"
+    subprocess.run([VSPS, "encode", tmp_path / "in.wav", out, "--rate", str(codec.bit_rates[1]), "--dtx"], check=True, capture_output=True)
+    assert out.read_bytes() == magic + b"".join(map(codec.pack_frame, frames))
+    for aligned in (False, True):
+        payload = codec.pack_payload(frames[:60], aligned, codec.bit_rates[0])
+        assert codec.unpack_payload(payload, aligned)[1] == codec.bit_rates[0]
+        assert [(f.type, f.data) for f in codec.unpack_payload(payload, aligned)[0]] == [(f.type, f.data) for f in frames[:60]]
+    for refused in (lambda: codec.pack_payload([]), lambda: codec.unpack_payload(b""), lambda: codec.unpack_payload(payload[:40], True),
+                    lambda: codec.pack_frame(frames[0], "rtp"), lambda: vspsc.Codec("g729").pack_payload(frames)):  # fmt: skip
+        with pytest.raises(ValueError):
+            refused()
+
+
+def test_a_stream_of_g723_tells_its_frames(tmp_path):
+    signal = np.append(speech(1), np.zeros(8000, np.int16))
+    write_wave(tmp_path / "in.wav", signal, 8000)
+    subprocess.run([VSPS, "encode", tmp_path / "in.wav", tmp_path / "out.g723", "--dtx"], check=True, capture_output=True)
+    codec, octets = vspsc.Codec("g723"), (tmp_path / "out.g723").read_bytes()
+    encoder, decoder = codec.encoder(dtx=1), codec.decoder()
+    frames = encoder.process(signal) + encoder.finish()
+    heard = np.concatenate([decoder.process(octets[:100]), decoder.process(octets[100:])])
+    assert (heard == codec.decoder().process(frames)).all()
+
+
+def test_every_function_of_the_voice_layer_is_reached():
+    root = pathlib.Path(__file__).parents[2]
+    headers = "".join(path.read_text() for path in (root / "include/vspsvoice").glob("*.h"))
+    names = set(re.findall(r"^\w[^(\n]*\bvspv(\w+)\(", headers, re.M))
+    code = "".join(path.read_text() for path in (root / "python/vspsc").glob("*.py"))
+    reached = {name for name in names if f"vspv{name}" in code or f"vspv{re.sub('AMR(WB)?', '{...}', name)}" in re.sub(r"\{[^}]*\}", "{...}", code)}
+    assert len(names) > 50 and names - reached <= {"DenoiserProcess_16s", "DenoiserProcess_32f", "EchoCancellerDefaults"}
 
 
 @pytest.mark.skipif(not os.path.exists(VSPS), reason="the tool is not built")
@@ -122,6 +190,10 @@ def test_denoiser(rate, tmp_path):
     subprocess.run([VSPS, "denoise", tmp_path / "in.wav", tmp_path / "out.wav", "--mode", "high"], check=True, capture_output=True)
     with wave.open(str(tmp_path / "out.wav")) as file:
         assert file.getframerate() == rate and file.readframes(signal.size) == out.tobytes()
+    floats = vspsc.Denoiser(rate, "off")
+    floats.set_mode("high")
+    smooth = floats.process(np.append(signal, np.zeros(whole.latency, np.int16)).astype(np.float32))[whole.latency :]
+    assert smooth.dtype == np.float32 and abs(smooth - out).max() <= 1
     noise = vspsc.Denoiser(rate)
     noise.process(signal[: 2 * rate])
     assert noise.presence < 0.1
@@ -149,6 +221,10 @@ def test_echo_canceller(engine, kind):
     power = lambda x: np.mean(x[-8000:].astype(float) ** 2)  # noqa: E731
     assert power(out) < power(near) / 100
     assert canceller.status["echoFound"] == 1 and canceller.latency < 900
+    again, (one, two, three) = vspsc.EchoCanceller(8000, 32, engine=engine, max_delay_ms=0), np.zeros((3, 80), kind)
+    for i in range(0, 8000, 80):  # the same arrays again and again, and in place
+        one[:], two[:] = far[i : i + 80], near[i : i + 80]
+        assert (again.process(one, two, three if i % 160 else two) == out[i : i + 80]).all()
 
 
 def test_objects_refuse_what_does_not_fit():
@@ -160,6 +236,15 @@ def test_objects_refuse_what_does_not_fit():
     with pytest.raises((ValueError, BufferError)):
         canceller.process(np.zeros(160, np.int16)[::2], x)
     assert canceller.process(x[:0], x[:0]).size == 0
+    read_only, short = x.copy(), x.copy()
+    read_only.setflags(write=False)
+    for out in (read_only, x[:40], x.astype(np.float32), np.zeros(160, np.int16)[::2], np.frombuffer(bytearray(161), np.int16, 80, 1), [0] * 80):
+        with pytest.raises((ValueError, BufferError)):
+            canceller.process(x, x, out)
+    canceller.process(short, x, short)
+    short.resize(10, refcheck=False)  # the memory that it had is gone
+    with pytest.raises(ValueError):
+        canceller.process(short, x, short)
     for wrong in (lambda: vspsc.EchoCanceller(11025), lambda: vspsc.EchoCanceller(8000, 1000), lambda: vspsc.vad(x, 44100),
                   lambda: vspsc.pitch(x, 16000), lambda: vspsc.Denoiser(11025), lambda: vspsc.Denoiser(mode="?"), lambda: vspsc.EchoCanceller(engine="?"), lambda: vspsc.Codec("mp3"),
                   lambda: vspsc.Codec("g722").encoder(1), lambda: vspsc.Codec("pcmu").encoder(dtx=1),

@@ -37,7 +37,7 @@ class Elements:
     def __init__(self, dtype: np.dtype[Any], ctype: str) -> None:
         self.dtype = dtype
         self._pointers = ffi.typeof(f"{ctype}*[]")
-        array_type = ffi.typeof(f"{ctype}[]")
+        pointer = ffi.typeof(f"{ctype}*")  # a call converts arrays that cffi knows the length of more slowly
 
         # Closures: a call through these is what a call of the library costs more than in C.
         def address(writable: bool) -> Callable[[Any, int, str], Any]:
@@ -45,13 +45,13 @@ class Elements:
                 try:
                     if type(array) is _ndarray and array.dtype is dtype and array.size >= need:
                         if array.base is None or array.flags.aligned:
-                            return _from_buffer(array_type, array, writable)
+                            return _from_buffer(pointer, array, writable)
                     elif array is None:
                         return NULL
                     elif isinstance(array, _ndarray):
                         array = np.asarray(array)
                         if array.dtype == dtype and array.size >= need and array.flags.aligned:
-                            return _from_buffer(array_type, array, writable)
+                            return _from_buffer(pointer, array, writable)
                 except (ValueError, BufferError):
                     pass
                 refuse(array, dtype, need, writable, name)
