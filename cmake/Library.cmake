@@ -333,15 +333,13 @@ endif()
 
 # The same objects and the same dispatcher for programs that are linked statically.
 if(VSPSC_STATIC)
-    add_library(vspscy8_static STATIC src/core/dispatch.cpp)
+    add_library(vspscy8_static STATIC $<TARGET_OBJECTS:vspscy8> $<TARGET_OBJECTS:vspsc_common> $<TARGET_OBJECTS:vspsc_y8>
+                                      $<TARGET_OBJECTS:vspsc_v3> $<TARGET_OBJECTS:vspsc_v4>)
     add_library(vspsc::vspscy8_static ALIAS vspscy8_static)
-    target_sources(vspscy8_static PRIVATE $<TARGET_OBJECTS:vspsc_common> $<TARGET_OBJECTS:vspsc_y8> $<TARGET_OBJECTS:vspsc_v3>
-                                          $<TARGET_OBJECTS:vspsc_v4>)
     target_link_libraries(vspscy8_static PRIVATE $<BUILD_INTERFACE:vspsc_library_options> INTERFACE m)
     target_include_directories(vspscy8_static PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>
                                                      $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
-    target_compile_options(vspscy8_static PRIVATE -march=x86-64-v2)
-    set_target_properties(vspscy8_static PROPERTIES OUTPUT_NAME vspscy8 POSITION_INDEPENDENT_CODE ON
+    set_target_properties(vspscy8_static PROPERTIES OUTPUT_NAME vspscy8 LINKER_LANGUAGE CXX
                                                     ARCHIVE_OUTPUT_DIRECTORY ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
 endif()
 

@@ -77,12 +77,10 @@ if(NOT VSPSC_SANITIZE AND NOT VSPSC_COVERAGE)
 endif()
 
 if(VSPSC_STATIC)
-    add_library(vspsvoice_static STATIC $<TARGET_PROPERTY:vspsvoice,SOURCES>)
+    add_library(vspsvoice_static STATIC $<TARGET_OBJECTS:vspsvoice>)
     add_library(vspsc::vspsvoice_static ALIAS vspsvoice_static)
     target_link_libraries(vspsvoice_static PUBLIC vspscy8_static PRIVATE $<BUILD_INTERFACE:vspsc_options>)
-    target_include_directories(vspsvoice_static PRIVATE ${PROJECT_SOURCE_DIR}/voice)
-    target_compile_options(vspsvoice_static PRIVATE $<TARGET_PROPERTY:vspsvoice,COMPILE_OPTIONS>)
-    set_target_properties(vspsvoice_static PROPERTIES OUTPUT_NAME vspsvoice POSITION_INDEPENDENT_CODE ON
+    set_target_properties(vspsvoice_static PROPERTIES OUTPUT_NAME vspsvoice LINKER_LANGUAGE CXX
                                                       ARCHIVE_OUTPUT_DIRECTORY ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
 endif()
 

@@ -2,7 +2,8 @@
 """What calls from Python cost above C.
 
 Of the functions of libvspscy8: a call on the shortest arrays, where the work itself takes nanoseconds. Of the echo
-canceller: blocks of 10 ms against the same signal in one call, which is C alone but for one call.
+canceller: blocks of 10 ms, with a new array for the result or with the same three arrays in every call, against the same
+signal in one call, which is C alone but for one call. Of codecs: frame by frame, and a second of speech in one call.
 
     PYTHONPATH=build/dev/python VSPSC_LIBRARY_PATH=build/dev/lib bench/python/call_overhead.py
 """
@@ -46,28 +47,62 @@ print("call of a function            us")
 for name, work in functions.items():
     print(f"{name:<29} {best(work, 500):.2f}")
 
-print("\ncanceller, blocks of 10 ms       us in C  us in Python   more")
+BLOCKS = 28  # whole blocks of the canceller in sub-bands, 14 ms
+SHORTS = ffi.typeof("Vsp16s*")
+
+
+def by_turns(*works, rounds=60):
+    """Least time of each, microseconds; by turns, so that all see the same machine."""
+    least = [1e9] * len(works)
+    for _ in range(rounds):
+        least = [min(t, best(work, 1, 3)) for t, work in zip(least, works)]
+    return least
+
+
+print("\ncanceller, blocks of 10 ms            us in C    new array       same arrays")
 rng = np.random.default_rng(1)
-for rate, engine, kind in [(8000, "subband", np.int16), (16000, "subband", np.int16), (8000, "fullband", np.int16),
-                           (16000, "fullband", np.int16), (8000, "subband", np.float32)]:  # fmt: skip
+for rate, tail, engine, arithmetic, kind in [
+    (8000, 128, "subband", "float", np.int16), (16000, 128, "subband", "float", np.int16), (16000, 256, "subband", "float", np.int16),
+    (16000, 256, "subband", "fixed", np.int16), (8000, 128, "subband", "float", np.float32), (8000, 32, "fullband", "float", np.int16),
+    (8000, 128, "fullband", "float", np.int16), (16000, 128, "fullband", "float", np.int16),
+]:  # fmt: skip
     n = rate // 100
-    far = (2000 * rng.normal(size=n * 60)).astype(kind)
-    near = (far / 2 + 20 * rng.normal(size=far.size)).astype(kind)
-    blocks = [(far[i : i + n].copy(), near[i : i + n].copy()) for i in range(0, far.size, n)]
-    python, c = vspsc.EchoCanceller(rate, engine=engine), vspsc.EchoCanceller(rate, engine=engine)
-    kind_of_c = "Vsp16s" if kind == np.int16 else "Vsp32f"
+    far = (2000 * rng.normal(size=n)).astype(kind)
+    near = (far / 2 + 20 * rng.normal(size=n)).astype(kind)
+    new, same, in_c = (vspsc.EchoCanceller(rate, tail, engine=engine, arithmetic=arithmetic) for _ in range(3))
+    out, all_far, all_near = np.empty_like(far), np.tile(far, BLOCKS), np.tile(near, BLOCKS)
     process = voice.vspvEchoCancellerProcess_16s if kind == np.int16 else voice.vspvEchoCancellerProcess_32f
-    one, two, out = (ffi.from_buffer(f"{kind_of_c}[]", v) for v in (far, near, np.empty_like(far)))
+    pointers = [ffi.from_buffer("Vsp16s*" if kind == np.int16 else "Vsp32f*", a) for a in (all_far, all_near, np.empty_like(all_far))]
 
-    def in_python():
-        for f, s in blocks:
-            python.process(f, s)
+    def with_new():
+        for _ in range(BLOCKS):
+            new.process(far, near)
 
-    def in_c():
-        process(c._pointer, one, two, out, far.size)
+    def with_same():
+        for _ in range(BLOCKS):
+            same.process(far, near, out)
 
-    slow, fast = [], []
-    for _ in range(60):  # by turns, so that both see the same machine
-        slow.append(best(in_python, 1, 3) / len(blocks))
-        fast.append(best(in_c, 1, 3) / len(blocks))
-    print(f"{rate:>6} Hz {engine:<9} {np.dtype(kind).name:<8} {min(fast):10.2f} {min(slow):13.2f} {100 * (min(slow) / min(fast) - 1):5.1f} %")
+    times = by_turns(lambda: process(in_c._pointer, *pointers, n * BLOCKS), with_new, with_same)
+    c, *more = (t / BLOCKS for t in times)
+    name = f"{rate:>6} Hz {tail:>4} ms {engine} {arithmetic} {np.dtype(kind).name}"
+    print(f"{name:<43}{c:7.2f}" + "".join(f"   +{t - c:5.2f} {100 * (t / c - 1):4.1f} %" for t in more))
+
+print("\ncodec, a frame                    us in C  frame by frame     in one call")
+for name in ["pcmu", "g722", "g729a", "amr", "g723"]:
+    codec = vspsc.Codec(name)
+    n = codec.frame_samples
+    signal = (3000 * rng.normal(size=codec.sampling_rate // n * n)).astype(np.int16)
+    encoder, decoder = codec.encoder(), codec.decoder()
+    frames = encoder.process(signal)
+    samples, room, told = ffi.from_buffer(SHORTS, signal), ffi.new("Vsp8u[]", codec.max_frame_bytes), ffi.new("VspvFrame*")
+    heard = np.empty(n, np.int16)
+    octets = [(ffi.from_buffer("Vsp8u*", f.data), ffi.new("VspvFrame*", (f.type, f.quality, f.bit_rate, len(f.data)))) for f in frames]
+    blocks = np.split(signal, len(frames))
+    for what, works in {
+        "encode": (lambda: [voice.vspvEncode(encoder._object.pointer, samples + i * n, room, told) for i in range(len(frames))],
+                   lambda: [encoder.process(b) for b in blocks], lambda: encoder.process(signal)),
+        "decode": (lambda: [voice.vspvDecode(decoder._object.pointer, o, t, ffi.from_buffer(SHORTS, heard)) for o, t in octets],
+                   lambda: [decoder.process(f) for f in frames], lambda: decoder.process(frames)),
+    }.items():  # fmt: skip
+        c, *more = (t / len(frames) for t in by_turns(*works, rounds=15))
+        print(f"{what} {name:<25}{c:9.2f}" + "".join(f"   +{t - c:5.2f} {100 * (t / c - 1):4.1f} %" for t in more))
