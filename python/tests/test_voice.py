@@ -287,7 +287,7 @@ def test_nothing_ends_the_interpreter(data):
                                           vspsc.SpeechDetector, vspsc.LevelControl, vspsc.Denoiser, vspsc.ToneDetector]))  # fmt: skip
         result = made(*data.draw(st.lists(anything, max_size=4)))
         if isinstance(result, vspsc.EchoCanceller):
-            result.process(data.draw(anything), data.draw(anything))
+            result.process(data.draw(anything), data.draw(anything), data.draw(anything))
         elif isinstance(result, vspsc.Codec):
             result.encoder(*data.draw(st.lists(SCALARS, max_size=2))).process(data.draw(anything))
         elif hasattr(result, "process"):
@@ -302,6 +302,12 @@ def test_nothing_ends_the_interpreter(data):
 def test_any_octets_are_decoded_or_refused(name, data, kind, quality, rate):
     decoder = vspsc.Codec(name).decoder()
     rates = decoder.codec.bit_rates
+    for taken in (decoder.codec.unpack_payload, decoder.codec.unpack_frame):
+        try:
+            found = taken(data)
+            assert isinstance(found[0], list) or 0 < found[1] <= len(data)
+        except ValueError:
+            pass
     for frame in (vspsc.Frame(data, rates[rate] if 0 <= rate < len(rates) else rate, kind, quality), data, None):
         try:
             assert decoder.process(frame).size % decoder.codec.frame_samples == 0
