@@ -26,9 +26,9 @@ void filterBackwards(const Vsp16s* target, const Vsp16s* h, Vsp16s* d) {
         }
     Vsp32s total = 1;
     for (const Vsp32s a : largest) total = Add_32s(Add_32s(total, a >> 2), a >> 3);
+    // No sum is above 8/3 of the total, which the headroom has room for.
     const int shift = norm_32s(total) - kHeadroom;
-    for (int i = 0; i < kWideSubframe; i++)
-        d[i] = round_32s(shift < 0 ? sums[i] >> -shift : Cnvrt_64s32s(sums[i] * (1LL << shift)));
+    for (int i = 0; i < kWideSubframe; i++) d[i] = round_32s(shift < 0 ? sums[i] >> -shift : sums[i] * (1 << shift));
 }
 
 Vsp16s normalisation(const Vsp16s* x, int shift) {

@@ -4,7 +4,9 @@
 #include <functional>
 #include <random>
 
+#include "amrwb/pitch_tables.h"
 #include "arithmetic/standard_ops.h"
+#include "common/definitions.h"
 #include "support/guarded.h"
 #include "support/level_test.h"
 #include "support/samples.h"
@@ -145,6 +147,28 @@ TEST_P(WideFilters, FiltersOfSubframesAreThoseOfTheirPairs) {
             for (int i = 0; i <= 16; i++) ASSERT_EQ(one.data()[i], lpc.data()[17 * k + i]) << k << ' ' << i;
         }
     }
+}
+
+// Of samples that need no saturation on the way: the last output, which the kernel makes apart, and the others.
+TEST_P(WideFilters, AdaptiveVectorSaturates) {
+    constexpr int kOutputs = 65, kHistory = 400;
+    constexpr Vsp16s kLag = 231;  // reads no outputs
+    for (Vsp16s fraction = 0; fraction < 4; fraction++)
+        for (const int output : {0, 33, 64})
+            for (const int amplitude : {kMaxExactExcitation, -kMaxExactExcitation}) {
+                Guarded<Vsp16s> excitation(std::vector<Vsp16s>(kHistory + kOutputs));
+                const Vsp16s* const taps = inter4_2[fraction];
+                Vsp16s* const exc = excitation.data() + kHistory;
+                Vsp16s* const read = exc + output - (kLag - kExcitationTaps / 2) - (kExcitationTaps - 1) - (fraction > 0);
+                Vsp64s sum = 0;
+                for (int i = 0; i < kExcitationTaps; i++) {
+                    read[i] = Vsp16s(taps[i] < 0 ? -amplitude : amplitude);
+                    sum += Vsp64s(taps[i]) * read[i];
+                }
+                const Vsp16s delay[2] = {kLag, fraction};
+                ASSERT_EQ(vspStsNoErr, api.vspsDecodeAdaptiveVector_AMRWB_16s_I(delay, exc));
+                ASSERT_EQ(saturate16((sum + 0x2000) >> 14), exc[output]) << fraction << ' ' << output << ' ' << amplitude;
+            }
 }
 
 }  // namespace vsp::test

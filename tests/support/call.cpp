@@ -365,7 +365,11 @@ Bytes Draw::contents(const Call& call, std::size_t argument, bool faults) {
     const unsigned pattern = random_() % 10, shift = random_() % 16, period = 1 + random_() % 32;
     const Limits all = limitsOfType(as);
     std::mt19937 elements(random_());  // so that long arrays do not use up short inputs
-    const auto any = [&] { return Vsp32s(pattern == 7 ? random_() << 16 ^ random_() : elements()) % (all.high + 1); };
+    const auto any = [&] {
+        std::uint32_t x = pattern == 7 ? random_() << 16 : std::uint32_t(elements());
+        if (pattern == 7) x ^= random_();
+        return Vsp32s(x) % (all.high + 1);
+    };
     for (std::size_t i = 0; i < n; i++) {
         Vsp64s x = 0;
         switch (pattern) {
@@ -423,7 +427,8 @@ Call Draw::call(const Function& f, std::size_t number, bool faults) {
                     x = limits.low + Vsp64s(number % n);
                     number /= n;
                 } else if (a.error == vspStsSizeErr) {
-                    x = limits.low + Vsp64s(random_() % (oneIn(8) ? 400 : 90));
+                    const std::uint32_t most = oneIn(8) ? 400 : 90;
+                    x = limits.low + Vsp64s(random_() % most);
                     x = std::min(x, limits.high);
                 } else {
                     x = integer(f, i, limits);

@@ -1,9 +1,14 @@
 // Every described function of the program: its recorded calls, its checks, and any arguments at all levels.
 #include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
 #include <random>
+#include <sstream>
 
 #include "support/level_test.h"
 #include "support/recorded_calls.h"
+#include "support/test_data.h"
 
 namespace vsp::test {
 
@@ -113,6 +118,7 @@ constexpr std::size_t kFaultyCalls = 10, kLegalCalls = 300;
 #else
 constexpr std::size_t kFaultyCalls = 40, kLegalCalls = 1000;
 #endif
+constexpr std::size_t kFirstCalls = 300;
 
 // All single faults, all pairs of faults of two arguments, and some of more.
 TEST_P(Arguments, FirstErrorInOrderIsReportedAndNothingIsTouched) {
@@ -150,12 +156,65 @@ TEST_P(Arguments, FirstErrorInOrderIsReportedAndNothingIsTouched) {
     }
 }
 
+namespace {
+
+// Of the results of many calls, to tell whether they are those of earlier versions (FNV-1a).
+class Digest {
+  public:
+    void add(const Result& result) {
+        addBytes(&result.status, sizeof result.status);
+        for (const Bytes& array : result.arrays) addBytes(array.data(), array.size());
+    }
+    std::string text() const {
+        char digits[17];
+        std::snprintf(digits, sizeof digits, "%016llx", value_);
+        return digits;
+    }
+
+  private:
+    void addBytes(const void* bytes, std::size_t n) {
+        for (std::size_t i = 0; i < n; i++)
+            value_ = (value_ ^ static_cast<const unsigned char*>(bytes)[i]) * 0x100000001B3u;
+    }
+    unsigned long long value_ = 0xCBF29CE484222325u;
+};
+
+// Not those of floating point, which are up to libm or to the order of NaN, or that hold addresses.
+bool isPinned(const Function& f) {
+    for (std::size_t i = 0; i < f.arguments.size(); i++)
+        if (f.types[i].type == 'f' || f.types[i].type == 'd' || f.arguments[i].hasAddresses) return false;
+    return true;
+}
+
+// The function's line of <family>/data/results.txt: the digest of the first calls, that of all.
+void expectPinned(const Function& f, const std::string& first, const std::string& all) {
+    if (const char* file = std::getenv("VSPSC_PIN"); file != nullptr) {
+        std::ofstream(file, std::ios::app) << f.family << ' ' << f.name << ' ' << first << ' ' << all << '\n';
+        return;
+    }
+    const std::string file = f.family + "/results.txt";
+    std::istringstream lines(testData(file));
+    for (std::string name, pinnedFirst, pinnedAll; lines >> name >> pinnedFirst >> pinnedAll;) {
+        if (name != f.name) continue;
+        EXPECT_EQ(pinnedFirst, first) << "not the results that earlier versions gave";
+        if constexpr (kLegalCalls > kFirstCalls) {
+            EXPECT_EQ(pinnedAll, all) << "not the results that earlier versions gave";
+        }
+        return;
+    }
+    ADD_FAILURE() << f.name << " is not in " << file << ": tools/pin-results.sh";
+}
+
+}  // namespace
+
 TEST_P(Arguments, AnyLegalOnesGiveTheSameAtEveryLevel) {
     std::mt19937 random(1);
     States states;
     Draw draw([&] { return std::uint32_t(random()); }, states);
     const auto& higher = levels();
     const std::size_t calls = std::max(kLegalCalls, Draw::combinations(function));
+    Digest digest;
+    std::string first;
     for (std::size_t number = 0; number < calls; number++) {
         SCOPED_TRACE(function.name + ", call " + std::to_string(number));
         const Call call = draw.call(function, number, false);
@@ -177,7 +236,10 @@ TEST_P(Arguments, AnyLegalOnesGiveTheSameAtEveryLevel) {
             }
         }
         draw.keep(call, baseline);
+        digest.add(baseline);
+        if (number + 1 == kFirstCalls) first = digest.text();
     }
+    if (isPinned(function)) expectPinned(function, first, digest.text());
 }
 
 namespace {
