@@ -80,78 +80,117 @@ struct SynthesisFilter {
     static constexpr int kShift = 12;                // of filters in the usual format
     static constexpr int kFours = (kOrder + 3) / 4;  // to which the outputs of four before them contribute
 
-    // Four outputs at a time with sums that wrap and without clipping, of one signal or, in vectors of 256 bits, of two.
+    // Outputs with sums that wrap and without clipping, eight at a call, of one signal or, in vectors of 256 bits, of two.
     // What an output adds to later ones is taken from their sums at once, so that what it waits for is one product with the
-    // output before. input(n) and past(n) are the inputs and earlier outputs n .. n + 3, store(four, n) takes the outputs.
-    // Returns the largest magnitudes of inputs and outputs by element.
-    template <class W, class Input, class Past, class Store>
-    [[gnu::always_inline]] static W filterUnclipped(const Vsp16s* lpc, int len, Input input, Past past, Store store) {
+    // output before. input(n) and past(n) are the inputs and earlier outputs n .. n + 3, all of which are read at first.
+    template <class W>
+    class Unclipped {
+      public:
         using V = Narrow<W>;
-        const auto shifted = [](W sum) { return shr(sum, kShift); };
-        // Element i of the vectors f: with which factors the outputs 0 and 1, 2 and 3 of four contribute to output 4f + i.
-        V of01[kFours + 1], of23[kFours + 1];
-        for (int f = 0; f <= kFours; f++) {
-            of01[f] = forEach<V>(zipLo(taps(lpc, 4 * f), taps(lpc, 4 * f - 1)));
-            of23[f] = forEach<V>(zipLo(taps(lpc, 4 * f - 2), taps(lpc, 4 * f - 3)));
-        }
-        const auto ofFirst = [](V pairs) { return V{pairs.v & W::splat(0xFFFF).v}; };
-        const auto ofSecond = [](V pairs) { return V{shrU(W{pairs.v}, 16).v}; };
-        const V of0 = ofFirst(of01[0]), of1 = ofSecond(of01[0]), of2 = of23[0];
-        const V of1InAll{W::splat(Vsp16u(lpc[1])).v};
-        const V of2Beyond = ofFirst(of23[1]), of3Beyond = ofSecond(of23[1]);
 
-        W inputs[kBlock / 4 + 1], largest = W::splat(0);
-        const V lpc0{W::splat(Vsp16u(lpc[0])).v};
-        const W rounding = W::splat(roundingConstant(kShift));
-        int fours = 0;
-        for (int n = 0; n < len; n += 4) {
-            const W in = input(n);
-            largest = maxU(largest, magnitude(in));
-            inputs[fours++] = add(dot2(V{in.v}, lpc0), rounding);
-        }
-        inputs[fours] = W::splat(0);
+        template <class Input, class Past>
+        [[gnu::always_inline]] Unclipped(const Vsp16s* lpc, int len, Input input, Past past, W* inputs)
+            : a1InAll_{W::splat(Vsp16u(lpc[1])).v}, largest_{W::splat(0).v} {
+            for (int f = 0; f <= kFours; f++) {
+                of01_[f] = forEach<V>(zipLo(taps(lpc, 4 * f), taps(lpc, 4 * f - 1)));
+                of23_[f] = forEach<V>(zipLo(taps(lpc, 4 * f - 2), taps(lpc, 4 * f - 3)));
+            }
+            const V lpc0{W::splat(Vsp16u(lpc[0])).v};
+            const W rounding = W::splat(roundingConstant(kShift));
+            const int end = (len + 7) & -8;
+            for (int n = 0; n < end; n += 8) {
+                const W lo = input(n), hi = input(n + 4);
+                largest_ = maxU(largest_, magnitude(packSat(lo, hi)));
+                inputs[n / 4] = add(dot2(V{lo.v}, lpc0), rounding);
+                inputs[n / 4 + 1] = add(dot2(V{hi.v}, lpc0), rounding);
+            }
+            inputs[end / 4] = W::splat(0);
 
-        W sums[kFours + 1];  // of the outputs to come
-        for (W& sum : sums) sum = W::splat(0);
-        const auto without = [](W sum, V pairs, V factors) { return sub(sum, dot2(pairs, factors)); };
-        const auto takeFrom = [&](int f, V y01, V y23) {
-            sums[f] = without(without(sums[f + 1], y01, of01[f + 1]), y23, of23[f + 1]);
-        };
-        for (int f = kFours; f > 0; f--) {
-            const W four = past(-4 * f);
-            largest = maxU(largest, magnitude(four));
-            for (int to = 0; to < kFours; to++) takeFrom(to, splatLowerHalves<0>(four), splatLowerHalves<2>(four));
+            for (W& sum : sums_) sum = W::splat(0);
+            for (int f = kFours; f > 0; f--) {
+                const W four = past(-4 * f);
+                largest_ = maxU(largest_, magnitude(packSat(four, four)));
+                for (int to = 0; to < kFours; to++) takeFrom(to, splatLowerHalves<0>(four), splatLowerHalves<2>(four));
+            }
+            sum_ = add(sums_[0], inputs[0]);
+            next_ = splatElement<0>(sum_);
         }
 
-        // Two chains side by side: sum holds one output of four in each element, next the coming one in all of them. What
-        // an output waits for is then a product and a difference, without moving an element.
-        const auto newest = [shifted](W next) {
-            asm("" : "+x"(next.v));  // or it is taken from an element of the sum, as the same value
-            return shifted(next);
-        };
-        W sum = add(sums[0], inputs[0]), next = splatElement<0>(sum);
-        for (int n = 0; n < len; n += 4) {
-            const V y0{newest(next).v};
-            next = without(splatElement<1>(sum), y0, of1InAll);
-            sum = without(sum, y0, of0);
-            const V y1{newest(next).v};
-            next = without(splatElement<2>(sum), y1, of1InAll);
-            sum = without(sum, y1, of1);
-            const V y2{newest(next).v};
-            next = without(splatElement<3>(sum), y2, of1InAll);
-            const W four = shifted(without(sum, y2, of2));
-            const V y3{newest(next).v};
-            const V y01 = splatLowerHalves<0>(shifted(sum)), y23 = splatLowerHalves<2>(four);
-            sum = without(without(add(sums[1], inputs[n / 4 + 1]), y01, of01[1]), y2, of2Beyond);
+        // The next eight outputs; following: the inputs behind the first and behind the second four of them. Zeros stand
+        // where none is left.
+        [[gnu::always_inline]] V nextEight(const W* following, int left) {
+            const W lo = nextFour(following[0]), hi = nextFour(following[1]);
+            V eight = packSat(lo, hi);
+            if (left < 8) eight = V{eight.v & forEach<V>(firstOfEight(left)).v};
+            largest_ = maxU(largest_, magnitude(eight));
+            return eight;
+        }
+
+        // The largest magnitudes of inputs and outputs by element; an output that does not fit counts as 32767 or 32768.
+        V largest() const { return largest_; }
+
+      private:
+        static V ofFirst(V pairs) { return {pairs.v & W::splat(0xFFFF).v}; }
+        static V ofSecond(V pairs) { return {shrU(W{pairs.v}, 16).v}; }
+        static W without(W sum, V pairs, V factors) { return sub(sum, dot2(pairs, factors)); }
+        [[gnu::always_inline]] void takeFrom(int f, V y01, V y23) {
+            sums_[f] = without(without(sums_[f + 1], y01, of01_[f + 1]), y23, of23_[f + 1]);
+        }
+        static W shifted(W sum) { return shr(sum, kShift); }
+        [[gnu::always_inline]] V newest() {
+            asm("" : "+x"(next_.v));  // or it is taken from an element of the sum, as the same value
+            return {shifted(next_).v};
+        }
+
+        // Two chains side by side: the sum holds one output of four in each element, next_ the coming one in all of them.
+        // What an output waits for is then a product and a difference, without moving an element.
+        [[gnu::always_inline]] W nextFour(W following) {
+            const V y0 = newest();
+            next_ = without(splatElement<1>(sum_), y0, a1InAll_);
+            sum_ = without(sum_, y0, ofFirst(of01_[0]));
+            const V y1 = newest();
+            next_ = without(splatElement<2>(sum_), y1, a1InAll_);
+            sum_ = without(sum_, y1, ofSecond(of01_[0]));
+            const V y2 = newest();
+            next_ = without(splatElement<3>(sum_), y2, a1InAll_);
+            const W four = shifted(without(sum_, y2, of23_[0]));
+            const V y3 = newest();
+            const V y01 = splatLowerHalves<0>(shifted(sum_)), y23 = splatLowerHalves<2>(four);
+            sum_ = without(without(add(sums_[1], following), y01, of01_[1]), y2, ofFirst(of23_[1]));
             asm(""
-                : "+x"(sum.v));  // or some of this is added behind what y3 takes away, where the next output waits for it
-            next = without(splatElement<0>(sum), y3, of1InAll);
-            sum = without(sum, y3, of3Beyond);
+                : "+x"(sum_.v));  // or some of this is added behind what y3 takes away, where the next output waits for it
+            next_ = without(splatElement<0>(sum_), y3, a1InAll_);
+            sum_ = without(sum_, y3, ofSecond(of23_[1]));
             for (int to = 1; to < kFours; to++) takeFrom(to, y01, y23);
-            largest = maxU(largest, magnitude(n + 4 <= len ? four : W{four.v & forEach<W>(firstFew(len - n)).v}));
-            store(four, n);
+            return four;
         }
-        return largest;
+
+        // Element i of the vectors f: with which factors the outputs 0 and 1, 2 and 3 of four contribute to output 4f + i.
+        V of01_[kFours + 1], of23_[kFours + 1], a1InAll_;
+        V largest_;
+        W sums_[kFours + 1];  // of the outputs to come
+        W sum_, next_;
+    };
+
+    // store(eight, n) takes the outputs.
+    template <class W, class Input, class Past, class Store>
+    [[gnu::always_inline]] static Narrow<W> filterUnclipped(const Vsp16s* lpc, int len, Input input, Past past,
+                                                            Store store) {
+        W inputs[kBlock / 4 + 1];
+        Unclipped<W> outputs(lpc, len, input, past, inputs);
+        for (int n = 0; n < len; n += 8) store(outputs.nextEight(inputs + n / 4 + 1, len - n), n);
+        return outputs.largest();
+    }
+
+    // Ones in the first n of eight elements.
+    [[gnu::always_inline]] static S16_128 firstOfEight(int n) {
+        static constexpr Vsp16s kOnes[16] = {-1, -1, -1, -1, -1, -1, -1, -1};
+        return S16_128::load(kOnes + 8 - n);
+    }
+
+    // x[n .. n + 3], zeros from len on.
+    [[gnu::always_inline]] static S32_128 fourOf(const Vsp16s* x, int n, int len) {
+        return n + 4 <= len ? loadFour(x + n) : n < len ? loadFew(x + n, len - n) : S32_128::splat(0);
     }
 
     // Of the outputs before mem[kOrder], those from n on, zeros before them.
@@ -160,12 +199,25 @@ struct SynthesisFilter {
         return widenFour({shl(S64_128{fourAt(mem + kOrder + n + missing).v}, 16 * missing).v});
     }
 
-    // Of one signal; y is written up to a multiple of four.
-    [[gnu::always_inline]] static Vsp32u filterOne(const Vsp16s* lpc, const Vsp16s* x, const Vsp16s* mem, Vsp16s* y,
+    // Stores the first len of eight outputs of a block from n on.
+    [[gnu::always_inline]] static void storeOutputs(S16_128 eight, Vsp16s* y, int n, int len) {
+        if (n + 8 <= len) return eight.store(y + n);
+        Vsp16s last[8];
+        eight.store(last);
+        for (int i = n; i < len; i++) y[i] = last[i - n];
+    }
+
+    // Of one signal.
+    [[gnu::always_inline]] static Vsp16u filterOne(const Vsp16s* lpc, const Vsp16s* x, const Vsp16s* mem, Vsp16s* y,
                                                    int len) {
         return largestU(filterUnclipped<S32_128>(
-            lpc, len, [&](int n) { return n + 4 <= len ? loadFour(x + n) : loadFew(x + n, len - n); },
-            [&](int n) { return earlier(mem, n); }, [&](S32_128 four, int n) { storeFour(packSat(four, four), y + n); }));
+            lpc, len, [&](int n) { return fourOf(x, n, len); }, [&](int n) { return earlier(mem, n); },
+            [&](S16_128 eight, int n) { storeOutputs(eight, y, n, len); }));
+    }
+
+    // Whether outputs that were made without clipping are right.
+    static bool areRight(const Vsp16s* lpc, Vsp16u largest) {
+        return largest < kMax16 && fits(magnitudes(lpc), largest, kShift);
     }
 
     // The same with sums that wrap; only the outputs are clipped. They are made in pairs: one 64-bit product holds what an
@@ -220,25 +272,29 @@ struct SynthesisFilter {
         return overflow;
     }
 
+    // What a block is made of, for the case that it has to be made again after its outputs have been stored.
+    struct Kept {
+        Vsp16s x[kBlock], mem[kOrder];
+        [[gnu::always_inline]] Kept(const Vsp16s* src, int len, const Vsp16s* past) {
+            int i = 0;
+            for (; i + 8 <= len; i += 8) S16_128::load(src + i).store(x + i);
+            for (; i < len; i++) x[i] = src[i];
+            for (i = 0; i < kOrder; i++) mem[i] = past[i];
+        }
+    };
+
     // dst may be src. mem: the outputs before dst[0], the newest last. Returns whether some step saturated. scaleFactor: at
     // most 15, and 0 or more but for exceptions.
     static bool run(const Vsp16s* lpc, const Vsp16s* src, Vsp16s* dst, Vsp32s len, int scaleFactor, const Vsp16s* mem) {
-        const int lpcMagnitude = magnitudes(lpc);
-        Vsp16s blocks[2][kBlock];
-        const Vsp16s* past = mem;
         bool overflow = false;
-        for (int b = 0; len > 0; len -= kBlock, b ^= 1) {
-            const Vsp32s count = len < kBlock ? len : kBlock;
-            Vsp16s* const y = blocks[b];
-            const Vsp32u largest = scaleFactor == kShift ? filterOne(lpc, src, past, y, count) : Vsp32u(-1);
-            if (largest > Vsp32u(kMax16) || !fits(lpcMagnitude, largest, kShift))
-                overflow |= filterAnyhow(lpc, lpcMagnitude, src, past, y, count, scaleFactor);
-            int i = 0;
-            for (; i + 4 <= count; i += 4) storeFour(fourAt(y + i), dst + i);  // as they were stored
-            for (; i < count; i++) dst[i] = y[i];
-            past = y + kBlock - kOrder;
+        for (; len > 0; len -= kBlock) {
+            const int count = len < kBlock ? len : kBlock;
+            const Kept kept(src, count, mem);
+            const bool right = scaleFactor == kShift && areRight(lpc, filterOne(lpc, src, mem, dst, count));
+            if (!right) overflow |= filterAnyhow(lpc, magnitudes(lpc), kept.x, kept.mem, dst, count, scaleFactor);
             src += count;
             dst += count;
+            mem = dst - kOrder;
         }
         return overflow;
     }
@@ -247,28 +303,22 @@ struct SynthesisFilter {
     // the place of the signals.
     static void runTwo(const Vsp16s* lpc, Vsp16s* a, const Vsp16s* memOfA, Vsp16s* b, const Vsp16s* memOfB) {
 #if defined(__AVX2__)
-        Vsp16s y[2][kBlock];
+        const Kept keptA(a, kBlock, memOfA), keptB(b, kBlock, memOfB);
         const auto both = [](S32_128 ofA, S32_128 ofB) { return S32_256{_mm256_set_m128i(ofB.v, ofA.v)}; };
-        const S32_256 largest = filterUnclipped<S32_256>(
+        const S16_256 largest = filterUnclipped<S32_256>(
             lpc, kBlock, [&](int n) { return both(loadFour(a + n), loadFour(b + n)); },
             [&](int n) { return both(earlier(memOfA, n), earlier(memOfB, n)); },
-            [&](S32_256 four, int n) {
-                const S16_256 narrow = packSat(four, four);
-                storeFour({_mm256_castsi256_si128(narrow.v)}, y[0] + n);
-                storeFour({_mm256_extracti128_si256(narrow.v, 1)}, y[1] + n);
+            [&](S16_256 eight, int n) {
+                S16_128{_mm256_castsi256_si128(eight.v)}.store(a + n);
+                S16_128{_mm256_extracti128_si256(eight.v, 1)}.store(b + n);
             });
-        const Vsp32u most =
-            largestU(maxU(S32_128{_mm256_castsi256_si128(largest.v)}, S32_128{_mm256_extracti128_si256(largest.v, 1)}));
-        if (most <= Vsp32u(kMax16) && fits(magnitudes(lpc), most, kShift)) {
-            for (int i = 0; i < kBlock; i += 4) {
-                storeFour(fourAt(y[0] + i), a + i);
-                storeFour(fourAt(y[1] + i), b + i);
-            }
-            return;
-        }
-#endif
+        if (areRight(lpc, largestU(foldMaxU(largest)))) return;
+        run(lpc, keptA.x, a, kBlock, kShift, keptA.mem);
+        run(lpc, keptB.x, b, kBlock, kShift, keptB.mem);
+#else
         run(lpc, a, a, kBlock, kShift, memOfA);
         run(lpc, b, b, kBlock, kShift, memOfB);
+#endif
     }
 };
 

@@ -1,5 +1,6 @@
 // The post-filter of Annex A (G.729 A.4.2).
 #include "common/inv_sqrt.h"
+#include "common/synthesis.h"
 #include "core/checks.h"
 #include "core/state_size.h"
 #include "g729/constants.h"
@@ -92,6 +93,28 @@ void longTerm(const Vsp16s* residual, int lag, Vsp16s* dst) {
     for (int i = 0; i < kL_subfr; i++) dst[i] = residual[i];
 }
 
+// The response of which the tilt compensation takes the tilt, by eights. numerator: zeros behind the taps.
+class TiltResponse {
+  public:
+    [[gnu::always_inline]] TiltResponse(const Vsp16s (&numerator)[kTiltRoom], const Vsp16s* denominator)
+        : denominator_(denominator),
+          outputs_(
+              denominator, kTiltResponse, [&](int n) { return loadFour(numerator + n); },
+              [](int) { return S32_128::splat(0); }, inputs_) {}
+    [[gnu::always_inline]] void nextEight(Vsp16s* h) {
+        outputs_.nextEight(inputs_ + done_ / 4 + 1, kTiltResponse - done_).store(h);
+        done_ += 8;
+    }
+    bool isRight() const { return Filter::areRight(denominator_, largestU(outputs_.largest())); }
+
+  private:
+    using Filter = SynthesisFilter<10>;
+    const Vsp16s* denominator_;
+    S32_128 inputs_[7];
+    Filter::Unclipped<S32_128> outputs_;
+    int done_ = 0;
+};
+
 // The energy of the input, followed slowly (G.729 A.4.2.4).
 void controlGain(const Vsp16s* input, Vsp16s* output, Vsp16s& gain) {
     const Vsp32s out = saturatedDouble(quarterEnergy(output));
@@ -136,9 +159,11 @@ VspStatus vspsPostFilter_G729A_16s(const Vsp16s* pSyn, const Vsp16s* pLPC, Vsp16
     Vsp16s numerator[kTiltRoom] = {}, denominator[11], h[kTiltRoom] = {};
     kNumerator.weight(pLPC, numerator);
     kDenominator.weight(pLPC, denominator);
-    impulseResponse<10>(numerator, denominator, kTiltResponse, h);  // waits for itself while the rest goes on
+    TiltResponse response(numerator, denominator);  // waits for itself while the rest goes on
+    response.nextEight(h);
     ResidualHistory<kPitMax> residual(state.residual);
     ownResidual(pSyn, numerator, 10, residual.now, kL_subfr, 12);
+    response.nextEight(h + 8);
 
     Vsp16s signal[1 + kL_subfr];
     Vsp16s* const x = signal + 1;
@@ -148,6 +173,9 @@ VspStatus vspsPostFilter_G729A_16s(const Vsp16s* pSyn, const Vsp16s* pLPC, Vsp16
         for (int n = 0; n < kL_subfr; n++) x[n] = residual.now[n];
     }
     residual.keep(state.residual);
+    response.nextEight(h + 16);
+    if (!response.isRight()) [[unlikely]]
+        impulseResponse<10>(numerator, denominator, kTiltResponse, h);
 
     const Vsp16s factor = responseTilt(h);
     Vsp16s compensated[kL_subfr], output[kL_subfr];
