@@ -3,7 +3,7 @@
 #include "g728/block_float.h"
 #include "g728/exports.h"
 #include "g728/tables.h"
-#include "vector/dot.h"
+#include "vector/simd.h"
 
 namespace vsp::VSP_LEVEL {
 
@@ -13,31 +13,7 @@ namespace {
 
 constexpr int kMaxOrder = 50, kShortOrder = 10, kLowestScale = 13, kHighestScale = 15;
 
-// The elements moved up by one, the first one taken from the end of `before`.
-#if defined(__AVX2__)
-VSP_INLINE S16_256 movedUp(S16_256 a, S16_256 before) {
-    return {_mm256_alignr_epi8(a.v, _mm256_permute2x128_si256(before.v, a.v, 0x21), 14)};
-}
-#else
-VSP_INLINE S16_128 movedUp(S16_128 a, S16_128 before) { return {_mm_alignr_epi8(a.v, before.v, 14)}; }
-#endif
-
 using V = Sliding16;
-
-template <int kLanes>
-struct Lanes {
-    static constexpr int kCount = kLanes / V::width;
-    V v[kCount];
-
-    [[gnu::always_inline]] explicit Lanes(const Vsp16s* x) {
-        for (int n = 0; n < kCount; n++) v[n] = V::load(x + n * V::width);
-    }
-    [[gnu::always_inline]] void store(Vsp16s* x) const {
-        for (int n = 0; n < kCount; n++) v[n].store(x + n * V::width);
-    }
-    [[gnu::always_inline]] V before(int n) const { return n > 0 ? v[n - 1] : V::splat(0); }
-};
-
 constexpr int kPadded = 64;
 
 struct OneElement {
@@ -50,16 +26,65 @@ constexpr OneElement oneElement() {
 }
 constexpr OneElement kOneAt = oneElement();  // from kPadded - i on, all bits of element i
 
+VSP_INLINE F64_128 mulAdd(F64_128 a, F64_128 b, F64_128 c) {
+#if defined(__FMA__)
+    return {_mm_fmadd_pd(a.v, b.v, c.v)};
+#else
+    return add(mul(a, b), c);
+#endif
+}
+
+// The elements moved up by one, the first one taken from the end of `before`.
+VSP_INLINE S16_128 movedUp(S16_128 a, S16_128 before) { return {_mm_alignr_epi8(a.v, before.v, 14)}; }
+VSP_IF_256(VSP_INLINE S16_256 movedUp(S16_256 a, S16_256 before) {
+    return {_mm256_alignr_epi8(a.v, _mm256_permute2x128_si256(before.v, a.v, 0x21), 14)};
+})
+
+// The sums of the elements of a and of b, by turns, where two more have those of others; they wrap.
+VSP_INLINE S32_128 sumsByTurns(S32_128 a, S32_128 b, S32_128 others) {
+    const S32_128 two = add(add(zipLo(a, b), others), zipHi(a, b));
+    return add(two, S32_128{_mm_shuffle_epi32(two.v, 0x4E)});
+}
+VSP_IF_256(VSP_INLINE S32_128 sumsByTurns(S32_256 a, S32_256 b, S32_128 others) {
+    const __m256i four = add(zipLo(a, b), zipHi(a, b)).v;
+    const S32_128 lower = add(S32_128{_mm256_castsi256_si128(four)}, others);
+    const S32_128 two = add(lower, S32_128{_mm256_extracti128_si256(four, 1)});
+    return add(two, S32_128{_mm_shuffle_epi32(two.v, 0x4E)});
+})
+
+// About the reciprocal of an integer in the first element.
+VSP_INLINE F64_128 reciprocalEstimate(S64_128 integer, F64_128 a) {
+#if defined(__AVX512VL__)
+    (void)integer;
+    return {_mm_rcp14_pd(a.v)};
+#else
+    (void)a;
+    return {_mm_cvtps_pd(_mm_rcp_ps(_mm_cvtepi32_ps(integer.v)))};
+#endif
+}
+
 // The filter of one order after the other. Behind its coefficients are zeros.
-struct Recursion {
-    alignas(64) Vsp16s a[kPadded], reversed[kPadded];  // reversed[j] is a[order - 1 - j]
+class Recursion {
+  public:
+    Vsp16s a[kPadded];
     int order, alpha;
     int halvings;  // of the filter, to keep it within 16 bits: Q15 - halvings
 
-    void start(const Vsp16s* filter, int filterOrder) {
-        order = filterOrder;
-        for (int j = 0; j < kPadded; j++) a[j] = reversed[j] = 0;
-        for (int j = 0; j < order; j++) a[j] = reversed[order - 1 - j] = filter[j];
+    // For lags up to the highest one.
+    Recursion(const Vsp16s* r, int highest) : first_(r[1]) {
+        using Eight = S16_128;
+        Eight smallest = Eight::splat(first_);
+        const auto take = [&](Eight x, int j) {
+            smallest = min(smallest, x);
+            x.store(later_ + j);
+        };
+        int j = 0;
+        for (; j + Eight::width < highest; j += Eight::width) take(Eight::load(r + 2 + j), j);
+        Vsp16s rest[Eight::width] = {};
+        for (int i = 0; j + i + 1 < highest; i++) rest[i] = r[2 + j + i];
+        take(Eight::load(rest), j);
+        for (j += Eight::width; j < kPadded; j += Eight::width) take(Eight::splat(0), j);
+        exact_ = _mm_movemask_epi8(_mm_cmpeq_epi16(smallest.v, Eight::splat(kMin16).v)) != 0;
     }
 
     bool first(const Vsp16s* r) {
@@ -68,16 +93,155 @@ struct Recursion {
         const Vsp32u q = magnitude >= r[0] ? 0xFFFF : (Vsp32u(magnitude) << 16) / Vsp32u(r[0]);
         const Vsp64s k = roundHigh(Vsp64s(q) << 15);
         const Vsp16s reflection = Vsp16s(r[1] > 0 ? -k : k);
-        start(&reflection, 1);
-        alpha = int(roundHigh(r[0] * 0x10000LL + 2 * reflection * Vsp64s(r[1])));
-        halvings = 0;
+        start(&reflection, 1, int(roundHigh(r[0] * 0x10000LL + 2 * reflection * Vsp64s(r[1]))), 0);
         return true;
     }
 
-    // All coefficients plus half k times those of the reverse order, pair after pair; at one that leaves 16 bits all are
-    // halved, at most twice.
-    [[gnu::noinline]] bool addReverseHalving(int half) {
-        const Vsp64s k = 2 * half;
+    void start(const Vsp16s* filter, int filterOrder, int filterAlpha, int filterHalvings) {
+        order = filterOrder;
+        alpha = filterAlpha;
+        halvings = filterHalvings;
+        for (int j = 0; j < kPadded; j++) a[j] = reversed_[j] = 0;
+        for (int j = 0; j < order; j++) a[j] = reversed_[order - 1 - j] = filter[j];
+        prepare();
+    }
+
+    // Up to another order, at most kLanes.
+    template <int kLanes>
+    bool advance(int to) {
+        while (order < to) {
+            if (!exact_) advanceInVectors<kLanes>(to);
+            if (order < to && !advanceExactly()) return false;
+        }
+        return true;
+    }
+
+  private:
+    // An integer added to it is in the lower bits of the sum.
+    static constexpr Vsp64f kRounding = 6755399441055744.0;  // 1.5 * 2^52
+
+    // What the next stage starts from: the sum of products, in units of the numerator, and about its upper half, by turns;
+    // the largest legal numerator, 2^15 alpha + 2^14, and the reciprocal of alpha; the unit of the filter.
+    struct Stage {
+        S32_128 sums, most;
+        S64_128 energy;
+        F64_128 reciprocal, unit;
+    };
+
+    // Of the first element, times minus one half: the quotient of numbers of 16 bits is rounded to the nearest, in the
+    // middle away from zero. For that it has a surplus that is more than the error, which is the third power of that of the
+    // estimate, and less than what separates any other quotient from the middle.
+    static F64_128 reciprocalOf(S64_128 integer) {
+        const F64_128 a{_mm_cvtepi32_pd(integer.v)}, estimate = reciprocalEstimate(integer, a);
+        constexpr Vsp64f kMinusHalf = -32768.0 * (1.0 + 1.0 / (1LL << 33));
+        const F64_128 error = mulAdd(sub(F64_128::splat(0.0), a), estimate, F64_128::splat(1.0));
+        const F64_128 half = mul(estimate, F64_128::splat(kMinusHalf));
+        return mulAdd(half, mulAdd(error, error, error), half);
+    }
+
+    Vsp16s reversed_[kPadded];       // reversed_[j] is a[order - 1 - j]
+    Vsp16s first_, later_[kPadded];  // later_[j] is r[j + 2]
+    bool exact_;                     // a product of two lags and coefficients may wrap
+    Stage stage_;
+
+    // Stage after stage as advanceExactly(), in vectors and with a reciprocal that is there in time, up to one in which
+    // something leaves its range.
+    template <int kLanes>
+    [[gnu::noinline]] void advanceInVectors(int to) {
+        constexpr int kWidth = V::width, kCount = kLanes / kWidth;
+        constexpr int kMostHigh = kMax16 - kPadded;  // what is cut off of the upper halves is less
+        const S16_128 one{_mm_cvtsi32_si128(Vsp16u(first_))};
+        V f[kCount], b[kCount];
+        for (int n = 0; n < kCount; n++) f[n] = V::load(a + n * kWidth);
+        for (int n = 0; n < kCount; n++) b[n] = V::load(reversed_ + n * kWidth);
+        S32_128 sums = stage_.sums, most = stage_.most;
+        S64_128 energy = stage_.energy;
+        F64_128 reciprocal = stage_.reciprocal;
+        const F64_128 unit = stage_.unit;
+        const S32_128 mostHigh = vectorOf({kMax32, kMostHigh, kMax32, kMostHigh});
+        const __m128i shift = _mm_cvtsi32_si128(15 - halvings);
+        int i = order;
+        for (; i < to; i++) {
+            const S32_128 h{_mm_sra_epi32(sums.v, shift)};
+            const F64_128 numerator{_mm_cvtepi32_pd(h.v)};
+            const F64_128 quotient = mulAdd(numerator, reciprocal, F64_128::splat(kRounding));
+            const F64_128 newest = mulAdd(mul(numerator, unit), reciprocal, F64_128::splat(kRounding));
+            const S64_128 half{_mm_castpd_si128(quotient.v)};
+            const V k = splatFirst<V>(S16_128{half.v});
+            const S64_128 newEnergy = add(energy, mulLo(half, S64_128{h.v})), newAlpha = shrU(newEnergy, 15);
+
+            V moved[kCount], extreme = V::splat(0);
+            Wide<V> total, totalHigh;
+            for (int n = 0; n < kCount; n++) {
+                moved[n] = addSat(b[n], mulRoundWrap(k, f[n]));
+                const Wide<V> products = dot2(moved[n], V::load(later_ + n * kWidth)), upper = shr(products, 16);
+                total = n == 0 ? products : add(total, products);
+                totalHigh = n == 0 ? upper : add(totalHigh, upper);
+            }
+            const S16_128 last = splatFirst<S16_128>(S16_128{_mm_castpd_si128(newest.v)});
+            const V lastEverywhere = splatFirst<V>(last);
+            const int lag = (later_[i] * 0x10000 | 0x8000) >> (1 + halvings);
+            const S32_128 others = add(dot2(last, one), S32_128{_mm_cvtsi32_si128(lag)});
+            for (int n = 0; n < kCount; n++) {
+                f[n] = addSat(f[n], mulRoundWrap(k, b[n]));
+                extreme = maxU(extreme, magnitude(f[n]));
+            }
+            const __m128i illegal =
+                _mm_cmpgt_epi32(magnitude(h).v, most.v) | _mm_cmpgt_epi32(magnitude(sums).v, mostHigh.v);
+            const auto outside = shrU(add(extreme, V::splat(1)), 15);
+            if (anyBit(Wide<V>{outside.v}) || anyBit(S32_128{illegal})) break;
+            for (int n = 0; n < kCount; n++) f[n].v |= lastEverywhere.v & V::load(kOneAt.bits + kPadded - i + n * kWidth).v;
+            for (int n = 0; n < kCount; n++) b[n] = movedUp(moved[n], n > 0 ? moved[n > 0 ? n - 1 : 0] : lastEverywhere);
+            sums = sumsByTurns(total, totalHigh, zipLo(others, shr(others, 16)));
+            reciprocal = reciprocalOf(newAlpha);
+            most.v = add(newAlpha, S64_128::splat((Vsp64s(kMax32) << 32) - 1)).v;
+            energy = {(newEnergy.v & S64_128::splat(~0x7FFFLL).v) | S64_128::splat(0x4000).v};
+        }
+        for (int n = 0; n < kCount; n++) b[n].store(reversed_ + n * kWidth);
+        order = i;
+        alpha = int(_mm_cvtsi128_si64(energy.v) >> 15);
+        if (order == to)
+            for (int n = 0; n < kCount; n++) f[n].store(a + n * kWidth);
+        else
+            for (int j = 0; j < order; j++) a[j] = reversed_[order - 1 - j];
+        stage_ = {sums, most, energy, reciprocal, unit};
+    }
+
+    Vsp64s sumOfProducts() const {
+        Vsp64s sum = order > 0 ? first_ * a[order - 1] : 0;
+        for (int j = 1; j < order; j++) sum += later_[j - 1] * a[order - 1 - j];
+        return sum;
+    }
+
+    void prepare() {
+        const Vsp64s sum = sumOfProducts() + ((later_[order - 1] * 0x10000LL + 0x8000) >> (1 + halvings));
+        const Vsp32s low = Vsp32s(sum), high = Cnvrt_64s32s(sum >> 16);
+        stage_ = {vectorOf({low, high, low, high}), vectorOf({alpha - 1, kMax32, alpha - 1, kMax32}),
+                  S64_128::splat(alpha * 0x8000LL + 0x4000), reciprocalOf(S64_128::splat(alpha)),
+                  F64_128::splat(1.0 / (1 << halvings))};
+    }
+
+    // One stage by its definition.
+    [[gnu::noinline]] bool advanceExactly() {
+        if (alpha <= 0) return false;
+        const Vsp64s h = (later_[order - 1] * 0x10000LL + (sumOfProducts() << (1 + halvings)) + 0x8000) >> 16;
+        const Vsp64s size = h < 0 ? -h : h;
+        if (size >= alpha) return false;
+        const Vsp64s quotient = (size << 16) / alpha, magnitude = roundHigh(quotient << 15);
+        const Vsp64s k = h > 0 ? -2 * magnitude : 2 * magnitude;
+        alpha = int((alpha * 0x10000LL + 0x8000 + k * h) >> 16);
+        if (!addReverse(k)) return false;
+        const Vsp64s last = roundHigh(quotient << 15 >> halvings);
+        a[order] = Vsp16s(h > 0 ? -last : last);
+        order++;
+        for (int j = 0; j < order; j++) reversed_[j] = a[order - 1 - j];
+        prepare();
+        return true;
+    }
+
+    // All coefficients plus k times those of the reverse order, pair after pair; at one that leaves 16 bits all are halved,
+    // at most twice.
+    bool addReverse(Vsp64s k) {
         for (int j = 0; 2 * j <= order - 1; j++) {
             Vsp16s &f = a[j], &g = a[order - 1 - j];
             Vsp64s x = f * 0x10000LL + k * g, y = g * 0x10000LL + k * f;
@@ -89,65 +253,6 @@ struct Recursion {
             f = Vsp16s(roundHigh(x));
             g = Vsp16s(roundHigh(y));
         }
-        return true;
-    }
-
-    // Up to another order, at most kLanes. lags[j] is r[j + 1], with zeros behind. The recursion waits for one quotient
-    // after the other, so all else is done beside: the reverse filter b moves up before
-    // half k is known, and the reciprocal of alpha is there when the sum of products is.
-    template <int kLanes>
-    bool advance(const Vsp16s* lags, int to) {
-        if (order >= to) return true;
-        using L = Lanes<kLanes>;
-        L f(a), b(reversed), r(lags);
-        const auto lastOf = [&](Vsp64s quotient, Vsp64s h) {
-            const int last = int(roundHigh((quotient >> 30 << 15) >> halvings));
-            return Vsp16s(h > 0 ? -last : last);
-        };
-        for (; order < to; order++) {
-            const L behind(kOneAt.bits + kPadded - order);
-            const V foremost = V::load(kOneAt.bits + kPadded);
-            L upF = f, upB = b;
-            auto products = biasedProducts(r.v[0], b.v[0]);
-            for (int n = 1; n < L::kCount; n++) products = add(products, biasedProducts(r.v[n], b.v[n]));
-            for (int n = 0; n < L::kCount; n++) {
-                upF.v[n] = movedUp(f.v[n], f.before(n));
-                upB.v[n] = movedUp(b.v[n], b.before(n));
-            }
-            if (alpha <= 0) return false;
-            // floor(n / alpha) for n < 2^31 is this times n / 2^46, rounded down
-            const Vsp64s inverse = Vsp64s((1ULL << 46) / Vsp32u(alpha)) + 1;
-            const int scale = 1 + halvings;
-            const Vsp64s rest = lags[order] * 0x10000LL + 0x8000 - (Vsp64s(kLanes / 2) * kDotBias << scale);
-            const Vsp64s h = ((sum(products) << scale) + rest) >> 16, size = h < 0 ? -h : h;
-            if (size >= alpha) return false;
-            // half the quotient of -h and alpha, its magnitude rounded to the nearest, upwards in the middle
-            const int half = int(((1LL << 30) - (h > 0) - h * inverse) >> 31);
-            const Vsp64s rounded = alpha * 0x10000LL + 0x8000 + 2 * half * h;  // no more than alpha was
-            if (rounded <= 0x8000) return false;
-            alpha = int(rounded >> 16);
-
-            const V k = V::splat(Vsp16s(half)), last = V::splat(halvings == 0 ? Vsp16s(half) : lastOf(size * inverse, h));
-            const L old = f;
-            V extreme = V::splat(0);
-            for (int n = 0; n < L::kCount; n++) {
-                f.v[n] = addSat(f.v[n], mulRoundWrap(k, b.v[n]));
-                extreme = maxU(extreme, magnitude(f.v[n]));
-                f.v[n].v |= last.v & behind.v[n].v;
-                b.v[n] = addSat(upB.v[n], mulRoundWrap(k, upF.v[n]));
-                if (n == 0) b.v[n].v |= last.v & foremost.v;
-            }
-            if (anyBit(Wide<V>{shrU(add(extreme, V::splat(1)), 15).v})) {  // perhaps one leaves 16 bits
-                old.store(a);
-                if (!addReverseHalving(half)) return false;
-                a[order] = lastOf(size * inverse, h);
-                f = L(a);
-                for (int j = 0; j <= order; j++) reversed[j] = a[order - j];
-                b = L(reversed);
-            }
-        }
-        f.store(a);
-        b.store(reversed);
         return true;
     }
 };
@@ -178,28 +283,24 @@ VspStatus vspsLevinsonDurbin_G728_16s_ISfs(const Vsp16s* r, Vsp32s from, Vsp32s 
     if (from > 0 && (*pScale < kLowestScale || *pScale > kHighestScale)) return vspStsScaleRangeErr;
 
     constexpr int kFirstPart = 10;  // a failure behind it leaves that filter
-    Recursion filter, kept;
-    if (from == 0) {
-        if (!filter.first(r)) return vspStsLevinsonErr;
-    } else {
-        filter.start(pSrcDst, from);
-        filter.alpha = *pAlpha;
-        filter.halvings = kHighestScale - *pScale;
-    }
+    Recursion filter(r, to);
+    if (from > 0)
+        filter.start(pSrcDst, from, *pAlpha, kHighestScale - *pScale);
+    else if (!filter.first(r))
+        return vspStsLevinsonErr;
     const Vsp16s rc1 = filter.a[0];
-    alignas(64) Vsp16s lags[kPadded];
-    for (int j = 0; j < kPadded; j++) lags[j] = j < to ? r[j + 1] : Vsp16s(0);
     const auto upTo = [to](int order) { return order < to ? order : to; };
-    if (!filter.advance<16>(lags, upTo(kFirstPart))) return vspStsLevinsonErr;
-    kept = filter;
-    const bool complete = filter.advance<16>(lags, upTo(16)) && filter.advance<32>(lags, upTo(32)) &&
-                          filter.advance<64>(lags, upTo(kMaxOrder));
+    if (!filter.advance<16>(upTo(kFirstPart))) return vspStsLevinsonErr;
+    Vsp16s kept[kFirstPart];
+    for (int i = 0; i < kFirstPart; i++) kept[i] = filter.a[i];
+    const int keptAlpha = filter.alpha, keptHalvings = filter.halvings;
+    const bool complete =
+        filter.advance<16>(upTo(16)) && filter.advance<32>(upTo(32)) && filter.advance<64>(upTo(kMaxOrder));
     if (!complete && from > kFirstPart) return vspStsOverflow;
-    if (!complete) filter = kept;
-    for (int i = 0; i < (complete ? to : kFirstPart); i++) pSrcDst[i] = filter.a[i];
+    for (int i = 0; i < (complete ? to : kFirstPart); i++) pSrcDst[i] = complete ? filter.a[i] : kept[i];
     if (from == 0) *pRC1 = rc1;
-    *pAlpha = Vsp16s(filter.alpha);
-    *pScale = Vsp16s(kHighestScale - filter.halvings);
+    *pAlpha = Vsp16s(complete ? filter.alpha : keptAlpha);
+    *pScale = Vsp16s(kHighestScale - (complete ? filter.halvings : keptHalvings));
     return complete ? vspStsNoErr : vspStsOverflow;
 }
 
