@@ -23,18 +23,51 @@ struct State {
 };
 static_assert(sizeof(State) == 176);
 
-// The lag of the strongest correlation, the smallest of several, of up to kMostLags, which are all looked at in vectors.
+// The sums of products of 100 elements with eight vectors, of which each begins one element later.
+void eightSums(const Vsp16s* x, const Vsp16s* z, Vsp32s* sum) {
+    using V = Sliding16;
+    constexpr int kWhole = kWindow / V::width * V::width, kFour = 4;
+    static_assert(kWindow - kWhole == kFour);
+    Wide<V> total[8];
+    S32_128 rest[8];
+    for (int n = 0; n < 8; n++) {
+        total[n] = dot2(V::load(x), V::load(z + n));
+        rest[n] = dot2(fourAt(x + kWhole), fourAt(z + n + kWhole));
+    }
+    for (int i = V::width; i < kWhole; i += V::width)
+        for (int n = 0; n < 8; n++) total[n] = add(total[n], dot2(V::load(x + i), V::load(z + n + i)));
+    for (int n = 0; n < 8; n += 4)
+        add(sums(total[n], total[n + 1], total[n + 2], total[n + 3]), sums(rest[n], rest[n + 1], rest[n + 2], rest[n + 3]))
+            .store(sum + n);
+}
+
+// The last of the largest ones of up to kMost values.
+template <int kMost>
+int lastLargest(const Vsp32s* x, int count) {
+    S32_128 largest = S32_128::load(x);
+    for (int i = 4; i < kMost; i += 4) largest = max(largest, S32_128::load(x + i));
+    largest = max(largest, S32_128{_mm_shuffle_epi32(largest.v, 0x4E)});
+    largest = max(largest, S32_128{_mm_shuffle_epi32(largest.v, 0xB1)});
+    Vsp32u equal = 0;
+    for (int i = 0; i < kMost; i += 4)
+        equal |= Vsp32u(_mm_movemask_ps(_mm_castsi128_ps(_mm_cmpeq_epi32(largest.v, S32_128::load(x + i).v)))) << i;
+    return 31 - __builtin_clz(equal & ((2U << (count - 1)) - 1));
+}
+
+// The lag of the strongest correlation, the smallest of several, of up to kMostLags, which are all looked at in vectors
+// where no sum leaves 32 bits.
 template <int kMostLags>
-int strongest(const Vsp16s* x, int len, int from, int to, Vsp32s* most) {
+int strongest(const Vsp16s* x, int len, int from, int to, bool fits, Vsp32s* most) {
     Vsp32s correlations[kMostLags];  // the largest lag first
-    const int last = to - from;
-    if (energy(x - to, to + len) <= kMax32)
-        correlate(x, len, x - to, correlations, kMostLags);
+    const int count = to - from + 1;
+    if (!fits)
+        for (int i = 0; i < count; i++) correlations[i] = Cnvrt_64s32s(dot(x, x - to + i, len));
+    else if (len == kWindow)
+        for (int i = 0; i < kMostLags; i += 8) eightSums(x, x - to + i, correlations + i);
     else
-        for (int i = 0; i <= last; i++) correlations[i] = Cnvrt_64s32s(dot(x, x - to + i, len));
-    int best = last;
-    for (int i = last - 1; i >= 0; i--)
-        if (correlations[i] > correlations[best]) best = i;
+        correlate(x, len, x - to, correlations, kMostLags);
+    for (int i = count; i < kMostLags; i++) correlations[i] = kMin32;
+    const int best = lastLargest<kMostLags>(correlations, count);
     *most = correlations[best];
     return to - best;
 }
@@ -85,26 +118,29 @@ VspStatus vspsPitchExtract_G728_16s(const Vsp16s* pResidual, Vsp16s* pPitch, voi
     State& s = *static_cast<State*>(pAdapter);
 
     for (int i = 0; i < kDecimated - kNewDecimated; i++) s.decimated[i] = s.decimated[i + kNewDecimated];
-    const Vsp16s* const x = pResidual + kResidual - kBlock;
+    static constexpr Vsp16s kLowPass[] = {18721, -3668, -3668, 18721};
+    Vsp32s sums[kBlock];
+    correlate(kLowPass, 4, pResidual + kResidual - kBlock - 3, sums, kBlock);
     Vsp16s* const y = s.lowPass;  // the newest last
     for (int n = 0; n < kBlock; n++) {
-        Vsp64s t = (18721LL * (x[n] + x[n - 3]) - 3668LL * (x[n - 1] + x[n - 2])) >> 6;
-        t -= -19172LL * y[2] + 16481LL * y[1] - 5031LL * y[0];
+        const Vsp32s t = (sums[n] >> 6) + 19172 * y[2] - 16481 * y[1] + 5031 * y[0];
         y[0] = y[1], y[1] = y[2];
-        y[2] = roundQ14(2 * t);
+        y[2] = sat16((t + 0x1000) >> 13);
         if (n % kDecimation == kDecimation - 1) s.decimated[kDecimated - kNewDecimated + n / kDecimation] = y[2];
     }
 
     Vsp32s c1, c2;
-    const int coarse = strongest<32>(s.decimated + kDecimated - kDecimatedWindow, kDecimatedWindow, 5, 35, &c1);
+    const bool decimatedFit = energy(s.decimated, kDecimated) <= kMax32, fit = energy(pResidual, kResidual) <= kMax32;
+    const int coarse =
+        strongest<32>(s.decimated + kDecimated - kDecimatedWindow, kDecimatedWindow, 5, 35, decimatedFit, &c1);
     const auto from = [](int lag) { return lag > kMinPitch ? lag : kMinPitch; };
     const auto to = [](int lag) { return lag < kMaxPitch ? lag : kMaxPitch; };
     const Vsp16s* const newest = pResidual + kResidual - kWindow;
     const int reach = kDecimation - 1, centre = kDecimation * coarse;
-    int pitch = strongest<16>(newest, kWindow, from(centre - reach), to(centre + reach), &c1);
+    int pitch = strongest<8>(newest, kWindow, from(centre - reach), to(centre + reach), fit, &c1);
     const int old = *pPitch;
     if (old + kNear < pitch) {
-        const int nearOld = strongest<16>(newest, kWindow, from(old - kNear), old + kNear, &c2);
+        const int nearOld = strongest<16>(newest, kWindow, from(old - kNear), old + kNear, fit, &c2);
         if (prefersOld(newest, pitch, c1, nearOld, c2)) pitch = nearOld;
     }
     *pPitch = Vsp16s(pitch);
