@@ -12,6 +12,12 @@
  *
  * It finds the pure delay before the echo path by itself, keeps its filters while both ends talk, makes no line without an
  * echo louder, and steps aside for a modem. The output lags behind the near end, see vspvEchoCancellerLatency.
+ *
+ * Whatever the signals, the output is never more than 1 dB louder than the near end over any 100 ms, but for the rounding
+ * of samples. There is one exception: two voices that cancel each other are together quieter than one of them alone. So in
+ * sub-bands, the output may be up to 4 dB louder while the filters have had nothing to learn for seconds and still quiet
+ * more bands than they make louder. Where an estimate would make the output louder than that, less of it is subtracted;
+ * then the output is turned down.
  */
 #ifndef VSPSVOICE_ECHO_CANCELLER_H
 #define VSPSVOICE_ECHO_CANCELLER_H
@@ -25,7 +31,7 @@ extern "C" {
 /** How the echo is estimated. */
 enum {
     vspvEchoSubband = 0, /**< complex sub-bands, a short filter in each: long paths at little cost, late by 110 ms */
-    vspvEchoFullband = 1 /**< one long adaptive filter of the signal, late by 5 ms */
+    vspvEchoFullband = 1 /**< one long adaptive filter of the signal, late by 20 ms */
 };
 
 /** With which functions of vspsc.h. */

@@ -36,7 +36,7 @@ class EchoCanceller:
         Args:
             rate: sampling rate, 8000 or 16000 Hz
             tail_ms: longest echo path, 1 to 500 ms, without the pure delay before it
-            engine: "subband", late by 110 ms, or "fullband", late by 5 ms at a higher cost
+            engine: "subband", late by 110 ms, or "fullband", late by 20 ms at a higher cost
             arithmetic: "float" or "fixed"
             max_delay_ms: the pure delay is searched up to here, 0 to 1000 ms
             tone_disabling: whether it steps aside for modems

@@ -15,6 +15,7 @@ namespace vspv {
 namespace {
 
 constexpr int kBlockRate = 200;  // blocks a second, for each of which a step size is found
+constexpr int kBlocksAhead = 3;  // for which the output waits, to see what the near end will be
 
 // Speech falls off towards high frequencies, and where there is little power an NLMS filter learns slowly. Both signals go
 // through a first difference that evens that out, and the output through its inverse. The gain keeps it in 16 bits.
@@ -32,9 +33,10 @@ class FullbandCanceller {
           taps_(std::max(1, static_cast<int>(c.tailMs * rate_ / 1000))),
           maxDelay_(static_cast<int>(c.maxBulkDelayMs * rate_ / 1000)),
           farIn_(memory.take<Sample>(block_)),
-          nearIn_(memory.take<Sample>(block_)),
+          nearIn_(memory.take<Sample>((kBlocksAhead + 1) * block_)),
           near_(memory.take<Sample>(block_)),
           error_(memory.take<Sample>(block_)),
+          echoes_(memory.take<float>((kBlocksAhead + 1) * block_)),
           echo_(memory.take<float>(block_)),
           out_(memory.take<Sample>(block_)),
           steps_(memory.take<typename Arithmetic::FullbandStep>(block_)),
@@ -44,7 +46,7 @@ class FullbandCanceller {
           controller_(takeController(memory)),
           farActivity_((maxDelay_ + taps_) / block_ + 1),
           presence_(kBlockRate),
-          guard_(rate_),
+          guard_(rate_, kBlocksAhead * block_),
           enhancement_(kBlockRate) {
         if (!memory.measures()) Arithmetic::initFullbandController(controller_, taps_, block_, rate_);
         if (c.toneDisabling != 0) tone_.emplace(rate_, block_, memory);
@@ -52,14 +54,14 @@ class FullbandCanceller {
             bulkDelay_.emplace(bankShape(rate_), maxDelay_ / frame_, static_cast<int>(tapEnergy_.size()), rate_, memory);
     }
 
-    int latency() const { return block_; }
+    int latency() const { return (kBlocksAhead + 1) * block_; }
     VspvEchoStatus status() const { return status_; }
 
     template <class Outside>
     void process(const Outside* far, const Outside* near, Outside* out, int len) {
         for (int i = 0; i < len; i++) {
             farIn_[filled_] = Arithmetic::sample(fromOutside(far[i]));
-            nearIn_[filled_] = Arithmetic::sample(fromOutside(near[i]));
+            newestNear()[filled_] = Arithmetic::sample(fromOutside(near[i]));
             toOutside(static_cast<float>(out_[filled_]), out[i]);
             if (++filled_ < farIn_.size()) continue;
             processBlock();
@@ -74,6 +76,7 @@ class FullbandCanceller {
         return reinterpret_cast<typename Arithmetic::FullbandControllerState*>(memory.take<Vsp8u>(size).data());
     }
     int delay() const { return bulkDelay_ ? bulkDelay_->samples() : 0; }
+    Sample* newestNear() { return nearIn_.data() + kBlocksAhead * block_; }
     Sample* newest() { return far_.data() + maxDelay_ + taps_; }
     Sample* reference() { return newest() - delay(); }
 
@@ -90,12 +93,12 @@ class FullbandCanceller {
     }
 
     void processBlock() {
-        if (tone_) tone_->process(farIn_.data(), nearIn_.data(), block_);
+        if (tone_) tone_->process(farIn_.data(), newestNear(), block_);
         const bool disabled = tone_ && tone_->disabled();
         std::copy(far_.begin() + block_, far_.end(), far_.begin());
         for (std::size_t n = 0; n < farIn_.size(); n++) {
             newest()[n] = emphasise(farIn_[n], lastFar_);
-            near_[n] = emphasise(nearIn_[n], lastNear_);
+            near_[n] = emphasise(newestNear()[n], lastNear_);
         }
         const double step = cancel(!disabled);
         presence_.update(static_cast<float>(energy(near_.data(), block_)),
@@ -130,16 +133,21 @@ class FullbandCanceller {
     }
 
     void subtract(bool disabled, double step) {
+        float* const newestEcho = echoes_.data() + kBlocksAhead * block_;
         for (std::size_t n = 0; n < out_.size(); n++) {
             lastEcho_ =
                 (static_cast<float>(near_[n]) - static_cast<float>(error_[n])) / kEmphasisGain + kEmphasis * lastEcho_;
-            echo_[n] = lastEcho_;
+            newestEcho[n] = lastEcho_;
         }
-        guard_.limit(std::span<const Sample>(nearIn_), echo_, step);
+        const std::span<const Sample> near(nearIn_.data(), out_.size());
+        guard_.expect(std::span<const Sample>(newestNear(), out_.size()));
+        std::copy_n(echoes_.begin(), out_.size(), echo_.begin());
         if (disabled) std::fill(echo_.begin(), echo_.end(), 0.0f);
-        for (std::size_t n = 0; n < out_.size(); n++)
-            out_[n] = Arithmetic::sample(static_cast<float>(nearIn_[n]) - echo_[n]);
-        enhancement_.update<Sample>(nearIn_, out_);
+        guard_.limit(near, echo_, step);
+        for (std::size_t n = 0; n < out_.size(); n++) out_[n] = Arithmetic::sample(static_cast<float>(near[n]) - echo_[n]);
+        enhancement_.update(near, std::span<const Sample>(out_));
+        std::copy(nearIn_.begin() + block_, nearIn_.end(), nearIn_.begin());
+        std::copy(echoes_.begin() + block_, echoes_.end(), echoes_.begin());
     }
 
     void followDelay() {
@@ -173,7 +181,7 @@ class FullbandCanceller {
 
     int rate_, block_, frame_, taps_, maxDelay_;
     std::span<Sample> farIn_, nearIn_, near_, error_;
-    std::span<float> echo_;
+    std::span<float> echoes_, echo_;
     std::span<Sample> out_;
     std::span<typename Arithmetic::FullbandStep> steps_;
     std::span<Sample> far_;  // emphasised, with its past

@@ -6,9 +6,9 @@
 // takes from it, for it has nothing in common with the estimate. A filter that learns fast follows whatever it hears; what
 // it removes then proves little.
 //
-// Until there is proof no millisecond gets louder. After it a stretch may get louder by a few milliseconds of the near
-// end's power, and by more of it once the filter has long been right: the sum of two voices is at times quieter than one of
-// them.
+// Until there is proof no millisecond gets louder. After it a stretch may get louder within the budget of any tenth of a
+// second (loudness_budget.h): the sum of two voices is at times quieter than one of them. Where the budget does not reach,
+// less of the estimate is subtracted, down to nothing, and then the output turned down; both in ramps over a millisecond.
 #pragma once
 
 #include <algorithm>
@@ -17,50 +17,59 @@
 #include <cstddef>
 #include <span>
 
-#include "echo/samples.h"
+#include "echo/loudness_budget.h"
 
 namespace vspv {
 
 class OutputGuard {
   public:
-    // Blocks come in whole milliseconds, up to 16.
-    explicit OutputGuard(int rate) : millisecond_(static_cast<std::size_t>(rate / 1000)) {}
+    // Blocks come in whole milliseconds, up to 16. ahead: samples that the near end is known ahead of a block.
+    OutputGuard(int rate, int ahead) : millisecond_(static_cast<std::size_t>(rate / 1000)) {
+        for (int i = 0; i < ahead / (rate / 1000); i++) budget_.expect(0);
+    }
+
+    // The near end, as soon as it is known.
+    template <class Sample>
+    void expect(std::span<const Sample> near) {
+        for (; !near.empty(); near = near.subspan(millisecond_)) budget_.expect(energy<Sample>(near.first(millisecond_)));
+    }
 
     // A block of the near end and of the echo estimated in it, which becomes what is subtracted. learning: the step size.
-    // residual: what else is to be subtracted, to the same extent; nothing if it is empty.
-    // future: the near end of the next tenth of a second, as far as it is known.
+    // residual: what else is to be subtracted; nothing if it is empty. trusted: a louder output is no sign of a wrong
+    // estimate.
     template <class Sample>
-    void limit(std::span<const Sample> near, std::span<float> echo, double learning, std::span<float> residual = {},
-               std::span<const Sample> future = {}) {
-        future_ = future.empty() ? kUnknown : meanSquare(future) * static_cast<double>(future.size());
-        std::array<Energies, kMostMilliseconds> each;
-        Energies all;
+    void limit(std::span<const Sample> near, std::span<float> echo, double learning, std::span<const float> residual = {},
+               bool trusted = false) {
         const std::size_t count = near.size() / millisecond_;
-        for (std::size_t i = 0; i < count; i++)
-            all += each[i] =
-                measure<Sample>(near.subspan(i * millisecond_, millisecond_), echo.subspan(i * millisecond_, millisecond_));
-        judge(all, static_cast<double>(near.size()), learning);
+        std::array<Energies, LoudnessBudget::kMostMilliseconds> each;
+        const auto measureEach = [&] {
+            Energies all;
+            for (std::size_t i = 0; i < count; i++)
+                all += each[i] = measureFinite(near.subspan(i * millisecond_, millisecond_),
+                                               echo.subspan(i * millisecond_, millisecond_));
+            return all;
+        };
+        judge(measureEach(), static_cast<double>(near.size()), learning);
+        if (!residual.empty()) {
+            for (std::size_t n = 0; n < echo.size(); n++) echo[n] += residual[n];
+            measureEach();
+        }
+        budget_.begin(static_cast<int>(count), trusted && proven());
         for (std::size_t i = 0; i < count; i++)
             limitMillisecond(near.subspan(i * millisecond_, millisecond_), echo.subspan(i * millisecond_, millisecond_),
-                             each[i], residual.empty() ? residual : residual.subspan(i * millisecond_, millisecond_));
+                             each[i]);
     }
 
     // The filter has been seen to remove echo.
     bool removing() const { return evidence_ >= kRemoving; }
 
   private:
-    // dB removed, times ms: when a share is subtracted, all of it, and when the filter is trusted in double talk.
-    static constexpr double kHopeful = 500, kRemoving = 1000, kProven = 2500, kTrusted = 4500, kMost = 6000;
-    static constexpr double kInaudible = 0.25, kFaint = 30;                        // powers of a sample
-    static constexpr double kShareOfFuture = 2;                                    // what may be added to it, at most
-    static constexpr double kSmoothing = 0.05, kPeakFall = 0.998, kForget = 0.98;  // in a millisecond
-    static constexpr double kQuiet = 0.003;                                        // of the peak
-    static constexpr double kLouder = 1.1;                                         // ratio of powers that is no matter
-    static constexpr double kTolerance = 8, kTrustedTolerance = 40;                // ms of the near end's power
-    static constexpr double kOffset = 0.01;                                        // in a block
-    static constexpr double kUnknown = 1e30;
-    static constexpr std::size_t kMostMilliseconds = 16;
-    static constexpr std::size_t kZeros = 3;  // samples that are silence, not a crossing of zero
+    // dB removed, times ms: when a share is subtracted, and when all of it.
+    static constexpr double kHopeful = 500, kRemoving = 1000, kProven = 2500, kMost = 6000;
+    static constexpr double kInaudible = 0.25;  // power of a sample
+    static constexpr double kOffset = 0.01;     // in a block
+    static constexpr double kLoudest = 1e16;    // energy of a millisecond
+    static constexpr std::size_t kZeros = 3;    // samples that are silence, not a crossing of zero
 
     struct Energies {
         double near = 0, echo = 0, product = 0, nearSum = 0, echoSum = 0;
@@ -69,14 +78,15 @@ class OutputGuard {
             return *this;
         }
         double left() const { return std::max(0.0, near - 2 * product + echo); }
-        Energies scaled(double share) const {
-            return {near, share * share * echo, share * product, nearSum, share * echoSum};
-        }
         // The largest share of the echo that leaves so much.
         double share(double most) const {
             const double root = product * product + echo * (most - near);
             return root > 0 && echo > 0 ? std::clamp((product + std::sqrt(root)) / echo, 0.0, 1.0) : 0;
         }
+    };
+
+    struct Output {
+        double energy, louder;  // louder: of the samples that are louder than the near end's, by how much
     };
 
     // Of a millisecond, in four parts, which the compiler adds at once.
@@ -97,6 +107,15 @@ class OutputGuard {
         return {sum(nearEnergy), sum(echoEnergy), sum(product), sum(nearSum), sum(echoSum)};
     }
 
+    // An estimate that is not finite, or louder than signals can be, becomes 0.
+    template <class Sample>
+    static Energies measureFinite(std::span<const Sample> near, std::span<float> echo) {
+        const Energies e = measure<Sample>(near, echo);
+        if (e.echo <= kLoudest) return e;
+        std::fill(echo.begin(), echo.end(), 0.0f);
+        return measure<Sample>(near, echo);
+    }
+
     bool proven() const { return evidence_ >= kProven; }
 
     // A constant offset is no echo, and a filter that removes it proves nothing.
@@ -113,68 +132,103 @@ class OutputGuard {
     }
 
     template <class Sample>
-    void limitMillisecond(std::span<const Sample> near, std::span<float> echo, const Energies& e,
-                          std::span<float> residual) {
-        const bool silence = e.near == 0, afterSilence = level_ == 0;
-        level_ = silence ? 0 : level_ + kSmoothing * (e.near - level_);
-        peak_ = std::max(level_, kPeakFall * peak_);
-        const bool quiet = level_ < kQuiet * peak_, faint = e.near < kFaint * static_cast<double>(millisecond_);
-        const bool trusted = evidence_ >= kTrusted && !quiet;
-        const double tolerance = trusted ? kTrustedTolerance : kTolerance;
-        if (trusted) excess_ *= kForget;
-        const double more = (kLouder - 1) * e.near + std::min(tolerance * level_, kShareOfFuture * future_) - excess_;
-        const double most = e.near + (proven() && !faint ? std::max(0.0, more) : 0);
+    void limitMillisecond(std::span<const Sample> near, std::span<float> echo, const Energies& e) {
+        const bool silence = e.near == 0, afterSilence = silent_;
+        silent_ = silence;
+        if (silence) share_ = 0;
         double share = proven() ? 1 : hope_ / kHopeful;
         if (silence || afterSilence) share = 0;
+        double most = budget_.most();
+        if (!proven()) most = std::min(most, e.near);
         if (e.left() > most) share = std::min(share, e.share(most));
-        if (silence) share_ = 0;
-        Energies faded = fade(near, echo, e, static_cast<float>(share), residual);
-        if (faded.left() > most) {
-            const auto less = static_cast<float>(faded.share(most));
-            for (float& y : echo) y *= less;
-            for (float& y : residual) y *= less;
-            share_ *= less;
-            faded = faded.scaled(less);
+        if (share == 0 && share_ == 0 && most >= e.near && gain_ == 1) {
+            std::fill(echo.begin(), echo.end(), 0.0f);
+            budget_.pass();
+            return;
         }
-        if (silenceEnd(near, echo, residual)) faded = measure<Sample>(near, echo);
-        excess_ = std::max(0.0, excess_ + faded.left() - kLouder * e.near);
+        fade(echo, static_cast<float>(share));
+        silenceEnd(near, echo);
+        Output out = outputOf(near, echo);
+        if (out.energy > most) out = lessen(near, echo, measure<Sample>(near, echo).share(most));
+        const double samples = budget_.louderSamples();
+        if (out.louder > samples) out = lessen(near, echo, samples / out.louder);
+        if (gain_ < 1 || out.energy > most) out = turnDown(near, echo, out.energy, most);
+        budget_.spend(out.energy, out.louder);
+    }
+
+    // Where even the near end as it is would be too loud after what has come out: both are turned down.
+    template <class Sample>
+    Output turnDown(std::span<const Sample> near, std::span<float> echo, double energy, double most) {
+        const float before = gain_;
+        gain_ = energy > most ? static_cast<float>(std::sqrt(most / energy)) : 1;
+        Output out = turn(near, echo, before, gain_);
+        if (out.energy <= most) return out;
+        const auto less = static_cast<float>(std::sqrt(most / out.energy));
+        gain_ *= less;
+        return turn(near, echo, less, less);
+    }
+    template <class Sample>
+    static Output turn(std::span<const Sample> near, std::span<float> echo, float from, float to) {
+        const float step = (to - from) / static_cast<float>(echo.size());
+        for (std::size_t n = 0; n < echo.size(); n++) {
+            const auto x = static_cast<float>(near[n]);
+            echo[n] = x - (from + static_cast<float>(n + 1) * step) * (x - echo[n]);
+        }
+        return outputOf(near, std::span<const float>(echo));
     }
 
     // Digital silence that begins within a millisecond stays silence.
     template <class Sample>
-    static bool silenceEnd(std::span<const Sample> near, std::span<float> echo, std::span<float> residual) {
+    static void silenceEnd(std::span<const Sample> near, std::span<float> echo) {
         std::size_t zeros = 0;
         while (zeros < near.size() && near[near.size() - 1 - zeros] == 0) zeros++;
-        if (zeros < kZeros) return false;
-        std::fill(echo.end() - static_cast<std::ptrdiff_t>(zeros), echo.end(), 0.0f);
-        if (!residual.empty()) std::fill(residual.end() - static_cast<std::ptrdiff_t>(zeros), residual.end(), 0.0f);
-        return true;
+        if (zeros >= kZeros) std::fill(echo.end() - static_cast<std::ptrdiff_t>(zeros), echo.end(), 0.0f);
     }
 
-    // From the share so far to the given one. What comes out, measured anew only where it is not a multiple of what was.
-    template <class Sample>
-    Energies fade(std::span<const Sample> near, std::span<float> echo, const Energies& before, float share,
-                  std::span<float> residual) {
+    // From the share so far to the given one.
+    void fade(std::span<float> echo, float share) {
         const float from = share_, step = (share - from) / static_cast<float>(echo.size());
         share_ = share;
-        if (step == 0) {
-            if (share == 1) return before;
-            for (float& y : echo) y *= share;
-            for (float& y : residual) y *= share;
-            return before.scaled(share);
-        }
-        const auto ramp = [=](std::size_t n) { return from + static_cast<float>(n + 1) * step; };
-        for (std::size_t n = 0; n < echo.size(); n++) echo[n] *= ramp(n);
-        for (std::size_t n = 0; n < residual.size(); n++) residual[n] *= ramp(n);
-        return measure<Sample>(near, echo);
+        if (step == 0 && share == 1) return;
+        for (std::size_t n = 0; n < echo.size(); n++) echo[n] *= from + static_cast<float>(n + 1) * step;
+    }
+
+    template <class Sample>
+    static double energy(std::span<const Sample> x) {
+        constexpr std::size_t kParts = 4;
+        std::array<float, kParts> energy{};
+        for (std::size_t n = 0; n < x.size(); n += kParts)
+            for (std::size_t i = 0; i < kParts; i++)
+                energy[i] += static_cast<float>(x[n + i]) * static_cast<float>(x[n + i]);
+        return (energy[0] + energy[1]) + (energy[2] + energy[3]);
+    }
+
+    template <class Sample>
+    static Output outputOf(std::span<const Sample> near, std::span<const float> echo) {
+        constexpr std::size_t kParts = 4;
+        std::array<float, kParts> energy{}, louder{};
+        for (std::size_t n = 0; n < near.size(); n += kParts)
+            for (std::size_t i = 0; i < kParts; i++) {
+                const float x = static_cast<float>(near[n + i]), out = x - echo[n + i];
+                energy[i] += out * out;
+                louder[i] += std::max(0.0f, out * out - x * x);
+            }
+        return {(energy[0] + energy[1]) + (energy[2] + energy[3]), (louder[0] + louder[1]) + (louder[2] + louder[3])};
+    }
+
+    template <class Sample>
+    Output lessen(std::span<const Sample> near, std::span<float> echo, double share) {
+        const auto less = static_cast<float>(share);
+        for (float& y : echo) y *= less;
+        share_ *= less;
+        return outputOf(near, std::span<const float>(echo));
     }
 
     std::size_t millisecond_;
+    LoudnessBudget budget_;
     double hope_ = 0, evidence_ = 0, offset_ = 0;
-    double level_ = 0, peak_ = 0;  // energy of the near end in a millisecond, smoothed; its peak, which falls slowly
-    double future_ = 0;            // energy of the near end after the block
-    double excess_ = 0;            // energy by which the output is louder in the stretch where it is most so
-    float share_ = 0;
+    bool silent_ = false;
+    float share_ = 0, gain_ = 1;
 };
 
 }  // namespace vspv

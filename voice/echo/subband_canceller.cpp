@@ -7,6 +7,7 @@
 #include "echo/echo_presence.h"
 #include "echo/engine.h"
 #include "echo/enhancement.h"
+#include "echo/estimate_trust.h"
 #include "echo/far_activity.h"
 #include "echo/filter_bank.h"
 #include "echo/output_guard.h"
@@ -43,7 +44,8 @@ class SubbandCanceller {
           controller_(shape_, taps_, c.samplingRate, memory),
           farActivity_(maxDelay_ + taps_),
           presence_(1000 / frameMs_),
-          guard_(c.samplingRate),
+          trust_(1000 / frameMs_),
+          guard_(c.samplingRate, latency() - shape_.frame),
           enhancement_(1000 / frameMs_),
           tapEnergy_(memory.take<float>(taps_)),
           estimate_(memory.take<Complex>(bands_)),
@@ -89,6 +91,7 @@ class SubbandCanceller {
         if (tone_) tone_->process(farIn_.data(), newest(), shape_.frame);
         const bool disabled = tone_ && tone_->disabled();
 
+        guard_.expect(std::span<const Sample>(nearIn_).last(farIn_.size()));
         Complex* x = far_.push();
         farBank_.analyse(farIn_.data(), x);
         nearBank_.analyse(newest(), near_.push());
@@ -111,19 +114,18 @@ class SubbandCanceller {
         std::transform(estimated_.begin(), estimated_.end(), echo_.begin(), [](Sample y) { return static_cast<float>(y); });
         const std::span<const Sample> near(nearIn_.data(), echo_.size());
         presence_.update(meanSquare(near), meanSquareLeft(near));
-        const std::span<float> residual = residualEcho(disabled);
-        guard_.limit(near, echo_, controller_.learning(), residual, std::span<const Sample>(nearIn_).subspan(near.size()));
-        for (std::size_t n = 0; n < residual.size(); n++) echo_[n] += residual[n];
         if (disabled) std::fill(echo_.begin(), echo_.end(), 0.0f);
+        trust_.update(near_.at(kLookAhead)[0], error_.data(), bands_, controller_.learning());
+        guard_.limit(near, echo_, controller_.learning(), disabled ? std::span<float>() : residualEcho(), trust_.trusted());
         for (std::size_t n = 0; n < out_.size(); n++)
             out_[n] = Arithmetic::sample(static_cast<float>(nearIn_[n]) - echo_[n]);
         enhancement_.update<Sample>(nearIn_.first(out_.size()), out_);
     }
 
-    std::span<float> residualEcho(bool disabled) {
+    std::span<float> residualEcho() {
         if (!residualEcho_) return {};
         return residualEcho_->find(estimate_.data(), error_.data(), controller_.residual(), controller_.nearSpeech(),
-                                   !disabled && guard_.removing());
+                                   guard_.removing());
     }
 
     float meanSquareLeft(std::span<const Sample> near) const {
@@ -191,6 +193,7 @@ class SubbandCanceller {
     SubbandController<Arithmetic> controller_;
     FarActivity farActivity_;
     EchoPresence presence_;
+    EstimateTrust trust_;
     OutputGuard guard_;
     Enhancement enhancement_;
     std::optional<ToneDisabler> tone_;

@@ -1,0 +1,54 @@
+// Whether the echo estimate may be trusted where the output is louder than the near end. Both a wrong estimate and a right
+// one make it so, the right one where the near end's talker and the echo happen to cancel each other. But then the echo is
+// removed in the other bands, and a wrong estimate makes many bands louder.
+#pragma once
+
+#include <algorithm>
+#include <cmath>
+
+namespace vspv {
+
+class EstimateTrust {
+  public:
+    explicit EstimateTrust(double frameRate)
+        : share_(static_cast<float>(1 - std::exp(-1 / (kTime * frameRate)))),
+          doubt_(static_cast<int>(kDoubt * frameRate)),
+          doubtful_(doubt_) {}
+
+    // The bands of a frame of the near end and of what the estimate leaves of it; the step size.
+    template <class Complex>
+    void update(const Complex* near, const Complex* left, int bands, double learning) {
+        float quieter = 0, louder = 0;
+        for (int k = 0; k < bands; k++) {
+            const float before = power(near[k]), after = power(left[k]);
+            quieter += after < kQuieter * before ? 1.0f : 0.0f;
+            louder += after > kLouder * before ? 1.0f : 0.0f;
+        }
+        quieter_ += share_ * (quieter - quieter_);
+        louder_ += share_ * (louder - louder_);
+        const bool wrong = louder_ > quieter_ && louder_ > kMany * static_cast<float>(bands);
+        doubtful_ = wrong ? doubt_ : std::max(doubtful_ - 1, 0);
+        learned_ = learning < kLearned;
+    }
+
+    // It has not been wrong for seconds, has nothing to learn and removes more than it adds.
+    bool trusted() const { return doubtful_ == 0 && learned_ && quieter_ > kClearly * louder_; }
+
+  private:
+    static constexpr double kTime = 0.04, kDoubt = 3;  // s
+    static constexpr float kQuieter = 0.5f, kLouder = 2, kClearly = 2;
+    static constexpr float kMany = 0.1f;  // of the bands
+    static constexpr double kLearned = 0.01;
+
+    template <class Complex>
+    static float power(Complex z) {
+        const auto re = static_cast<float>(z.re), im = static_cast<float>(z.im);
+        return re * re + im * im;
+    }
+
+    float share_, quieter_ = 0, louder_ = 0;
+    int doubt_, doubtful_;
+    bool learned_ = false;
+};
+
+}  // namespace vspv
