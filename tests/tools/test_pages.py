@@ -19,7 +19,7 @@ def vsps(*arguments):
 
 
 def commands():
-    return re.findall(r"^  ([a-z-]+) {2,}", vsps("--help").partition("Subcommands:")[2], re.M)
+    return re.findall(r"^  ([a-z0-9-]+) {2,}", vsps("--help").partition("Subcommands:")[2], re.M)
 
 
 def options(command):
