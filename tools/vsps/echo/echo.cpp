@@ -95,8 +95,8 @@ void runEcho(Options& o) {
 
     std::unique_ptr<OutputFile> picture;
     if (gnuplot)
-        picture =
-            std::make_unique<OutputFile>(o.plot, drawEcho(*gnuplot, "Echo cancelled in " + in.nearName(), meter.trace()));
+        picture = std::make_unique<OutputFile>(
+            o.plot, drawEcho(*gnuplot, "Echo cancelled in " + in.nearName(), meter.trace(), o.settings.suppression != 0));
     out.commit();
     if (picture) picture->commit();
     report.elapsedSeconds = stopwatch.seconds();

@@ -55,7 +55,7 @@ std::vector<ErlePoint> erleOverTime(const EchoTrace& trace, double stretchSecond
     for (auto begin = all.begin(); begin != all.end();) {
         const auto end = begin + std::min(stretch, all.end() - begin);
         const EchoPoint sum = sumOf(begin, end);
-        points.push_back({seconds + sum.frames / 2 * kEchoFrameSeconds, sum.erle()});
+        points.push_back({seconds + sum.frames / 2 * kEchoFrameSeconds, sum.erle(), sum.erleOfOutput()});
         seconds += sum.frames * kEchoFrameSeconds;
         begin = end;
     }

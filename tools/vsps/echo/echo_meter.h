@@ -27,8 +27,8 @@ struct EchoPoint {
 using EchoTrace = BoundedTrace<EchoPoint>;  // in frames
 
 struct ErlePoint {
-    double seconds;              // middle of the stretch
-    std::optional<double> erle;  // dB; empty without echo alone
+    double seconds;                            // middle of the stretch
+    std::optional<double> erle, erleOfOutput;  // dB; empty without echo alone
 };
 
 // In stretches of so many seconds, or longer ones if the recording is long.

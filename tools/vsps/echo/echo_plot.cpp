@@ -33,11 +33,11 @@ std::string levelData(const EchoTrace& trace) {
 }
 
 // Time and enhancement; an empty line leaves a gap where there is no echo alone.
-std::string erleData(const EchoTrace& trace) {
+std::string erleData(const EchoTrace& trace, std::optional<double> ErlePoint::*erle) {
     std::ostringstream data;
     for (const ErlePoint& point : erleOverTime(trace, std::max(0.2, secondsOf(trace) / kPoints)))
-        if (point.erle)
-            data << point.seconds << ' ' << *point.erle << '\n';
+        if (point.*erle)
+            data << point.seconds << ' ' << *(point.*erle) << '\n';
         else
             data << '\n';
     return data.str();
@@ -61,12 +61,13 @@ std::string shading(const EchoTrace& trace) {
 
 }  // namespace
 
-std::string drawEcho(const Gnuplot& gnuplot, const std::string& title, const EchoTrace& trace) {
-    const std::string erle = erleData(trace);
+std::string drawEcho(const Gnuplot& gnuplot, const std::string& title, const EchoTrace& trace, bool suppresses) {
+    const std::string erle = erleData(trace, &ErlePoint::erle);
     const bool anyErle = erle.find_first_not_of('\n') != std::string::npos;
     std::ostringstream commands;
     commands << kPlotStyle << "set xrange [0:" << secondsOf(trace) << "]\n"
              << dataBlock("levels", levelData(trace)) << dataBlock("erle", anyErle ? erle : "0 0\n")
+             << dataBlock("output", anyErle ? erleData(trace, &ErlePoint::erleOfOutput) : "0 0\n")
              << "set multiplot layout 2,1 title " << quoted(title) << " noenhanced\n"
              << shading(trace) << "set ylabel 'level, dBov'\nset yrange [-80:0]\nset ytics 20\nset mytics 2\n"
              << "plot $levels using 1:2 with lines lw 1.2 lc rgb '#aab7c4' title 'far end', \\\n"
@@ -74,7 +75,10 @@ std::string drawEcho(const Gnuplot& gnuplot, const std::string& title, const Ech
              << "  $levels using 1:4 with lines lw 1.6 lc rgb '#0b62a4' title 'output'\n"
              << "set xlabel 'time, s'\nset ylabel 'ERLE, dB'\nset yrange [-5:50]\nset ytics 10\nset mytics 2\n"
              << "plot 20 with lines lw 1 dt 2 lc rgb '#888888' notitle";
-    if (anyErle) commands << ", \\\n  $erle using 1:2 with lines lw 1.8 lc rgb '#1e8449' title 'echo removed'";
+    if (anyErle && suppresses)
+        commands << ", \\\n  $output using 1:2 with lines lw 1.2 lc rgb '#82c99d' title 'and suppressed'";
+    if (anyErle)
+        commands << ", \\\n  $erle using 1:2 with lines lw 1.8 lc rgb '#1e8449' title 'echo removed by the filters'";
     commands << ", \\\n  NaN with filledcurves lc rgb '#fae5d3' title 'double talk'\nunset multiplot\n";
     return gnuplot.draw(commands.str(), 1200, 700);
 }

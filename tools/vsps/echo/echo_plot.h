@@ -5,4 +5,4 @@
 #include "plot/gnuplot.h"
 
 // Levels of far end, near end and output above, the enhancement below, double talk shaded.
-std::string drawEcho(const Gnuplot& gnuplot, const std::string& title, const EchoTrace& trace);
+std::string drawEcho(const Gnuplot& gnuplot, const std::string& title, const EchoTrace& trace, bool suppresses);
