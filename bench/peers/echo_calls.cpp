@@ -24,8 +24,8 @@ constexpr double kSeconds = 60, kPathMs = 320, kLateMs = 150;
 constexpr std::size_t kChange = 10 * kRate, kSteady = 20 * kRate, kTalk = 30 * kRate;
 constexpr double kMuchBetter = 10;  // dB
 
-enum Condition { asItIs, late, changing, clipping };
-constexpr const char* kConditions[] = {"", "late", "changing", "clipping"};
+enum Condition { steady, late, changing, clipping };
+constexpr const char* kConditions[] = {"steady", "late", "changing", "clipping"};
 
 std::vector<Path> paths() {
     return {{"d2", 0, 16, 6},   {"d4", 16, 48, 10},   {"d6", 30, 80, 12},  {"d9", 70, 128, 16},
@@ -76,15 +76,68 @@ Quality measure(const std::string& name, const Scenario& call, double pathMs) {
             segmentalSnr(out, call.far, call.nearSpeech, kTalk)};
 }
 
-struct Count {
-    int first = 0, second = 0, both = 0;
-    void add(bool a, bool b) { first += a, second += b, both += a && b; }
+void print(const std::string& name, const Quality& q) {
+    std::printf("  %-18s %6.1f %6.1f %10.1f %10.1f %10.1f\n", name.c_str(), q.erle, q.snr, q.left.inaudible,
+                q.left.overNoise, q.segmental);
+    std::fflush(stdout);
+}
+
+struct Call {
+    Condition condition;
+    std::map<std::string, Quality> quality;  // of each canceller
 };
 
-void print(const char* name, const Quality& q) {
-    std::printf("  %-18s %6.1f %6.1f %10.1f %10.1f %10.1f\n", name, q.erle, q.snr, q.left.inaudible, q.left.overNoise,
-                q.segmental);
-    std::fflush(stdout);
+const std::vector<std::string> kCancellers{"subband",           "subband-suppress", "speexdsp",
+                                           "speexdsp-suppress", "webrtc",           "webrtc-high"};
+
+Call tryCall(std::size_t number, const Path& path, Condition condition, const std::vector<std::string>& folders) {
+    // Every language comes in every condition.
+    const std::size_t language = (number + number / 4) % folders.size();
+    const std::size_t other = (language + 1 + number / 4 % (folders.size() - 1)) % folders.size();
+    const Signal far = speech(folders[language], {"demo-congrats", "conf-adminmenu", "demo-moreinfo"}, number);
+    const Signal talker = speech(folders[other], {"demo-instruct"}, number);
+    const Scenario scenario = makeCall(path, condition, far, talker);
+    std::printf("call %zu: %s %.0f ms, ERL %.0f dB, %s\n", number + 1, path.hybrid.c_str(), path.lengthMs, path.erl,
+                kConditions[condition]);
+    Call call{condition, {}};
+    for (const std::string& name : kCancellers) {
+        const bool searches = !name.starts_with("speex");
+        call.quality[name] = measure(name, scenario, kPathMs + (searches || condition != late ? 0 : kLateMs));
+        print(name, call.quality[name]);
+    }
+    return call;
+}
+
+void printMeans(const std::vector<Call>& calls, Condition condition) {
+    std::printf("means %s\n", kConditions[condition]);
+    for (const std::string& name : kCancellers) {
+        Quality sum{};
+        double n = 0;
+        for (const Call& call : calls) {
+            if (call.condition != condition) continue;
+            const Quality& q = call.quality.at(name);
+            sum.erle += q.erle, sum.snr += q.snr, sum.segmental += q.segmental;
+            sum.left.inaudible += q.left.inaudible, sum.left.overNoise += q.left.overNoise;
+            n++;
+        }
+        print(name, {sum.erle / n, sum.snr / n, {sum.left.inaudible / n, sum.left.overNoise / n}, sum.segmental / n});
+    }
+}
+
+using Better = bool (*)(const Quality& ours, const Quality& theirs);
+
+void printCount(const std::vector<Call>& calls, const std::string& ours, const std::string& theirs, const char* what,
+                Better better) {
+    std::map<Condition, int> count;
+    int all = 0;
+    for (const Call& call : calls) {
+        const bool ahead = better(call.quality.at(ours), call.quality.at(theirs));
+        count[call.condition] += ahead;
+        all += ahead;
+    }
+    std::printf("%-17s against %-18s %-32s %2d of %zu calls:", ours.c_str(), theirs.c_str(), what, all, calls.size());
+    for (const auto& [condition, n] : count)
+        std::printf(" %d %s%s", n, kConditions[condition], condition == clipping ? "\n" : ",");
 }
 
 int run(int argc, char** argv) {
@@ -92,53 +145,24 @@ int run(int argc, char** argv) {
         std::fprintf(stderr, "usage: %s FOLDER FOLDER...\n", argv[0]);
         return 2;
     }
-    const std::vector<std::string> folders(argv + 1, argv + argc), linear{"speexdsp", "webrtc"},
-        suppressed{"speexdsp-suppress", "webrtc", "webrtc-high"};
-    const std::vector<std::string> all{"subband",           "subband-suppress", "speexdsp",
-                                       "speexdsp-suppress", "webrtc",           "webrtc-high"};
-    std::map<std::string, Count> aheadLinear, aheadSuppressed;
-    std::map<std::string, Quality> sum;
+    const std::vector<std::string> folders(argv + 1, argv + argc);
+    std::vector<Call> calls;
     std::printf("  %-18s %6s %6s %10s %10s %10s\n", "", "ERLE", "SNR", "inaudible", "over noise", "segmental");
-    std::size_t calls = 0;
     for (const Path& path : paths())
-        for (const Condition condition : {asItIs, late, changing, clipping}) {
-            // Every language comes in every condition.
-            const std::size_t language = (calls + calls / 4) % folders.size();
-            const std::size_t other = (language + 1 + calls / 4 % (folders.size() - 1)) % folders.size();
-            const Signal far = speech(folders[language], {"demo-congrats", "conf-adminmenu", "demo-moreinfo"}, calls);
-            const Signal talker = speech(folders[other], {"demo-instruct"}, calls);
-            const Scenario call = makeCall(path, condition, far, talker);
-            std::printf("call %zu: %s %.0f ms, ERL %.0f dB, %s\n", calls + 1, path.hybrid.c_str(), path.lengthMs, path.erl,
-                        kConditions[condition]);
-            std::map<std::string, Quality> q;
-            for (const std::string& name : all) {
-                q[name] = measure(name, call, kPathMs + (name.starts_with("speex") && condition == late ? kLateMs : 0));
-                print(name.c_str(), q[name]);
-                Quality& s = sum[name];
-                s.erle += q[name].erle, s.snr += q[name].snr, s.left.inaudible += q[name].left.inaudible;
-                s.left.overNoise += q[name].left.overNoise, s.segmental += q[name].segmental;
-            }
-            const Quality &ours = q["subband"], &quiet = q["subband-suppress"];
-            for (const std::string& peer : linear) aheadLinear[peer].add(ours.erle > q[peer].erle, ours.snr > q[peer].snr);
-            for (const std::string& peer : suppressed)
-                aheadSuppressed[peer].add(quiet.left.inaudible >= q[peer].left.inaudible,
-                                          quiet.segmental >= q[peer].segmental + kMuchBetter);
-            calls++;
-        }
-    std::printf("means of %zu calls\n", calls);
-    for (const std::string& name : all) {
-        const Quality& s = sum[name];
-        const double n = double(calls);
-        print(name.c_str(), {s.erle / n, s.snr / n, {s.left.inaudible / n, s.left.overNoise / n}, s.segmental / n});
+        for (const Condition condition : {steady, late, changing, clipping})
+            calls.push_back(tryCall(calls.size(), path, condition, folders));
+    for (const Condition condition : {steady, late, changing, clipping}) printMeans(calls, condition);
+    for (const char* peer : {"speexdsp", "webrtc"}) {
+        printCount(calls, "subband", peer, "ERLE", [](const Quality& a, const Quality& b) { return a.erle > b.erle; });
+        printCount(calls, "subband", peer, "SNR in double talk",
+                   [](const Quality& a, const Quality& b) { return a.snr > b.snr; });
     }
-    for (const auto& [peer, count] : aheadLinear)
-        std::printf("without suppression ahead of %s: ERLE in %d calls, SNR in %d, both in %d\n", peer.c_str(), count.first,
-                    count.second, count.both);
-    for (const auto& [peer, count] : aheadSuppressed)
-        std::printf(
-            "with suppression against %s: at least as inaudible in %d calls, segmental SNR 10 dB better in %d, both in "
-            "%d\n",
-            peer.c_str(), count.first, count.second, count.both);
+    for (const char* peer : {"speexdsp-suppress", "webrtc", "webrtc-high"}) {
+        printCount(calls, "subband-suppress", peer, "inaudible as often or more often",
+                   [](const Quality& a, const Quality& b) { return a.left.inaudible >= b.left.inaudible; });
+        printCount(calls, "subband-suppress", peer, "segmental SNR better by 10 dB",
+                   [](const Quality& a, const Quality& b) { return a.segmental >= b.segmental + kMuchBetter; });
+    }
     return 0;
 }
 
