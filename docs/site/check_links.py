@@ -1,11 +1,13 @@
 #!/usr/bin/python3
-"""Whether every link of a site leads somewhere: to a file of it, and to a place in that file.
+"""Whether every link of a site leads somewhere: to a file of it, and to a place in that file; and whether no page shows commands
+of doxygen.
 
 Usage: check_links.py FOLDER
 """
 
 import html.parser
 import pathlib
+import re
 import sys
 from urllib.parse import unquote
 
@@ -15,7 +17,9 @@ class Page(html.parser.HTMLParser):
         super().__init__()
         self.places: set[str] = set()
         self.links: list[str] = []
-        self.feed(path.read_text())
+        text = path.read_text()
+        self.leftover = re.findall(r"\\ilinebr|[@\\](?:subpage|ref|include|htmlonly)\b", text)
+        self.feed(text)
 
     def handle_starttag(self, tag: str, attrs: list[tuple[str, str | None]]) -> None:
         for name, value in attrs:
@@ -29,6 +33,7 @@ folder = pathlib.Path(sys.argv[1])
 pages = {path.name: Page(path) for path in folder.glob("*.html")}
 count, faults = 0, []
 for name, page in pages.items():
+    faults += [f"{name}: shows {command}" for command in page.leftover]
     for link in page.links:
         if link.startswith(("http:", "https:", "mailto:", "javascript:")):
             continue
@@ -37,6 +42,6 @@ for name, page in pages.items():
         file = file or name
         if not (folder / file).is_file() or (place and file in pages and place not in pages[file].places):
             faults.append(f"{name}: {link}")
-print(f"{len(pages)} pages, {count} links within the site, {len(faults)} of them broken")
+print(f"{len(pages)} pages, {count} links within the site, {len(faults)} faults")
 print("\n".join(sorted(set(faults))), end="\n" if faults else "")
 sys.exit(bool(faults or not count))

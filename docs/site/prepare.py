@@ -21,7 +21,7 @@ TITLES = {  # of headers without a page of their own, where the name of the file
     "g723": "G.723.1 frames", "g728": "G.728 post-filter",
 }  # fmt: skip
 UPPER = {"isp", "lp", "lpc", "lsf", "lsp"}
-PAGES = ("docs/site/index", "docs/guides/*", "python/README", "docs/site/background", "docs/*")  # in the order of the menu
+PAGES = ("docs/site/index", "docs/guides/*", "python/README", "docs/*")  # in the order of the menu
 source, output = map(pathlib.Path, sys.argv[1:])
 source = source.resolve()
 prototype = re.compile(r"^(?:const )?Vsp\w+\*? (vsp\w+)\(", re.M)
@@ -107,6 +107,7 @@ def with_links(text: str, folder: pathlib.Path, kind: str = "@ref") -> str:
     parts = re.split(r"^(```.*?^```\n)", text, flags=re.M | re.S)
     for i in range(0, len(parts), 2):
         parts[i] = re.sub(r"(!?)\[([^]]*)\]\(([^)]*)\)", link, parts[i])
+        parts[i] = re.sub(r"(?<!`)`([^`\n]*'[^`\n]*)`(?!`)", r"``\1``", parts[i])  # doxygen ends `it's here
         parts[i] = re.sub(r"`(vsp[sv]\w+)`", lambda m: f"#{m[1]}" if m[1] in functions else m[0], parts[i])
     return "".join(parts)
 
@@ -114,7 +115,7 @@ def with_links(text: str, folder: pathlib.Path, kind: str = "@ref") -> str:
 def page(path: pathlib.Path) -> None:
     title, _, text = (source / path).read_text().partition("\n")
     label = "" if path.stem == "index" and path.parent.name == "site" else f" {{#{page_id(path)}}}"
-    text = with_links(text, (source / path).parent, "@subpage" if path.name in ("index.md", "background.md") and label else "@ref")
+    text = with_links(text, (source / path).parent, "@subpage" if path.name == "index.md" and label else "@ref")
     (output / f"{pages.index(path):02}.md").write_text(("" if label else "@mainpage ") + (title if label else title_of(title)) + label + "\n" + text)
 
 
@@ -127,3 +128,5 @@ for p in headers:
     header(p)
 for p in pages:
     page(p)
+background = "\n".join(f"- @subpage {page_id(p)}" for p in pages if p.parent == pathlib.Path("docs"))
+(output / "background.md").write_text(f"# Background {{#page_background}}\n\n{background}\n")
