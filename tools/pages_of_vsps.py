@@ -93,6 +93,9 @@ def manual_page(h: Help, commands: list[Help]) -> str:
         out += [".SH EXAMPLES", ".nf", *map(roff, h.examples), ".fi"]
     out += [".SH EXIT STATUS", ".TP", "0", "done", ".TP", "1", "a file that cannot be used; one line says which and why", ".TP", "2",
             "wrong usage"]  # fmt: skip
+    if not h.command:
+        out += [".SH ENVIRONMENT", ".TP", "\\fBNO_COLOR\\fR",
+                "makes no difference: reports have no colours, on terminals neither; progress is shown on terminals only"]  # fmt: skip
     others = [""] + [c.command for c in commands] if h.command else [c.command for c in commands]
     see = ", ".join(f"\\fB{roff('vsps-' + o if o else 'vsps')}\\fR(1)" for o in others if o != h.command)
     out += [".SH SEE ALSO", see + ", \\fBvspsc\\fR(7)", ""]

@@ -2,6 +2,7 @@
 
 import os
 import pathlib
+import pty
 import re
 import subprocess
 import sys
@@ -46,6 +47,24 @@ def test_every_command_and_option_has_its_place():
         for option in options(command):
             assert f"\\fB{option}\\fR" in page, f"{command} {option}"
     assert "EXIT STATUS" in (PAGES / "man1/vsps.1").read_text()
+
+
+def test_exit_codes_are_those_of_the_pages(tmp_path):
+    page = (PAGES / "man1/vsps-vad.1").read_text().partition(".SH EXIT STATUS")[2]
+    assert [line for line in page.splitlines() if line.isdigit()] == ["0", "1", "2"]
+    vsps("vad", "--help")
+    for status, arguments in ((1, ["vad", tmp_path / "missing.wav"]), (2, ["vad", "--no-such-option"]), (2, [])):
+        assert subprocess.run([os.environ["VSPS"], *arguments], capture_output=True, check=False).returncode == status
+
+
+def test_a_terminal_gets_no_colours():
+    ours, theirs = pty.openpty()
+    for arguments in (["--help"], ["info"], ["codecs"], ["vad", "missing.wav"]):
+        subprocess.run([os.environ["VSPS"], *arguments], stdout=theirs, stderr=theirs, env={**os.environ, "TERM": "xterm-256color"}, check=False)
+    os.set_blocking(ours, False)
+    shown = os.read(ours, 1 << 16)
+    assert b"Exit codes" in shown and b"\x1b" not in shown
+    assert "NO_COLOR" in (PAGES / "man1/vsps.1").read_text()
 
 
 def test_every_function_has_its_page():
