@@ -26,6 +26,8 @@ for folder in "${folders[@]}"; do
     git ls-files -z | xargs -0 cp --parents -t "$work/$folder/vspsc-$project"
     tar -C "$work/$folder" --sort=name --mtime="@$SOURCE_DATE_EPOCH" --owner=0 --group=0 --numeric-owner --exclude=debian \
         -cf - "vspsc-$project" | gzip -n >"$work/$folder/vspsc_$project.orig.tar.gz"
+done
+for folder in "${folders[@]}"; do
     echo "Building in $folder" >&2
     export CCACHE_NAMESPACE=$folder # no object of one folder for the other
     (cd "$work/$folder/vspsc-$project" && dpkg-buildpackage -us -uc -F >"$work/$folder/log" 2>&1) ||

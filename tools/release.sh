@@ -20,11 +20,17 @@ grep -q '^- ' <<<"$section" || fail "CHANGELOG.md has no section \"## [$version]
 rm -rf dist
 mkdir dist
 git archive --format=tar --prefix="vspsc-$version/" HEAD | gzip -n >"dist/vspsc-$version.tar.gz"
+SOURCE_DATE_EPOCH=$(dpkg-parsechangelog -S Timestamp)
+export SOURCE_DATE_EPOCH
 tools/build-packages.sh
 cp build/packages/*.deb dist/
+
+# The wheel has what the packages have.
 tools/install-packages.sh python3-cffi python3-numpy python3-pip python3-setuptools python3-wheel
-cmake --preset release
-cmake --build build/release --target wheel
-cp build/release/python/dist/*.whl dist/
+unpacked=$(mktemp -d)
+trap 'rm -rf "$unpacked"' EXIT
+for package in dist/{libvspscy8-6.1,libvspsvoice1,python3-vspsc}_*.deb; do dpkg-deb -x "$package" "$unpacked"; done
+libraries=("$unpacked"/usr/lib/*/libvspscy8.so.6.1 "$unpacked"/usr/lib/*/libvspsvoice.so.1)
+/usr/bin/python3 python/build_wheel.py "$unpacked/usr/lib/python3/dist-packages/vspsc" "$version" "${libraries[@]}" dist
 (cd dist && sha256sum -- * >SHA256SUMS)
 cat dist/SHA256SUMS
