@@ -251,6 +251,9 @@ def test_objects_refuse_what_does_not_fit():
                   lambda: vspsc.Codec("g729").decoder().process(b"12345"[:3] and [b"123"])):  # fmt: skip
         with pytest.raises(ValueError):
             wrong()
+    for octets in (5, [5], "speech"):
+        with pytest.raises(TypeError):
+            vspsc.Codec("pcmu").decoder().process(octets)
     for samples in (x.astype(float), x.reshape(8, 10), [1, 2], None):
         with pytest.raises(TypeError, match="one-dimensional numpy array of int16"):
             vspsc.vad(samples)

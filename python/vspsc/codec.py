@@ -32,6 +32,11 @@ def _stored(form: str) -> tuple[()]:
     return ()
 
 
+def _bytes(octets: Any) -> bytes:
+    """The octets of bytes and the like; a number is none, of which `bytes` would make zeros."""
+    return octets if isinstance(octets, bytes) else bytes(memoryview(octets))
+
+
 def _told(frame: Frame) -> tuple[int, int, int, int]:
     """A frame's VspvFrame."""
     if not isinstance(frame.data, bytes):
@@ -112,7 +117,7 @@ class Codec:
 
     def unpack_payload(self, payload: bytes, octet_aligned: bool = False) -> "tuple[list[Frame], int]":
         """The frames of an RTP payload of amr or amrwb, and the bit rate that it asks for, or 0."""
-        payload, function = bytes(payload), f"vspv{self._rfc4867()}UnpackPayload"
+        payload, function = _bytes(payload), f"vspv{self._rfc4867()}UnpackPayload"
         most = 8 * len(payload) // 6 + 1  # no frame has a shorter entry in the table of contents
         request, number = ffi.new("Vsp32s*"), ffi.new("Vsp32s*")
         room, told = ffi.new("Vsp8u[]", most * self.max_frame_bytes), ffi.new("VspvFrame[]", most)
@@ -139,7 +144,7 @@ class Codec:
 
     def unpack_frame(self, octets: bytes, form: str = "storage") -> "tuple[Frame, int]":
         """The first frame of octets that pack_frame has made, and the number of octets that it takes."""
-        octets, name = bytes(octets), self._rfc4867()
+        octets, name = _bytes(octets), self._rfc4867()
         more = (choice("form", _FORMS, form),) if name == "AMR" else _stored(form)
         room, told = ffi.new("Vsp8u[]", self.max_frame_bytes), ffi.new(_frame_type)
         used = result_of(f"vspv{name}UnpackFrame", octets, len(octets), *more, room, told)
@@ -276,7 +281,7 @@ class Decoder:
             return Frame(b"", self.codec.bit_rates[0], quality=records.vspvQualityLost)
         if isinstance(frame, Frame):
             return frame
-        data = bytes(frame)
+        data = _bytes(frame)
         if len(data) not in self._lengths:
             raise ValueError(f"{self.codec.name} has frames of {sorted(self._lengths)} octets, not of {len(data)}")
         return Frame(data, self._lengths[len(data)])
