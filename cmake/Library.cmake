@@ -241,8 +241,10 @@ set(vspsc_common_sources
 # -O3 because -O2 leaves small constant loops rolled. No contraction: every level gives the same floating-point bits.
 # Instrumented code takes four times as long to compile with -O3.
 set(vspsc_optimisation -O3)
-if(VSPSC_SANITIZE OR VSPSC_COVERAGE)
+if(VSPSC_SANITIZE)
     set(vspsc_optimisation -O1)
+elseif(VSPSC_COVERAGE)
+    set(vspsc_optimisation $<IF:$<BOOL:$<TARGET_PROPERTY:VSPSC_COUNTED>>,-O1,-O3>)
 endif()
 
 add_library(vspsc_library_options INTERFACE)
@@ -290,7 +292,11 @@ foreach(level y8=x86-64-v2 v3=x86-64-v3 v4=x86-64-v4)
     target_compile_definitions(vspsc_${tag} PRIVATE VSP_LEVEL=${tag})
     target_compile_options(vspsc_${tag} PRIVATE -march=${arch})
     vspsc_precompile(vspsc_${tag} "${PROJECT_SOURCE_DIR}/src/vector/simd.h")
+    if(VSPSC_COVERAGE AND (VSPSC_COVERAGE STREQUAL "ON" OR tag IN_LIST VSPSC_COVERAGE))
+        set_target_properties(vspsc_${tag} PROPERTIES VSPSC_COUNTED ON)
+    endif()
 endforeach()
+set_target_properties(vspsc_common PROPERTIES VSPSC_COUNTED "${VSPSC_COVERAGE}")
 
 # All levels without the dispatcher, for tests and benchmarks that reach a level directly.
 add_library(vspsc_levels INTERFACE)

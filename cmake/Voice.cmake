@@ -64,6 +64,7 @@ add_library(
     voice/pitch/speech_analysis.cpp)
 add_library(vspsc::vspsvoice ALIAS vspsvoice)
 target_link_libraries(vspsvoice PUBLIC vspscy8 PRIVATE $<BUILD_INTERFACE:vspsc_options>)
+set_target_properties(vspsvoice PROPERTIES VSPSC_COUNTED "${VSPSC_COVERAGE}")
 target_include_directories(vspsvoice PRIVATE ${PROJECT_SOURCE_DIR}/voice)
 target_compile_options(
     vspsvoice PRIVATE ${vspsc_optimisation} -march=x86-64-v2 -ffp-contract=off -fno-math-errno

@@ -15,6 +15,13 @@ class Input {
     Input(const Vsp8u* data, std::size_t size) : at_(data), end_(data + size) {}
     bool empty() const { return at_ == end_; }
     Vsp8u take() { return empty() ? Vsp8u(0) : *at_++; }
+    // What is left behind so many octets, and nothing more here.
+    Input cut(std::size_t octets) {
+        Input rest(at_ + std::min(octets, std::size_t(end_ - at_)), 0);
+        rest.end_ = end_;
+        end_ = rest.at_;
+        return rest;
+    }
 
   private:
     const Vsp8u *at_, *end_;
@@ -25,6 +32,22 @@ void check(bool good, const char* problem) {
     std::fprintf(stderr, "%s\n", problem);
     std::abort();
 }
+
+// Samples of a sign, three bits of exponent and four of mantissa each, over and over, for signals that noise does not lead
+// to.
+class Recording {
+  public:
+    explicit Recording(Input octets) : all_(octets), rest_(octets) {}
+    bool empty() const { return all_.empty(); }
+    Vsp16s next() {
+        if (rest_.empty()) rest_ = all_;
+        const int octet = rest_.take(), magnitude = (2 * (octet & 15) + 33) << (octet / 16 & 7);
+        return Vsp16s(octet < 128 ? 4 * (magnitude - 33) : -4 * (magnitude - 33));
+    }
+
+  private:
+    Input all_, rest_;
+};
 
 // What comes out: octets, statuses and samples.
 struct Results {
@@ -45,9 +68,13 @@ Results code(Input in) {
     vspvEncoderInit(reinterpret_cast<VspvEncoder*>(encoderMemory.data()), codec);
     vspvDecoderInit(reinterpret_cast<VspvDecoder*>(decoderMemory.data()), codec);
     const int quiet = in.take() % 16;  // for pauses
-    results.statuses.push_back(vspvEncoderSetDTX(reinterpret_cast<VspvEncoder*>(encoderMemory.data()), in.take() % 4));
+    const Vsp8u settings = in.take();
+    results.statuses.push_back(vspvEncoderSetDTX(reinterpret_cast<VspvEncoder*>(encoderMemory.data()), settings % 4));
+    constexpr std::size_t kOctetsOfFrame = 5, kMostFrames = 120;
+    const bool recorded = (settings & 0xF8) == 0xF0;
+    Recording recording(recorded ? in.cut(kOctetsOfFrame * in.take()) : Input(nullptr, 0));
 
-    while (!in.empty()) {
+    for (std::size_t n = 0; n < kMostFrames && !in.empty(); n++) {
         const auto encoder = reinterpret_cast<VspvEncoder*>(encoderMemory.data());
         const Vsp8u choice = in.take(), change = in.take();
         std::vector<Vsp16s> samples(std::size_t(codec->frameSamples));
@@ -55,7 +82,9 @@ Results code(Input in) {
         const int shift = quiet + in.take() % (16 - quiet);
         Vsp32u noise = in.take();  // what comes of it would take too much input
         noise = noise * 256 + in.take();
-        for (Vsp16s& s : samples) s = Vsp16s(Vsp16s((noise = noise * 1664525u + 1013904223u) >> 16) >> shift);
+        for (Vsp16s& s : samples)
+            s = !recording.empty() ? recording.next()
+                                   : Vsp16s(Vsp16s((noise = noise * 1664525u + 1013904223u) >> 16) >> shift);
         vspvEncoderSetRate(encoder, codec->pBitRates[change % codec->numBitRates]);
         VspvFrame frame{};
         check(vspvEncode(encoder, samples.data(), bytes.data(), &frame) == vspStsNoErr, "a frame is not coded");
