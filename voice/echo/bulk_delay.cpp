@@ -158,8 +158,8 @@ bool BulkDelay::decide(std::span<const float> coveredEnergy, float leftShare) {
 
 SignalBulkDelay::SignalBulkDelay(const BankShape& shape, int maxFrames, int covered, int rate, Memory& memory)
     : shape_(shape),
-      farBank_(shape, farWindow, memory),
-      leftBank_(shape, farWindow, memory),
+      farBank_(shape, BankWindow::kFar, memory),
+      leftBank_(shape, BankWindow::kFar, memory),
       farIn_(memory.take<float>(shape.frame)),
       leftIn_(memory.take<float>(shape.frame)),
       far_(memory.take<Vsp32fc>(shape.bands())),

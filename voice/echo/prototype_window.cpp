@@ -67,13 +67,6 @@ Window lowPass(const BankShape& shape, double cutoff, double beta) {
     return w;
 }
 
-}  // namespace
-
-BankShape bankShape(int rate) {
-    if (rate == 8000) return {.order = 8, .frame = 112, .window = 768};
-    return {.order = 9, .frame = 224, .window = kMaxWindow};
-}
-
 Window nearWindow(const BankShape& shape) { return lowPass(shape, 0.85, 7.5); }
 
 Window farWindow(const BankShape& shape) { return lowPass(shape, 1.25, 8); }
@@ -107,6 +100,22 @@ Window synthesisWindow(const BankShape& shape) {
     }
     std::reverse(s.begin(), s.begin() + length);
     return s;
+}
+
+}  // namespace
+
+BankShape bankShape(int rate) {
+    if (rate == 8000) return {.order = 8, .frame = 112, .window = 768};
+    return {.order = 9, .frame = 224, .window = kMaxWindow};
+}
+
+Window makeWindow(BankWindow window, const BankShape& shape) {
+    switch (window) {
+        case BankWindow::kNear: return nearWindow(shape);
+        case BankWindow::kFar: return farWindow(shape);
+        case BankWindow::kSynthesis: return synthesisWindow(shape);
+    }
+    return {};
 }
 
 }  // namespace vspv

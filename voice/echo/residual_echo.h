@@ -13,7 +13,7 @@ class ResidualEcho {
 
   public:
     ResidualEcho(const BankShape& shape, int rate, Memory& memory)
-        : bank_(shape, synthesisWindow, memory),
+        : bank_(shape, BankWindow::kSynthesis, memory),
           residual_(memory.take<Complex>(shape.bands())),
           samples_(memory.take<Sample>(shape.frame)),
           signal_(memory.take<float>(shape.frame)) {
