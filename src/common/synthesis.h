@@ -22,6 +22,12 @@ VSP_INLINE V forEach(From a) {
     if constexpr (sizeof(V) == sizeof(From)) return {a.v};
     VSP_IF_256(else return {_mm256_set_m128i(a.v, a.v)};)
 }
+// What two signals have each; of one signal the first.
+template <class V, class From>
+VSP_INLINE V both(From a, [[maybe_unused]] From b) {
+    if constexpr (sizeof(V) == sizeof(From)) return {a.v};
+    VSP_IF_256(else return {_mm256_set_m128i(b.v, a.v)};)
+}
 VSP_IF_256(template <> struct NarrowOf<S32_256> { using Type = S16_256; };)
 VSP_IF_256(template <int i> VSP_INLINE S32_256 splatElement(S32_256 a) { return {_mm256_shuffle_epi32(a.v, 0x55 * i)}; })
 VSP_IF_256(template <int i> VSP_INLINE S16_256 splatLowerHalves(S32_256 a) {
@@ -88,14 +94,18 @@ struct SynthesisFilter {
       public:
         using V = Narrow<W>;
 
+        // lpcB: of the second signal.
         template <class Input, class Past>
-        [[gnu::always_inline]] Unclipped(const Vsp16s* lpc, int len, Input input, Past past, W* inputs)
-            : a1InAll_{W::splat(Vsp16u(lpc[1])).v}, largest_{W::splat(0).v} {
+        [[gnu::always_inline]] Unclipped(const Vsp16s* lpc, const Vsp16s* lpcB, int len, Input input, Past past, W* inputs)
+            : largest_{W::splat(0).v} {
+            const auto ofBoth = [=](auto of) { return both<V>(of(lpc), of(lpcB)); };
+            const auto inAll = [](Vsp16s tap) { return S16_128{S32_128::splat(Vsp16u(tap)).v}; };
             for (int f = 0; f <= kFours; f++) {
-                of01_[f] = forEach<V>(zipLo(taps(lpc, 4 * f), taps(lpc, 4 * f - 1)));
-                of23_[f] = forEach<V>(zipLo(taps(lpc, 4 * f - 2), taps(lpc, 4 * f - 3)));
+                of01_[f] = ofBoth([f](const Vsp16s* c) { return zipLo(taps(c, 4 * f), taps(c, 4 * f - 1)); });
+                of23_[f] = ofBoth([f](const Vsp16s* c) { return zipLo(taps(c, 4 * f - 2), taps(c, 4 * f - 3)); });
             }
-            const V lpc0{W::splat(Vsp16u(lpc[0])).v};
+            a1InAll_ = ofBoth([=](const Vsp16s* c) { return inAll(c[1]); });
+            const V lpc0 = ofBoth([=](const Vsp16s* c) { return inAll(c[0]); });
             const W rounding = W::splat(roundingConstant(kShift));
             const int end = (len + 7) & -8;
             for (int n = 0; n < end; n += 8) {
@@ -177,7 +187,7 @@ struct SynthesisFilter {
     [[gnu::always_inline]] static Narrow<W> filterUnclipped(const Vsp16s* lpc, int len, Input input, Past past,
                                                             Store store) {
         W inputs[kBlock / 4 + 1];
-        Unclipped<W> outputs(lpc, len, input, past, inputs);
+        Unclipped<W> outputs(lpc, lpc, len, input, past, inputs);
         for (int n = 0; n < len; n += 8) store(outputs.nextEight(inputs + n / 4 + 1, len - n), n);
         return outputs.largest();
     }
@@ -304,10 +314,9 @@ struct SynthesisFilter {
     static void runTwo(const Vsp16s* lpc, Vsp16s* a, const Vsp16s* memOfA, Vsp16s* b, const Vsp16s* memOfB) {
 #if defined(__AVX2__)
         const Kept keptA(a, kBlock, memOfA), keptB(b, kBlock, memOfB);
-        const auto both = [](S32_128 ofA, S32_128 ofB) { return S32_256{_mm256_set_m128i(ofB.v, ofA.v)}; };
         const S16_256 largest = filterUnclipped<S32_256>(
-            lpc, kBlock, [&](int n) { return both(loadFour(a + n), loadFour(b + n)); },
-            [&](int n) { return both(earlier(memOfA, n), earlier(memOfB, n)); },
+            lpc, kBlock, [&](int n) { return both<S32_256>(loadFour(a + n), loadFour(b + n)); },
+            [&](int n) { return both<S32_256>(earlier(memOfA, n), earlier(memOfB, n)); },
             [&](S16_256 eight, int n) {
                 S16_128{_mm256_castsi256_si128(eight.v)}.store(a + n);
                 S16_128{_mm256_extracti128_si256(eight.v, 1)}.store(b + n);

@@ -99,7 +99,7 @@ class TiltResponse {
     [[gnu::always_inline]] TiltResponse(const Vsp16s (&numerator)[kTiltRoom], const Vsp16s* denominator)
         : denominator_(denominator),
           outputs_(
-              denominator, kTiltResponse, [&](int n) { return loadFour(numerator + n); },
+              denominator, denominator, kTiltResponse, [&](int n) { return loadFour(numerator + n); },
               [](int) { return S32_128::splat(0); }, inputs_) {}
     [[gnu::always_inline]] void nextEight(Vsp16s* h) {
         outputs_.nextEight(inputs_ + done_ / 4 + 1, kTiltResponse - done_).store(h);
@@ -115,23 +115,149 @@ class TiltResponse {
     int done_ = 0;
 };
 
-// The energy of the input, followed slowly (G.729 A.4.2.4).
-void controlGain(const Vsp16s* input, Vsp16s* output, Vsp16s& gain) {
+// The step of the gain with which the energy of the input is followed slowly (G.729 A.4.2.4). Returns whether the output
+// has an energy.
+bool gainStep(const Vsp16s* input, const Vsp16s* output, Vsp16s& step) {
     const Vsp32s out = saturatedDouble(quarterEnergy(output));
-    if (out == 0) {
-        gain = 0;
-        return;
-    }
+    if (out == 0) return false;
     const Vsp32s in = saturatedDouble(quarterEnergy(input));
-    Vsp16s g0 = 0;
+    step = 0;
     if (in != 0) {
         const int shiftOut = norm_32s(out) - 1, shiftIn = norm_32s(in);
         const Vsp16s ratio = Div_16s(round_32s(shl_32s(out, shiftOut)), round_32s(shl_32s(in, shiftIn)));
         const Vsp32s scaled = shr_32s(shl_32s(ratio, 7), shiftOut - shiftIn);
-        g0 = Mul_16s(round_32s(shl_32s(ownInvSqrt(scaled), 9)), 3276);
+        step = Mul_16s(round_32s(shl_32s(ownInvSqrt(scaled), 9)), 3276);
     }
-    followGain(g0, gain, output);
+    return true;
 }
+
+void controlGain(const Vsp16s* input, Vsp16s* output, Vsp16s& gain) {
+    Vsp16s step;
+    if (gainStep(input, output, step))
+        followGain(step, gain, output);
+    else
+        gain = 0;
+}
+
+// The weighted filters of a subframe.
+struct Filters {
+    Vsp16s numerator[kTiltRoom] = {}, denominator[11];  // zeros behind the former
+    [[gnu::always_inline]] explicit Filters(const Vsp16s* lpc) {
+        static constexpr KnownWeights<kGammaNumerator> kNumerator;
+        static constexpr KnownWeights<kGammaDenominator> kDenominator;
+        kNumerator.weight(lpc, numerator);
+        kDenominator.weight(lpc, denominator);
+    }
+};
+
+// G.729 A.4.2.1, or without it where no speech is coded.
+[[gnu::always_inline]] inline void excite(const Vsp16s* residual, Vsp16s lag, Vsp16s frameType, Vsp16s* dst) {
+    if (frameType == 1) return longTerm(residual, lag, dst);
+    for (int n = 0; n < kL_subfr; n++) dst[n] = residual[n];
+}
+
+void filterSubframe(const Vsp16s* syn, const Vsp16s* lpc, Vsp16s lag, Vsp16s frameType, Vsp16s* dst, State& state) {
+    const Filters filters(lpc);
+    Vsp16s h[kTiltRoom] = {};
+    TiltResponse response(filters.numerator, filters.denominator);  // waits for itself while the rest goes on
+    response.nextEight(h);
+    ResidualHistory<kPitMax> residual(state.residual);
+    ownResidual(syn, filters.numerator, 10, residual.now, kL_subfr, 12);
+    response.nextEight(h + 8);
+
+    Vsp16s signal[1 + kL_subfr];
+    Vsp16s* const x = signal + 1;
+    excite(residual.now, lag, frameType, x);
+    residual.keep(state.residual);
+    response.nextEight(h + 16);
+    if (!response.isRight()) [[unlikely]]
+        impulseResponse<10>(filters.numerator, filters.denominator, kTiltResponse, h);
+
+    const Vsp16s factor = responseTilt(h);
+    Vsp16s compensated[kL_subfr], output[kL_subfr];
+    signal[0] = state.tilt;
+    compensateTilt(factor, x, compensated);
+    state.tilt = x[kL_subfr - 1];
+    synthesise<10>(filters.denominator, compensated, output, kL_subfr, state.synthesis);
+    for (int i = 0; i < 10; i++) state.synthesis[i] = output[kL_subfr - 10 + i];
+    controlGain(syn, output, state.gain);
+    for (int n = 0; n < kL_subfr; n++) dst[n] = output[n];
+}
+
+#if defined(__AVX2__)
+// Both subframes of a frame: what waits for itself goes on beside something else, the responses of both filters at once,
+// the gain of the first subframe with the synthesis of the second. Returns false, and leaves the state, where some step
+// may saturate.
+bool filterFrame(const Vsp16s* syn, const Vsp16s* lpc, const Vsp16s* lags, Vsp16s frameType, Vsp16s* dst, State& state) {
+    using Filter = SynthesisFilter<10>;
+    if (state.gain < 0) return false;
+    const Filters filters1(lpc), filters2(lpc + 11);
+    S32_256 inputs[7];
+    Filter::Unclipped<S32_256> responses(
+        filters1.denominator, filters2.denominator, kTiltResponse,
+        [&](int n) { return both<S32_256>(loadFour(filters1.numerator + n), loadFour(filters2.numerator + n)); },
+        [](int) { return S32_256::splat(0); }, inputs);
+    Vsp16s h[2][kTiltRoom] = {};
+    const auto respond = [&](int n) {
+        const S16_256 eight = responses.nextEight(inputs + n / 4 + 1, kTiltResponse - n);
+        S16_128{_mm256_castsi256_si128(eight.v)}.store(h[0] + n);
+        S16_128{_mm256_extracti128_si256(eight.v, 1)}.store(h[1] + n);
+    };
+    Vsp16s residual[kPitMax + 2 * kL_subfr], signal[1 + 2 * kL_subfr];
+    Vsp16s *const now = residual + kPitMax, *const x = signal + 1;
+    respond(0);
+    for (int i = 0; i < kPitMax; i++) residual[i] = state.residual[i];
+    ownResidual(syn, filters1.numerator, 10, now, kL_subfr, 12);
+    excite(now, lags[0], frameType, x);
+    respond(8);
+    ownResidual(syn + kL_subfr, filters2.numerator, 10, now + kL_subfr, kL_subfr, 12);
+    excite(now + kL_subfr, lags[1], frameType, x + kL_subfr);
+    respond(16);
+    const Vsp16u largest = largestU(foldMaxU(responses.largest()));
+    if (!Filter::areRight(filters1.denominator, largest) || !Filter::areRight(filters2.denominator, largest)) return false;
+
+    Vsp16s compensated[2 * kL_subfr], output[10 + 2 * kL_subfr];
+    signal[0] = state.tilt;
+    compensateTilt(responseTilt(h[0]), x, compensated);
+    compensateTilt(responseTilt(h[1]), x + kL_subfr, compensated + kL_subfr);
+
+    S32_128 inputsOf[2][kL_subfr / 4 + 1];
+    for (int i = 0; i < 10; i++) output[i] = state.synthesis[i];
+    const auto synthesis = [&](int i, const Filters& filters) {
+        const Vsp16s *const src = compensated + kL_subfr * i, *const past = output + kL_subfr * i;
+        return Filter::Unclipped<S32_128>(
+            filters.denominator, filters.denominator, kL_subfr, [=](int n) { return loadFour(src + n); },
+            [=](int n) { return Filter::earlier(past, n); }, inputsOf[i]);
+    };
+    Vsp16s *const output1 = output + 10, *const output2 = output1 + kL_subfr;
+    Vsp16s step;
+    Filter::Unclipped<S32_128> synthesis1 = synthesis(0, filters1);
+    for (int n = 0; n < kL_subfr; n += 8) synthesis1.nextEight(inputsOf[0] + n / 4 + 1, 8).store(output1 + n);
+    if (!Filter::areRight(filters1.denominator, largestU(synthesis1.largest()))) return false;
+    if (!gainStep(syn, output1, step)) return false;
+
+    Filter::Unclipped<S32_128> synthesis2 = synthesis(1, filters2);
+    S16_128 gain = S16_128::splat(state.gain), steps = S16_128::splat(step);
+    for (int n = 0; n < kL_subfr; n += 8) {
+        S16_128 gains = gain;
+        nextGains(steps, gain, gains);
+        synthesis2.nextEight(inputsOf[1] + n / 4 + 1, 8).store(output2 + n);
+        product<12, false>(gains, S16_128::load(output1 + n)).store(dst + n);
+    }
+    if (!Filter::areRight(filters2.denominator, largestU(synthesis2.largest()))) return false;
+    if (!gainStep(syn + kL_subfr, output2, step)) return false;
+
+    for (int i = 0; i < kPitMax; i++) state.residual[i] = residual[2 * kL_subfr + i];
+    for (int i = 0; i < 10; i++) state.synthesis[i] = output2[kL_subfr - 10 + i];
+    state.tilt = x[2 * kL_subfr - 1];
+    state.gain = first(gain);
+    followGain(step, state.gain, output2);
+    for (int n = 0; n < kL_subfr; n++) dst[kL_subfr + n] = output2[n];
+    return true;
+}
+#else
+bool filterFrame(const Vsp16s*, const Vsp16s*, const Vsp16s*, Vsp16s, Vsp16s*, State&) { return false; }
+#endif
 
 }  // namespace
 
@@ -153,39 +279,19 @@ VspStatus vspsPostFilter_G729A_16s(const Vsp16s* pSyn, const Vsp16s* pLPC, Vsp16
     if (anyNull(pSyn, pLPC, pDst, pState)) return vspStsNullPtrErr;
     if (!isLegalLag(lag)) return vspStsRangeErr;
     if (frameType < 0 || frameType > 2) return vspStsRangeErr;
+    filterSubframe(pSyn, pLPC, lag, frameType, pDst, *reinterpret_cast<State*>(pState));
+    return vspStsNoErr;
+}
+
+VspStatus vspsPostFilterFrame_G729A_16s(const Vsp16s* pSyn, const Vsp16s* pLPC, const Vsp16s* pLag, Vsp16s frameType,
+                                        Vsp16s* pDst, VspPostFilterState_G729A_16s* pState) {
+    if (anyNull(pSyn, pLPC, pLag, pDst, pState)) return vspStsNullPtrErr;
+    if (!isLegalLag(pLag[0]) || !isLegalLag(pLag[1])) return vspStsRangeErr;
+    if (frameType < 0 || frameType > 2) return vspStsRangeErr;
     State& state = *reinterpret_cast<State*>(pState);
-    static constexpr KnownWeights<kGammaNumerator> kNumerator;
-    static constexpr KnownWeights<kGammaDenominator> kDenominator;
-    Vsp16s numerator[kTiltRoom] = {}, denominator[11], h[kTiltRoom] = {};
-    kNumerator.weight(pLPC, numerator);
-    kDenominator.weight(pLPC, denominator);
-    TiltResponse response(numerator, denominator);  // waits for itself while the rest goes on
-    response.nextEight(h);
-    ResidualHistory<kPitMax> residual(state.residual);
-    ownResidual(pSyn, numerator, 10, residual.now, kL_subfr, 12);
-    response.nextEight(h + 8);
-
-    Vsp16s signal[1 + kL_subfr];
-    Vsp16s* const x = signal + 1;
-    if (frameType == 1) {
-        longTerm(residual.now, lag, x);
-    } else {
-        for (int n = 0; n < kL_subfr; n++) x[n] = residual.now[n];
-    }
-    residual.keep(state.residual);
-    response.nextEight(h + 16);
-    if (!response.isRight()) [[unlikely]]
-        impulseResponse<10>(numerator, denominator, kTiltResponse, h);
-
-    const Vsp16s factor = responseTilt(h);
-    Vsp16s compensated[kL_subfr], output[kL_subfr];
-    signal[0] = state.tilt;
-    compensateTilt(factor, x, compensated);
-    state.tilt = x[kL_subfr - 1];
-    synthesise<10>(denominator, compensated, output, kL_subfr, state.synthesis);
-    for (int i = 0; i < 10; i++) state.synthesis[i] = output[kL_subfr - 10 + i];
-    controlGain(pSyn, output, state.gain);
-    for (int n = 0; n < kL_subfr; n++) pDst[n] = output[n];
+    if (filterFrame(pSyn, pLPC, pLag, frameType, pDst, state)) return vspStsNoErr;
+    for (int i = 0; i < 2; i++)
+        filterSubframe(pSyn + kL_subfr * i, pLPC + 11 * i, pLag[i], frameType, pDst + kL_subfr * i, state);
     return vspStsNoErr;
 }
 

@@ -95,6 +95,21 @@ VspStatus vspsPostFilter_G729A_16s(const Vsp16s* pSyn, const Vsp16s* pLPC, Vsp16
                                    VspPostFilterState_G729A_16s* pState);
 
 /**
+ * Post-filter of a frame: the same as vspsPostFilter_G729A_16s for one subframe after the other, in less time.
+ *
+ * @param[in]     pSyn       decoded speech: the first of the 80 samples; 10 samples of history before it
+ * @param[in]     pLPC       11 coefficients of the synthesis filter of each subframe, Q12
+ * @param[in]     pLag       integer lag of each subframe, 18 .. 145
+ * @param[in]     frameType  1 speech; 0 or 2 comfort noise
+ * @param[out]    pDst       filtered speech, 80 samples
+ * @param[in,out] pState     state
+ * @retval vspStsNullPtrErr  pSyn, pLPC, pLag, pDst or pState is null
+ * @retval vspStsRangeErr    a lag outside 18 .. 145, or frameType outside 0 .. 2
+ */
+VspStatus vspsPostFilterFrame_G729A_16s(const Vsp16s* pSyn, const Vsp16s* pLPC, const Vsp16s* pLag, Vsp16s frameType,
+                                        Vsp16s* pDst, VspPostFilterState_G729A_16s* pState);
+
+/**
  * Size of the state of the post-filter, G.729 Annex E: 368 bytes.
  *
  * @param[out] pSize  bytes that the caller must provide

@@ -24,6 +24,9 @@ static const Described functions(
         VSPSC_FUNCTION(vspsPostFilter_G729A_16s, in(40).after(10), in(11), lag, frameType, out(40),
                        filterState(312, &Api::vspsPostFilterInit_G729A_16s))
             .stream("vspsPostFilter_G729A_16s", -1, {item(1), item(2), item(3), item(4), result(5), unrecorded()}),
+        VSPSC_FUNCTION(vspsPostFilterFrame_G729A_16s, in(80).after(10), in(22), in(2).holding(vspStsRangeErr, 18, 145),
+                       frameType, out(80), filterState(312, &Api::vspsPostFilterInit_G729A_16s))
+            .notRecorded(),
         VSPSC_FUNCTION(vspsPostFilterGetStateSize_G729E_16s, size(368)).notRecorded(),
         VSPSC_FUNCTION(vspsPostFilterInit_G729E_16s, state(368)).notRecorded(),
         VSPSC_FUNCTION(vspsPostFilter_G729E_16s, in(40).after(argument(2)), in(argument(2) + 1), oneOf({10, 30}), lag,

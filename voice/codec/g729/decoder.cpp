@@ -223,7 +223,7 @@ void Decoder::noise(const Variant& variant, const Vsp16s* index, bool erased, Vs
     endFrame(variant, filters, lags, type, k8k, 0, erased, samples);
 }
 
-// Post-filter, output filter, and what the next frame needs.
+// Post-filter, output filter, and what the next frame needs. The filters of Annex A lie behind each other.
 void Decoder::endFrame(const Variant& variant, const LpFilter* filters, const Vsp16s* lags, Vsp16s frameType, Rate rate,
                        Vsp16s mode, bool erased, Vsp16s* samples) {
     if (!erased && variant.silence) vspsCNGEnergy_G729B_16s(excitation_ + 154, &energy_, &energyShift_);
@@ -243,19 +243,21 @@ void Decoder::endFrame(const Variant& variant, const LpFilter* filters, const Vs
         backward_.synthesised(speech);
     }
     Vsp16s voicing = 0;
-    for (Vsp32s i = 0; i < 2; i++) {
-        Vsp16s found = 0;
-        const Vsp16s* in = speech + kSubframe * i;
-        Vsp16s* out = samples + kSubframe * i;
-        const LpFilter& f = filters[i];
-        if (variant.fast)
-            vspsPostFilter_G729A_16s(in, f.lpc, lags[i], frameType, out, postFilter_.fast);
-        else if (variant.backward)
-            vspsPostFilter_G729E_16s(in, f.lpc, f.order, lags[i], frameType, postFilterGamma_, rate == k11k8 ? 32 : 20, out,
-                                     &found, postFilter_.backward);
-        else
-            vspsPostFilter_G729_16s(in, f.lpc, lags[i], frameType, out, &found, postFilter_.main);
-        if (found != 0) voicing = found;
+    if (variant.fast) {
+        vspsPostFilterFrame_G729A_16s(speech, filters[0].lpc, lags, frameType, samples, postFilter_.fast);
+    } else {
+        for (Vsp32s i = 0; i < 2; i++) {
+            Vsp16s found = 0;
+            const Vsp16s* in = speech + kSubframe * i;
+            Vsp16s* out = samples + kSubframe * i;
+            const LpFilter& f = filters[i];
+            if (variant.backward)
+                vspsPostFilter_G729E_16s(in, f.lpc, f.order, lags[i], frameType, postFilterGamma_, rate == k11k8 ? 32 : 20,
+                                         out, &found, postFilter_.backward);
+            else
+                vspsPostFilter_G729_16s(in, f.lpc, lags[i], frameType, out, &found, postFilter_.main);
+            if (found != 0) voicing = found;
+        }
     }
     vspsHighPassFilter_G729_16s_ISfs(samples, 80, kOutputScale, output_);
 
