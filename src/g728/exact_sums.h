@@ -26,7 +26,18 @@ class ExactSums {
         high_ = sub(high_, shr(fitting, 16));
         taken_--;
     }
+    // Of the sums of parts, and of their upper halves.
+    [[gnu::always_inline]] void addSums(Eight32s low, Eight32s high) {
+        low_ = VSP_LEVEL::add(low_, low);
+        high_ = VSP_LEVEL::add(high_, high);
+    }
+    // At least the first five of kOutputs sums.
     [[gnu::always_inline]] void store(Vsp64s* sums) const {
+#if defined(__AVX512BW__)
+        const __m512i upper = _mm512_slli_epi64(_mm512_cvtepi32_epi64(high_.v), 16);
+        const __m512i lower = _mm512_cvtepi32_epi64(sub(low_, shl(high_, 16)).v);
+        VSP_LEVEL::add(S64_512{_mm512_add_epi64(upper, lower)}, S64_512::splat(taken_ * 0x10000LL)).store(sums);
+#else
         alignas(32) Vsp32s low[kOutputs], high[kOutputs];
         low_.store(low);
         high_.store(high);
@@ -34,6 +45,7 @@ class ExactSums {
             const Vsp64s upper = Vsp64s(high[n]) * 0x10000;
             sums[n] = upper + Vsp32s(Vsp32u(low[n] - upper)) + taken_ * 0x10000LL;
         }
+#endif
     }
 
   private:
@@ -65,6 +77,13 @@ VSP_INLINE void storeFive(S16_128 a, Vsp16s* x) {
     _mm_storel_epi64(reinterpret_cast<__m128i*>(x), a.v);
     x[4] = Vsp16s(_mm_extract_epi16(a.v, 4));
 }
+// Brings the extreme element to the size of a number of so many bits, at most 16; returns the shifts.
+VSP_INLINE int normalise(S16_128& x, int bits) {
+    const int n = norm(largestU(S16_128{x.v ^ shr(x, 15).v}), bits);
+    x = n < 0 ? shr(x, -n) : shl(x, n);
+    return n;
+}
+
 VSP_INLINE S16_128 five(const Vsp16s (&x)[kVector]) { return {_mm_setr_epi16(x[0], x[1], x[2], x[3], x[4], 0, 0, 0)}; }
 
 // The ten samples before a vector and its five ones, and zeros.

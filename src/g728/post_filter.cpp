@@ -57,7 +57,7 @@ VspStatus vspsPostFilter_G728_16s(const Vsp16s* pSrc, const Vsp16s* pPast, Vsp32
     total.addProducts(longTerm);
     addTenTaps(total, pZero, f);
     subtractTenTaps(total, pPole, old);
-    Vsp64s sums[kVector];
+    Vsp64s sums[kOutputs];
     total.store(sums);
     Vsp16s y[kVector], out[kVector];
     Vsp16s previous = s.shortTerm[kOrder - 1];

@@ -25,7 +25,7 @@ struct SynthesisMemory {
     void ring(const Vsp16s* lpc) {
         int least = past[0].scale;
         for (const Vector& v : past) least = v.scale < least ? v.scale : least;
-        Vsp64s sums[kVector];
+        Vsp64s sums[kOutputs];
         if (!sumsOfSmall(lpc, least, sums)) sumsOfAny(lpc, least, sums);
         Vsp16s response[kVector];
         for (int n = 0; n < kVector; n++) {
@@ -33,8 +33,9 @@ struct SynthesisMemory {
             for (int m = 0; m < n; m++) t -= lpc[n - 1 - m] * response[m];
             response[n] = sat16(t >> 14);
         }
-        for (int n = 0; n < kVector; n++) pending.x[n] = response[n];
-        pending.scale = sat16(least + normalise(pending.x, kVector, 15));
+        S16_128 x = five(response);
+        pending.scale = sat16(least + normalise(x, 15));
+        storeFive(x, pending.x);
     }
 
     // The response to an excitation and no past; the excitation is scaled down until it fits. Returns the scale.
@@ -56,20 +57,19 @@ struct SynthesisMemory {
     }
 
     // Adds z to what is pending: the newest vector of the past, returned.
-    const Vector& advance(const Vsp16s* z, Vsp64s scale) {
+    const Vector& advance(const Vsp16s (&z)[kVector], Vsp64s scale) {
         const Vsp64s least = scale < pending.scale ? scale : pending.scale;
-        const Vsp64s limit = least > 3 ? kMax16 : least >= 0 ? 4095 << least : shiftRight(4095, -least);
-        const Vsp64s lower = least > 3 ? kMin16 : -limit;
-        Vector sum;
-        for (int n = 0; n < kVector; n++) {
-            const Vsp64s x = shiftRight(pending.x[n], pending.scale - least) + shiftRight(z[n], scale - least);
-            sum.x[n] = Vsp16s(x > limit ? limit : x < lower ? lower : x);
-        }
-        sum.scale = sat16(least + normalise(sum.x, kVector, 14));
+        const Vsp32s limit = least > 3 ? kMax16 : least >= 0 ? 4095 << least : Vsp32s(shiftRight(4095, -least));
+        const Vsp32s lower = least > 3 ? kMin16 : -limit;
+        const auto lowered = [](S16_128 x, Vsp64s n) { return shr(widen(x), n < 31 ? int(n) : 31); };
+        const Eight32s x = add(lowered(loadFive(pending.x), pending.scale - least), lowered(five(z), scale - least));
+        S16_128 sum = narrowSat(max(min(x, Eight32s::splat(limit)), Eight32s::splat(lower)));
+        const Vsp16s sumScale = sat16(least + normalise(sum, 14));
         Vector older[kPastVectors - 1];
         for (int v = 0; v < kPastVectors - 1; v++) older[v] = past[v];
         for (int v = 0; v < kPastVectors - 1; v++) past[v + 1] = older[v];
-        past[0] = sum;
+        storeFive(sum, past[0].x);
+        past[0].scale = sumScale;
         return past[0];
     }
 

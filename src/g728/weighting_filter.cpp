@@ -16,7 +16,7 @@ constexpr int kPadding = 7;
 
 // The weighting filter on a vector: x and y are the places of the present input and output, the past before them.
 void weigh(const Vsp16s* zero, const Vsp16s* pole, const Vsp16s* x, Vsp16s* y) {
-    Vsp64s ofInput[kVector], ofPast[kVector];
+    Vsp64s ofInput[kOutputs], ofPast[kOutputs];
     for (int n = 0; n < kVector; n++) y[n] = 0;
     sumsOfTen(zero, x, ofInput);
     sumsOfTen(pole, y, ofPast);
