@@ -12,6 +12,29 @@ struct Vector {
     Vsp16s scale;
 };
 
+#if defined(__AVX512BW__)
+// Of two vectors of the past at a time, side by side and eight outputs each: which two samples, of the 32-bit elements, and
+// which two coefficients make the products; the second one of the last sample is none.
+struct ProductPlaces {
+    Vsp32s samples[kPastVectors / 2][3][2 * kOutputs];
+    Vsp16s coefficients[kPastVectors / 2][3][4 * kOutputs];
+};
+constexpr ProductPlaces productPlaces() {
+    constexpr Vsp16s kNone = 63;
+    ProductPlaces places{};
+    for (int pair = 0; pair < kPastVectors / 2; pair++)
+        for (int two = 0; two < 3; two++)
+            for (int i = 0; i < 2 * kOutputs; i++) {
+                const int vector = 2 * pair + i / kOutputs, newest = kVector * vector + 4 - 2 * two + i % kOutputs;
+                places.samples[pair][two][i] = 3 * vector + two;
+                places.coefficients[pair][two][2 * i] = Vsp16s(newest);
+                places.coefficients[pair][two][2 * i + 1] = two < 2 ? Vsp16s(newest - 1) : kNone;
+            }
+    return places;
+}
+constexpr ProductPlaces kPlaces = productPlaces();
+#endif
+
 struct SynthesisMemory {
     Vector past[kPastVectors];  // the newest first
     Vector pending;             // the response to the past alone
@@ -76,6 +99,44 @@ struct SynthesisMemory {
   private:
     static constexpr int kNegligible = 30;  // shift from which on the oldest vector does not count
 
+    static constexpr int kMost = 0xFFFF / kVector;  // five products with samples that are no larger fit in 32 bits
+
+#if defined(__AVX512BW__)
+    // For each sample of the next vector the sum of the products with the past, brought to a common scale vector after
+    // vector, in vectors: if no sample is larger than those that advance() makes.
+    bool sumsOfSmall(const Vsp16s* lpc, int least, Vsp64s* sums) const {
+        const __m512i first = _mm512_loadu_si512(past), second = _mm512_maskz_loadu_epi32(0x3FFF, &past[5].x[2]);
+        const __m512i most = _mm512_set1_epi16(kMost);
+        if ((_mm512_cmpgt_epu16_mask(_mm512_abs_epi16(first), most) |
+             _mm512_cmpgt_epu16_mask(_mm512_abs_epi16(second), most)) != 0)
+            return false;
+        const __m512i lower = _mm512_loadu_si512(lpc), upper = _mm512_maskz_loadu_epi16(0x3FFFF, lpc + 32);
+        S32_512 low = S32_512::splat(0), high = low;
+        for (int pair = 0; pair < kPastVectors / 2; pair++) {
+            const auto samples = [&](int two) {
+                return _mm512_permutex2var_epi32(first, _mm512_loadu_si512(kPlaces.samples[pair][two]), second);
+            };
+            const auto products = [&](int two, __m512i x) {
+                const __m512i places = _mm512_loadu_si512(kPlaces.coefficients[pair][two]);
+                return S32_512{_mm512_madd_epi16(_mm512_permutex2var_epi16(lower, places, upper), x)};
+            };
+            const S32_512 last{samples(2)};
+            const S32_512 five = add(add(products(0, samples(0)), products(1, samples(1))), products(2, last.v));
+            const S32_512 shift = sub(shr(last, 16), S32_512::splat(least));
+            S32_512 part{_mm512_srav_epi32(sub(S32_512::splat(0), five).v, shift.v)};
+            if (pair == kPastVectors / 2 - 1) {
+                const __mmask16 negligible = _mm512_cmpge_epi32_mask(shift.v, _mm512_set1_epi32(kNegligible)) & 0xFF00;
+                part.v = _mm512_maskz_mov_epi32(__mmask16(~negligible), part.v);
+            }
+            low = add(low, part);
+            high = add(high, shr(part, 16));
+        }
+        ExactSums total;
+        total.addSums(foldSum(low), foldSum(high));
+        total.store(sums);
+        return true;
+    }
+#else
     // Eight coefficients from i on, zeros around them.
     template <int i>
     [[gnu::always_inline]] static S16_128 coefficients(const Vsp16s* lpc) {
@@ -112,7 +173,7 @@ struct SynthesisMemory {
     // For each sample of the next vector the sum of the products with the past, brought to a common scale vector after
     // vector, in vectors: if no sample is larger than those that advance() makes.
     bool sumsOfSmall(const Vsp16s* lpc, int least, Vsp64s* sums) const {
-        constexpr int kWords = kPastVectors * (kVector + 1), kMost = 0xFFFF / kVector;
+        constexpr int kWords = kPastVectors * (kVector + 1);
         S16_128 largest = S16_128::splat(0);
         const Vsp16s* const words = reinterpret_cast<const Vsp16s*>(past);
         for (int i = 0; i < kWords; i += S16_128::width) {
@@ -126,6 +187,8 @@ struct SynthesisMemory {
         total.store(sums);
         return true;
     }
+
+#endif
 
     [[gnu::noinline]] void sumsOfAny(const Vsp16s* lpc, int least, Vsp64s* sums) const {
         for (int n = 0; n < kVector; n++) {
