@@ -8,6 +8,15 @@ namespace vsp::VSP_LEVEL::g728 {
 
 constexpr int kOutputs = 8;  // of which a vector of samples needs the first five
 
+// Five elements and zeros behind them. Elements that are stored and loaded in the same pieces do not wait for memory.
+VSP_INLINE S16_128 loadFive(const Vsp16s* x) {
+    return {_mm_insert_epi16(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(x)), x[4], 4)};
+}
+VSP_INLINE void storeFive(S16_128 a, Vsp16s* x) {
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(x), a.v);
+    x[4] = Vsp16s(_mm_extract_epi16(a.v, 4));
+}
+
 // Sums of 32-bit values by their upper halves and modulo 2^32, which gives the lower halves as well.
 class ExactSums {
   public:
@@ -34,9 +43,7 @@ class ExactSums {
     // At least the first five of kOutputs sums.
     [[gnu::always_inline]] void store(Vsp64s* sums) const {
 #if defined(__AVX512BW__)
-        const __m512i upper = _mm512_slli_epi64(_mm512_cvtepi32_epi64(high_.v), 16);
-        const __m512i lower = _mm512_cvtepi32_epi64(sub(low_, shl(high_, 16)).v);
-        VSP_LEVEL::add(S64_512{_mm512_add_epi64(upper, lower)}, S64_512::splat(taken_ * 0x10000LL)).store(sums);
+        inSixtyFour().store(sums);
 #else
         alignas(32) Vsp32s low[kOutputs], high[kOutputs];
         low_.store(low);
@@ -47,10 +54,29 @@ class ExactSums {
         }
 #endif
     }
+    // The first five in 16 bits, as roundQ14().
+    [[gnu::always_inline]] void storeRounded(Vsp16s* x) const {
+#if defined(__AVX512BW__)
+        const __m512i rounded = VSP_LEVEL::add(inSixtyFour(), S64_512::splat(0x2000)).v;
+        storeFive({_mm512_cvtsepi64_epi16(_mm512_srai_epi64(rounded, 14))}, x);
+#else
+        Vsp64s sums[kOutputs];
+        store(sums);
+        for (int n = 0; n < kVector; n++) x[n] = roundQ14(sums[n]);
+#endif
+    }
 
   private:
     Eight32s low_ = Eight32s::splat(0), high_ = Eight32s::splat(0);
     int taken_ = 0;
+
+#if defined(__AVX512BW__)
+    [[gnu::always_inline]] S64_512 inSixtyFour() const {
+        const S64_512 upper{_mm512_slli_epi64(_mm512_cvtepi32_epi64(high_.v), 16)};
+        const S64_512 lower{_mm512_cvtepi32_epi64(sub(low_, shl(high_, 16)).v)};
+        return VSP_LEVEL::add(VSP_LEVEL::add(upper, lower), S64_512::splat(taken_ * 0x10000LL));
+    }
+#endif
 };
 
 // a[i] and b[i] as pairs.
@@ -69,14 +95,6 @@ VSP_INLINE S16_128 elementsFrom(S16_128 first, S16_128 second) {
         return {_mm_alignr_epi8(second.v, first.v, 2 * at)};
 }
 
-// Five elements and zeros behind them. Elements that are stored and loaded in the same pieces do not wait for memory.
-VSP_INLINE S16_128 loadFive(const Vsp16s* x) {
-    return {_mm_insert_epi16(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(x)), x[4], 4)};
-}
-VSP_INLINE void storeFive(S16_128 a, Vsp16s* x) {
-    _mm_storel_epi64(reinterpret_cast<__m128i*>(x), a.v);
-    x[4] = Vsp16s(_mm_extract_epi16(a.v, 4));
-}
 // Brings the extreme element to the size of a number of so many bits, at most 16; returns the shifts.
 VSP_INLINE int normalise(S16_128& x, int bits) {
     const int n = norm(largestU(S16_128{x.v ^ shr(x, 15).v}), bits);

@@ -32,6 +32,12 @@ S16_128 clippedQ14(Eight32s x) {
     return narrowSat(add(shr(add(fitting, Eight32s::splat(0x2000)), 14), Eight32s::splat(0x10000 >> 14)));
 }
 
+// The products, as roundQ14().
+S16_128 productsQ14(S16_128 a, S16_128 b) {
+    const Eight32s products = pairsOf(mulLo(a, b), mulHi(a, b));
+    return narrowSat(shr(add(products, Eight32s::splat(0x2000)), 14));
+}
+
 }  // namespace
 
 VspStatus vspsPostFilterGetStateSize_G728_16s(Vsp32s* pSize) { return fixedSize(pSize, sizeof(State)); }
@@ -78,10 +84,10 @@ VspStatus vspsPostFilter_G728_16s(const Vsp16s* pSrc, const Vsp16s* pPast, Vsp32
         ratio = divide(num.mantissa, num.scale, den.mantissa, den.scale);
     }
     const Vsp64s target = shift_32s(kNew * ratio.mantissa, 14 - 7 - ratio.scale);
-    for (int n = 0; n < kVector; n++) {
-        s.gain = roundQ14(target + Vsp64s(kOld) * s.gain);
-        pDst[n] = roundQ14(Vsp64s(s.gain) * out[n]);
-    }
+    Vsp16s gains[kVector], gain = s.gain;
+    for (int n = 0; n < kVector; n++) gains[n] = gain = roundQ14(target + Vsp64s(kOld) * gain);
+    s.gain = gain;
+    storeFive(productsQ14(five(gains), five(out)), pDst);
     return vspStsNoErr;
 }
 

@@ -102,11 +102,7 @@ VspStatus vspsLPCInverseFilter_G728_16s(const Vsp16s* pSrc, const Vsp16s* pCoeff
     ExactSums total;
     addTenTaps(total, pCoeff, x);
     total.add(shl(widen(src), 13));
-    Vsp64s sums[kOutputs];
-    total.store(sums);
-    Vsp16s y[kVector];
-    for (int n = 0; n < kVector; n++) y[n] = roundQ14(sums[n]);
-    storeFive(five(y), pDst);
+    total.storeRounded(pDst);
     x.storeNewest(s.speech);
     return vspStsNoErr;
 }
