@@ -161,6 +161,64 @@ VspStatus windowSamples(const Vsp16s* src, Vsp16s* dst, const State& state) {
     return windowed.correlate(shift, state, dst);
 }
 
+// The samples with a new block behind them, windowed, vector after vector on the way to the smallest scale; the newest
+// first.
+#if defined(__AVX512BW__)
+struct Scales {
+    Vsp16s of[kSynthesis.samples()];  // the scale of each sample
+};
+constexpr Scales scalesOfSamples() {
+    Scales scales{};
+    for (int i = 0; i < kSynthesis.samples(); i++) scales.of[i] = Vsp16s(kSynthesis.vectors() - 1 - i / kVector);
+    return scales;
+}
+constexpr Scales kScales = scalesOfSamples();
+
+void takeWindowed(const Vsp16s* src, const Vsp16s* scales, int least, const State& state, Vsp16s* windowed) {
+    constexpr const Shape& s = kSynthesis;
+    constexpr int kWidth = S16_256::width, kKept = s.samples() - s.block;
+    constexpr int kPlaces[] = {0, 16, 32, 48, 64, kKept - kWidth, kKept, s.samples() - kWidth}, kBlocks = 8;
+    S16_256 samples[kBlocks];
+    for (int i = 0; i < kBlocks; i++)
+        samples[i] = S16_256::load(kPlaces[i] < kKept ? state.samples + s.block + kPlaces[i] : src + kPlaces[i] - kKept);
+    const __m512i all = _mm512_maskz_loadu_epi16((1U << s.vectors()) - 1, scales);
+    const __m512i differences =
+        _mm512_min_epu16(_mm512_sub_epi16(all, _mm512_set1_epi16(Vsp16s(least))), _mm512_set1_epi16(31));
+    for (int i = 0; i < kBlocks; i++) {
+        samples[i].store(state.samples + kPlaces[i]);
+        const int at = s.samples() - kWidth - kPlaces[i];
+        const __m256i which = S16_256::load(kScales.of + at).v;
+        const __m256i shifts = _mm512_castsi512_si256(_mm512_permutexvar_epi16(_mm512_castsi256_si512(which), differences));
+        const S32_512 x{_mm512_cvtepi16_epi32(reversed(samples[i]).v)},
+            weight{_mm512_cvtepi16_epi32(S16_256::load(s.window + at).v)};
+        const S32_512 product = mulLo(x, weight),
+                      shifted{_mm512_srav_epi32(add(product, product).v, _mm512_cvtepi16_epi32(shifts))};
+        S16_256{_mm512_cvtepi32_epi16(shr(add(shifted, S32_512::splat(0x8000)), 16).v)}.store(windowed + at);
+    }
+}
+#else
+void takeWindowed(const Vsp16s* src, const Vsp16s* scales, int least, const State& state, Vsp16s* windowed) {
+    constexpr const Shape& s = kSynthesis;
+    constexpr int kVectors = s.vectors();
+    Vsp16s x[s.samples()];
+    take<s>(src, state, x);
+    const auto shift = [&](int v) {
+        const int difference = scales[kVectors - 1 - v] - least;
+        return difference < 31 ? difference : 31;
+    };
+    for (int v = 0; v < kVectors - 1; v++) {  // and three samples of the next one
+        const S16_128 sample = S16_128::load(x + kVector * v), weight = S16_128::load(s.window + kVector * v);
+        const S16_128 low = mulLo(sample, weight), high = mulHi(sample, weight);
+        const auto windowedBy = [n = shift(v)](S32_128 product) {
+            return shr(add(shr(add(product, product), n), S32_128::splat(0x8000)), 16);
+        };
+        packSat(windowedBy(zipLo(low, high)), windowedBy(zipHi(low, high))).store(windowed + kVector * v);
+    }
+    for (int i = kVector * (kVectors - 1); i < s.samples(); i++)
+        windowed[i] = Vsp16s(((x[i] * s.window[i] * 2 >> shift(kVectors - 1)) + 0x8000) >> 16);
+}
+#endif
+
 }  // namespace
 
 VspStatus vspsWinHybridGetStateSize_G728_16s(Vsp32s order, Vsp32s nonRec, Vsp32s block, Vsp32s* pSize) {
@@ -195,28 +253,14 @@ VspStatus vspsWinHybridBlock_G728_16s(const Vsp16s* pSrc, const Vsp16s* pScale, 
     constexpr const Shape& s = kSynthesis;
     constexpr int kVectors = s.vectors(), kNew = s.block / kVector;
     const State state(pState, s);
-    Vsp16s x[s.samples()], scales[kVectors];
+    Vsp16s scales[kVectors];
     for (int i = 0; i < kVectors - kNew; i++) scales[i] = state.scales[i + kNew];
     for (int i = 0; i < kNew; i++) scales[kVectors - kNew + i] = pScale[i];
     for (int i = 0; i < kVectors; i++) state.scales[i] = scales[i];
     int least = scales[0];
     for (int i = 1; i < kVectors; i++) least = scales[i] < least ? scales[i] : least;
-    take<s>(pSrc, state, x);
     Windowed<s> windowed;
-    const auto shift = [&](int v) {
-        const int difference = scales[kVectors - 1 - v] - least;
-        return difference < 31 ? difference : 31;
-    };
-    for (int v = 0; v < kVectors - 1; v++) {  // and three samples of the next one
-        const S16_128 sample = S16_128::load(x + kVector * v), weight = S16_128::load(s.window + kVector * v);
-        const S16_128 low = mulLo(sample, weight), high = mulHi(sample, weight);
-        const auto windowedBy = [n = shift(v)](S32_128 product) {
-            return shr(add(shr(add(product, product), n), S32_128::splat(0x8000)), 16);
-        };
-        packSat(windowedBy(zipLo(low, high)), windowedBy(zipHi(low, high))).store(windowed.w + kVector * v);
-    }
-    for (int i = kVector * (kVectors - 1); i < s.samples(); i++)
-        windowed.w[i] = Vsp16s(((x[i] * s.window[i] * 2 >> shift(kVectors - 1)) + 0x8000) >> 16);
+    takeWindowed(pSrc, scales, least, state, windowed.w);
     return windowed.correlate(least, state, pDst);
 }
 
