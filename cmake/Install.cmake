@@ -11,7 +11,8 @@ install(FILES include/vspsc.h include/vspsvoice.h DESTINATION ${CMAKE_INSTALL_IN
 install(DIRECTORY include/vspsc include/vspsvoice DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h")
 install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR})
-install(FILES docs/subband-windows.png DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs)
+install(FILES docs/echo-cancelled.svg docs/echo-suppressed.svg docs/subband-windows.png
+        DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs)
 
 # Links to what is not installed become plain text in the installed pages.
 foreach(page README.md CHANGELOG.md SECURITY.md docs/architecture.md docs/echo.md docs/g168.md docs/noise.md docs/reliability.md docs/subband-windows.md)
