@@ -13,7 +13,7 @@ for program in $build/bin/test_*; do
     case $program in *test_exhaustive | *test_huge_lengths | *test_long_arrays) continue ;; esac
     "$program" --gtest_brief=1 || status=1
 done
-for program in $build/bin/replay_*; do "$program" fuzz/corpus/"${program##*/replay_}" || status=1; done
+for program in $build/bin/replay_voice*; do "$program" fuzz/corpus/"${program##*/replay_}" || status=1; done
 ctest --test-dir $build -R '^vsps[.]' --output-on-failure || status=1
 
 counts=$build/counts.json
