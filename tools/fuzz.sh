@@ -27,7 +27,7 @@ mkdir -p "$findings"
 failed=()
 tools/fuzz_seeds.py build/fuzz/seeds
 printf '%-16s %10s %12s %10s %8s\n' family seconds executions edges inputs
-TIMEFORMAT=%U
+TIMEFORMAT='%U + %S'
 for family in "${families[@]}"; do
     corpus=build/fuzz/corpus/$family
     seeds=fuzz/corpus/$family
@@ -40,7 +40,7 @@ for family in "${families[@]}"; do
         -print_final_stats=1 -artifact_prefix="$findings/$family-" "$corpus" $seeds >"$log" 2>&1; } 2>&1) || failed+=("$family")
     executions=$(sed -n 's/^stat::number_of_executed_units: *//p' "$log")
     edges=$(grep -o 'cov: [0-9]*' "$log" | tail -1 | cut -d' ' -f2)
-    printf '%-16s %10s %12s %10s %8s\n' "$family" "$used" "${executions:-?}" "${edges:-?}" "$(find "$corpus" -type f | wc -l)"
+    printf '%-16s %10s %12s %10s %8s\n' "$family" "$(python3 -c "print(round($used))")" "${executions:-?}" "${edges:-?}" "$(find "$corpus" -type f | wc -l)"
 done
 for family in ${failed[@]+"${failed[@]}"}; do
     echo "fuzz_$family failed:" >&2
