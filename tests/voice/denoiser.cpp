@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cmath>
 #include <numeric>
+#include <optional>
 #include <random>
 
 #include "support/samples.h"
@@ -111,6 +112,24 @@ TEST(VoiceDenoiser, PresenceIsLargeInSpeechAndSmallInNoiseAndSilence) {
     EXPECT_LT(mean(5, 1), 0.01);
     EXPECT_LT(mean(7, 1), 0.01);
     EXPECT_EQ(presence, presenceIn(signal, vspvDenoiserOff));
+}
+
+TEST(VoiceDenoiser, ChangedModeIsThatOfAnotherDenoiser) {
+    const auto denoised = [](Vsp32s mode, std::optional<Vsp32s> changed) {
+        const VspvDenoiserSettings settings{8000, mode};
+        Denoiser denoiser(0, vspvDenoiserGetSize, &settings);
+        EXPECT_EQ(vspStsNoErr, vspvDenoiserInit(denoiser.get(), &settings));
+        if (changed) {
+            EXPECT_EQ(vspStsNoErr, vspvDenoiserSetMode(denoiser.get(), *changed));
+        }
+        Samples speech = recordedSpeech();
+        EXPECT_EQ(vspStsNoErr,
+                  vspvDenoiserProcess_16s(denoiser.get(), speech.data(), speech.data(), Vsp32s(speech.size())));
+        return speech;
+    };
+    const Samples low = denoised(vspvDenoiserLow, {});
+    EXPECT_EQ(low, denoised(vspvDenoiserHigh, vspvDenoiserLow));
+    EXPECT_NE(low, denoised(vspvDenoiserHigh, {}));
 }
 
 TEST(VoiceDenoiser, ChecksComeInOrderAndTouchNothing) {
