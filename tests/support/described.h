@@ -102,10 +102,12 @@ struct Argument {
         return with([&](Argument& a) { a.used = std::move(condition); });
     }
     Argument when(int position, std::vector<Vsp64s> values) const {
-        return when([=](const Values& v) { return contains(values, v.at(std::size_t(position))); });
+        return when(
+            [position, all = std::move(values)](const Values& v) { return contains(all, v.at(std::size_t(position))); });
     }
     Argument unless(int position, std::vector<Vsp64s> values) const {
-        return when([=](const Values& v) { return !contains(values, v.at(std::size_t(position))); });
+        return when(
+            [position, all = std::move(values)](const Values& v) { return !contains(all, v.at(std::size_t(position))); });
     }
 
     // What the elements must be: all the same, one after the other, or by the other arguments and the number of the
