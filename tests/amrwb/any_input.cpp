@@ -84,7 +84,7 @@ TEST_P(WideFilters, HighPassFilterIsTheDefinition) {
         const auto any = evenlySpread(8, seed), full = evenlySpread(200, seed + 1000);
         const bool wild = seed % 5 == 0;  // samples one by one, which may not saturate but on the way
         for (int k = 1; wild && k <= order; k++) c.a[k] = Vsp16s(any[std::size_t(k)] >> (2 + seed / 20 % 4));
-        for (int k = 0; wild && k <= order; k++) c.b[k] = any[std::size_t(4 + k)];
+        for (int k = 0; wild && k <= order; k++) c.b[k] = any[4 + std::size_t(k)];
         HighPassDefinition definition{c, order};
         Guarded<Vsp32s> state(std::vector<Vsp32s>(10));
         ASSERT_EQ(vspStsNoErr, api.vspsHighPassFilterInit_AMRWB_16s(c.a, c.b, order, state.data()));
