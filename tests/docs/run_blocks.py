@@ -152,7 +152,7 @@ def record(path: pathlib.Path, channels: int) -> None:
 
 def make_recordings(folder: pathlib.Path) -> None:
     """The files that examples of vsps name."""
-    for name in ("call", "far", "near", "line", "room", "fax"):
+    for name in ("call", "far", "near", "answer", "line", "room", "fax"):
         record(folder / f"{name}.wav", 1)
     for name in ("calls", "coded", "heard", "tables"):
         (folder / name).mkdir()
