@@ -88,15 +88,25 @@ struct SynthesisMemory {
         const Eight32s x = add(lowered(loadFive(pending.x), pending.scale - least), lowered(five(z), scale - least));
         S16_128 sum = narrowSat(max(min(x, Eight32s::splat(limit)), Eight32s::splat(lower)));
         const Vsp16s sumScale = sat16(least + normalise(sum, 14));
-        Vector older[kPastVectors - 1];
-        for (int v = 0; v < kPastVectors - 1; v++) older[v] = past[v];
-        for (int v = 0; v < kPastVectors - 1; v++) past[v + 1] = older[v];
+        makeRoom();
         storeFive(sum, past[0].x);
         past[0].scale = sumScale;
         return past[0];
     }
 
   private:
+    // Moves the past by one vector; the oldest one is lost.
+    void makeRoom() {
+        using V = Sliding16;
+        constexpr int kWords = (kPastVectors - 1) * (kVector + 1), kWidth = V::width,
+                      kCount = (kWords + kWidth - 1) / kWidth;
+        Vsp16s* const words = reinterpret_cast<Vsp16s*>(past);
+        const auto place = [](int i) { return i < kCount - 1 ? i * kWidth : kWords - kWidth; };
+        V kept[kCount];
+        for (int i = 0; i < kCount; i++) kept[i] = V::load(words + place(i));
+        for (int i = 0; i < kCount; i++) kept[i].store(words + place(i) + kVector + 1);
+    }
+
     static constexpr int kNegligible = 30;  // shift from which on the oldest vector does not count
 
     static constexpr int kMost = 0xFFFF / kVector;  // five products with samples that are no larger fit in 32 bits
