@@ -3,11 +3,36 @@
 #include "arithmetic/standard_ops.h"
 #include "g728/tables.h"
 
-namespace bench::g728 {
+namespace bench::BENCH_G728 {
 
 using namespace vsp;
 
+#if defined(BENCH_G728_CHECKED)
+extern bool overflow;
+bool overflow = false;
+#endif
+
 namespace {
+
+#if defined(BENCH_G728_CHECKED)
+class Sum {
+  public:
+    Sum(Vsp64s x) : x_(x) {}
+    operator Vsp64s() const { return x_; }
+    Sum& operator+=(Vsp64s x) { return *this = checked(x_ + x); }
+    Sum& operator-=(Vsp64s x) { return *this = checked(x_ - x); }
+
+  private:
+    Vsp64s x_;
+
+    static Vsp64s checked(Vsp64s x) {
+        if (x != Vsp32s(x)) overflow = true;
+        return x;
+    }
+};
+#else
+using Sum = Vsp64s;
+#endif
 
 Vsp16s rounded(Vsp64s x) {
     const Vsp64s high = x >> 16;
@@ -134,7 +159,7 @@ bool HybridWindow::correlate(const Vsp16s* weighted, int level, Vsp16s* r) {
     }
     Vsp32s last = 0;
     for (int lag = 0; lag <= order; lag++) {
-        Vsp64s e = 0, n = 0;
+        Sum e = 0, n = 0;
         for (int i = 0; i < block; i++) e += recent[i] * recent[i - lag];
         for (int i = 0; i < nonRecursive; i++) n += newest[i] * newest[i - lag];
         Vsp64s a = right(recursive[lag] * factor, past) + right(e, present);
@@ -169,7 +194,7 @@ bool Recursion::run(const Vsp16s* r, int from, int to) {
         from = 1;
     }
     for (int i = from; i < to; i++) {
-        Vsp64s s = 0;
+        Sum s = 0;
         for (int j = 0; j < i; j++) s += r[j + 1] * a[i - 1 - j];
         const Vsp64s sum = r[i + 1] * 65536LL + (s << (1 + halvings));
         if (sum != Vsp32s(sum)) return false;
@@ -221,7 +246,7 @@ void Adaptation::use() {
 }
 
 Vsp16s Adaptation::predict(Gain& gain) const {
-    Vsp64s sum = 0;
+    Sum sum = 0;
     for (int i = 0; i < kOrder; i++) sum -= gainFilter[i] * gains[kOrder - 1 - i];
     int d = Cnvrt_64s32s(sum) >> 14;
     if (d > 14336) d = 14336;
@@ -251,11 +276,11 @@ void SynthesisMemory::ring(const Vsp16s* lpc) {
     for (const Vector& v : past)
         if (v.scale < least) least = v.scale;
     for (int n = 0; n < kVector; n++) {
-        Vsp64s t = 0;
+        Sum t = 0;
         for (int k = 0; k < n; k++) t -= lpc[k] * pending.x[n - 1 - k];
         int k = n;
         for (int v = 0; v < 10; v++) {
-            Vsp64s part = 0;
+            Sum part = 0;
             for (int m = kVector - 1; m >= 0 && k < kSynthesisOrder; m--) part -= lpc[k++] * past[v].x[m];
             const int shift = past[v].scale - least;
             if (v < 9 || shift < 30) t += right(part, shift > 30 ? 62 : shift);
@@ -269,7 +294,7 @@ void SynthesisMemory::ring(const Vsp16s* lpc) {
 const Vector& SynthesisMemory::excite(const Vsp16s* lpc, const Vector& excitation, Vector& response) {
     Vector e = excitation;
     for (int n = 0; n < kVector;) {
-        Vsp64s t = 16384 * e.x[n];
+        Sum t = 16384 * e.x[n];
         for (int k = 0; k < n; k++) t -= lpc[k] * response.x[n - 1 - k];
         if (t >= -(1 << 28) && t < 1 << 28) {
             response.x[n++] = Vsp16s(t >> 14);
@@ -306,7 +331,7 @@ void Encoder::weigh(const Vsp16s* x, Vsp16s* past, Vsp16s* y) const {
     for (int i = 0; i < kOrder; i++) in[i] = past[i];
     for (int i = 0; i < kVector; i++) in[kOrder + i] = x[i];
     for (int n = 0; n < kVector; n++) {
-        Vsp64s t = 16384 * x[n];
+        Sum t = 16384 * x[n];
         for (int i = 0; i < kOrder; i++) t += zero_[i] * in[kOrder + n - 1 - i];
         for (int i = 0; i < kOrder; i++) t -= pole_[i] * y[n - 1 - i];
         y[n] = sat16(t >> 14);
@@ -318,17 +343,17 @@ void Encoder::respond() {
     const Vsp16s* const lpc = adaptation_.lpc;
     Vsp16s p[kVector] = {8192};
     for (int n = 1; n < kVector; n++) {
-        Vsp64s t = 0;
+        Sum t = 0;
         for (int k = 0; k < n; k++) t -= lpc[k] * p[n - 1 - k];
-        Vsp64s u = t;
+        Sum u = t;
         for (int k = 0; k < n; k++) u += Vsp64s(zero_[k]) * p[n - 1 - k] - pole_[k] * response_[n - 1 - k];
         p[n] = sat16(t >> 14);
         response_[n] = sat16(u >> 14);
     }
     for (int i = 0; i < 128; i++) {
-        Vsp64s energy = 0;
+        Sum energy = 0;
         for (int n = 0; n < kVector; n++) {
-            Vsp64s sum = 0;
+            Sum sum = 0;
             for (int k = 0; k <= n; k++) sum += kShapes[k][i] * response_[n - k];
             const Vsp32s u = sat16(sum >> 14);
             energy += u * u;
@@ -349,14 +374,14 @@ void Encoder::adaptWeighting() {
 int Encoder::search(const Vsp16s* target, int scale) const {
     Vsp16s c[kVector];
     for (int j = 0; j < kVector; j++) {
-        Vsp64s sum = 0;
+        Sum sum = 0;
         for (int n = j; n < kVector; n++) sum += response_[n - j] * target[n];
         c[j] = sat16(right(Cnvrt_64s32s(sum), scale + 6));
     }
     Vsp32s least = kMax32;
     int best = 0;
     for (int i = 0; i < 128; i++) {
-        Vsp64s sum = 0;
+        Sum sum = 0;
         for (int n = 0; n < kVector; n++) sum += kShapes[n][i] * c[n];
         const bool negative = sum <= 0;
         if (negative) sum = -sum;
@@ -406,7 +431,7 @@ Vsp16s Encoder::encodeVector(const Vsp16s* samples, Vector& coded) {
     coded = memory_.excite(adaptation_.lpc, e, z);
     Vsp16s w[kVector];
     for (int n = 0; n < kVector; n++) {
-        Vsp64s t = 16384 * z.x[n];
+        Sum t = 16384 * z.x[n];
         for (int k = 0; k < n; k++) t += zero_[k] * z.x[n - 1 - k];
         for (int k = 0; k < n; k++) t -= pole_[k] * w[n - 1 - k];
         w[n] = sat16(t >> 14);
@@ -462,7 +487,7 @@ void Decoder::decode(const Vsp16s* indices, Vsp16s* samples) {
 static int strongest(const Vsp16s* x, int len, int from, int to, Vsp32s* most) {
     int best = from;
     for (int lag = from; lag <= to; lag++) {
-        Vsp64s sum = 0;
+        Sum sum = 0;
         for (int i = 0; i < len; i++) sum += x[i] * x[i - lag];
         const Vsp32s clipped = Cnvrt_64s32s(sum);
         if (lag == from || clipped > *most) *most = clipped, best = lag;
@@ -476,7 +501,7 @@ void Decoder::followPitch() {
     Vsp16s newest[kVector];
     for (int n = 0; n < kFrame; n++) {
         const Vsp16s* const x = residual_ + kLength - kFrame + n;
-        Vsp64s t = (18721LL * (x[0] + x[-3]) - 3668LL * (x[-1] + x[-2])) >> 6;
+        Sum t = (18721LL * (x[0] + x[-3]) - 3668LL * (x[-1] + x[-2])) >> 6;
         t -= -19172LL * lowPass_[2] + 16481LL * lowPass_[1] - 5031LL * lowPass_[0];
         const Vsp16s y = rounded(Cnvrt_64s32s(8 * t));
         append(lowPass_, 3, &y, 1);
@@ -493,7 +518,7 @@ void Decoder::followPitch() {
     pitch_ = pitch;
     if (old + 6 >= pitch) return;
     const int near = strongest(x, kWindow, from(old - 6), old + 6, &c2);
-    Vsp64s sum1 = 0, sum2 = 0;
+    Sum sum1 = 0, sum2 = 0;
     for (int i = 0; i < kWindow; i++) sum1 += x[i - pitch] * x[i - pitch];
     for (int i = 0; i < kWindow; i++) sum2 += x[i - near] * x[i - near];
     const Vsp32s e1 = Cnvrt_64s32s(sum1), e2 = Cnvrt_64s32s(sum2);
@@ -507,7 +532,7 @@ void Decoder::followPitch() {
 // Blocks 83 and 84
 void Decoder::adaptLongTerm() {
     const Vsp16s* const x = past_ + 140;
-    Vsp64s a = 0, c = 0;
+    Sum a = 0, c = 0;
     for (int i = 0; i < 100; i++) a += x[i - pitch_] * x[i - pitch_];
     for (int i = 0; i < 100; i++) c += x[i] * x[i - pitch_];
     int tap = 0;
@@ -525,7 +550,7 @@ void Decoder::postFilter(const Vector& speech, bool withPitch, Vsp16s* samples) 
     Vsp16s x[kVector], residual[kVector];
     for (int n = 0; n < kVector; n++) {
         x[n] = converted(speech.x[n], speech.scale, 2);
-        Vsp64s sum = 8192 * x[n];
+        Sum sum = 8192 * x[n];
         for (int i = 0; i < kOrder; i++) sum += inverse_[i] * speech_[kOrder - 1 - i];
         residual[n] = rounded(Cnvrt_64s32s(4 * sum));
         append(speech_, kOrder, x + n, 1);
@@ -536,10 +561,10 @@ void Decoder::postFilter(const Vector& speech, bool withPitch, Vsp16s* samples) 
         adaptLongTerm();
     }
     Vsp16s out[kVector];
-    Vsp64s before = 0, after = 0;
+    Sum before = 0, after = 0;
     for (int n = 0; n < kVector; n++) {
         const Vsp64s longTerm = Vsp64s(direct_) * x[n] + delayed_ * past_[240 + n - pitch_];
-        Vsp64s sum = longTerm;
+        Sum sum = longTerm;
         for (int i = 0; i < kOrder; i++) sum += zero_[i] * longTerm_[kOrder - 1 - i];
         for (int i = 0; i < kOrder; i++) sum -= pole_[i] * shortTerm_[kOrder - 1 - i];
         out[n] = sat16((sum + tilt_ * shortTerm_[kOrder - 1]) >> 14);
@@ -560,4 +585,4 @@ void Decoder::postFilter(const Vector& speech, bool withPitch, Vsp16s* samples) 
     append(past_, 240, x, kVector);
 }
 
-}  // namespace bench::g728
+}  // namespace bench::BENCH_G728

@@ -1,10 +1,16 @@
 // The coder of G.728 Annex G without lost frames, written plainly: block after block by its definition, sample by sample,
-// with exact sums of 64 bits.
-#pragma once
-
+// with exact sums of 64 bits. A second time, with BENCH_G728_CHECKED, each addition to a sum also tells whether it leaves
+// 32 bits, as the basic operators of the standards tell by their flag.
 #include "vspsc/types.h"
 
-namespace bench::g728 {
+#undef BENCH_G728
+#if defined(BENCH_G728_CHECKED)
+#define BENCH_G728 g728_checked
+#else
+#define BENCH_G728 g728
+#endif
+
+namespace bench::BENCH_G728 {
 
 constexpr int kVector = 5, kCycle = 4, kFrame = kCycle * kVector, kOrder = 10, kSynthesisOrder = 50;
 
@@ -104,4 +110,4 @@ class Decoder {
     int pitch_ = 50;
 };
 
-}  // namespace bench::g728
+}  // namespace bench::BENCH_G728

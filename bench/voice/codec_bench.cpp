@@ -1,6 +1,10 @@
 // One second of audio through each codec of the voice layer, in its frames; and, where the work is a few calls, through the
 // functions of the library alone, without packing bits, checks and what concealment has to remember. G.722.1 also through a
-// coder in floating point, G.728 through one that is written plainly and gives the same bits, which is tried first.
+// coder in floating point, G.728 through one that is written plainly and gives the same bits, which is tried first, without
+// and with a check of each sum.
+#include "g728/scalar_g728.h"
+
+#define BENCH_G728_CHECKED
 #include "g728/scalar_g728.h"
 #include "gsmfr/codec.h"
 #include "support/bench.h"
@@ -158,6 +162,7 @@ std::vector<Vsp8u> packed(const Vsp16s* indices) {
 }
 
 // Whether both codings of recorded speech have the same bits and the same samples.
+template <class Encoder, class Decoder>
 bool sameAsPlainG728() {
     const VspvCodec& codec = *vspvFindCodec("g728");
     auto encoderMemory = memoryFor(vspvEncoderGetSize, codec), decoderMemory = memoryFor(vspvDecoderGetSize, codec);
@@ -165,8 +170,8 @@ bool sameAsPlainG728() {
     const auto decoder = reinterpret_cast<VspvDecoder*>(decoderMemory.data());
     vspvEncoderInit(encoder, &codec);
     vspvDecoderInit(decoder, &codec);
-    plain::Encoder plainEncoder;
-    plain::Decoder plainDecoder;
+    Encoder plainEncoder;
+    Decoder plainDecoder;
     const std::vector<Vsp16s> speech = vsp::test::recordedSpeech();
     for (std::size_t at = 0; at + plain::kFrame <= speech.size(); at += plain::kFrame) {
         Vsp16s indices[plain::kCycle];
@@ -182,25 +187,26 @@ bool sameAsPlainG728() {
     return !speech.empty();
 }
 
-void addPlainG728() {
-    const auto add = [](const char* name, auto run) {
-        benchmark::RegisterBenchmark(name, [=](benchmark::State& state) {
-            if (!sameAsPlainG728()) return state.SkipWithError("bits differ from those of the layer");
+template <class Encoder, class Decoder>
+void addPlainG728(const std::string& kind) {
+    const auto add = [&](const char* direction, auto run) {
+        benchmark::RegisterBenchmark((direction + ("/g728/" + kind)).c_str(), [=](benchmark::State& state) {
+            if (!sameAsPlainG728<Encoder, Decoder>()) return state.SkipWithError("bits differ from those of the layer");
             run(state);
         });
     };
     constexpr std::size_t kFrames = 400;
-    add("voice_encode/g728/plain", [](benchmark::State& state) {
-        plain::Encoder encoder;
+    add("voice_encode", [](benchmark::State& state) {
+        Encoder encoder;
         Vsp16s indices[plain::kCycle];
         for (auto _ : state)
             for (std::size_t i = 0; i < kFrames; i++) encoder.encode(&noise()[plain::kFrame * i], indices);
     });
-    add("voice_decode/g728/plain", [](benchmark::State& state) {
+    add("voice_decode", [](benchmark::State& state) {
         std::vector<Vsp16s> indices(plain::kCycle * kFrames), samples(plain::kFrame);
-        plain::Encoder encoder;
+        Encoder encoder;
         for (std::size_t i = 0; i < kFrames; i++) encoder.encode(&noise()[plain::kFrame * i], &indices[plain::kCycle * i]);
-        plain::Decoder decoder;
+        Decoder decoder;
         for (auto _ : state)
             for (std::size_t i = 0; i < kFrames; i++) decoder.decode(&indices[plain::kCycle * i], samples.data());
     });
@@ -212,7 +218,8 @@ const bool registered = [] {
     addBareG726();
     addBareGsm();
     addFloatG7221();
-    addPlainG728();
+    addPlainG728<plain::Encoder, plain::Decoder>("plain");
+    addPlainG728<bench::g728_checked::Encoder, bench::g728_checked::Decoder>("checked");
     return true;
 }();
 

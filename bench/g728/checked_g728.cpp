@@ -1,0 +1,2 @@
+#define BENCH_G728_CHECKED
+#include "g728/scalar_g728.cpp"
