@@ -34,23 +34,25 @@ VSP_INLINE F64_128 mulAdd(F64_128 a, F64_128 b, F64_128 c) {
 #endif
 }
 
-// The elements moved up by one, the first one taken from the end of `before`.
-VSP_INLINE S16_128 movedUp(S16_128 a, S16_128 before) { return {_mm_alignr_epi8(a.v, before.v, 14)}; }
-VSP_IF_256(VSP_INLINE S16_256 movedUp(S16_256 a, S16_256 before) {
+// The elements moved up by one, the first one taken from the end of `before`; and the sums of the elements of a and of b,
+// by turns, where two more have those of others; they wrap.
+#if defined(__AVX2__)
+VSP_INLINE V movedUp(V a, V before) {
     return {_mm256_alignr_epi8(a.v, _mm256_permute2x128_si256(before.v, a.v, 0x21), 14)};
-})
-
-// The sums of the elements of a and of b, by turns, where two more have those of others; they wrap.
-VSP_INLINE S32_128 sumsByTurns(S32_128 a, S32_128 b, S32_128 others) {
-    const S32_128 two = add(add(zipLo(a, b), others), zipHi(a, b));
-    return add(two, S32_128{_mm_shuffle_epi32(two.v, 0x4E)});
 }
-VSP_IF_256(VSP_INLINE S32_128 sumsByTurns(S32_256 a, S32_256 b, S32_128 others) {
+VSP_INLINE S32_128 sumsByTurns(S32_256 a, S32_256 b, S32_128 others) {
     const __m256i four = add(zipLo(a, b), zipHi(a, b)).v;
     const S32_128 lower = add(S32_128{_mm256_castsi256_si128(four)}, others);
     const S32_128 two = add(lower, S32_128{_mm256_extracti128_si256(four, 1)});
     return add(two, S32_128{_mm_shuffle_epi32(two.v, 0x4E)});
-})
+}
+#else
+VSP_INLINE V movedUp(V a, V before) { return {_mm_alignr_epi8(a.v, before.v, 14)}; }
+VSP_INLINE S32_128 sumsByTurns(S32_128 a, S32_128 b, S32_128 others) {
+    const S32_128 two = add(add(zipLo(a, b), others), zipHi(a, b));
+    return add(two, S32_128{_mm_shuffle_epi32(two.v, 0x4E)});
+}
+#endif
 
 // About the reciprocal of an integer in the first element.
 VSP_INLINE F64_128 reciprocalEstimate(S64_128 integer, F64_128 a) {
