@@ -149,6 +149,7 @@ set(vspsc_level_sources
     src/g729/post_filter.cpp
     src/g729/post_filter_32f.cpp
     src/g729/post_filter_a.cpp
+    src/g729/synthesis_pair.cpp
     src/g729/taming.cpp
     src/g729/vad.cpp
     src/g729/vad_32f.cpp

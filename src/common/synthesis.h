@@ -309,24 +309,33 @@ struct SynthesisFilter {
         return overflow;
     }
 
-    // A block of two signals through one filter in the usual format, each after its own outputs before. Their results take
-    // the place of the signals.
-    static void runTwo(const Vsp16s* lpc, Vsp16s* a, const Vsp16s* memOfA, Vsp16s* b, const Vsp16s* memOfB) {
+    // A signal, its filter in the usual format and the outputs before it.
+    struct Signal {
+        const Vsp16s *lpc, *src;
+        Vsp16s* dst;
+        const Vsp16s* mem;
+    };
+
+    // A block of two signals. None of the arrays is the dst of the other signal.
+    static void runTwo(const Signal& a, const Signal& b) {
 #if defined(__AVX2__)
-        const Kept keptA(a, kBlock, memOfA), keptB(b, kBlock, memOfB);
-        const S16_256 largest = filterUnclipped<S32_256>(
-            lpc, kBlock, [&](int n) { return both<S32_256>(loadFour(a + n), loadFour(b + n)); },
-            [&](int n) { return both<S32_256>(earlier(memOfA, n), earlier(memOfB, n)); },
-            [&](S16_256 eight, int n) {
-                S16_128{_mm256_castsi256_si128(eight.v)}.store(a + n);
-                S16_128{_mm256_extracti128_si256(eight.v, 1)}.store(b + n);
-            });
-        if (areRight(lpc, largestU(foldMaxU(largest)))) return;
-        run(lpc, keptA.x, a, kBlock, kShift, keptA.mem);
-        run(lpc, keptB.x, b, kBlock, kShift, keptB.mem);
+        const Kept keptA(a.src, kBlock, a.mem), keptB(b.src, kBlock, b.mem);
+        S32_256 inputs[kBlock / 4 + 1];
+        Unclipped<S32_256> outputs(
+            a.lpc, b.lpc, kBlock, [&](int n) { return both<S32_256>(loadFour(a.src + n), loadFour(b.src + n)); },
+            [&](int n) { return both<S32_256>(earlier(a.mem, n), earlier(b.mem, n)); }, inputs);
+        for (int n = 0; n < kBlock; n += 8) {
+            const S16_256 eight = outputs.nextEight(inputs + n / 4 + 1, 8);
+            S16_128{_mm256_castsi256_si128(eight.v)}.store(a.dst + n);
+            S16_128{_mm256_extracti128_si256(eight.v, 1)}.store(b.dst + n);
+        }
+        const Vsp16u largest = largestU(foldMaxU(outputs.largest()));
+        if (areRight(a.lpc, largest) && areRight(b.lpc, largest)) return;
+        run(a.lpc, keptA.x, a.dst, kBlock, kShift, keptA.mem);
+        run(b.lpc, keptB.x, b.dst, kBlock, kShift, keptB.mem);
 #else
-        run(lpc, a, a, kBlock, kShift, memOfA);
-        run(lpc, b, b, kBlock, kShift, memOfB);
+        run(a.lpc, a.src, a.dst, kBlock, kShift, a.mem);
+        run(b.lpc, b.src, b.dst, kBlock, kShift, b.mem);
 #endif
     }
 };

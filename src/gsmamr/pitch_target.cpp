@@ -24,9 +24,9 @@ VspStatus vspsPitchTarget_GSMAMR_16s(const Vsp16s* pSrc, const Vsp16s* pLPC, con
     ownResidual(pSrc, pQuantLPC, kOrder, pResidual, kSubframe, kScaleFactor);
     for (int i = 0; i < kOrder; i++) error[i] = pMemErr[i];
     for (int i = 0; i < kSubframe; i++) error[kOrder + i] = pResidual[i];
-    Synthesis::runTwo(pQuantLPC, response, zeros, error + kOrder, pMemErr);
+    Synthesis::runTwo({pQuantLPC, response, response, zeros}, {pQuantLPC, error + kOrder, error + kOrder, pMemErr});
     ownResidual(error + kOrder, filters.numerator, kOrder, pTarget, kSubframe, kScaleFactor);
-    Synthesis::runTwo(filters.denominator, response, zeros, pTarget, pMemW0);
+    Synthesis::runTwo({filters.denominator, response, response, zeros}, {filters.denominator, pTarget, pTarget, pMemW0});
     for (int i = 0; i < kSubframe; i++) pImpulse[i] = response[i];
     return vspStsNoErr;
 }

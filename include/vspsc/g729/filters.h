@@ -28,6 +28,24 @@ extern "C" {
 VspStatus vspsResidualFilter_G729_16s(const Vsp16s* pSrc, const Vsp16s* pLPC, Vsp16s* pDst, Vsp32s len);
 
 /**
+ * LP synthesis filters 1/A(z) of order 10 of two signals, each of 40 samples: the same as vspsSynthesisFilter_NR_16s_Sfs
+ * with a scale factor of 12 for one after the other, in little more than the time of one. Nothing tells of saturation. The
+ * arrays of one signal do not overlap the results of the other.
+ *
+ * @param[in]  pLPC1  11 coefficients of the first filter, Q12
+ * @param[in]  pSrc1  40 samples
+ * @param[out] pDst1  40 samples; may be pSrc1
+ * @param[in]  pMem1  the 10 outputs before pDst1[0], the newest last
+ * @param[in]  pLPC2  likewise of the second one
+ * @param[in]  pSrc2  40 samples
+ * @param[out] pDst2  40 samples; may be pSrc2
+ * @param[in]  pMem2  the 10 outputs before pDst2[0]
+ * @retval vspStsNullPtrErr  a pointer is null
+ */
+VspStatus vspsSynthesisFilterPair_G729_16s(const Vsp16s* pLPC1, const Vsp16s* pSrc1, Vsp16s* pDst1, const Vsp16s* pMem1,
+                                           const Vsp16s* pLPC2, const Vsp16s* pSrc2, Vsp16s* pDst2, const Vsp16s* pMem2);
+
+/**
  * LP analysis filter A(z) of any order up to 30 (G.729 Annex E, Residue), as vspsResidualFilter_G729_16s.
  *
  * @param[in]  pSrc   the first of len samples; order samples of history before it

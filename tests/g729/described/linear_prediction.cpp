@@ -40,6 +40,9 @@ const Described functions(
                        out(1).unchangedOnWarning(), io(13)),
         VSPSC_FUNCTION(vspsResidualFilter_G729_16s, in(len).after(10), in(11), out(len), length())
             .recorded("vspsResidualFilter_G729_16s", {item(0), item(1), result(2), constant(40)}),
+        VSPSC_FUNCTION(vspsSynthesisFilterPair_G729_16s, in(11), in(40), out(40).mayBe(1), in(10), in(11), in(40),
+                       out(40).mayBe(5), in(10))
+            .notRecorded(),
         VSPSC_FUNCTION(vspsSynthesisFilter_NR_16s_ISfs, in(11), io(len), length(), scale(0, 15), in(10))
             .recorded("vspsSynthesisFilter_NR_16s_Sfs", {item(0), item(1).to(3), constant(40), constant(12), item(2)}, 4),
         VSPSC_FUNCTION(vspsLPCToLSP_G729_16s, in(11), in(10), out(10).mayBe(1))

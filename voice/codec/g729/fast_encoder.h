@@ -21,8 +21,8 @@ class FastEncoder {
         LpFilter of(Vsp32s subframe) const { return {lpc + 11 * subframe, 10}; }
     };
 
-    void weightSpeech(const Weighting& weighting, const Vsp16s* lpResidual);
-    void encodeSubframe(const LpFilter& weighting, Vsp32s i, Vsp16s openLoopLag, Frame& frame);
+    void weightSpeech(const Weighting& weighting, const Vsp16s* lpResidual, Vsp16s* responses);
+    void encodeSubframe(const LpFilter& weighting, const Vsp16s* impulse, Vsp32s i, Vsp16s openLoopLag, Frame& frame);
     void encodeNoise(Vsp8u* bytes, VspvFrame& told);
 
     LpAnalysis analysis_;
