@@ -116,14 +116,15 @@ struct HighPass {
             s1 = _mm_fmadd_round_sd(s1, a1, others, kDown);
             _mm_store_sd(outputs + n, s1);
         }
+        // With wrapping, as what comes behind a sum beyond the limit may be anything.
         const auto sumOf = [](Vsp64f output) {
-            return __builtin_bit_cast(Vsp64s, output) - __builtin_bit_cast(Vsp64s, Vsp64f(kOffset));
+            return __builtin_bit_cast(Vsp64u, output) - __builtin_bit_cast(Vsp64u, Vsp64f(kOffset));
         };
-        for (int n = 2; n < len; n++) outside |= Vsp64u(sumOf(outputs[n]) + kLimit);
+        for (int n = 2; n < len; n++) outside |= sumOf(outputs[n]) + Vsp64u(kLimit);
         if (outside >= 2 * kLimit) return false;
         for (int n = 0; n < len; n++) sums[n] = Vsp32s(sumOf(outputs[n]));
-        y1 = sumOf(outputs[len - 1]) * (1 << kShift);
-        y2 = sumOf(outputs[len - 2]) * (1 << kShift);
+        y1 = Vsp64s(sumOf(outputs[len - 1])) * (1 << kShift);
+        y2 = Vsp64s(sumOf(outputs[len - 2])) * (1 << kShift);
         return true;
     }
 #else
