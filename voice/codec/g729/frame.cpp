@@ -22,16 +22,23 @@ class Writer {
 };
 
 class Reader {
+    using Bits = unsigned long long;
+
   public:
-    explicit Reader(const Vsp8u* bytes) : reader_(bytes, BitOrder::highestFirst) {}
+    Reader(const Vsp8u* bytes, Vsp32s count) {
+        for (Vsp32s i = 0; i < count; i++) {
+            Bits& half = i < 8 ? next_ : following_;
+            half |= Bits(bytes[i]) << (56 - 8 * (i & 7));
+        }
+    }
     void operator()(Vsp16s& code, Vsp32s bits) {
-        Vsp32u value = bits > 8 ? reader_.take(bits - 8) << 8 : 0;
-        value |= reader_.take(bits > 8 ? 8 : bits);
-        code = Vsp16s(value);
+        code = Vsp16s(next_ >> (64 - bits));
+        next_ = next_ << bits | following_ >> (64 - bits);
+        following_ <<= bits;
     }
 
   private:
-    BitReader reader_;
+    Bits next_ = 0, following_ = 0;  // the first bit is the highest
 };
 
 // Bits of the codes of a subframe: the two delays, the parts of the fixed codebook's code, the gains.
@@ -86,7 +93,7 @@ void pack(const Frame& frame, Vsp8u* bytes) {
 void unpack(const Vsp8u* bytes, Rate rate, Frame& frame) {
     frame = {};
     frame.rate = rate;
-    Reader reader(bytes);
+    Reader reader(bytes, bytesOf(rate));
     walk(reader, frame);
 }
 
@@ -97,7 +104,7 @@ void packSilence(const Vsp16s* index, Vsp8u* bytes) {
 }
 
 void unpackSilence(const Vsp8u* bytes, Vsp16s* index) {
-    Reader reader(bytes);
+    Reader reader(bytes, kSilenceBytes);
     walkSilence(reader, index);
 }
 
