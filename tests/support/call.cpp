@@ -78,8 +78,8 @@ static Number readAt(const Bytes& bytes, char type, std::size_t i) {
         std::memcpy(&x, bytes.data() + i * sizeof x, sizeof x);
         return Number(x);
     };
-    switch (type) {  // NOLINT(bugprone-branch-clone): of different types
-        case 'h': return read(Vsp16s());
+    switch (type) {
+        case 'h': return read(Vsp16s());  // NOLINT(bugprone-branch-clone): of different types
         case 'i': return read(Vsp32s());
         case 'u': return read(Vsp32u());
         case 'f': return read(Vsp32f());
