@@ -20,6 +20,32 @@ VspStatus fir32fc(const Vsp32fc* const* src, const Vsp32fc* const* coef, Vsp32fc
     return vspStsNoErr;
 }
 
+VspStatus firFast32fc(const Vsp32fc* const* src, const Vsp32fc* const* coef, Vsp32fc* dst, Vsp32s len, Vsp32s numSubbands) {
+    for (int k = 0; k < numSubbands; k++) {
+        Vsp32fc a = {0, 0}, b = {0, 0};
+        for (int t = 0; t < len; t++) {
+            const Vsp32fc x = src[t][k], c = coef[t][k];
+            a = {a.re + x.re * c.re, a.im + x.im * c.re};
+            b = {b.re + x.re * c.im, b.im + x.im * c.im};
+        }
+        dst[k] = {a.re - b.im, a.im + b.re};
+    }
+    return vspStsNoErr;
+}
+
+VspStatus updateFast32fc(const Vsp64f* stepSize, const Vsp32fc* const* src, const Vsp32fc* err, Vsp32fc* const* coef,
+                         Vsp32s len, Vsp32s numSubbands) {
+    for (int k = 0; k < numSubbands; k++) {
+        const Vsp32f step = Vsp32f(stepSize[k]), re = err[k].re * step, im = err[k].im * step;
+        for (int t = 0; t < len; t++) {
+            const Vsp32fc x = src[t][k];
+            Vsp32fc& c = coef[t][k];
+            c = {c.re + (re * x.re + im * x.im), c.im + (im * x.re + (0 - re) * x.im)};
+        }
+    }
+    return vspStsNoErr;
+}
+
 Vsp64s addSat(Vsp64s a, Vsp64s b) {
     Vsp64s sum;
     if (__builtin_add_overflow(a, b, &sum)) return b < 0 ? kMin64 : kMax64;
@@ -143,9 +169,11 @@ VspStatus updateLow(const Vsp32sc* const* src, const Vsp32sc* err, Vsp32sc* cons
 
 void bench::addScalarSubband(vsp::Api& api) {
     api.vspsFIRSubband_EC_32fc = fir32fc;
+    api.vspsFIRSubbandFast_EC_32fc = firFast32fc;
     api.vspsFIRSubband_EC_32sc_Sfs = fir32sc;
     api.vspsFIRSubbandLow_EC_32sc_Sfs = firLow;
     api.vspsFIRSubbandCoeffUpdate_EC_32fc_I = update32fc;
+    api.vspsFIRSubbandFastCoeffUpdate_EC_32fc_I = updateFast32fc;
     api.vspsFIRSubbandCoeffUpdate_EC_32sc_I = update32sc;
     api.vspsFIRSubbandLowCoeffUpdate_EC_32sc_I = updateLow;
     api.vspsFIRSubbandAPCoeffUpdate_EC_32fc_I = updateProjection;

@@ -94,6 +94,9 @@ const bool registered = [] {
     add<Float>("vspsFIRSubband_EC_32fc", &vsp::Api::vspsFIRSubband_EC_32fc, [](auto fir, Float& x, int taps, int bands) {
         return fir(x.src.data(), x.coef.data(), x.dst[0], taps, bands);
     });
+    add<Float>(
+        "vspsFIRSubbandFast_EC_32fc", &vsp::Api::vspsFIRSubbandFast_EC_32fc,
+        [](auto fir, Float& x, int taps, int bands) { return fir(x.src.data(), x.coef.data(), x.dst[0], taps, bands); });
     add<Fixed>("vspsFIRSubband_EC_32sc_Sfs", &vsp::Api::vspsFIRSubband_EC_32sc_Sfs,
                [](auto fir, Fixed& x, int taps, int bands) {
                    return fir(x.src.data(), x.coef.data(), x.dst[0], taps, bands, kScale);
@@ -103,6 +106,10 @@ const bool registered = [] {
                    return fir(x.src.data(), x.coef.data(), taps, x.dst[0], 0, bands, kScale);
                });
     add<Float>("vspsFIRSubbandCoeffUpdate_EC_32fc_I", &vsp::Api::vspsFIRSubbandCoeffUpdate_EC_32fc_I,
+               [](auto update, Float& x, int taps, int bands) {
+                   return update(x.steps[0], x.src.data(), x.err()[0], x.coef.data(), taps, bands);
+               });
+    add<Float>("vspsFIRSubbandFastCoeffUpdate_EC_32fc_I", &vsp::Api::vspsFIRSubbandFastCoeffUpdate_EC_32fc_I,
                [](auto update, Float& x, int taps, int bands) {
                    return update(x.steps[0], x.src.data(), x.err()[0], x.coef.data(), taps, bands);
                });

@@ -176,6 +176,23 @@ VspStatus vspsFIRSubband_EC_32fc(const Vsp32fc* const* ppSrc, const Vsp32fc* con
                                  Vsp32s numSubbands);
 
 /**
+ * Filters each sub-band in single precision: dst[k] = (a.re - b.im, a.im + b.re), where a is the sum of src[t][k] *
+ * coef[t][k].re over t, b that of src[t][k] * coef[t][k].im, every product and sum rounded, t increasing. Two to three
+ * times as fast as vspsFIRSubband_EC_32fc.
+ *
+ * @param[in]  ppSrc        len pointers to numSubbands values each
+ * @param[in]  ppCoef       len pointers to numSubbands coefficients each
+ * @param[out] pDst         numSubbands values
+ * @param[in]  len          taps, 1 to 255
+ * @param[in]  numSubbands  1 to 4097
+ * @retval vspStsNullPtrErr     a pointer is null
+ * @retval vspStsCountRangeErr  numSubbands is outside 1..4097
+ * @retval vspStsRangeErr       len is outside 1..255
+ */
+VspStatus vspsFIRSubbandFast_EC_32fc(const Vsp32fc* const* ppSrc, const Vsp32fc* const* ppCoef, Vsp32fc* pDst, Vsp32s len,
+                                     Vsp32s numSubbands);
+
+/**
  * Filters each sub-band, fixed point: the 64-bit sums saturate, are divided by 2^scaleFactor, rounded towards zero, and
  * saturate to 32 bits.
  *
@@ -228,6 +245,25 @@ VspStatus vspsFIRSubbandLow_EC_32sc_Sfs(const Vsp32sc* const* ppSrc, const Vsp32
  */
 VspStatus vspsFIRSubbandCoeffUpdate_EC_32fc_I(const Vsp64f* pStepSize, const Vsp32fc* const* ppSrc, const Vsp32fc* pErr,
                                               Vsp32fc* const* ppCoef, Vsp32s len, Vsp32s numSubbands);
+
+/**
+ * Adapts the sub-band filters by NLMS in single precision: with m = err[k] * (stepSize[k] rounded to single precision),
+ * coef[t][k].re += m.re * src[t][k].re + m.im * src[t][k].im and coef[t][k].im += m.im * src[t][k].re + (0 - m.re) *
+ * src[t][k].im, every product and sum rounded.
+ *
+ * @param[in]     pStepSize    numSubbands step sizes, 0 or more
+ * @param[in]     ppSrc        len pointers to numSubbands values each
+ * @param[in]     pErr         numSubbands errors
+ * @param[in,out] ppCoef       len pointers to numSubbands coefficients each
+ * @param[in]     len          taps, 1 to 255
+ * @param[in]     numSubbands  1 to 4097
+ * @retval vspStsNullPtrErr     a pointer is null
+ * @retval vspStsCountRangeErr  numSubbands is outside 1..4097
+ * @retval vspStsRangeErr       len is outside 1..255
+ * @retval vspStsSizeErr        a step size is negative
+ */
+VspStatus vspsFIRSubbandFastCoeffUpdate_EC_32fc_I(const Vsp64f* pStepSize, const Vsp32fc* const* ppSrc, const Vsp32fc* pErr,
+                                                  Vsp32fc* const* ppCoef, Vsp32s len, Vsp32s numSubbands);
 
 /**
  * Adapts the sub-band filters by NLMS, fixed point. A step size is a mantissa m (re, Q31, 0 or more) and an exponent x

@@ -30,6 +30,12 @@ VSP_IF_256(VSP_INLINE bool anyNegative(F64_256 a) {
 })
 VSP_IF_512(VSP_INLINE bool anyNegative(F64_512 a) { return _mm512_cmp_pd_mask(a.v, _mm512_setzero_pd(), _CMP_LT_OQ) != 0; })
 
+VSP_INLINE bool anyNegative(const Vsp64f* stepSize, Vsp32s numSubbands) {
+    bool any = false;
+    forBandGroups<F64>(0, numSubbands, [&]<class V>(Vsp32s k) { any |= anyNegative(V::load(stepSize + k)); });
+    return any;
+}
+
 // Sums of a group in single precision.
 template <class V>
 using NarrowBands = Complex<decltype(narrow(V()))>;

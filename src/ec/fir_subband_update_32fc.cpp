@@ -8,12 +8,6 @@ namespace vsp::VSP_LEVEL {
 
 namespace {
 
-VSP_INLINE bool anyNegative(const Vsp64f* stepSize, Vsp32s numSubbands) {
-    bool any = false;
-    forBandGroups<F64>(0, numSubbands, [&]<class V>(Vsp32s k) { any |= anyNegative(V::load(stepSize + k)); });
-    return any;
-}
-
 // Some taps of a group of bands. Each vector of the reference is converted once for all of them.
 template <class V, int taps>
 VSP_INLINE void projectTaps(const Vsp64f* const* ppStepSize, const Vsp32fc* const* ppSrc, const Vsp32fc* const* ppErr,

@@ -1,7 +1,7 @@
 // Sums over bands in the one order that every level keeps.
 #pragma once
 
-#include "core/level.h"
+#include "vector/simd.h"
 
 namespace vsp::VSP_LEVEL {
 
@@ -21,6 +21,20 @@ VSP_INLINE void forParts(Vsp32s count, Op op) {
     for (; count - k >= kPartialSums; k += kPartialSums)
         for (int i = 0; i < kPartialSums; i++) op(k + i, i);
     for (int i = 0; k + i < count; i++) op(k + i, i);
+}
+
+// The sum of an array, with the sums in registers.
+VSP_INLINE Vsp32f sumOf(const Vsp32f* x, Vsp32s count) {
+    using V = Sliding32f;
+    constexpr int kVectors = kPartialSums / V::width;
+    V sums[kVectors] = {};
+    Vsp32s k = 0;
+    for (; count - k >= kPartialSums; k += kPartialSums)
+        for (int i = 0; i < kVectors; i++) sums[i] = add(sums[i], V::load(x + k + i * V::width));
+    Vsp32f parts[kPartialSums];
+    for (int i = 0; i < kVectors; i++) sums[i].store(parts + i * V::width);
+    for (int i = 0; k + i < count; i++) parts[i] += x[k + i];
+    return sumOfParts(parts);
 }
 
 // The sum of term(k) over the bands.

@@ -12,6 +12,7 @@
 // have in common makes the filter uncertain again.
 #pragma once
 
+#include "ec/bands_single_32fc.h"
 #include "ec/near_speech.h"
 #include "ec/partial_sums.h"
 #include "ec/subband_limits.h"
@@ -175,13 +176,10 @@ template <class Band>
 VSP_INLINE void measureCoefficients(const SubbandController& s, const ControllerArrays& a, const Band* const* coef,
                                     Vsp32s group) {
     const Vsp32s taps = tapsOf(s, group);
-    const Vsp32f share = 1 / Vsp32f(taps), unit = s.coefUnit;
+    const Vsp32f share = s.coefUnit * s.coefUnit / Vsp32f(taps);
     Vsp32f* power = a.coefPower + group * s.numSubbands;
-    for (Vsp32s k = 0; k < s.numSubbands; k++) power[k] = 0;
-    for (Vsp32s t = 0; t < taps; t++) {
-        const Band* c = coef[group * kControllerGroup + t];
-        for (Vsp32s k = 0; k < s.numSubbands; k++) power[k] += share * plausible(powerOf(c[k], unit));
-    }
+    sumSquares(coef + group * kControllerGroup, taps, s.numSubbands, power);
+    for (Vsp32s k = 0; k < s.numSubbands; k++) power[k] = plausible(share * power[k]);
 }
 
 // How much of the echo the group may leave, from what is unknown of its coefficients; added to the residual.
@@ -192,20 +190,19 @@ VSP_INLINE void predict(const SubbandController& s, const ControllerArrays& a, c
     Vsp32f* __restrict power = a.farPower + group * bands;
     Vsp32f* __restrict uncertainty = a.uncertainty + group * bands;
     const Vsp32f* coefficient = a.coefPower + group * bands;
-    const Vsp32f unit = s.bandUnit, drift = s.drift, prior = a.prior[group];
-    for (Vsp32s k = 0; k < bands; k++) power[k] = 0;
-    for (Vsp32s t = 0; t < taps; t++) {
-        const Band* x = src[group * kControllerGroup + t];
-        for (Vsp32s k = 0; k < bands; k++) power[k] += plausible(powerOf(x[k], unit));
-    }
-    a.predicted[group] = sumOverBands(bands, [&](Vsp32s k) {
+    const Vsp32f unit = s.bandUnit * s.bandUnit, drift = s.drift, prior = a.prior[group];
+    sumSquares(src + group * kControllerGroup, taps, bands, power);
+    Vsp32f* const left = a.gain;  // is not needed until the gains are known
+    VSP_INDEPENDENT
+    for (Vsp32s k = 0; k < bands; k++) {
         const Vsp32f drifted = uncertainty[k] + drift * coefficient[k],
                      leaked = leak * (coefficient[k] + prior * a.path[k]);
         uncertainty[k] = larger(drifted, leaked);
-        const Vsp32f left = uncertainty[k] * power[k];
-        residual[k] += left;
-        return left;
-    });
+        power[k] = plausible(unit * power[k]);
+        left[k] = uncertainty[k] * power[k];
+        residual[k] += left[k];
+    }
+    a.predicted[group] = sumOf(left, bands);
 }
 
 // The steps, and how much they will reduce the uncertainty.
@@ -262,24 +259,22 @@ VSP_INLINE Verdict updateController(SubbandController* s, const typename Arithme
     }
 
     const Vsp32f kept = s->noiseDecay, unit = s->bandUnit;
-    Vsp32f predicted[kPartialSums] = {}, noise[kPartialSums] = {}, far[kPartialSums] = {};
-    forParts(bands, [&](Vsp32s k, int i) {
+    VSP_INDEPENDENT
+    for (Vsp32s k = 0; k < bands; k++) {
         a.noise[k] = kept * a.noise[k] + (1 - kept) * powerOf(err[k], unit);
         a.gain[k] = 1 / (residual[k] + a.noise[k] + kNothing);
-        predicted[i] += residual[k];
-        noise[i] += a.noise[k];
-        far[i] += plausible(powerOf(src[0][k], unit));
-    });
-    s->noiseSum = sumOfParts(noise);
+        a.path[k] = plausible(powerOf(src[0][k], unit));
+    }
+    s->noiseSum = sumOf(a.noise, bands);
     for (Vsp32s g = 0; g < s->groups; g++)
         if (adapt[g] != 0) correct<Arithmetic>(*s, a, g, steps[g]);
 
     const HeardPowers heard = {frame.error + frame.estimate + 2 * frame.correlation,
-                               sumOfParts(far),
+                               sumOf(a.path, bands),
                                frame.error,
                                frame.estimate,
                                s->noiseSum,
-                               sumOfParts(predicted)};
+                               sumOf(residual, bands)};
     return {heard.predicted / (heard.predicted + heard.noise + kNothing), hearNearSpeech(s->nearSpeech, heard, cancelling)};
 }
 

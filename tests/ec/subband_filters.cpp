@@ -23,6 +23,16 @@ Vsp32fc filtered(const BandVectors<Vsp32fc>& src, const BandVectors<Vsp32fc>& co
     return {sum.real(), sum.imag()};
 }
 
+Vsp32fc filteredFast(const BandVectors<Vsp32fc>& src, const BandVectors<Vsp32fc>& coef, int len, int k) {
+    Vsp32fc a{}, b{};
+    for (int t = 0; t < len; t++) {
+        const Vsp32fc x = src.at(t, k), c = coef.at(t, k);
+        a = {a.re + x.re * c.re, a.im + x.im * c.re};
+        b = {b.re + x.re * c.im, b.im + x.im * c.im};
+    }
+    return {a.re - b.im, a.im + b.re};
+}
+
 Vsp32sc filtered(const BandVectors<Vsp32sc>& src, const BandVectors<Vsp32sc>& coef, int len, int k, int scaleFactor) {
     Wide re = 0, im = 0;
     for (int t = 0; t < len; t++) {
@@ -52,15 +62,21 @@ Vsp32sc filteredLow(const BandVectors<Vsp32sc>& src, const BandVectors<Vsp32sc>&
 class SubbandFilters : public LevelTest {
   protected:
     void expectFloat(const Shape& s, const std::vector<Vsp32fc>& x, const std::vector<Vsp32fc>& c) {
+        expectFloat(s, x, c, &Api::vspsFIRSubband_EC_32fc, filtered);
+        expectFloat(s, x, c, &Api::vspsFIRSubbandFast_EC_32fc, filteredFast);
+    }
+
+    void expectFloat(const Shape& s, const std::vector<Vsp32fc>& x, const std::vector<Vsp32fc>& c, auto member,
+                     Vsp32fc (*definition)(const BandVectors<Vsp32fc>&, const BandVectors<Vsp32fc>&, int, int)) {
         const std::size_t bands = std::size_t(s.numSubbands);
         const BandVectors<Vsp32fc> src(x, bands, s.guard, s.gap), coef(c, bands, s.guard, s.gap);
         Guarded<Vsp32fc> dst(bands, s.guard, s.gap), baseline(bands);
-        ASSERT_EQ(vspStsNoErr, api.vspsFIRSubband_EC_32fc(src.data(), coef.data(), dst.data(), s.len, s.numSubbands));
+        ASSERT_EQ(vspStsNoErr, (api.*member)(src.data(), coef.data(), dst.data(), s.len, s.numSubbands));
         EXPECT_FALSE(upperHalvesInUse());
         std::vector<Vsp32fc> expected;
-        for (int k = 0; k < s.numSubbands; k++) expected.push_back(filtered(src, coef, s.len, k));
+        for (int k = 0; k < s.numSubbands; k++) expected.push_back(definition(src, coef, s.len, k));
         expectSameBands(expected, dst.values());
-        kApi_y8.vspsFIRSubband_EC_32fc(src.data(), coef.data(), baseline.data(), s.len, s.numSubbands);
+        (kApi_y8.*member)(src.data(), coef.data(), baseline.data(), s.len, s.numSubbands);
         ASSERT_EQ(0, std::memcmp(dst.data(), baseline.data(), bands * sizeof(Vsp32fc)));
     }
 

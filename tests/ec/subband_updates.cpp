@@ -51,6 +51,11 @@ Vsp32fc updated(Vsp32fc c, Vsp32fc x, Vsp32fc e, Vsp64f step) {
     return {c.re + Vsp32f(x.re * a + x.im * b), c.im + Vsp32f(x.re * b - x.im * a)};
 }
 
+Vsp32fc updatedFast(Vsp32fc c, Vsp32fc x, Vsp32fc e, Vsp64f step) {
+    const Vsp32f re = e.re * Vsp32f(step), im = e.im * Vsp32f(step);
+    return {c.re + (x.re * re + x.im * im), c.im + (x.re * im + x.im * (0 - re))};
+}
+
 enum class Exponents { toTheRight, mixed, edges };
 
 // Step sizes for a scale factor: mantissas of any sign, exponents by which all bands or some shift to the right, or at the
@@ -77,6 +82,13 @@ class SubbandUpdates : public LevelTest {
   protected:
     void expectFloat(const Shape& s, const std::vector<Vsp32fc>& x, const std::vector<Vsp32fc>& e,
                      const std::vector<Vsp64f>& steps) {
+        expectFloat(s, x, e, steps, &Api::vspsFIRSubbandCoeffUpdate_EC_32fc_I, updated);
+        expectFloat(s, x, e, steps, &Api::vspsFIRSubbandFastCoeffUpdate_EC_32fc_I, updatedFast);
+    }
+
+    void expectFloat(const Shape& s, const std::vector<Vsp32fc>& x, const std::vector<Vsp32fc>& e,
+                     const std::vector<Vsp64f>& steps, auto member,
+                     Vsp32fc (*definition)(Vsp32fc, Vsp32fc, Vsp32fc, Vsp64f)) {
         SCOPED_TRACE(testing::Message() << s.len << " taps, " << s.numSubbands << " bands");
         const std::size_t bands = std::size_t(s.numSubbands);
         const BandVectors<Vsp32fc> src(x, bands, s.guard, s.gap);
@@ -84,15 +96,13 @@ class SubbandUpdates : public LevelTest {
         const Guarded<Vsp64f> step(steps, s.guard, s.gap);
         const auto before = complexSamples<Vsp32fc>(s.len * s.numSubbands, 9);
         const BandVectors<Vsp32fc> coef(before, bands, s.guard, s.gap), baseline(before, bands);
-        ASSERT_EQ(vspStsNoErr, api.vspsFIRSubbandCoeffUpdate_EC_32fc_I(step.data(), src.data(), err.data(), coef.data(),
-                                                                       s.len, s.numSubbands));
+        ASSERT_EQ(vspStsNoErr, (api.*member)(step.data(), src.data(), err.data(), coef.data(), s.len, s.numSubbands));
         EXPECT_FALSE(upperHalvesInUse());
         std::vector<Vsp32fc> expected;
         for (std::size_t i = 0; i < before.size(); i++)
-            expected.push_back(updated(before[i], x[i], e[i % bands], steps[i % bands]));
+            expected.push_back(definition(before[i], x[i], e[i % bands], steps[i % bands]));
         expectSameBands(expected, coef.values());
-        kApi_y8.vspsFIRSubbandCoeffUpdate_EC_32fc_I(step.data(), src.data(), err.data(), baseline.data(), s.len,
-                                                    s.numSubbands);
+        (kApi_y8.*member)(step.data(), src.data(), err.data(), baseline.data(), s.len, s.numSubbands);
         expectSameBits(baseline, coef);
     }
 

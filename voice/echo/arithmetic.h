@@ -41,11 +41,11 @@ struct FloatArithmetic {
         vspsSubbandSynthesis_32fc32f(in, out, state, work);
     }
     static void filter(const Complex* const* x, const Complex* const* c, Complex* y, int taps, int bands) {
-        vspsFIRSubband_EC_32fc(x, c, y, taps, bands);
+        vspsFIRSubbandFast_EC_32fc(x, c, y, taps, bands);
     }
     static void adapt(const Step* steps, const Complex* const* x, const Complex* e, Complex* const* c, int taps,
                       int bands) {
-        vspsFIRSubbandCoeffUpdate_EC_32fc_I(steps, x, e, c, taps, bands);
+        vspsFIRSubbandFastCoeffUpdate_EC_32fc_I(steps, x, e, c, taps, bands);
     }
 
     static void controllerSize(const BankShape& s, int taps, int rate, Vsp32s* size) {

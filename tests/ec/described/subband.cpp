@@ -20,6 +20,10 @@ static const Described functions(
                        out(argument(4)), kTaps, kBands)
             .checks(kCountFirst)
             .recorded("fir_subband_32fc", {item(1), item(2), result(3), item(0)[0], item(0)[1]}),
+        VSPSC_FUNCTION(vspsFIRSubbandFast_EC_32fc, rows(argument(3), in(argument(4))), rows(argument(3), in(argument(4))),
+                       out(argument(4)), kTaps, kBands)
+            .checks(kCountFirst)
+            .notRecorded(),
         VSPSC_FUNCTION(vspsFIRSubband_EC_32sc_Sfs, rows(argument(3), in(argument(4))), rows(argument(3), in(argument(4))),
                        out(argument(4)), kTaps, kBands, range(-31, 31))
             .checks(kCountFirst)
@@ -35,6 +39,11 @@ static const Described functions(
                        kBands)
             .checks(kCountFirst)
             .recorded("update_32fc", {item(1), item(2), item(3), item(4).to(5), item(0)[0], item(0)[1]}),
+        VSPSC_FUNCTION(vspsFIRSubbandFastCoeffUpdate_EC_32fc_I, in(argument(5)).holding(vspStsSizeErr, 0, 0x7FFFFFFF),
+                       rows(argument(4), in(argument(5))), in(argument(5)), rows(argument(4), io(argument(5))), kTaps,
+                       kBands)
+            .checks(kCountFirst)
+            .notRecorded(),
         VSPSC_FUNCTION(vspsFIRSubbandCoeffUpdate_EC_32sc_I, in(argument(5)).holding(vspStsSizeErr, evenNotNegative),
                        rows(argument(4), in(argument(5))), in(argument(5)), rows(argument(4), io(argument(5))), kTaps,
                        kBands, range(0, 31))
