@@ -27,8 +27,8 @@ TEST_P(LpcMode, BackwardFilterMayBeWorseInStationarySignals) {
     for (const int stationarity : {12999, 13000, 16000, 20000, 25600, 31000})
         for (int second = -kOne; second < -kOne / 2; second += 8) {
             const double worse = logEnergyOfResidual(Vsp16s(second)) - logEnergyOfResidual(-kOne);
-            const double allowed = stationarity / 128 * 3 + 205;  // a decibel and more
-            if (std::abs(worse - allowed) < 90) continue;         // what the logarithm is exact to
+            const int allowed = stationarity / 128 * 3 + 205;  // a decibel and more
+            if (std::abs(worse - allowed) < 90) continue;      // what the logarithm is exact to
             std::vector<Vsp16s> backward(2 * kBackward), previous(kBackward), forward(2 * kForward);
             previous[0] = backward[kBackward] = forward[0] = forward[kForward] = kOne;
             previous[1] = backward[kBackward + 1] = Vsp16s(second);
