@@ -18,6 +18,7 @@ path, source = pathlib.Path(sys.argv[1]), pathlib.Path(sys.argv[2])
 VOICE = path.name.startswith("libvspsvoice")
 SONAME = "libvspsvoice.so.1" if VOICE else "libvspscy8.so.6.1"
 VERSION = SONAME.replace(".so.", "_").upper()  # of all symbols
+SYMBOLS = source / "debian" / ("libvspsvoice1.symbols" if VOICE else "libvspscy8-6.1.symbols")
 NEEDED = {"libc.so.6", "libm.so.6"} | ({"libvspscy8.so.6.1"} if VOICE else set())
 # No memory management, environment, locks, files or output.
 IMPORTS = {"memcpy", "memmove", "memset", "memcmp", "pow", "sqrt", "exp", "log", "log10", "cos", "sin", "sincos", "__stack_chk_fail"}
@@ -53,6 +54,8 @@ symbols = list(elf.get_section_by_name(".dynsym").iter_symbols())[1:]
 defined = {s.name: s.entry.st_info.type for s in symbols if s.entry.st_shndx not in ("SHN_UNDEF", "SHN_ABS")}
 undefined = {s.name for s in symbols if s.entry.st_shndx == "SHN_UNDEF"}
 check(exports and set(defined) == exports, f"exports differ: {sorted(set(defined) ^ exports)}")
+packaged = set(re.findall(r"^ (vsp\w+)@", SYMBOLS.read_text(), re.M))
+check(packaged == exports, f"{SYMBOLS.name} differs: {sorted(packaged ^ exports)}")
 check(set(defined.values()) == {"STT_FUNC"}, f"not all exports are functions: {defined}")
 check(undefined <= IMPORTS, f"imports {sorted(undefined - IMPORTS)}")
 definitions = elf.get_section_by_name(".gnu.version_d")
