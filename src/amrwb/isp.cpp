@@ -29,7 +29,7 @@ VspStatus vspsLPCToISP_AMRWB_16s(const Vsp16s* pLPC, const Vsp16s* pPrevISP, Vsp
         if (i >= 2) differences[i] = Add_16s(differences[i], differences[i - 2]);
     }
     sums[kHalf] = pLPC[kHalf];
-    LspRootSearch<kHalf, true, kIspGridRoom> search{polynomials, form, grid, {}, {}};
+    LspRootSearch<kHalf, true, kIspGridRoom> search{polynomials, form, grid};
     Vsp16s isp[kOrder];
     if (search.run(isp, kOrder - 1) == kOrder - 1)
         isp[kOrder - 1] = ShiftL_16s(pLPC[kOrder], 3);

@@ -101,14 +101,33 @@ struct ChebyshevAddends {
     }
 };
 
+// Whether no step can saturate at any x: the coefficients are too small, as |U_n(x)| <= n + 1. Always false for
+// immittance spectral pairs.
+template <int kHalf, bool kImmittance>
+VSP_INLINE bool neverSaturates(const LspPolynomial<kHalf, kImmittance>& p, const ChebyshevForm& form) {
+    if (kImmittance) return false;
+    const auto magnitude = [](Vsp32s a) { return Vsp64s(a < 0 ? -a : a); };
+    Vsp64s sum = form.one * 65536, largest = sum, before = 0, beforeThat = 0;  // |b| of this step and of those before
+    for (int i = 1; i < kHalf; i++) {
+        sum += magnitude(p.f[i]) * (2 * form.addend);
+        beforeThat = before;
+        before = largest;
+        largest += sum;
+    }
+    constexpr Vsp64s kRounding = 1 << 16;
+    return 2 * before + beforeThat + sum + magnitude(p.f[kHalf]) * (2 * form.last) + kRounding < 1LL << 31;
+}
+
 // The values, before they are shifted and saturated, at 16-bit elements each of which stands in both halves of a pair.
-// Where one may have saturated on the way a sign bit of outside is set.
-template <class V, int kHalf, bool kImmittance>
+// Where one may have saturated on the way a sign bit of outside is set, unless kNever tells that none does.
+template <bool kNever, class V, int kHalf, bool kImmittance>
 VSP_INLINE Wide<V> chebyshevOfPairs(const ChebyshevAddends<Wide<V>, kHalf, kImmittance>& addends, const ChebyshevForm& form,
                                     V pairs, Wide<V>& outside) {
     using W = Wide<V>;
     const W highs = W::splat(-0x10000), lows = W::splat(0x7FFF), even = W::splat(~1);
-    const auto note = [&](auto bits) { outside.v = outside.v | bits; };
+    const auto note = [&](auto bits) {
+        if (!kNever) outside.v = outside.v | bits;
+    };
     // Sums and differences, and where they leave 32 bits.
     const auto plus = [&](W a, W b) {
         const W result = add(a, b);
@@ -154,25 +173,25 @@ VSP_INLINE Wide<V> chebyshevOfPairs(const ChebyshevAddends<Wide<V>, kHalf, kImmi
 }
 
 // The values at the 16-bit elements of a vector.
-template <int kHalf, bool kImmittance, class V>
+template <bool kNever = false, int kHalf, bool kImmittance, class V>
 VSP_INLINE V chebyshev(const ChebyshevAddends<Wide<V>, kHalf, kImmittance>& addends, const ChebyshevForm& form, V x,
                        Wide<V>& outside) {
-    const Wide<V> lo = chebyshevOfPairs(addends, form, V{zipLo(x, x).v}, outside);
-    const Wide<V> hi = chebyshevOfPairs(addends, form, V{zipHi(x, x).v}, outside);
+    const Wide<V> lo = chebyshevOfPairs<kNever>(addends, form, V{zipLo(x, x).v}, outside);
+    const Wide<V> hi = chebyshevOfPairs<kNever>(addends, form, V{zipHi(x, x).v}, outside);
     const V values = packSat(shr(lo, form.resultShift), shr(hi, form.resultShift));
     return kImmittance ? max(values, V::splat(-kMax16)) : values;
 }
-template <int kHalf, bool kImmittance, class V>
+template <bool kNever = false, int kHalf, bool kImmittance, class V>
 VSP_INLINE V chebyshev(const LspPolynomial<kHalf, kImmittance>& p, const ChebyshevForm& form, V x, Wide<V>& outside) {
-    return chebyshev(ChebyshevAddends<Wide<V>, kHalf, kImmittance>(p, form), form, x, outside);
+    return chebyshev<kNever>(ChebyshevAddends<Wide<V>, kHalf, kImmittance>(p, form), form, x, outside);
 }
 
 // Values at the points of a grid, which is padded to kGrid.
-template <int kGrid, int kHalf, bool kImmittance>
+template <int kGrid, bool kNever, int kHalf, bool kImmittance>
 VSP_INLINE void chebyshevOnGrid(const LspPolynomial<kHalf, kImmittance>& p, const ChebyshevForm& form, const Vsp16s* grid,
                                 Vsp16s* values) {
     Wide<S16> outside = Wide<S16>::splat(0);
-    for (int i = 0; i < kGrid; i += S16::width) chebyshev(p, form, S16::load(grid + i), outside).store(values + i);
+    for (int i = 0; i < kGrid; i += S16::width) chebyshev<kNever>(p, form, S16::load(grid + i), outside).store(values + i);
     if (anyNegative(outside)) [[unlikely]]
         for (int i = 0; i < kGrid; i++) values[i] = chebyshevSaturating(p, form, grid[i]);
 }

@@ -4,14 +4,20 @@
 #include "arithmetic/basic_ops.h"
 #include "common/tables.h"
 #include "core/level.h"
+#include "vector/simd.h"
 
 namespace vsp::VSP_LEVEL {
 
 // The last of the steps whose cosine is not below the LSP, but none after `limit`.
 VSP_INLINE int cosineStep(Vsp16s lsp, int limit) {
-    Vsp16s count = 0;
-    for (int i = 1; i < kCosineSteps; i++) count = Vsp16s(count + (lsfCosine[i] >= lsp));
-    return count < limit ? count : limit;
+    const Sliding16 below = Sliding16::splat(sat_16s(lsp - 1));
+    int last = -1;
+    for (int i = 0; i < kCosineSteps; i += 32) {
+        Sliding16 cosines[32 / Sliding16::width];
+        for (int k = 0; k < 32 / Sliding16::width; k++) cosines[k] = Sliding16::load(lsfCosine + i + Sliding16::width * k);
+        last += countGreater(cosines, below);
+    }
+    return last < limit ? last : limit;
 }
 
 // Frequencies of half the sampling rate in Q15, 0 .. 16384; from the last one to the first, whose steps never rise.

@@ -20,8 +20,13 @@ struct LspRootSearch {
     const LspGrid& grid;
     static constexpr int kMaxLeaves = 16, kWords = kGrid / 64;
 
+    const bool safe;                // no value saturates on the way
     Vsp16s values[2][kGrid + 8];    // at the points of the grid
     Vsp64u signChanges[2][kWords];  // bit j: between the points j - 1 and j
+
+    [[gnu::always_inline]] LspRootSearch(const LspPolynomial<kHalf, kImmittance> (&both)[2], const ChebyshevForm& f,
+                                         const LspGrid& g)
+        : polynomials(both), form(f), grid(g), safe(neverSaturates(both[0], f) && neverSaturates(both[1], f)) {}
 
     struct Point {
         Vsp16s x, y;
@@ -35,7 +40,11 @@ struct LspRootSearch {
 
     [[gnu::always_inline]] void evaluateGrid() {
         for (int p = 0; p < 2; p++) {
-            chebyshevOnGrid<kGrid>(polynomials[p], form, grid.points, values[p]);
+            if (safe)
+                chebyshevOnGrid<kGrid, true>(polynomials[p], form, grid.points, values[p]);
+            else
+                chebyshevOnGrid<kGrid, false>(polynomials[p], form, grid.points, values[p]);
+            S16_128::splat(0).store(values[p] + kGrid);
             Vsp64u carried = 0;
             for (int w = 0; w < kWords; w++) {
                 const Vsp16s* const word = values[p] + 64 * w;
@@ -154,9 +163,32 @@ struct LspRootSearch {
         return sat_16s(low.x - Vsp16s(Mul2_32s(low.y * slope) >> 11));
     }
 
+    // interpolated() of sixteen pairs of points, without a branch.
+    [[gnu::always_inline]] static void interpolateSixteen(const Vsp16s* lowX, const Vsp16s* lowY, const Vsp16s* highX,
+                                                          const Vsp16s* highY, Vsp16s* roots) {
+        constexpr Vsp32s kDividend = 16383 << 15;
+        for (int i = 0; i < 16; i++) {
+            const Vsp32s x = sat_16s(highX[i] - lowX[i]), y = sat_16s(highY[i] - lowY[i]), positive = y < 0 ? -y : y;
+            const Vsp32s magnitude = positive > kMax16 ? kMax16 : positive < 1 ? 1 : positive;
+            const Vsp32s e = 141 - (__builtin_bit_cast(Vsp32s, Vsp32f(magnitude)) >> 23);  // norm_16s
+            const Vsp32s divisor = magnitude << e;
+            const Vsp32s quotient = Vsp32s(Vsp32f(kDividend) / Vsp32f(divisor));  // or one too much
+            const Vsp32s inverse = quotient - (quotient * divisor > kDividend);
+            const Vsp32s rise = Vsp16s((x * inverse) >> (19 - e)), slope = y < 0 ? sat_16s(-rise) : rise;
+            const Vsp32s product = lowY[i] * slope;
+            const Vsp32s step = y == 0 ? 0 : Vsp16s((product - (product == 1 << 30)) >> 10);
+            roots[i] = sat_16s(lowX[i] - step);
+        }
+    }
+
     // The values of both polynomials, or of `other` ones of them, at eight places of each. Returns whether one may have
     // saturated on the way.
     [[gnu::noinline]] bool evaluateBoth(bool other, const Vsp16s* x, Vsp16s* y) const {
+        return safe ? evaluateBothAs<true>(other, x, y) : evaluateBothAs<false>(other, x, y);
+    }
+
+    template <bool kNever>
+    [[gnu::always_inline]] bool evaluateBothAs(bool other, const Vsp16s* x, Vsp16s* y) const {
         const LspPolynomial<kHalf, kImmittance>&first = polynomials[other], &second = polynomials[!other];
 #if defined(__AVX2__)
         using Addends = ChebyshevAddends<S32_256, kHalf, kImmittance>;
@@ -165,11 +197,11 @@ struct LspRootSearch {
             addends.of[i].v = _mm256_set_m128i(_mm_set1_epi32(Addends::addend(second, form, i)),
                                                _mm_set1_epi32(Addends::addend(first, form, i)));
         auto outside = S32_256::splat(0);
-        chebyshev(addends, form, S16_256::load(x), outside).store(y);
+        chebyshev<kNever>(addends, form, S16_256::load(x), outside).store(y);
 #else
         auto outside = S32_128::splat(0);
-        chebyshev(first, form, S16_128::load(x), outside).store(y);
-        chebyshev(second, form, S16_128::load(x + 8), outside).store(y + 8);
+        chebyshev<kNever>(first, form, S16_128::load(x), outside).store(y);
+        chebyshev<kNever>(second, form, S16_128::load(x + 8), outside).store(y + 8);
 #endif
         return anyNegative(outside);
     }
@@ -212,7 +244,7 @@ struct LspRootSearch {
         yLow.store(lowY);
         high.store(highX);
         yHigh.store(highY);
-        for (int i = 0; i < 16; i++) found.root[i] = interpolated({lowX[i], lowY[i]}, {highX[i], highY[i]});
+        interpolateSixteen(lowX, lowY, highX, highY, found.root);
         uncertain |= evaluateBoth(true, found.root, found.other);
         if (uncertain) [[unlikely]]
             found.interval[0][0] = found.interval[1][0] = kGrid;

@@ -16,7 +16,7 @@ static void lpcToLsp(const Vsp16s* lpc, const Vsp16s* previous, const LspGrid& g
     LspPolynomial<kHalf> polynomials[2];
     const bool saturated = lspPolynomials(lpc, 2048, 1, polynomials);
     if (saturated) lspPolynomials(lpc, 1024, 2, polynomials);
-    LspRootSearch<kHalf> search{polynomials, saturated ? q10 : q11, grid, {}, {}};
+    LspRootSearch<kHalf> search{polynomials, saturated ? q10 : q11, grid};
     Vsp16s roots[kOrder];
     const Vsp16s* const lsp = search.run(roots, kOrder) == kOrder ? roots : previous;
     for (int i = 0; i < kOrder; i++) dst[i] = lsp[i];

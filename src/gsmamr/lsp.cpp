@@ -18,7 +18,7 @@ VspStatus vspsLPCToLSP_GSMAMR_16s(const Vsp16s* pLPC, const Vsp16s* pPrevLSP, Vs
     constexpr LspGrid grid{lspGrid, 61, 4};
     LspPolynomial<kHalf> polynomials[2];
     lspPolynomials(pLPC, 1024, 2, polynomials);
-    LspRootSearch<kHalf> search{polynomials, form, grid, {}, {}};
+    LspRootSearch<kHalf> search{polynomials, form, grid};
     Vsp16s roots[kOrder];
     const Vsp16s* const lsp = search.run(roots, kOrder) == kOrder ? roots : pPrevLSP;
     for (int i = 0; i < kOrder; i++) pLSP[i] = lsp[i];
