@@ -167,17 +167,19 @@ struct LspRootSearch {
     [[gnu::always_inline]] static void interpolateSixteen(const Vsp16s* lowX, const Vsp16s* lowY, const Vsp16s* highX,
                                                           const Vsp16s* highY, Vsp16s* roots) {
         constexpr Vsp32s kDividend = 16383 << 15;
+        const auto smaller = [](Vsp32s a, Vsp32s b) { return a < b ? a : b; };
+        const auto clip = [&](Vsp32s a) { return -smaller(-smaller(a, kMax16), -kMin16); };
         for (int i = 0; i < 16; i++) {
-            const Vsp32s x = sat_16s(highX[i] - lowX[i]), y = sat_16s(highY[i] - lowY[i]), positive = y < 0 ? -y : y;
-            const Vsp32s magnitude = positive > kMax16 ? kMax16 : positive < 1 ? 1 : positive;
+            const Vsp32s x = clip(highX[i] - lowX[i]), y = clip(highY[i] - lowY[i]), sign = y >> 31;
+            const Vsp32s positive = (y ^ sign) - sign, notZero = -positive >> 31;
+            const Vsp32s magnitude = smaller(positive, kMax16) + 1 + notZero;
             const Vsp32s e = 141 - (__builtin_bit_cast(Vsp32s, Vsp32f(magnitude)) >> 23);  // norm_16s
             const Vsp32s divisor = magnitude << e;
             const Vsp32s quotient = Vsp32s(Vsp32f(kDividend) / Vsp32f(divisor));  // or one too much
-            const Vsp32s inverse = quotient - (quotient * divisor > kDividend);
-            const Vsp32s rise = Vsp16s((x * inverse) >> (19 - e)), slope = y < 0 ? sat_16s(-rise) : rise;
-            const Vsp32s product = lowY[i] * slope;
-            const Vsp32s step = y == 0 ? 0 : Vsp16s((product - (product == 1 << 30)) >> 10);
-            roots[i] = sat_16s(lowX[i] - step);
+            const Vsp32s inverse = quotient + ((kDividend - quotient * divisor) >> 31);
+            const Vsp32s rise = Vsp16s((x * inverse) >> (19 - e)), slope = smaller((rise ^ sign) - sign, kMax16);
+            const Vsp32s step = Vsp16s(smaller(lowY[i] * slope, (1 << 30) - 1) >> 10) & notZero;
+            roots[i] = Vsp16s(clip(lowX[i] - step));
         }
     }
 
