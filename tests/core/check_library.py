@@ -107,7 +107,7 @@ for line in listing.splitlines():
         entered = True
         stack.line(line)
         check(instruction.group(1) not in FORBIDDEN[level], f"{function}: {line.strip()}")
-        fused = re.search(r"\tvfn?m(add|sub)", line) and "{rd-sae}" not in line
+        fused = re.search(r"\tvfn?m(add|sub)", line)
         check(not fused or re.search(FUSED, function), f"{function}: a contraction rounds once: {line.strip()}")
         check(VOICE or not re.search(r"<vsps\w+(@plt)?>$", line), f"{function}: a call leaves its level: {line.strip()}")
 check(functions["y8"] > 0 and (VOICE or all(functions.values())), f"no code found of a level: {functions}")
