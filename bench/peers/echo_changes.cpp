@@ -9,11 +9,11 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <exception>
 #include <limits>
 
 #include "echo_adapters.h"
 #include "echo_scenario.h"
+#include "program.h"
 
 namespace {
 
@@ -87,11 +87,4 @@ int run(int argc, char** argv) {
 
 }  // namespace
 
-int main(int argc, char** argv) {
-    try {
-        return run(argc, argv);
-    } catch (const std::exception& e) {
-        std::fprintf(stderr, "%s\n", e.what());
-        return 1;
-    }
-}
+int main(int argc, char** argv) { return runProgram(run, argc, argv); }

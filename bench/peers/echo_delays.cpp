@@ -9,12 +9,12 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <exception>
 #include <string>
 #include <vector>
 
 #include "echo/owned_canceller.h"
 #include "echo_scenario.h"
+#include "program.h"
 
 namespace {
 
@@ -140,19 +140,16 @@ int compare(const std::string& engine, const std::vector<std::string>& folders, 
     return 0;
 }
 
+int run(int argc, char** argv) {
+    int every = 1, first = 1;
+    if (argc > 3 && std::string(argv[1]).starts_with("every=")) every = std::stoi(std::string(argv[first++]).substr(6));
+    if (argc < first + 2) {
+        std::fprintf(stderr, "usage: %s [every=N] ENGINE FOLDER...\n", argv[0]);
+        return 2;
+    }
+    return compare(argv[first], {argv + first + 1, argv + argc}, every);
+}
+
 }  // namespace
 
-int main(int argc, char** argv) {
-    try {
-        int every = 1, first = 1;
-        if (argc > 3 && std::string(argv[1]).starts_with("every=")) every = std::stoi(std::string(argv[first++]).substr(6));
-        if (argc < first + 2) {
-            std::fprintf(stderr, "usage: %s [every=N] ENGINE FOLDER...\n", argv[0]);
-            return 2;
-        }
-        return compare(argv[first], {argv + first + 1, argv + argc}, every);
-    } catch (const std::exception& e) {
-        std::fprintf(stderr, "%s\n", e.what());
-        return 1;
-    }
-}
+int main(int argc, char** argv) { return runProgram(run, argc, argv); }

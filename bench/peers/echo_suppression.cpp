@@ -7,11 +7,11 @@
 // speech is taken over the frames in which both talk, each limited to -10 .. 35 dB. The distorting loudspeaker clips
 // softly, y = a tanh(x / a): 5 % of harmonics for a sine of the far end's active level.
 #include <cstdio>
-#include <exception>
 
 #include "echo_adapters.h"
 #include "echo_measures.h"
 #include "echo_scenario.h"
+#include "program.h"
 
 namespace {
 
@@ -78,11 +78,4 @@ int run(int argc, char** argv) {
 
 }  // namespace
 
-int main(int argc, char** argv) {
-    try {
-        return run(argc, argv);
-    } catch (const std::exception& e) {
-        std::fprintf(stderr, "%s\n", e.what());
-        return 1;
-    }
-}
+int main(int argc, char** argv) { return runProgram(run, argc, argv); }

@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <exception>
 #include <limits>
 #include <numbers>
 #include <random>
@@ -16,6 +15,7 @@
 #include "echo/double_talk.h"
 #include "echo_adapters.h"
 #include "echo_scenario.h"
+#include "program.h"
 
 namespace {
 
@@ -242,11 +242,4 @@ int run(int argc, char** argv) {
 
 }  // namespace
 
-int main(int argc, char** argv) {
-    try {
-        return run(argc, argv);
-    } catch (const std::exception& e) {
-        std::fprintf(stderr, "%s\n", e.what());
-        return 1;
-    }
-}
+int main(int argc, char** argv) { return runProgram(run, argc, argv); }

@@ -12,7 +12,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <exception>
 #include <functional>
 #include <map>
 #include <memory>
@@ -20,6 +19,7 @@
 
 #include "noise_measures.h"
 #include "noise_scenario.h"
+#include "program.h"
 #include "vspsc.h"
 
 namespace {
@@ -240,11 +240,4 @@ int run(int argc, char** argv) {
 
 }  // namespace
 
-int main(int argc, char** argv) {
-    try {
-        return run(argc, argv);
-    } catch (const std::exception& e) {
-        std::fprintf(stderr, "%s: %s\n", argv[0], e.what());
-        return 1;
-    }
-}
+int main(int argc, char** argv) { return runProgram(run, argc, argv); }
