@@ -63,42 +63,94 @@ struct HighPass {
         m = {Vsp16s(y1 >> 15), Vsp16s(y1 & 0x7FFF), Vsp16s(y2 >> 15), Vsp16s(y2 & 0x7FFF), Vsp16s(x1), Vsp16s(x2)};
     }
 
+    // The outputs, halved, of steps that do not saturate: what depends on the output before is one product, one shift and
+    // one addition. Sums wrap.
+    class Recursion {
+      public:
+        [[gnu::always_inline]] Recursion(const HighPassCoefficients& c, const HighPassMemory& m)
+            : a2_(c.a2),
+              shiftedA1_(c.a1 * (1LL << kShift)),
+              y1_(m.y1Hi * 32768LL + m.y1Lo),
+              y2_(m.y2Hi * 32768LL + m.y2Lo),
+              fed1_((y1_ * c.a1) >> 15) {
+            asm("" : "+r"(shiftedA1_));  // or the shift follows each product, where the next output waits for it
+        }
+
+        // fromInputs: half of what the inputs contribute. The result is right up to kDown bits more than the output has.
+        [[gnu::always_inline]] Vsp32s next(Vsp32s fromInputs) {
+            const Vsp64s sum = Vsp64s(Vsp64u(fed1_) + Vsp64u(fromInputs + (product(y2_, a2_) >> 15)));
+            fed1_ = product(sum, shiftedA1_) >> 15;
+            outside_ |= Vsp64u(sum) + kLimit;
+            y2_ = y1_;
+            y1_ = Vsp64s(Vsp64u(sum) << kShift);
+            return Vsp32s(sum);
+        }
+
+        // Of inputs that are no larger than fits() allows.
+        bool isRight() const { return outside_ < 2 * kLimit; }
+
+        void keep(HighPassMemory& m) const {
+            m.y1Hi = Vsp16s(y1_ >> 15);
+            m.y1Lo = Vsp16s(y1_ & 0x7FFF);
+            m.y2Hi = Vsp16s(y2_ >> 15);
+            m.y2Lo = Vsp16s(y2_ & 0x7FFF);
+        }
+
+      private:
+        static Vsp64s product(Vsp64s a, Vsp64s b) { return Vsp64s(Vsp64u(a) * Vsp64u(b)); }
+        static constexpr Vsp64u kLimit = 1ULL << (30 - kShift);
+
+        Vsp64s a2_, shiftedA1_, y1_, y2_, fed1_;
+        Vsp64u outside_ = 0;
+    };
+
+    static constexpr int kDown = 15 - kShift - kDoubled;
+
+    // Whether no sum leaves 31 bits with outputs below 2^31, whose halves are fed back.
+    bool fits(Vsp32s largestInput) const {
+        const auto magnitude = [](Vsp32s a) { return Vsp64s(a < 0 ? -a : a); };
+        const Vsp64s fromInputs = (magnitude(c.b0) + magnitude(c.b1) + magnitude(c.b2)) * largestInput;
+        const Vsp64s fromOutputs = ((1 << 15) + 2) * (magnitude(c.a1) + magnitude(c.a2)) + 4;
+        return fromInputs + fromOutputs < 1 << 30;
+    }
+
+    // Halves of what the inputs contribute. x: two samples before the first one.
+    [[gnu::always_inline]] void feedForward(const Vsp16s* x, Vsp32s* halves, int len) const {
+        for (int n = 0; n < len; n++) halves[n] = c.b0 * x[n + 2] + c.b1 * x[n + 1] + c.b2 * x[n];
+    }
+    // The same of eight inputs after eight others; sums wrap.
+    [[gnu::always_inline]] void feedForward(S16_128 before, S16_128 x, Vsp32s* halves) const {
+        const S16_128 x1 = {_mm_alignr_epi8(x.v, before.v, 14)}, x2 = {_mm_alignr_epi8(x.v, before.v, 12)};
+        const S16_128 b0 = S16_128{S32_128::splat(Vsp16u(c.b0)).v};
+        const S16_128 b21 = S16_128{S32_128::splat(Vsp32s(Vsp32u(Vsp16u(c.b1)) << 16 | Vsp16u(c.b2))).v};
+        const auto sums = [&](S32_128 x21, S32_128 x0) { return add(dot2(S16_128{x21.v}, b21), dot2(S16_128{x0.v}, b0)); };
+        sums(zipLo(x2, x1), zipLo(x, x)).store(halves);
+        sums(zipHi(x2, x1), zipHi(x, x)).store(halves + 4);
+    }
+    [[gnu::always_inline]] static void roundSums(const Vsp32s* sums, Vsp16s* dst, int len) {
+        for (int n = 0; n < len; n++) dst[n] = sat_16s((sums[n] + (1 << (kDown - 1))) >> kDown);
+    }
+
     static constexpr int kBlock = 80;
 
-    // Halves of the outputs of a step that does not saturate: what depends on the output before is one product, one shift
-    // and one addition. Returns whether the whole block could be taken for that; otherwise nothing is changed.
+    // Returns whether no step saturates; otherwise nothing is changed.
     [[gnu::always_inline]] bool runUnsaturated(Vsp16s* srcDst, int len, HighPassMemory& m) const {
-        const auto magnitude = [](Vsp32s a) { return Vsp64s(a < 0 ? -a : a); };
         Vsp16s x[2 + kBlock];
         x[0] = m.x2;
         x[1] = m.x1;
         for (int n = 0; n < len; n++) x[2 + n] = srcDst[n];
-        // No sum leaves 31 bits with outputs y below 2^31, whose halves are fed back.
-        const Vsp64s largestX = maxMagnitude(x, 2 + len);
-        const Vsp64s fromInputs = (magnitude(c.b0) + magnitude(c.b1) + magnitude(c.b2)) * largestX;
-        const Vsp64s fromOutputs = ((1 << 15) + 2) * (magnitude(c.a1) + magnitude(c.a2)) + 4;
-        if (fromInputs + fromOutputs >= 1 << 30) return false;
+        if (!fits(maxMagnitude(x, 2 + len))) return false;
 
         Vsp32s sums[kBlock];
-        for (int n = 0; n < len; n++) sums[n] = c.b0 * x[n + 2] + c.b1 * x[n + 1] + c.b2 * x[n];
-        Vsp64s y1 = m.y1Hi * 32768LL + m.y1Lo, y2 = m.y2Hi * 32768LL + m.y2Lo, fed1 = (y1 * c.a1) >> 15;
-        Vsp64s shiftedA1 = c.a1 * (1LL << kShift);
-        asm("" : "+r"(shiftedA1));  // or the shift follows each product, where the next output waits for it
-        constexpr Vsp64s kLimit = 1LL << (30 - kShift);
-        Vsp64u outside = 0;
-        for (int n = 0; n < len; n++) {
-            const Vsp64s sum = fed1 + (sums[n] + ((y2 * c.a2) >> 15));
-            fed1 = (sum * shiftedA1) >> 15;
-            outside |= Vsp64u(sum + kLimit);
-            sums[n] = Vsp32s(sum);
-            y2 = y1;
-            y1 = sum * (1 << kShift);
-            if (outside >= 2 * kLimit) [[unlikely]]
-                return false;
-        }
-        constexpr int kDown = 15 - kShift - kDoubled;
-        for (int n = 0; n < len; n++) srcDst[n] = sat_16s((sums[n] + (1 << (kDown - 1))) >> kDown);
-        m = {Vsp16s(y1 >> 15), Vsp16s(y1 & 0x7FFF), Vsp16s(y2 >> 15), Vsp16s(y2 & 0x7FFF), x[1 + len], x[len]};
+        feedForward(x, sums, len);
+        Recursion outputs(c, m);
+        for (int n = 0; n < len; n++) sums[n] = outputs.next(sums[n]);
+        if (!outputs.isRight()) [[unlikely]]
+            return false;
+        roundSums(sums, srcDst, len);
+        outputs.keep(m);
+        m.x1 = x[1 + len];
+        m.x2 = x[len];
         return true;
     }
 

@@ -316,10 +316,9 @@ struct SynthesisFilter {
         const Vsp16s* mem;
     };
 
-    // A block of two signals. None of the arrays is the dst of the other signal.
-    static void runTwo(const Signal& a, const Signal& b) {
 #if defined(__AVX2__)
-        const Kept keptA(a.src, kBlock, a.mem), keptB(b.src, kBlock, b.mem);
+    // A block of two signals at once. Returns whether all outputs are right.
+    [[gnu::always_inline]] static bool filterTwo(const Signal& a, const Signal& b) {
         S32_256 inputs[kBlock / 4 + 1];
         Unclipped<S32_256> outputs(
             a.lpc, b.lpc, kBlock, [&](int n) { return both<S32_256>(loadFour(a.src + n), loadFour(b.src + n)); },
@@ -330,7 +329,15 @@ struct SynthesisFilter {
             S16_128{_mm256_extracti128_si256(eight.v, 1)}.store(b.dst + n);
         }
         const Vsp16u largest = largestU(foldMaxU(outputs.largest()));
-        if (areRight(a.lpc, largest) && areRight(b.lpc, largest)) return;
+        return areRight(a.lpc, largest) && areRight(b.lpc, largest);
+    }
+#endif
+
+    // The same, made again where they are not. None of the arrays is the dst of the other signal.
+    static void runTwo(const Signal& a, const Signal& b) {
+#if defined(__AVX2__)
+        const Kept keptA(a.src, kBlock, a.mem), keptB(b.src, kBlock, b.mem);
+        if (filterTwo(a, b)) return;
         run(a.lpc, keptA.x, a.dst, kBlock, kShift, keptA.mem);
         run(b.lpc, keptB.x, b.dst, kBlock, kShift, keptB.mem);
 #else

@@ -1,5 +1,5 @@
 // Filters at the ends of the codec (G.729 3.1 and 4.2.5, Pre_Process and Post_Process).
-#include "common/high_pass.h"
+#include "g729/high_pass.h"
 
 #include "core/checks.h"
 #include "core/state_size.h"
@@ -7,21 +7,11 @@
 
 namespace vsp::VSP_LEVEL {
 
-namespace {
-
-struct State {
-    Vsp16s coefficients[6];  // b0 b1 b2 a0 a1 a2; a0 is not used
-    HighPassMemory memory;
-};
-static_assert(sizeof(State) == 24);
-
-}  // namespace
-
-VspStatus vspsHighPassFilterSize_G729(Vsp32s* pSize) { return fixedSize(pSize, sizeof(State)); }
+VspStatus vspsHighPassFilterSize_G729(Vsp32s* pSize) { return fixedSize(pSize, sizeof(HighPassState)); }
 
 VspStatus vspsHighPassFilterInit_G729(const Vsp16s* pCoeff, void* pState) {
     if (anyNull(pCoeff, pState)) return vspStsNullPtrErr;
-    State& state = *static_cast<State*>(pState);
+    HighPassState& state = *static_cast<HighPassState*>(pState);
     for (int i = 0; i < 6; i++) state.coefficients[i] = pCoeff[i];
     state.memory = {};
     return vspStsNoErr;
@@ -31,13 +21,11 @@ VspStatus vspsHighPassFilter_G729_16s_ISfs(Vsp16s* pSrcDst, Vsp32s len, Vsp32s s
     if (anyNull(pSrcDst, pState)) return vspStsNullPtrErr;
     if (len < 1) return vspStsSizeErr;
     if (scaleFactor != 12 && scaleFactor != 13) return vspStsScaleRangeErr;
-    State& state = *static_cast<State*>(pState);
-    const Vsp16s(&c)[6] = state.coefficients;
-    const HighPassCoefficients coefficients{c[0], c[1], c[2], c[4], c[5]};
+    HighPassState& state = *static_cast<HighPassState*>(pState);
     if (scaleFactor == 12)
-        HighPass<12, false>{coefficients}.run(pSrcDst, len, state.memory);
+        state.filter<InputFilter>().run(pSrcDst, len, state.memory);
     else
-        HighPass<13, true>{coefficients}.run(pSrcDst, len, state.memory);
+        state.filter<OutputFilter>().run(pSrcDst, len, state.memory);
     return vspStsNoErr;
 }
 

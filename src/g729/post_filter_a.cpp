@@ -5,6 +5,7 @@
 #include "core/state_size.h"
 #include "g729/constants.h"
 #include "g729/exports.h"
+#include "g729/high_pass.h"
 #include "g729/post_filter.h"
 #include "vector/largest.h"
 
@@ -184,14 +185,24 @@ void filterSubframe(const Vsp16s* syn, const Vsp16s* lpc, Vsp16s lag, Vsp16s fra
     for (int n = 0; n < kL_subfr; n++) dst[n] = output[n];
 }
 
+// The end of decoding a frame.
+struct Ending {
+    const Vsp16s *excitation, *lpc, *lags;  // excitation of the second subframe
+    Vsp16s frameType;
+    Vsp16s *speech, *dst;
+    State& state;
+    HighPassState& output;
+};
+
 #if defined(__AVX2__)
-// Both subframes of a frame: what waits for itself goes on beside something else, the responses of both filters at once,
-// the gain of the first subframe with the synthesis of the second. Returns false, and leaves the state, where some step
-// may saturate.
-bool filterFrame(const Vsp16s* syn, const Vsp16s* lpc, const Vsp16s* lags, Vsp16s frameType, Vsp16s* dst, State& state) {
+// What waits for itself goes on beside something else: the responses of both filters at once, the synthesis of the speech
+// of the second subframe with that of the post-filter of the first, the latter's gain and high-pass filter with the
+// synthesis of the post-filter of the second. Returns false, and changes nothing, where some step may saturate.
+bool endFrame(const Ending& e) {
     using Filter = SynthesisFilter<10>;
+    State& state = e.state;
     if (state.gain < 0) return false;
-    const Filters filters1(lpc), filters2(lpc + 11);
+    const Filters filters1(e.lpc), filters2(e.lpc + 11);
     S32_256 inputs[7];
     Filter::Unclipped<S32_256> responses(
         filters1.denominator, filters2.denominator, kTiltResponse,
@@ -203,60 +214,78 @@ bool filterFrame(const Vsp16s* syn, const Vsp16s* lpc, const Vsp16s* lags, Vsp16
         S16_128{_mm256_castsi256_si128(eight.v)}.store(h[0] + n);
         S16_128{_mm256_extracti128_si256(eight.v, 1)}.store(h[1] + n);
     };
-    Vsp16s residual[kPitMax + 2 * kL_subfr], signal[1 + 2 * kL_subfr];
+    Vsp16s residual[kPitMax + 2 * kL_subfr], signal[1 + 2 * kL_subfr], compensated[kL_subfr];
     Vsp16s *const now = residual + kPitMax, *const x = signal + 1;
     respond(0);
     for (int i = 0; i < kPitMax; i++) residual[i] = state.residual[i];
-    ownResidual(syn, filters1.numerator, 10, now, kL_subfr, 12);
-    excite(now, lags[0], frameType, x);
+    ownResidual(e.speech, filters1.numerator, 10, now, kL_subfr, 12);
     respond(8);
-    ownResidual(syn + kL_subfr, filters2.numerator, 10, now + kL_subfr, kL_subfr, 12);
-    excite(now + kL_subfr, lags[1], frameType, x + kL_subfr);
+    excite(now, e.lags[0], e.frameType, x);
     respond(16);
     const Vsp16u largest = largestU(foldMaxU(responses.largest()));
     if (!Filter::areRight(filters1.denominator, largest) || !Filter::areRight(filters2.denominator, largest)) return false;
-
-    Vsp16s compensated[2 * kL_subfr], output[10 + 2 * kL_subfr];
     signal[0] = state.tilt;
     compensateTilt(responseTilt(h[0]), x, compensated);
-    compensateTilt(responseTilt(h[1]), x + kL_subfr, compensated + kL_subfr);
 
-    S32_128 inputsOf[2][kL_subfr / 4 + 1];
+    Vsp16s speech[10 + kL_subfr], output[10 + 2 * kL_subfr];
+    Vsp16s *const speech2 = speech + 10, *const output1 = output + 10, *const output2 = output1 + kL_subfr;
+    for (int i = 0; i < 10; i++) speech[i] = e.speech[kL_subfr - 10 + i];
     for (int i = 0; i < 10; i++) output[i] = state.synthesis[i];
-    const auto synthesis = [&](int i, const Filters& filters) {
-        const Vsp16s *const src = compensated + kL_subfr * i, *const past = output + kL_subfr * i;
-        return Filter::Unclipped<S32_128>(
-            filters.denominator, filters.denominator, kL_subfr, [=](int n) { return loadFour(src + n); },
-            [=](int n) { return Filter::earlier(past, n); }, inputsOf[i]);
-    };
-    Vsp16s *const output1 = output + 10, *const output2 = output1 + kL_subfr;
+    if (!Filter::filterTwo({e.lpc + 11, e.excitation, speech2, speech},
+                           {filters1.denominator, compensated, output1, output}))
+        return false;
     Vsp16s step;
-    Filter::Unclipped<S32_128> synthesis1 = synthesis(0, filters1);
-    for (int n = 0; n < kL_subfr; n += 8) synthesis1.nextEight(inputsOf[0] + n / 4 + 1, 8).store(output1 + n);
-    if (!Filter::areRight(filters1.denominator, largestU(synthesis1.largest()))) return false;
-    if (!gainStep(syn, output1, step)) return false;
+    if (!gainStep(e.speech, output1, step)) return false;
 
-    Filter::Unclipped<S32_128> synthesis2 = synthesis(1, filters2);
-    S16_128 gain = S16_128::splat(state.gain), steps = S16_128::splat(step);
-    for (int n = 0; n < kL_subfr; n += 8) {
+    ownResidual(speech2, filters2.numerator, 10, now + kL_subfr, kL_subfr, 12);
+    excite(now + kL_subfr, e.lags[1], e.frameType, x + kL_subfr);
+    compensateTilt(responseTilt(h[1]), x + kL_subfr, compensated);
+
+    const OutputFilter outputFilter = e.output.filter<OutputFilter>();
+    OutputFilter::Recursion recursion(outputFilter.c, e.output.memory);
+    const Vsp16s past[8] = {0, 0, 0, 0, 0, 0, e.output.memory.x2, e.output.memory.x1};
+    S16_128 newest = S16_128::load(past);
+    Vsp32s sums[2 * kL_subfr];
+    S16_128 gain = S16_128::splat(state.gain), steps = S16_128::splat(step), largestMagnitude = magnitude(newest);
+    const auto controlAndFilter = [&](int n) {
         S16_128 gains = gain;
         nextGains(steps, gain, gains);
-        synthesis2.nextEight(inputsOf[1] + n / 4 + 1, 8).store(output2 + n);
-        product<12, false>(gains, S16_128::load(output1 + n)).store(dst + n);
+        const S16_128 eight = product<12, false>(gains, S16_128::load(output1 + n));
+        largestMagnitude = maxU(largestMagnitude, magnitude(eight));
+        Vsp32s halves[8];
+        outputFilter.feedForward(newest, eight, halves);
+        newest = eight;
+        for (int i = 0; i < 8; i++) sums[n + i] = recursion.next(halves[i]);
+    };
+    S32_128 inputs2[kL_subfr / 4 + 1];
+    Filter::Unclipped<S32_128> synthesis2(
+        filters2.denominator, filters2.denominator, kL_subfr, [&](int n) { return loadFour(compensated + n); },
+        [&](int n) { return Filter::earlier(output2 - 10, n); }, inputs2);
+    for (int n = 0; n < kL_subfr; n += 8) {
+        synthesis2.nextEight(inputs2 + n / 4 + 1, 8).store(output2 + n);
+        controlAndFilter(n);
     }
     if (!Filter::areRight(filters2.denominator, largestU(synthesis2.largest()))) return false;
-    if (!gainStep(syn + kL_subfr, output2, step)) return false;
+    if (!gainStep(speech2, output2, step)) return false;
+    steps = S16_128::splat(step);
+    for (int n = kL_subfr; n < 2 * kL_subfr; n += 8) controlAndFilter(n);
+    if (!outputFilter.fits(largestU(largestMagnitude)) || !recursion.isRight()) return false;
 
     for (int i = 0; i < kPitMax; i++) state.residual[i] = residual[2 * kL_subfr + i];
     for (int i = 0; i < 10; i++) state.synthesis[i] = output2[kL_subfr - 10 + i];
     state.tilt = x[2 * kL_subfr - 1];
     state.gain = first(gain);
-    followGain(step, state.gain, output2);
-    for (int n = 0; n < kL_subfr; n++) dst[kL_subfr + n] = output2[n];
+    recursion.keep(e.output.memory);
+    Vsp16s controlled[8];
+    newest.store(controlled);
+    e.output.memory.x1 = controlled[7];
+    e.output.memory.x2 = controlled[6];
+    for (int n = 0; n < kL_subfr; n++) e.speech[kL_subfr + n] = speech2[n];
+    OutputFilter::roundSums(sums, e.dst, 2 * kL_subfr);
     return true;
 }
 #else
-bool filterFrame(const Vsp16s*, const Vsp16s*, const Vsp16s*, Vsp16s, Vsp16s*, State&) { return false; }
+bool endFrame(const Ending&) { return false; }
 #endif
 
 }  // namespace
@@ -283,15 +312,22 @@ VspStatus vspsPostFilter_G729A_16s(const Vsp16s* pSyn, const Vsp16s* pLPC, Vsp16
     return vspStsNoErr;
 }
 
-VspStatus vspsPostFilterFrame_G729A_16s(const Vsp16s* pSyn, const Vsp16s* pLPC, const Vsp16s* pLag, Vsp16s frameType,
-                                        Vsp16s* pDst, VspPostFilterState_G729A_16s* pState) {
-    if (anyNull(pSyn, pLPC, pLag, pDst, pState)) return vspStsNullPtrErr;
+VspStatus vspsSynthesisPostFilter_G729A_16s(const Vsp16s* pExc, const Vsp16s* pLPC, const Vsp16s* pLag, Vsp16s frameType,
+                                            Vsp16s* pSrcDstSpeech, Vsp16s* pDst, VspPostFilterState_G729A_16s* pState,
+                                            void* pHighPassState) {
+    if (anyNull(pExc, pLPC, pLag, pSrcDstSpeech, pDst, pState, pHighPassState)) return vspStsNullPtrErr;
     if (!isLegalLag(pLag[0]) || !isLegalLag(pLag[1])) return vspStsRangeErr;
     if (frameType < 0 || frameType > 2) return vspStsRangeErr;
     State& state = *reinterpret_cast<State*>(pState);
-    if (filterFrame(pSyn, pLPC, pLag, frameType, pDst, state)) return vspStsNoErr;
+    HighPassState& output = *static_cast<HighPassState*>(pHighPassState);
+    if (endFrame({pExc, pLPC, pLag, frameType, pSrcDstSpeech, pDst, state, output})) return vspStsNoErr;
+    Vsp16s speech[kL_subfr];
+    if (SynthesisFilter<10>::run(pLPC + 11, pExc, speech, kL_subfr, 12, pSrcDstSpeech + kL_subfr - 10))
+        return vspStsOverflow;
+    for (int n = 0; n < kL_subfr; n++) pSrcDstSpeech[kL_subfr + n] = speech[n];
     for (int i = 0; i < 2; i++)
-        filterSubframe(pSyn + kL_subfr * i, pLPC + 11 * i, pLag[i], frameType, pDst + kL_subfr * i, state);
+        filterSubframe(pSrcDstSpeech + kL_subfr * i, pLPC + 11 * i, pLag[i], frameType, pDst + kL_subfr * i, state);
+    output.filter<OutputFilter>().run(pDst, 2 * kL_subfr, output.memory);
     return vspStsNoErr;
 }
 

@@ -95,19 +95,28 @@ VspStatus vspsPostFilter_G729A_16s(const Vsp16s* pSyn, const Vsp16s* pLPC, Vsp16
                                    VspPostFilterState_G729A_16s* pState);
 
 /**
- * Post-filter of a frame: the same as vspsPostFilter_G729A_16s for one subframe after the other, in less time.
+ * End of the decoding of a frame (G.729 A.4.1.6, A.4.2): LP synthesis of the second subframe, post-filter and output filter
+ * of both.
  *
- * @param[in]     pSyn       decoded speech: the first of the 80 samples; 10 samples of history before it
- * @param[in]     pLPC       11 coefficients of the synthesis filter of each subframe, Q12
- * @param[in]     pLag       integer lag of each subframe, 18 .. 145
- * @param[in]     frameType  1 speech; 0 or 2 comfort noise
- * @param[out]    pDst       filtered speech, 80 samples
- * @param[in,out] pState     state
- * @retval vspStsNullPtrErr  pSyn, pLPC, pLag, pDst or pState is null
+ * In less time the same as vspsSynthesisFilter_NR_16s_Sfs with the second filter, vspsPostFilter_G729A_16s for one subframe
+ * after the other, and vspsHighPassFilter_G729_16s_ISfs with scale factor 13.
+ *
+ * @param[in]     pExc           excitation of the second subframe, 40 samples
+ * @param[in]     pLPC           11 coefficients of the synthesis filter of each subframe, Q12
+ * @param[in]     pLag           integer lag of each subframe, 18 .. 145
+ * @param[in]     frameType      1 speech; 0 or 2 comfort noise
+ * @param[in,out] pSrcDstSpeech  decoded speech: the first of the 40 samples of the first subframe, behind which the 40 of
+ * the second one are written; 10 samples of history before it
+ * @param[out]    pDst           filtered speech, 80 samples
+ * @param[in,out] pState         state of the post-filter
+ * @param[in,out] pHighPassState state of the output filter
+ * @retval vspStsNullPtrErr  pExc, pLPC, pLag, pSrcDstSpeech, pDst, pState or pHighPassState is null
  * @retval vspStsRangeErr    a lag outside 18 .. 145, or frameType outside 0 .. 2
+ * @retval vspStsOverflow    warning: a step of the LP synthesis saturates; nothing is written
  */
-VspStatus vspsPostFilterFrame_G729A_16s(const Vsp16s* pSyn, const Vsp16s* pLPC, const Vsp16s* pLag, Vsp16s frameType,
-                                        Vsp16s* pDst, VspPostFilterState_G729A_16s* pState);
+VspStatus vspsSynthesisPostFilter_G729A_16s(const Vsp16s* pExc, const Vsp16s* pLPC, const Vsp16s* pLag, Vsp16s frameType,
+                                            Vsp16s* pSrcDstSpeech, Vsp16s* pDst, VspPostFilterState_G729A_16s* pState,
+                                            void* pHighPassState);
 
 /**
  * Size of the state of the post-filter, G.729 Annex E: 368 bytes.

@@ -10,6 +10,11 @@ static Argument filterState(int bytes, VspStatus (*Api::*init)(State*)) {
     return state(bytes, [=](const Api& api, int, void* s) { (api.*init)(static_cast<State*>(s)); });
 }
 
+static void initialiseOutputFilter(const Api& api, int, void* state) {
+    const Vsp16s coefficients[] = {7699, -15398, 7699, 8192, 15836, -7667};
+    api.vspsHighPassFilterInit_G729(coefficients, state);
+}
+
 static const Described functions(
     "g729",
     {
@@ -24,8 +29,9 @@ static const Described functions(
         VSPSC_FUNCTION(vspsPostFilter_G729A_16s, in(40).after(10), in(11), lag, frameType, out(40),
                        filterState(312, &Api::vspsPostFilterInit_G729A_16s))
             .stream("vspsPostFilter_G729A_16s", -1, {item(1), item(2), item(3), item(4), result(5), unrecorded()}),
-        VSPSC_FUNCTION(vspsPostFilterFrame_G729A_16s, in(80).after(10), in(22), in(2).holding(vspStsRangeErr, 18, 145),
-                       frameType, out(80), filterState(312, &Api::vspsPostFilterInit_G729A_16s))
+        VSPSC_FUNCTION(vspsSynthesisPostFilter_G729A_16s, in(40), in(22), in(2).holding(vspStsRangeErr, 18, 145), frameType,
+                       io(80).after(10).unchangedOnWarning(), out(80).unchangedOnWarning(),
+                       filterState(312, &Api::vspsPostFilterInit_G729A_16s), state(24, initialiseOutputFilter))
             .notRecorded(),
         VSPSC_FUNCTION(vspsPostFilterGetStateSize_G729E_16s, size(368)).notRecorded(),
         VSPSC_FUNCTION(vspsPostFilterInit_G729E_16s, state(368)).notRecorded(),

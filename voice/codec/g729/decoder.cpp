@@ -176,7 +176,7 @@ void Decoder::decodeSubframe(const Variant& variant, Speech& s, Vsp32s i) {
     if (s.erased && !variant.fast) gain[s.voicing == 0 ? 0 : 1] = 0;
     vspsInterpolateC_NR_G729_16s_Sfs(vector, gain[0], code, gain[1], excitation, kSubframe, 14);
 
-    scaledSynthesis(s.filter(i), i);
+    if (i == 0 || !variant.fast) scaledSynthesis(s.filter(i), i);
     if (!variant.dispersion) return;
     if (s.rate != k6k4) {
         vspsPhaseDispersionUpdate_G729D_16s(gain_, dispersion_);
@@ -210,7 +210,7 @@ void Decoder::noise(const Variant& variant, const Vsp16s* index, bool erased, Vs
                                 lsp_, lsfHistory_, &noiseSeed_, lpc, noise_);
     for (Vsp32s i = 0; i < 2; i++) {
         if (variant.dispersion) vspsPhaseDispersionUpdate_G729D_16s(gain + 2 * i, dispersion_);
-        scaledSynthesis({lpc + 11 * i, 10}, i);
+        if (i == 0 || !variant.fast) scaledSynthesis({lpc + 11 * i, 10}, i);
     }
     sharpening_ = kLeastSharpening;
     backwardSubframes_ = 0;
@@ -223,9 +223,24 @@ void Decoder::noise(const Variant& variant, const Vsp16s* index, bool erased, Vs
     endFrame(variant, filters, lags, type, k8k, 0, erased, samples);
 }
 
-// Post-filter, output filter, and what the next frame needs. The filters of Annex A lie behind each other.
+// The synthesis of the second subframe that is left in Annex A, post-filter and output filter. The LP filters lie behind
+// each other.
+void Decoder::endFastFrame(const LpFilter* filters, const Vsp16s* lags, Vsp16s frameType, Vsp16s* samples) {
+    Vsp16s* speech = synthesised_ + kMaxOrder;
+    if (vspsSynthesisPostFilter_G729A_16s(excitation_ + 154 + kSubframe, filters[0].lpc, lags, frameType, speech, samples,
+                                          postFilter_.fast, output_) == vspStsNoErr)
+        return;
+    scaledSynthesis(filters[1], 1);
+    for (Vsp32s i = 0; i < 2; i++)
+        vspsPostFilter_G729A_16s(speech + kSubframe * i, filters[i].lpc, lags[i], frameType, samples + kSubframe * i,
+                                 postFilter_.fast);
+    vspsHighPassFilter_G729_16s_ISfs(samples, 80, kOutputScale, output_);
+}
+
+// Post-filter, output filter, and what the next frame needs.
 void Decoder::endFrame(const Variant& variant, const LpFilter* filters, const Vsp16s* lags, Vsp16s frameType, Rate rate,
                        Vsp16s mode, bool erased, Vsp16s* samples) {
+    if (variant.fast) endFastFrame(filters, lags, frameType, samples);
     if (!erased && variant.silence) vspsCNGEnergy_G729B_16s(excitation_ + 154, &energy_, &energyShift_);
     const Vsp16s* speech = synthesised_ + kMaxOrder;
     if (variant.backward) {
@@ -243,9 +258,7 @@ void Decoder::endFrame(const Variant& variant, const LpFilter* filters, const Vs
         backward_.synthesised(speech);
     }
     Vsp16s voicing = 0;
-    if (variant.fast) {
-        vspsPostFilterFrame_G729A_16s(speech, filters[0].lpc, lags, frameType, samples, postFilter_.fast);
-    } else {
+    if (!variant.fast) {
         for (Vsp32s i = 0; i < 2; i++) {
             Vsp16s found = 0;
             const Vsp16s* in = speech + kSubframe * i;
@@ -258,8 +271,8 @@ void Decoder::endFrame(const Variant& variant, const LpFilter* filters, const Vs
                 vspsPostFilter_G729_16s(in, f.lpc, lags[i], frameType, out, &found, postFilter_.main);
             if (found != 0) voicing = found;
         }
+        vspsHighPassFilter_G729_16s_ISfs(samples, 80, kOutputScale, output_);
     }
-    vspsHighPassFilter_G729_16s_ISfs(samples, 80, kOutputScale, output_);
 
     voicing_ = voicing;
     frameType_ = frameType;

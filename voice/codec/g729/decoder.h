@@ -38,6 +38,7 @@ class Decoder {
     void delayOf(const Variant& variant, const Speech& s, Vsp32s i, Vsp16s* delay);
     void decodeGains(const Speech& s, Vsp32s i, const Vsp16s* code);
     void scaledSynthesis(const LpFilter& filter, Vsp32s i);
+    void endFastFrame(const LpFilter* filters, const Vsp16s* lags, Vsp16s frameType, Vsp16s* samples);
     void endFrame(const Variant& variant, const LpFilter* filters, const Vsp16s* lags, Vsp16s frameType, Rate rate,
                   Vsp16s mode, bool erased, Vsp16s* samples);
 
