@@ -1,10 +1,10 @@
 // Echo cancellers on recorded speech: how much echo they remove, how they bear double talk, and what they cost.
 //
-//     vspsc_bench_echo_cancellers FOLDER [CANCELLER...]
+//     vspsc_bench_echo_cancellers [--cost] FOLDER [CANCELLER...]
 //
 // FOLDER holds the telephone prompts of Debian's package asterisk-core-sounds-en-wav. The limit is the ERLE of a canceller
 // that knows the echo path and leaves nothing but the noise; only webrtc's passes it, which also suppresses what is left,
-// near-end speech included.
+// near-end speech included. --cost: only what they cost.
 #include <time.h>
 
 #include <algorithm>
@@ -61,6 +61,18 @@ Quality measure(Adapter& canceller, const Path& path, const Signal& far, const S
     return q;
 }
 
+void compareQuality(const std::vector<std::string>& names, const Signal& far, const Signal& nearSpeech) {
+    std::printf("%77s\n%-16s %-22s %7s %8s %8s %9s %8s\n", "in double talk", "canceller", "path", "limit", "ERLE/dB",
+                "20 dB/s", "echo/dB", "SNR/dB");
+    for (const Path& path : eightPaths())
+        for (const std::string& name : names) {
+            const Quality q = measure(*makeAdapter(name, kTail), path, far, nearSpeech);
+            std::printf("%-16s %s %3.0f ms, ERL %2.0f dB  %7.2f %8.2f %8.2f %9.1f %8.1f\n", name.c_str(),
+                        path.hybrid.c_str(), path.lengthMs, path.erl, q.limit, q.steady, q.timeTo20, q.removed, q.snr);
+            std::fflush(stdout);
+        }
+}
+
 double cpuSeconds() {
     timespec t;
     clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &t);
@@ -91,8 +103,10 @@ std::vector<std::string> inFolder(const std::string& folder, std::vector<std::st
 }
 
 int run(int argc, char** argv) {
+    const bool onlyCost = argc > 1 && std::string(argv[1]) == "--cost";
+    if (onlyCost) argc--, argv++;
     if (argc < 2) {
-        std::fprintf(stderr, "usage: %s FOLDER [CANCELLER...]\n", argv[0]);
+        std::fprintf(stderr, "usage: vspsc_bench_echo_cancellers [--cost] FOLDER [CANCELLER...]\n");
         return 2;
     }
     std::vector<std::string> names(argv + 2, argv + argc);
@@ -101,15 +115,7 @@ int run(int argc, char** argv) {
     const Signal far = recordedSpeech(inFolder(argv[1], {"demo-congrats", "demo-moreinfo", "demo-abouttotry"}), kSeconds);
     const Signal nearSpeech = recordedSpeech(inFolder(argv[1], {"demo-instruct"}), kSeconds);
 
-    std::printf("%77s\n%-16s %-22s %7s %8s %8s %9s %8s\n", "in double talk", "canceller", "path", "limit", "ERLE/dB",
-                "20 dB/s", "echo/dB", "SNR/dB");
-    for (const Path& path : eightPaths())
-        for (const std::string& name : names) {
-            const Quality q = measure(*makeAdapter(name, kTail), path, far, nearSpeech);
-            std::printf("%-16s %s %3.0f ms, ERL %2.0f dB  %7.2f %8.2f %8.2f %9.1f %8.1f\n", name.c_str(),
-                        path.hybrid.c_str(), path.lengthMs, path.erl, q.limit, q.steady, q.timeTo20, q.removed, q.snr);
-            std::fflush(stdout);
-        }
+    if (!onlyCost) compareQuality(names, far, nearSpeech);
     compareSpeed(names, makeScenario(eightPaths()[3], far, nearSpeech, kStartOfNear));
     return 0;
 }

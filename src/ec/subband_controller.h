@@ -197,10 +197,11 @@ VSP_INLINE void predict(const SubbandController& s, const ControllerArrays& a, c
     for (Vsp32s k = 0; k < bands; k++) {
         const Vsp32f drifted = uncertainty[k] + drift * coefficient[k],
                      leaked = leak * (coefficient[k] + prior * a.path[k]);
-        uncertainty[k] = larger(drifted, leaked);
-        power[k] = plausible(unit * power[k]);
-        left[k] = uncertainty[k] * power[k];
-        residual[k] += left[k];
+        const Vsp32f unknown = larger(drifted, leaked), present = plausible(unit * power[k]);
+        uncertainty[k] = unknown;
+        power[k] = present;
+        left[k] = unknown * present;
+        residual[k] += unknown * present;
     }
     a.predicted[group] = sumOf(left, bands);
 }

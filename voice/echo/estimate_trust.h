@@ -18,14 +18,14 @@ class EstimateTrust {
     // The bands of a frame of the near end and of what the estimate leaves of it; the step size.
     template <class Complex>
     void update(const Complex* near, const Complex* left, int bands, double learning) {
-        float quieter = 0, louder = 0;
+        int quieter = 0, louder = 0;
         for (int k = 0; k < bands; k++) {
             const float before = power(near[k]), after = power(left[k]);
-            quieter += after < kQuieter * before ? 1.0f : 0.0f;
-            louder += after > kLouder * before ? 1.0f : 0.0f;
+            quieter += after < kQuieter * before;
+            louder += after > kLouder * before;
         }
-        quieter_ += share_ * (quieter - quieter_);
-        louder_ += share_ * (louder - louder_);
+        quieter_ += share_ * (static_cast<float>(quieter) - quieter_);
+        louder_ += share_ * (static_cast<float>(louder) - louder_);
         const bool wrong = louder_ > quieter_ && louder_ > kMany * static_cast<float>(bands);
         doubtful_ = wrong ? doubt_ : std::max(doubtful_ - 1, 0);
         learned_ = learning < kLearned;

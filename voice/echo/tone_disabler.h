@@ -3,6 +3,7 @@
 #pragma once
 
 #include <algorithm>
+#include <span>
 
 #include "echo/memory.h"
 #include "echo/samples.h"
@@ -76,11 +77,10 @@ class ToneDisabler {
         Vsp16s* samples_;
     };
 
+    // The mean square of a block.
     template <class Sample>
-    static double power(const Sample* x, int count) {
-        double sum = 0;
-        for (int i = 0; i < count; i++) sum += double(x[i]) * x[i];
-        return sum / count;
+    static float power(const Sample* x, int count) {
+        return meanSquare(std::span(x, static_cast<std::size_t>(count)));
     }
 
     int rate_;
