@@ -18,6 +18,7 @@
 #include <span>
 
 #include "echo/loudness_budget.h"
+#include "echo/samples.h"
 
 namespace vspv {
 
@@ -89,22 +90,19 @@ class OutputGuard {
         double energy, louder;  // louder: of the samples that are louder than the near end's, by how much
     };
 
-    // Of a millisecond, in four parts, which the compiler adds at once.
+    // Of a millisecond.
     template <class Sample>
     static Energies measure(std::span<const Sample> near, std::span<const float> echo) {
-        constexpr std::size_t kParts = 4;
-        std::array<float, kParts> nearEnergy{}, echoEnergy{}, product{}, nearSum{}, echoSum{};
-        for (std::size_t n = 0; n < near.size(); n += kParts)
-            for (std::size_t i = 0; i < kParts; i++) {
-                const float x = static_cast<float>(near[n + i]), y = echo[n + i];
-                nearEnergy[i] += x * x;
-                echoEnergy[i] += y * y;
-                product[i] += x * y;
-                nearSum[i] += x;
-                echoSum[i] += y;
-            }
-        const auto sum = [](const std::array<float, kParts>& p) { return (p[0] + p[1]) + (p[2] + p[3]); };
-        return {sum(nearEnergy), sum(echoEnergy), sum(product), sum(nearSum), sum(echoSum)};
+        Four nearEnergy{}, echoEnergy{}, product{}, nearSum{}, echoSum{};
+        for (std::size_t n = 0; n < near.size(); n += 4) {
+            const Four x = fourOf(&near[n]), y = fourOf(&echo[n]);
+            nearEnergy += x * x;
+            echoEnergy += y * y;
+            product += x * y;
+            nearSum += x;
+            echoSum += y;
+        }
+        return {sumOf(nearEnergy), sumOf(echoEnergy), sumOf(product), sumOf(nearSum), sumOf(echoSum)};
     }
 
     // An estimate that is not finite, or louder than signals can be, becomes 0.
@@ -195,25 +193,20 @@ class OutputGuard {
 
     template <class Sample>
     static double energy(std::span<const Sample> x) {
-        constexpr std::size_t kParts = 4;
-        std::array<float, kParts> energy{};
-        for (std::size_t n = 0; n < x.size(); n += kParts)
-            for (std::size_t i = 0; i < kParts; i++)
-                energy[i] += static_cast<float>(x[n + i]) * static_cast<float>(x[n + i]);
-        return (energy[0] + energy[1]) + (energy[2] + energy[3]);
+        Four energy{};
+        for (std::size_t n = 0; n < x.size(); n += 4) energy += fourOf(&x[n]) * fourOf(&x[n]);
+        return sumOf(energy);
     }
 
     template <class Sample>
     static Output outputOf(std::span<const Sample> near, std::span<const float> echo) {
-        constexpr std::size_t kParts = 4;
-        std::array<float, kParts> energy{}, louder{};
-        for (std::size_t n = 0; n < near.size(); n += kParts)
-            for (std::size_t i = 0; i < kParts; i++) {
-                const float x = static_cast<float>(near[n + i]), out = x - echo[n + i];
-                energy[i] += out * out;
-                louder[i] += std::max(0.0f, out * out - x * x);
-            }
-        return {(energy[0] + energy[1]) + (energy[2] + energy[3]), (louder[0] + louder[1]) + (louder[2] + louder[3])};
+        Four energy{}, louder{};
+        for (std::size_t n = 0; n < near.size(); n += 4) {
+            const Four x = fourOf(&near[n]), out = x - fourOf(&echo[n]), more = out * out - x * x;
+            energy += out * out;
+            louder += more > 0 ? more : Four{};
+        }
+        return {sumOf(energy), sumOf(louder)};
     }
 
     template <class Sample>

@@ -22,6 +22,18 @@ inline void toOutside(float x, Vsp16s& out) {
     out = static_cast<Vsp16s>(clipped + (clipped < 0 ? -0.5 : 0.5));
 }
 
+// Four samples, or parts of a sum.
+using Four = float __attribute__((vector_size(16)));
+inline Four fourOf(const float* x) { return Four{x[0], x[1], x[2], x[3]}; }
+inline Four fourOf(const Vsp16s* x) {
+    using Integers = Vsp16s __attribute__((vector_size(8)));
+    return __builtin_convertvector(Integers{x[0], x[1], x[2], x[3]}, Four);
+}
+inline float sumOf(Four parts) {
+    const Four pairs = parts + __builtin_shufflevector(parts, parts, 1, 0, 3, 2);
+    return pairs[0] + pairs[2];
+}
+
 // The sum of term(0) .. term(count - 1), in parts that the compiler adds at once.
 template <class Term>
 float sumOf(std::size_t count, Term term) {
