@@ -219,6 +219,24 @@ TEST_P(Engines, FollowANewEchoPath) {
     EXPECT_GT(decibels(power(near, 12 * kRate) / power(r.out, 12 * kRate)), 20);
 }
 
+// Over a loudspeaker that cuts off every peak of the speech, and over another one from 14 s on.
+TEST_P(Engines, FollowALoudspeakerThatClips) {
+    if (!subband()) GTEST_SKIP() << "the filters of the full band are linear";
+    const Signal once = speech(0, 14);
+    Signal far = once;
+    far.insert(far.end(), once.begin(), once.begin() + 10 * kRate);
+    const float limit = 1.3f * static_cast<float>(std::sqrt(power(far)));
+    Signal played = far;
+    for (std::size_t n = 0; n < 14 * kRate; n++) played[n] = std::clamp(far[n], -limit, limit);
+    const Signal near = sum(echoOf(played, 4, 6), noise(far.size(), 8));
+    const Result r = cancel(settings(), far, near);
+    const auto removed = [&](std::size_t from, std::size_t to) {
+        return decibels(power(near, from * kRate, to * kRate) / power(r.out, from * kRate, to * kRate));
+    };
+    EXPECT_GT(removed(9, 14), 25);
+    EXPECT_GT(removed(19, 24), 25);
+}
+
 TEST_P(Engines, FindTheBulkDelay) {
     const Signal far = speech(0, 14);
     for (const std::size_t delay : {300, 1000}) {

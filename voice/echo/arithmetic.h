@@ -27,6 +27,7 @@ struct FloatArithmetic {
     static WindowValue windowValue(double w) { return static_cast<WindowValue>(w); }
     static Sample sample(float x) { return x; }
     static Complex subtract(Complex a, Complex b) { return {a.re - b.re, a.im - b.im}; }
+    static Complex scaled(Complex a, float gain) { return {gain * a.re, gain * a.im}; }
 
     static void bankSize(const BankShape& s, Vsp32s* state, Vsp32s* init, Vsp32s* work) {
         vspsSubbandProcessGetSize_32f(s.order, s.window, state, init, work);
@@ -115,6 +116,7 @@ struct FixedArithmetic {
     static Sample sample(float x) { return static_cast<Sample>(std::lrint(std::clamp(x, -kFullScale, kHighest))); }
 
     static Complex subtract(Complex a, Complex b) { return {difference(a.re, b.re), difference(a.im, b.im)}; }
+    static Complex scaled(Complex a, float gain) { return {product(a.re, gain), product(a.im, gain)}; }
 
     static void bankSize(const BankShape& s, Vsp32s* state, Vsp32s* init, Vsp32s* work) {
         vspsSubbandProcessGetSize_16s(s.order, s.window, state, init, work);
@@ -185,6 +187,9 @@ struct FixedArithmetic {
     }
 
   private:
+    static Vsp32s product(Vsp32s a, float gain) {
+        return static_cast<Vsp32s>(std::clamp(double(gain) * a, -0x1p31, 0x1p31 - 1));
+    }
     static Vsp32s difference(Vsp32s a, Vsp32s b) {
         return static_cast<Vsp32s>(std::clamp(Vsp64s(a) - b, -0x80000000LL, 0x7fffffffLL));
     }

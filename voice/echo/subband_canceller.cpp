@@ -10,6 +10,7 @@
 #include "echo/estimate_trust.h"
 #include "echo/far_activity.h"
 #include "echo/filter_bank.h"
+#include "echo/loudspeaker_model.h"
 #include "echo/output_guard.h"
 #include "echo/residual_echo.h"
 #include "echo/subband_controller.h"
@@ -47,10 +48,12 @@ class SubbandCanceller {
           trust_(1000 / frameMs_),
           guard_(c.samplingRate, latency() - shape_.frame),
           enhancement_(1000 / frameMs_),
+          loudspeaker_(shape_, taps_, maxDelay_, memory),
           tapEnergy_(memory.take<float>(taps_)),
           estimate_(memory.take<Complex>(bands_)),
           error_(memory.take<Complex>(bands_)),
           farIn_(memory.take<Sample>(shape_.frame)),
+          played_(memory.take<Sample>(shape_.frame)),
           estimated_(memory.take<Sample>(shape_.frame)),
           echo_(memory.take<float>(shape_.frame)),
           out_(memory.take<Sample>(shape_.frame)),
@@ -93,7 +96,9 @@ class SubbandCanceller {
 
         guard_.expect(std::span<const Sample>(nearIn_).last(farIn_.size()));
         Complex* x = far_.push();
-        farBank_.analyse(farIn_.data(), x);
+        std::copy(farIn_.begin(), farIn_.end(), played_.begin());
+        loudspeaker_.play(played_);
+        farBank_.analyse(played_.data(), x);
         nearBank_.analyse(newest(), near_.push());
         cancel(near_.at(kLookAhead)[0]);
         if (!disabled) adapt();
@@ -138,6 +143,13 @@ class SubbandCanceller {
 
     void adapt() {
         controller_.adapt(far_.at(delay()), error_.data(), estimate_.data(), coefficients_.at(0), guard_.removing());
+        const float gain = loudspeaker_.learn(estimate_.data(), error_.data(), coefficients_.at(0), delay(),
+                                              controller_.learning(), controller_.nearSpeech());
+        if (gain == 1) return;
+        for (int t = 0; t < taps_; t++) {
+            Complex* c = coefficients_.at(0)[t];
+            std::transform(c, c + bands_, c, [gain](Complex z) { return Arithmetic::scaled(z, gain); });
+        }
     }
 
     void followDelay() {
@@ -196,12 +208,13 @@ class SubbandCanceller {
     EstimateTrust trust_;
     OutputGuard guard_;
     Enhancement enhancement_;
+    LoudspeakerModel<Arithmetic> loudspeaker_;
     std::optional<ToneDisabler> tone_;
     std::optional<BulkDelay> bulkDelay_;
     std::optional<ResidualEcho<Arithmetic>> residualEcho_;
     std::span<float> tapEnergy_;
     std::span<Complex> estimate_, error_;
-    std::span<Sample> farIn_, estimated_;
+    std::span<Sample> farIn_, played_, estimated_;
     std::span<float> echo_;
     std::span<Sample> out_, nearIn_;
     int filled_ = 0;
