@@ -5,9 +5,10 @@ Usage: tools/mutate.py [--count N] [--seed S] [--build build/dev] [FILE...]
 Takes the sources at the baseline level only: an object is compiled from the changed copy, the test program of the family is
 linked with it in place of the other, and its tests run at that level alone, so that a comparison with the other levels finds
 nothing. A fault counts as found when a test fails, crashes or does not end: first those of the functions in the source, then
-all of the family, and only then the comparison with the results of earlier versions, which is counted apart ("pinned"). The
-tree and its build stay as they are; the programs test_FAMILY of the build must be up to date. Faults that do not compile, or
-to the same code, are drawn again.
+all of the family, and only then the comparison with the results of earlier versions, which is counted apart ("pinned"), and
+all once more with that source under the address and undefined-behaviour sanitizers ("sanitized"). The tree and its build
+stay as they are; the programs test_FAMILY of the build must be up to date. Faults that do not compile, or to the same code,
+are drawn again.
 """
 
 import argparse
@@ -42,6 +43,7 @@ WRAPPING = {"sat_16s": "Vsp16s(", "Add_32s": "wrapAdd_32s(", "Sub_32s": "wrapSub
 SATURATING = {"Vsp16s": "sat_16s(", "wrapAdd_32s": "Add_32s(", "wrapSub_32s": "Sub_32s("}
 # The families whose tests run what is shared.
 USERS = {"common": ["common", "gsmamr", "g729", "amrwb"], "vector": ["vector", "ec"]}
+SANITIZE = ("-fsanitize=address,undefined", "-fno-sanitize-recover=all")
 CHECK = re.compile(r"^ *if \(.*\) return vspSts\w+Err;")
 
 
@@ -77,16 +79,16 @@ class Build:
                 self.commands[entry["file"]] = (entry["command"], entry["output"] if "output" in entry else None)
         self.links = {}
 
-    def compile(self, source, text, out):
+    def compile(self, source, text, out, flags=()):
         command, _ = self.commands[str(source)]
         command = re.sub(r" -o \S+ -c \S+$", "", command).replace(" -g1 ", " ")
         copy = pathlib.Path(out.parent, source.name)
         copy.write_text(text)
         command = re.sub(r"^(?:\S*ccache )?", "", command)
-        arguments = [*command.split(), f"-I{source.parent}", "-O1", "-w", "-o", str(out), "-c", str(copy)]
+        arguments = [*command.split(), f"-I{source.parent}", "-O1", "-w", *flags, "-o", str(out), "-c", str(copy)]
         return subprocess.run(arguments, cwd=self.folder, capture_output=True, check=False).returncode == 0
 
-    def link(self, program, source, changed, out):
+    def link(self, program, source, changed, out, flags=()):
         if program not in self.links:
             listed = subprocess.run(["ninja", "-C", str(self.folder), "-t", "commands", "-s", f"bin/{program}"], text=True,
                                     capture_output=True, check=True).stdout.strip().split("\n")[-1]  # fmt: skip
@@ -94,7 +96,8 @@ class Build:
         object_file = f"CMakeFiles/vspsc_y8.dir/{source.relative_to(SOURCE)}.o"
         command = self.links[program]
         assert f" {object_file} " in command, f"{program} is not linked with {object_file}"
-        command = command.replace(f" {object_file} ", f" {changed} ").replace(f" -o bin/{program} ", f" -o {out} ")
+        command = command.replace(f" {object_file} ", f" {changed} ")
+        command = command.replace(f" -o bin/{program} ", f" {' '.join(flags)} -o {out} ")
         if subprocess.run(command, shell=True, cwd=self.folder, capture_output=True, check=False).returncode != 0:
             sys.exit(f"{program} cannot be linked: is the build up to date?")
 
@@ -124,7 +127,7 @@ def main():
     files = [f for f in files if str(f) in build.commands and f.parent.name not in ("rta", "version")]
     chance.shuffle(files)
 
-    found, pinned, survivors, drawn = 0, 0, [], 0
+    counts, survivors, drawn = {"found": 0, "pinned": 0, "sanitized": 0, "SURVIVED": 0}, [], 0
     with tempfile.TemporaryDirectory() as folder:
         work = pathlib.Path(folder)
         clean = {}  # the code of a file without a fault
@@ -151,15 +154,23 @@ def main():
             for each in programs:
                 build.link(each.name, source, changed, each)
             rest = ":-*AnyLegal*"  # which compares with other levels and earlier versions only
-            caught = any((own and fails(p, own + rest, 120)) or fails(p, "*" + rest, 600) for p in programs)
-            by_pinned = not caught and any(fails(p, "*AnyLegal*", 600, pinned=True) for p in programs)
-            found += caught
-            pinned += by_pinned
+            outcome = "SURVIVED"
+            if any((own and fails(p, own + rest, 120)) or fails(p, "*" + rest, 600) for p in programs):
+                outcome = "found"
+            elif any(fails(p, "*AnyLegal*", 600, pinned=True) for p in programs):
+                outcome = "pinned"
+            elif build.compile(source, text, changed, SANITIZE):
+                for each in programs:
+                    build.link(each.name, source, changed, each, SANITIZE)
+                outcome = "sanitized" if any(fails(p, "*", 900) for p in programs) else outcome
+            counts[outcome] += 1
             what = f"{source.relative_to(SOURCE)}:{line + 1}: {kind}: {' / '.join(r.strip() for r in replaced)}"
-            if not caught and not by_pinned:
+            if outcome == "SURVIVED":
                 survivors.append(what)
-            print(f"{'found   ' if caught else 'pinned  ' if by_pinned else 'SURVIVED'} {what}", flush=True)
-    print(f"{found} of {drawn} found, and {pinned} by pinned results: {100 * (found + pinned) / max(drawn, 1):.1f} %")
+            print(f"{outcome:9} {what}", flush=True)
+    caught = drawn - counts["SURVIVED"]
+    print(f"{counts['found']} of {drawn} found, {counts['pinned']} by pinned results, {counts['sanitized']} by sanitizers: "
+          f"{100 * caught / max(drawn, 1):.1f} %")  # fmt: skip
     for survivor in survivors:
         print("survived:", survivor)
     return 0

@@ -135,7 +135,7 @@ TEST_P(FullBand, SumsOfTheLargestTermsSaturateFromTheFirstThatCan) {
         Call_16s c(2, numTaps, 1);
         for (auto* signal : {&c.ref, &c.taps}) std::fill(signal->begin(), signal->end(), Vsp16s(-32768));
         std::fill(c.steps.begin(), c.steps.end(), 0);
-        c.near = {-1, 0};
+        c.near = {-2, 0};  // one beyond a difference of 32 bits
         expectFir(c, api.vspsFIR_EC_16s);
         expectNlms(c, api.vspsNLMS_EC_16s);
     }

@@ -1,4 +1,6 @@
 // Discontinuous transmission: streams that update and encode one state.
+#include <cmath>
+
 #include "support/guarded.h"
 #include "support/level_test.h"
 #include "support/vector_case.h"
@@ -64,6 +66,29 @@ VSPSC_EVERY_LEVEL(Silence);
 TEST_P(Silence, RecordedStreams) {
     runStream(api, "vspsDTX_G729B_16s-stream", api.vspsDTXEncode_G729B_16s);
     runStream(api, "vspsDTX_G729A_16s-stream", api.vspsDTXEncode_G729A_16s);
+}
+
+// A long recording of what the detector in integers decides.
+TEST_P(Silence, DetectorInFloatingPointDecidesLikeTheOneInIntegers) {
+    Guarded<std::byte> state(172);
+    int number = 0;
+    for (const auto& items : readItemCases("g729/vspsVAD_G729B_16s.vec")) {
+        const auto words = [&](std::size_t i) { return items.at(i).values<Vsp16s>(); };
+        if (words(0)[0] != 0) {
+            ASSERT_EQ(vspStsNoErr, api.vspsVADInit_G729B_32f(state.data()));
+        }
+        Guarded<Vsp32f> autocorr(13), lsf(10), speech(240);
+        const auto lags = items.at(1).values<Vsp32s>();
+        for (std::size_t i = 0; i < 13; i++) autocorr[i] = std::ldexp(Vsp32f(lags[i]), words(2)[0]);
+        for (std::size_t i = 0; i < 10; i++) lsf[i] = Vsp32f(words(4)[i]) * 6.2831853f / 32768;
+        for (std::size_t i = 0; i < 82; i++) speech[119 + i] = Vsp32f(words(5)[i]);
+        Guarded<Vsp32s> vad(1);
+        ASSERT_EQ(vspStsNoErr, api.vspsVAD_G729B_32f(autocorr.data(), Vsp32f(words(3)[0]) / 32768, lsf.data(),
+                                                     speech.data(), vad.data(), state.data()));
+        ASSERT_EQ(words(6)[0], vad[0]) << "case " << number;
+        number++;
+    }
+    EXPECT_GT(number, 1000);
 }
 
 }  // namespace vsp::test
