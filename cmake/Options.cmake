@@ -28,7 +28,7 @@ if(VSPSC_SANITIZE)
 endif()
 # A coverage build counts what runs of the targets with the property VSPSC_COUNTED; all others are as in a usual build.
 if(VSPSC_COVERAGE)
-    target_compile_options(vspsc_options INTERFACE "$<$<BOOL:$<TARGET_PROPERTY:VSPSC_COUNTED>>:--coverage;-fprofile-update=atomic>")
+    target_compile_options(vspsc_options INTERFACE "$<$<BOOL:$<TARGET_PROPERTY:VSPSC_COUNTED>>:--coverage;-fprofile-update=atomic;-fno-inline;-Dalways_inline=noinline>")
     target_link_options(vspsc_options INTERFACE --coverage)
 endif()
 

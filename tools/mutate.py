@@ -42,9 +42,9 @@ WRAPPING = {"sat_16s": "Vsp16s(", "Add_32s": "wrapAdd_32s(", "Sub_32s": "wrapSub
             "Add_16s": "Vsp16s(0 + wrapAdd_32s)(", "Sub_16s": "Vsp16s(0 + wrapSub_32s)("}  # fmt: skip
 SATURATING = {"Vsp16s": "sat_16s(", "wrapAdd_32s": "Add_32s(", "wrapSub_32s": "Sub_32s("}
 # The families whose tests run what is shared.
-USERS = {"common": ["common", "gsmamr", "g729", "amrwb"], "vector": ["vector", "ec"]}
+USERS = {"g7291": ["core"], "common": ["common", "gsmamr", "g729", "amrwb"], "vector": ["vector", "ec"]}
 SANITIZE = ("-fsanitize=address,undefined", "-fno-sanitize-recover=all")
-CHECK = re.compile(r"^ *if \(.*\) return vspSts\w+Err;")
+CHECK = re.compile(r"^ *if \(.*\) return (vspSts\w+Err);")
 
 
 def number(match, change):
@@ -61,7 +61,8 @@ def mutations(path):
         code = line.split("//")[0]
         if code.lstrip().startswith(("#", "*", "static_assert", "namespace", "template", "using")) or not code.strip():
             continue
-        if CHECK.match(line) and i + 1 < len(lines) and CHECK.match(lines[i + 1]):
+        following = CHECK.match(lines[i + 1]) if i + 1 < len(lines) else None
+        if following and CHECK.match(line) and CHECK.match(line)[1] != following[1]:
             found.append((i, "order of checks", [lines[i + 1], line], 2))
         for kind, pattern, replacements in RULES:
             for match in pattern.finditer(code):
