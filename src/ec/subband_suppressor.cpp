@@ -42,6 +42,8 @@ struct SuppressorArrays {
 };
 constexpr Vsp32s kSuppressorArrays = 9;
 
+constexpr Vsp32f kNothing = 1, kMost = 1e16f, kUnknown = 1e17f;  // powers in a band
+
 VSP_INLINE constexpr Vsp32s suppressorSize(Vsp32s numSubbands) {
     return Vsp32s(sizeof(Suppressor)) + kSuppressorArrays * numSubbands * Vsp32s(sizeof(Vsp32f));
 }
@@ -76,9 +78,8 @@ VSP_INLINE void init(Suppressor* s, Vsp32s numSubbands, Vsp32s frameSize, Vsp32s
           1};
     const SuppressorArrays a(s);
     for (Vsp32s i = 0; i < kSuppressorArrays * numSubbands; i++) a.noise[i] = 0;
+    for (Vsp32s k = 0; k < numSubbands; k++) a.lowest[k] = a.lowestBefore[k] = kUnknown;
 }
-
-constexpr Vsp32f kNothing = 1, kMost = 1e16f;  // powers in a band
 
 VSP_INLINE Vsp32f limited(Vsp32f power) { return power <= kMost ? power : 0; }
 
@@ -88,22 +89,28 @@ VSP_INLINE Vsp32f powerOf(const Band& z, Vsp32f unit) {
     return re * re + im * im;
 }
 
-// The noise of the near end: a mean of what is not far above the lowest power of late.
+// The noise of the near end: a mean of what is not far above the lowest power of late. Digital silence tells nothing of it,
+// and what is clearly less than the expected echo is echo for the most part.
 VSP_INLINE void followNoise(Suppressor* s, const SuppressorArrays& a) {
     constexpr Vsp32f kLowest = 3;  // how much the mean of noise is above its lowest smoothed power
-    constexpr Vsp32f kFar = 5, kMostAbove = 2, kShare = 0.05f, kSmoothing = 0.7f;
+    constexpr Vsp32f kFar = 5, kMostAbove = 2, kShare = 0.05f, kSmoothing = 0.7f, kBelow = 8, kPart = 0.5f;
     s->frames = s->frames + 1 < s->window ? s->frames + 1 : 0;
     const bool renews = s->frames == 0;
     VSP_INDEPENDENT
     for (Vsp32s k = 0; k < s->numSubbands; k++) {
-        const Vsp32f e = a.heard[k], smooth = kSmoothing * a.smooth[k] + (1 - kSmoothing) * e;
-        const Vsp32f lowest = smaller(a.lowest[k], smooth), before = a.lowestBefore[k];
-        const Vsp32f floor = kLowest * smaller(lowest, before), n = a.noise[k];
+        const Vsp32f e = a.heard[k], before = a.lowestBefore[k], n = a.noise[k];
+        const bool silent = e <= kNothing;
+        const Vsp32f part = a.echo[k] < kBelow * e ? e : kPart * e,
+                     mixed = kSmoothing * a.smooth[k] + (1 - kSmoothing) * part;
+        const Vsp32f heard = a.smooth[k] > 0 ? mixed : part, smooth = silent ? a.smooth[k] : heard;
+        const Vsp32f now = silent ? kUnknown : heard, lowest = smaller(a.lowest[k], now);
+        const Vsp32f floor = kLowest * smaller(lowest, before);
         const Vsp32f mean = n + kShare * (e - n), near = e < kFar * floor ? mean : n, next = a.echo[k] < n ? near : n;
-        a.noise[k] = larger(floor / kMostAbove, smaller(kMostAbove * floor, next));
+        const Vsp32f within = larger(floor / kMostAbove, smaller(kMostAbove * floor, next));
+        a.noise[k] = floor < kUnknown ? within : n;
         a.smooth[k] = smooth;
         a.lowestBefore[k] = renews ? lowest : before;
-        a.lowest[k] = renews ? smooth : lowest;
+        a.lowest[k] = renews ? now : lowest;
     }
 }
 
@@ -189,7 +196,8 @@ VSP_INLINE void suppress(Suppressor* s, const Band* est, const Vsp32f* residual,
     VSP_INDEPENDENT
     for (Vsp32s k = 0; k < bands; k++) {
         const Vsp32f heard = a.heard[k] + kNothing, echo = a.echo[k], noise = a.noise[k];
-        const Vsp32f soft = larger(0, 1 - kOver * echo / heard), firm = noise / (noise + kFirm * echo + 0.01f);
+        const Vsp32f soft = larger(0, 1 - kOver * echo / heard), least = noise + 0.01f,
+                     firm = least / (least + kFirm * echo);
         a.gain[k] = talk * soft + (1 - talk) * smaller(soft, firm);
     }
     const Vsp32u random = s->random;

@@ -21,6 +21,13 @@ def test_a_line_passes(vsps, engine):
     assert text.count("PASS") == 5 and "FAIL" not in text and "\n5 of 5 passed in " in text
 
 
+@pytest.mark.parametrize("fixed", [False, True])
+def test_nothing_comes_back_from_a_line_without_noise(vsps, fixed):
+    """Where the echo sets in after digital silence, and in the pauses of the source."""
+    found = results(vsps, "--path", "d2", "d5", "--test", "2A", *(["--fixed"] if fixed else []))
+    assert all(p["passed"] for r in found.values() for p in r["paths"])
+
+
 def test_a_canceller_that_is_too_short_fails(vsps):
     """Of two echoes 300 ms apart one is left, 9 dB below the far end."""
     vsps.put("two.txt", b"1 " + b"0 " * 2400 + b"1")

@@ -133,9 +133,9 @@ class OutputGuard {
     void limitMillisecond(std::span<const Sample> near, std::span<float> echo, const Energies& e) {
         const bool silence = e.near == 0, afterSilence = silent_;
         silent_ = silence;
-        if (silence) share_ = 0;
         double share = proven() ? 1 : hope_ / kHopeful;
-        if (silence || afterSilence) share = 0;
+        if (silence || (afterSilence && !proven())) share = 0;
+        if (silence || afterSilence) share_ = static_cast<float>(share);
         double most = budget_.most();
         if (!proven()) most = std::min(most, e.near);
         if (e.left() > most) share = std::min(share, e.share(most));
@@ -145,7 +145,7 @@ class OutputGuard {
             return;
         }
         fade(echo, static_cast<float>(share));
-        silenceEnd(near, echo);
+        keepSilence(near, echo, afterSilence);
         Output out = outputOf(near, echo);
         if (out.energy > most) out = lessen(near, echo, measure<Sample>(near, echo).share(most));
         const double samples = budget_.louderSamples();
@@ -175,9 +175,10 @@ class OutputGuard {
         return outputOf(near, std::span<const float>(echo));
     }
 
-    // Digital silence that begins within a millisecond stays silence.
+    // Digital silence that begins or ends within a millisecond stays silence.
     template <class Sample>
-    static void silenceEnd(std::span<const Sample> near, std::span<float> echo) {
+    static void keepSilence(std::span<const Sample> near, std::span<float> echo, bool ends) {
+        for (std::size_t n = 0; ends && n < near.size() && near[n] == 0; n++) echo[n] = 0;
         std::size_t zeros = 0;
         while (zeros < near.size() && near[near.size() - 1 - zeros] == 0) zeros++;
         if (zeros >= kZeros) std::fill(echo.end() - static_cast<std::ptrdiff_t>(zeros), echo.end(), 0.0f);
