@@ -8,8 +8,11 @@
 //
 // A filter that is certain and wrong, because the echo path has changed, would not recover. So the error is also correlated
 // with the echo estimate: near-end speech has nothing in common with it, the echo of another path has (J.-M. Valin: On
-// adjusting the learning rate in frequency domain echo cancellation with double-talk, IEEE Trans. ASLP 15, 2007). What they
-// have in common makes the filter uncertain again.
+// adjusting the learning rate in frequency domain echo cancellation with double-talk, IEEE Trans. ASLP 15, 2007). Each band
+// is compared for itself and counts as much as any other, however loud it is: that a hundred bands agree by chance is less
+// likely than that a few loud ones do. What error and estimate have in common makes the filter uncertain again. If a filter
+// that was certain leaves an error which contains most of the estimate with its sign reversed, the estimate has nothing to
+// do with the echo any more, and the path is learned as a new one.
 #pragma once
 
 #include "ec/bands_single_32fc.h"
@@ -26,8 +29,12 @@ VSP_INLINE constexpr Vsp32s controllerGroups(Vsp32s len) { return (len + kContro
 // The state; arrays of floats follow it.
 struct SubbandController {
     Vsp32s len, numSubbands, groups, turn;
-    Vsp32f noiseDecay, leakageDecay, drift;
-    Vsp32f cross, estimate, chance;  // smoothed, for the leakage
+    Vsp32s changeFrames, certainFrames;  // how long a changed path has to show, and how long a certain filter has been one
+    Vsp32s showing, certain;             // frames for which a change has shown, and that the filter still counts as certain
+    Vsp32f noiseDecay, leakageDecay, changeDecay, drift;
+    Vsp32f chance;               // of the squares of what the bands have in common, smoothed
+    Vsp32f correlation, weight;  // over all bands, smoothed: of error and estimate, of the estimate with itself
+    Vsp32f error, estimate;      // powers, smoothed
     Vsp32f noiseSum;
     Vsp32f bandUnit, coefUnit, stepUnit;  // what 1 is worth in a band and in a coefficient, and a step for the updates
     NearSpeech nearSpeech;
@@ -38,6 +45,8 @@ struct ControllerArrays {
     Vsp32f* prior;      // share of a coefficient in the power of a path, [group]
     Vsp32f* predicted;  // residual echo of a group when it adapted last, [group]
     Vsp32f *noise, *gain, *path;
+    Vsp32f *commonRe, *commonIm,
+        *own;  // correlation of error and estimate, of the estimate with itself; weighted, smoothed
     Vsp32f *farPower, *uncertainty, *coefPower;  // [group][band]
 
     [[gnu::always_inline]] explicit ControllerArrays(SubbandController* s) {
@@ -53,6 +62,9 @@ struct ControllerArrays {
         noise = take(bands);
         gain = take(bands);
         path = take(bands);
+        commonRe = take(bands);
+        commonIm = take(bands);
+        own = take(bands);
         farPower = take(all);
         uncertainty = take(all);
         coefPower = take(all);
@@ -62,7 +74,7 @@ struct ControllerArrays {
 VSP_INLINE constexpr Vsp32s controllerSize(Vsp32s len, Vsp32s numSubbands) {
     const Vsp32s groups = controllerGroups(len);
     return Vsp32s(sizeof(SubbandController)) +
-           Vsp32s(sizeof(Vsp32f)) * (2 * groups + 3 * numSubbands + 3 * groups * numSubbands);
+           Vsp32s(sizeof(Vsp32f)) * (2 * groups + 6 * numSubbands + 3 * groups * numSubbands);
 }
 
 VSP_INLINE constexpr bool isController(Vsp32s len, Vsp32s numSubbands, Vsp32s frameSize, Vsp32s rate) {
@@ -111,6 +123,9 @@ VSP_INLINE void initController(SubbandController* s, Vsp32s len, Vsp32s numSubba
                                Vsp32f bandUnit, Vsp32f coefUnit) {
     constexpr Vsp32f kNoiseTime = 0.02f;    // s, smoothing of the error power
     constexpr Vsp32f kLeakageTime = 0.25f;  // s, over which error and echo estimate are compared
+    constexpr Vsp32f kChangeTime = 0.1f;    // s, the same for another path
+    constexpr Vsp32f kShowing = 0.07f;      // s, for which another path has to show
+    constexpr Vsp32f kCertainTime = 0.3f;   // s, for which a filter counts as certain that has been
     constexpr Vsp32f kDriftTime = 3e5f;     // s in which an echo path becomes another one
     constexpr Vsp32f kPriorDecay = 0.8f;    // of the power of an echo path from tap to tap
     const Vsp32f frameRate = Vsp32f(rate) / Vsp32f(frameSize);
@@ -120,6 +135,9 @@ VSP_INLINE void initController(SubbandController* s, Vsp32s len, Vsp32s numSubba
     s->groups = controllerGroups(len);
     s->noiseDecay = decay(kNoiseTime, frameRate);
     s->leakageDecay = decay(kLeakageTime, frameRate);
+    s->changeDecay = decay(kChangeTime, frameRate);
+    s->changeFrames = Vsp32s(kShowing * frameRate + 0.5f);
+    s->certainFrames = Vsp32s(kCertainTime * frameRate + 0.5f);
     s->drift = 1 / (kDriftTime * frameRate);
     s->bandUnit = bandUnit;
     s->coefUnit = coefUnit;
@@ -139,36 +157,77 @@ VSP_INLINE void initController(SubbandController* s, Vsp32s len, Vsp32s numSubba
 
 // What a frame is, summed over the bands.
 struct FramePowers {
-    Vsp32f error, estimate, correlation, chance;  // chance: of the products of the two powers
+    Vsp32f error, estimate, correlation;
 };
 
 template <class Band>
 VSP_INLINE FramePowers measureFrame(const SubbandController& s, const Band* err, const Band* est) {
-    Vsp32f error[kPartialSums] = {}, estimate[kPartialSums] = {}, correlation[kPartialSums] = {}, chance[kPartialSums] = {};
+    Vsp32f error[kPartialSums] = {}, estimate[kPartialSums] = {}, correlation[kPartialSums] = {};
     const Vsp32f unit = s.bandUnit;
     forParts(s.numSubbands, [&](Vsp32s k, int i) {
         const Vsp32f er = unit * Vsp32f(err[k].re), ei = unit * Vsp32f(err[k].im);
         const Vsp32f yr = unit * Vsp32f(est[k].re), yi = unit * Vsp32f(est[k].im);
-        const Vsp32f e = er * er + ei * ei, y = yr * yr + yi * yi;
-        error[i] += e;
-        estimate[i] += y;
+        error[i] += er * er + ei * ei;
+        estimate[i] += yr * yr + yi * yi;
         correlation[i] += er * yr + ei * yi;
-        chance[i] += e * y;
     });
-    return {sumOfParts(error), sumOfParts(estimate), sumOfParts(correlation), sumOfParts(chance)};
+    return {sumOfParts(error), sumOfParts(estimate), sumOfParts(correlation)};
 }
 
 constexpr Vsp32f kNothing = 1;  // power in a band
 
-// The square of the regression coefficient of the error on the estimate, less what it is by chance.
-VSP_INLINE Vsp32f leakage(SubbandController& s, const FramePowers& frame) {
-    constexpr Vsp32f kChance = 8;  // in units of its expectation
-    const Vsp32f kept = s.leakageDecay, now = 1 - kept;
-    s.cross = kept * s.cross + now * frame.correlation;
-    s.estimate = kept * s.estimate + now * frame.estimate;
-    s.chance = kept * s.chance + now * now * frame.chance;
-    const Vsp32f square = s.cross * s.cross - kChance * s.chance;
-    return square > 0 ? smaller(1, square / (s.estimate * s.estimate + kNothing)) : 0;
+// What error and estimate have in common, over all bands.
+struct Common {
+    Vsp32f leakage;  // share of the path that is not what the filter takes it for
+    bool changed;    // the path is another one
+};
+
+// unknown: the power of the echo that the filter expects to leave. product: room for a value of each band.
+template <class Band>
+VSP_INLINE Common compare(SubbandController& s, const ControllerArrays& a, const FramePowers& frame, const Band* err,
+                          const Band* est, Vsp32f unknown, Vsp32f* product) {
+    constexpr Vsp32f kChance = 2.5f, kShows = 1.75f;  // leakage, change: in units of what is expected by chance
+    constexpr Vsp32f kCertain = 0.01f, kLeft = 0.5f;  // unknown, error: shares of the estimate's power
+    constexpr Vsp32f kContrary = 0.4f;                // share of the estimate in the error, with its sign reversed
+    constexpr Vsp32f kLittle = 0.001f, kLeast = 1e-9f;
+    if (frame.estimate < kNothing) return {0, false};
+    const Vsp32f unit = s.bandUnit, kept = s.leakageDecay, now = 1 - kept;
+    const Vsp32s bands = s.numSubbands;
+    Vsp32f *const correlation = a.gain, *const weight = a.path;
+    VSP_INDEPENDENT
+    for (Vsp32s k = 0; k < bands; k++) {
+        const Vsp32f er = unit * Vsp32f(err[k].re), ei = unit * Vsp32f(err[k].im);
+        const Vsp32f yr = unit * Vsp32f(est[k].re), yi = unit * Vsp32f(est[k].im);
+        const Vsp32f e = er * er + ei * ei, y = yr * yr + yi * yi;
+        const Vsp32f w = 1 / (e + y + a.noise[k] + kNothing), own = w * y;
+        correlation[k] = w * (er * yr + ei * yi);
+        weight[k] = own;
+        product[k] = w * e * own;
+        a.commonRe[k] = kept * a.commonRe[k] + now * correlation[k];
+        a.commonIm[k] = kept * a.commonIm[k] + now * (w * (ei * yr - er * yi));
+        a.own[k] = kept * a.own[k] + now * own;
+    }
+    const Vsp32f common =
+        sumOverBands(bands, [&](Vsp32s k) { return a.commonRe[k] * a.commonRe[k] + a.commonIm[k] * a.commonIm[k]; });
+    const Vsp32f own = sumOverBands(bands, [&](Vsp32s k) { return a.own[k] * a.own[k]; });
+    s.chance = kept * s.chance + now * now * sumOf(product, bands);
+    const Vsp32f excess = common - kChance * s.chance;
+
+    const Vsp32f keptOfChange = s.changeDecay, nowOfChange = 1 - keptOfChange;
+    s.correlation = keptOfChange * s.correlation + nowOfChange * sumOf(correlation, bands);
+    s.weight = keptOfChange * s.weight + nowOfChange * sumOf(weight, bands);
+    s.error = keptOfChange * s.error + nowOfChange * frame.error;
+    s.estimate = keptOfChange * s.estimate + nowOfChange * frame.estimate;
+    if (unknown < kCertain * s.estimate)
+        s.certain = s.certainFrames;
+    else if (s.certain > 0)
+        s.certain--;
+    const bool shows = s.certain > 0 && s.error > kLeft * s.estimate && s.correlation < -kContrary * s.weight &&
+                       common > kShows * s.chance + kLeast;
+    s.showing = shows ? s.showing + 1 : 0;
+    const bool changed = shows && s.showing >= s.changeFrames;
+    if (changed) s.certain = 0;
+    return {excess > 0 ? smaller(1, excess / (own + kLittle)) : 0, changed};
 }
 
 // The mean power of the coefficients of a group.
@@ -185,18 +244,20 @@ VSP_INLINE void measureCoefficients(const SubbandController& s, const Controller
 // How much of the echo the group may leave, from what is unknown of its coefficients; added to the residual.
 template <class Band>
 VSP_INLINE void predict(const SubbandController& s, const ControllerArrays& a, const Band* const* src, Vsp32s group,
-                        Vsp32f leak, Vsp32f* __restrict residual) {
+                        const Common& common, Vsp32f* __restrict residual) {
+    constexpr Vsp32f kNewPath = 16;  // its power over that of the one before
     const Vsp32s bands = s.numSubbands, taps = tapsOf(s, group);
     Vsp32f* __restrict power = a.farPower + group * bands;
     Vsp32f* __restrict uncertainty = a.uncertainty + group * bands;
     const Vsp32f* coefficient = a.coefPower + group * bands;
-    const Vsp32f unit = s.bandUnit * s.bandUnit, drift = s.drift, prior = a.prior[group];
+    const Vsp32f unit = s.bandUnit * s.bandUnit, drift = s.drift;
+    const Vsp32f leak = common.leakage, prior = a.prior[group], change = common.changed ? kNewPath * prior : 0,
+                 spread = larger(leak * prior, change);
     sumSquares(src + group * kControllerGroup, taps, bands, power);
     Vsp32f* const left = a.gain;  // is not needed until the gains are known
     VSP_INDEPENDENT
     for (Vsp32s k = 0; k < bands; k++) {
-        const Vsp32f drifted = uncertainty[k] + drift * coefficient[k],
-                     leaked = leak * (coefficient[k] + prior * a.path[k]);
+        const Vsp32f drifted = uncertainty[k] + drift * coefficient[k], leaked = leak * coefficient[k] + spread * a.path[k];
         const Vsp32f unknown = larger(drifted, leaked), present = plausible(unit * power[k]);
         uncertainty[k] = unknown;
         power[k] = present;
@@ -238,25 +299,27 @@ VSP_INLINE Verdict updateController(SubbandController* s, const typename Arithme
     const ControllerArrays a(s);
     const Vsp32s bands = s->numSubbands;
     const FramePowers frame = measureFrame(*s, err, est);
-    for (Vsp32s k = 0; k < bands; k++) residual[k] = 0;
     if (!(frame.error <= kMost && frame.estimate <= kMost)) {
+        for (Vsp32s k = 0; k < bands; k++) residual[k] = 0;
         for (Vsp32s g = 0; g < s->groups; g++) adapt[g] = 0;
         return {0, false};
     }
-    const Vsp32f leak = leakage(*s, frame);
     measureCoefficients(*s, a, coef, s->turn);
     s->turn = s->turn + 1 < s->groups ? s->turn + 1 : 0;
 
     Vsp32f total = 0;
     for (Vsp32s g = 0; g < s->groups; g++) total += a.predicted[g];
-    if (leak > 0) {
+    const Common common = compare(*s, a, frame, err, est, total, residual);
+    for (Vsp32s k = 0; k < bands; k++) residual[k] = 0;
+    const bool leaks = common.leakage > 0 || common.changed;
+    if (leaks) {
         for (Vsp32s k = 0; k < bands; k++) a.path[k] = 0;
         for (Vsp32s g = 0; g < s->groups; g++)
             for (Vsp32s k = 0; k < bands; k++) a.path[k] += Vsp32f(tapsOf(*s, g)) * a.coefPower[g * bands + k];
     }
     for (Vsp32s g = 0; g < s->groups; g++) {
-        adapt[g] = leak > 0 || g == s->turn || a.predicted[g] >= kIdle * (total + s->noiseSum);
-        if (adapt[g] != 0) predict(*s, a, src, g, leak, residual);
+        adapt[g] = leaks || g == s->turn || a.predicted[g] >= kIdle * (total + s->noiseSum);
+        if (adapt[g] != 0) predict(*s, a, src, g, common, residual);
     }
 
     const Vsp32f kept = s->noiseDecay, unit = s->bandUnit;

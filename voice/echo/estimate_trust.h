@@ -26,13 +26,13 @@ class EstimateTrust {
         }
         quieter_ += share_ * (static_cast<float>(quieter) - quieter_);
         louder_ += share_ * (static_cast<float>(louder) - louder_);
-        const bool wrong = louder_ > quieter_ && louder_ > kMany * static_cast<float>(bands);
-        doubtful_ = wrong ? doubt_ : std::max(doubtful_ - 1, 0);
+        many_ = louder_ > kMany * static_cast<float>(bands);
+        doubtful_ = many_ && louder_ > quieter_ ? doubt_ : std::max(doubtful_ - 1, 0);
         learned_ = learning < kLearned;
     }
 
     // It has not been wrong for seconds, has nothing to learn and removes more than it adds.
-    bool trusted() const { return doubtful_ == 0 && learned_ && quieter_ > kClearly * louder_; }
+    bool trusted() const { return doubtful_ == 0 && learned_ && !many_ && quieter_ > kClearly * louder_; }
 
   private:
     static constexpr double kTime = 0.04, kDoubt = 3;  // s
@@ -48,7 +48,7 @@ class EstimateTrust {
 
     float share_, quieter_ = 0, louder_ = 0;
     int doubt_, doubtful_;
-    bool learned_ = false;
+    bool learned_ = false, many_ = false;
 };
 
 }  // namespace vspv

@@ -19,7 +19,7 @@ template <class State, class Init>
 Argument stateOf(int bytes, Init init) {
     return state(bytes, [init](const Api& api, int, void* s) { init(api, static_cast<State*>(s)); }).alwaysInitialised();
 }
-constexpr int kSize = 88 + 4 * (2 * kGroups + 3 * kBands + 3 * kGroups * kBands);
+constexpr int kSize = 116 + 4 * (2 * kGroups + 6 * kBands + 3 * kGroups * kBands);
 const Argument kFloat = stateOf<VspSubbandControllerState_EC_32f>(
     kSize, [](const Api& api, auto* s) { api.vspsSubbandControllerInit_EC_32f(s, kTaps, kBands, kFrame, kRate); });
 const Argument kFixed = stateOf<VspSubbandControllerState_EC_16s>(
