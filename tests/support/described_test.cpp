@@ -115,9 +115,9 @@ TEST_P(Recorded, Calls) {
 
 // The sanitizers see as many again when the fuzzers are replayed.
 #ifdef VSPSC_NOT_OPTIMISED
-constexpr std::size_t kFaultyCalls = 10, kLegalCalls = 300;
+constexpr std::size_t kFaultyCalls = 10, kLegalCalls = 300, kChoices = 300;
 #else
-constexpr std::size_t kFaultyCalls = 40, kLegalCalls = 1000;
+constexpr std::size_t kFaultyCalls = 40, kLegalCalls = 1000, kChoices = 5000;
 #endif
 constexpr std::size_t kFirstCalls = 300;
 
@@ -215,7 +215,9 @@ TEST_P(Arguments, AnyLegalOnesGiveTheSameAtEveryLevel) {
     States states;
     Draw draw([&] { return std::uint32_t(random()); }, states);
     const auto& higher = levels();
-    const std::size_t calls = std::max(kLegalCalls, Draw::combinations(function));
+    // What chooses among many candidates shows a small error seldom.
+    const bool chooses = function.name.find("Search") != std::string::npos || function.name.find("Quant") != std::string::npos;
+    const std::size_t calls = std::max(chooses ? kChoices : kLegalCalls, Draw::combinations(function));
     Digest digest;
     std::string first;
     for (std::size_t number = 0; number < calls; number++) {
