@@ -216,7 +216,8 @@ TEST_P(Arguments, AnyLegalOnesGiveTheSameAtEveryLevel) {
     Draw draw([&] { return std::uint32_t(random()); }, states);
     const auto& higher = levels();
     // What chooses among many candidates shows a small error seldom.
-    const bool chooses = function.name.find("Search") != std::string::npos || function.name.find("Quant") != std::string::npos;
+    const bool chooses =
+        function.name.find("Search") != std::string::npos || function.name.find("Quant") != std::string::npos;
     const std::size_t calls = std::max(chooses ? kChoices : kLegalCalls, Draw::combinations(function));
     Digest digest;
     std::string first;

@@ -13,8 +13,15 @@ Argument bfState() { return range(0, 6); }
 Argument dtxState() {
     return state(192, [](const Api& api, int, void* s) { api.vspsDTXInit_GSMAMR_16s(s); });
 }
+void initCng(const Api& api, int, void* s) { api.vspsCNGInit_GSMAMR_16s(s); }
+// As after an update, whose indices the decoder reads.
 Argument cngState() {
-    return state(408, [](const Api& api, int, void* s) { api.vspsCNGInit_GSMAMR_16s(s); });
+    return state(408, [](const Api& api, int, void* s) {
+        constexpr Vsp32s kUpdate = 5;
+        Vsp32s newState = 0;
+        initCng(api, 1, s);
+        api.vspsCNGHandler_GSMAMR_16s(kUpdate, 0, &newState, s);
+    });
 }
 Argument postFilterState() {
     return state(44, [](const Api& api, int, void* s) { api.vspsPostFilterInit_GSMAMR_16s(s); });
@@ -44,14 +51,15 @@ const Described functions(
 
         VSPSC_FUNCTION(vspsCNGGetStateSize_GSMAMR_16s, size(408)).notRecorded(),
         VSPSC_FUNCTION(vspsCNGInit_GSMAMR_16s, state(408)).notRecorded(),
-        VSPSC_FUNCTION(vspsCNGHandler_GSMAMR_16s, range(0, 7), range(0, 2), out(1), cngState()).stream("stream-cng", 0),
-        // The indices are read and checked after an update only, which a new state has not had.
+        VSPSC_FUNCTION(vspsCNGHandler_GSMAMR_16s, range(0, 7), range(0, 2), out(1), cngState())
+            .stream("stream-cng", 0, {}, -1, initCng),
+        // The indices are read and checked after an update only.
         VSPSC_FUNCTION(vspsCNGDecode_GSMAMR_16s,
                        in(5).holding(vspStsRangeErr, {{0, 7}, {0, 255}, {0, 511}, {0, 511}, {0, 63}}).perhapsRead(),
                        oneOf(kRatesAndSid), range(0, 2), range(1, 2), io(10), io(8), out(10), out(160), out(44),
                        cngState().alwaysInitialised())
-            .stream("stream-cng", 1),
-        VSPSC_FUNCTION(vspsCNGUpdate_GSMAMR_16s, in(10), in(160), cngState()).stream("stream-cng", 2),
+            .stream("stream-cng", 1, {}, -1, initCng),
+        VSPSC_FUNCTION(vspsCNGUpdate_GSMAMR_16s, in(10), in(160), cngState()).stream("stream-cng", 2, {}, -1, initCng),
 
         VSPSC_FUNCTION(vspsPostFilterGetStateSize_GSMAMR_16s, size(44)).notRecorded(),
         VSPSC_FUNCTION(vspsPostFilterInit_GSMAMR_16s, state(44)).notRecorded(),
