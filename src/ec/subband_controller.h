@@ -189,17 +189,21 @@ VSP_INLINE Common compare(SubbandController& s, const ControllerArrays& a, const
     constexpr Vsp32f kChance = 2.5f, kShows = 1.75f;  // leakage, change: in units of what is expected by chance
     constexpr Vsp32f kCertain = 0.01f, kLeft = 0.5f;  // unknown, error: shares of the estimate's power
     constexpr Vsp32f kContrary = 0.4f;                // share of the estimate in the error, with its sign reversed
+    constexpr Vsp32f kSilent = 0.001f;                // of the mean power of the bands: side lobes of a tone, rounding
+    constexpr Vsp32f kFewest = 0.03f;                 // share of the bands that have to have a say; a tone has few
+    constexpr Vsp32f kSmall = 0.003f;                 // share of the path that the drift follows as well
     constexpr Vsp32f kLittle = 0.001f, kLeast = 1e-9f;
     if (frame.estimate < kNothing) return {0, false};
     const Vsp32f unit = s.bandUnit, kept = s.leakageDecay, now = 1 - kept;
     const Vsp32s bands = s.numSubbands;
+    const Vsp32f silent = kNothing + kSilent / Vsp32f(bands) * (frame.error + frame.estimate);
     Vsp32f *const correlation = a.gain, *const weight = a.path;
     VSP_INDEPENDENT
     for (Vsp32s k = 0; k < bands; k++) {
         const Vsp32f er = unit * Vsp32f(err[k].re), ei = unit * Vsp32f(err[k].im);
         const Vsp32f yr = unit * Vsp32f(est[k].re), yi = unit * Vsp32f(est[k].im);
         const Vsp32f e = er * er + ei * ei, y = yr * yr + yi * yi;
-        const Vsp32f w = 1 / (e + y + a.noise[k] + kNothing), own = w * y;
+        const Vsp32f w = 1 / (e + y + a.noise[k] + silent), own = w * y;
         correlation[k] = w * (er * yr + ei * yi);
         weight[k] = own;
         product[k] = w * e * own;
@@ -211,7 +215,7 @@ VSP_INLINE Common compare(SubbandController& s, const ControllerArrays& a, const
         sumOverBands(bands, [&](Vsp32s k) { return a.commonRe[k] * a.commonRe[k] + a.commonIm[k] * a.commonIm[k]; });
     const Vsp32f own = sumOverBands(bands, [&](Vsp32s k) { return a.own[k] * a.own[k]; });
     s.chance = kept * s.chance + now * now * sumOf(product, bands);
-    const Vsp32f excess = common - kChance * s.chance;
+    const Vsp32f excess = common - kChance * s.chance - kSmall * own;
 
     const Vsp32f keptOfChange = s.changeDecay, nowOfChange = 1 - keptOfChange;
     s.correlation = keptOfChange * s.correlation + nowOfChange * sumOf(correlation, bands);
@@ -227,7 +231,7 @@ VSP_INLINE Common compare(SubbandController& s, const ControllerArrays& a, const
     s.showing = shows ? s.showing + 1 : 0;
     const bool changed = shows && s.showing >= s.changeFrames;
     if (changed) s.certain = 0;
-    return {excess > 0 ? smaller(1, excess / (own + kLittle)) : 0, changed};
+    return {excess > 0 && own > kFewest * Vsp32f(bands) ? smaller(1, excess / (own + kLittle)) : 0, changed};
 }
 
 // The mean power of the coefficients of a group.

@@ -94,7 +94,7 @@ class PlainController {
         const double a = decay(0.25), c = decay(0.1);
         for (std::size_t k = 0; k < err.size(); k++) {
             const std::complex<double> e(err[k].re, err[k].im), y(est[k].re, est[k].im);
-            const double w = 1 / (std::norm(e) + std::norm(y) + noise_[k] + 1);
+            const double w = 1 / (std::norm(e) + std::norm(y) + noise_[k] + 1 + 0.001 / bands_ * (error + power));
             const std::complex<double> product = w * e * std::conj(y);
             correlation += product.real();
             weight += w * std::norm(y);
@@ -109,7 +109,7 @@ class PlainController {
         weight_ = c * weight_ + (1 - c) * weight;
         power_ = c * power_ + (1 - c) * power;
         error_ = c * error_ + (1 - c) * error;
-        leak_ = std::clamp((common - 2.5 * chance_) / (own + 0.001), 0.0, 1.0);
+        if (own > 0.03 * bands_) leak_ = std::clamp((common - 2.5 * chance_ - 0.003 * own) / (own + 0.001), 0.0, 1.0);
         certain_ = unknown < 0.01 * power_ ? 21 : std::max(certain_ - 1, 0);
         const bool shows =
             certain_ > 0 && error_ > 0.5 * power_ && correlation_ < -0.4 * weight_ && common > 1.75 * chance_ + 1e-9;

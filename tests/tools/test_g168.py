@@ -28,6 +28,11 @@ def test_nothing_comes_back_from_a_line_without_noise(vsps, fixed):
     assert all(p["passed"] for r in found.values() for p in r["paths"])
 
 
+def test_tones_leave_the_filters_as_they_are(vsps):
+    (found,) = results(vsps, "--path", "d3", "d9", "--test", "6").values()
+    assert all(p["passed"] for p in found["paths"])
+
+
 def test_a_canceller_that_is_too_short_fails(vsps):
     """Of two echoes 300 ms apart one is left, 9 dB below the far end."""
     vsps.put("two.txt", b"1 " + b"0 " * 2400 + b"1")
