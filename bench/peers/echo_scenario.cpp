@@ -6,6 +6,7 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
+#include <numbers>
 #include <random>
 #include <stdexcept>
 
@@ -91,10 +92,15 @@ Signal recordedSpeech(const std::vector<std::string>& files, double seconds) {
     return all;
 }
 
-Signal played(const Signal& x, Clipping clipping, double percent) {
+Signal played(const Signal& x, Clipping clipping, double percent, double highPassHz) {
     const Loudspeaker loudspeaker(clipping, percent, activeDbov(x));
+    const double share = 1 - std::exp(-2 * std::numbers::pi * highPassHz / kRate);
+    double low = 0;
     Signal y(x.size());
-    std::transform(x.begin(), x.end(), y.begin(), [&](float v) { return static_cast<float>(loudspeaker.play(v)); });
+    std::transform(x.begin(), x.end(), y.begin(), [&](float v) {
+        low += share * (v - low);
+        return static_cast<float>(loudspeaker.play(v - low));
+    });
     return y;
 }
 

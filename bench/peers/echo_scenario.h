@@ -26,8 +26,9 @@ std::vector<Path> eightPaths();
 // Recorded prompts, 8 kHz, one after another, cut to the given length or repeated up to it.
 Signal recordedSpeech(const std::vector<std::string>& files, double seconds);
 
-// As a loudspeaker plays it that distorts a sine of the signal's active level by so many percent.
-Signal played(const Signal& x, Clipping clipping, double percent);
+// As a loudspeaker plays it that distorts a sine of the signal's active level by so many percent; behind a high-pass of
+// first order at so many hertz, 0: none.
+Signal played(const Signal& x, Clipping clipping, double percent, double highPassHz = 0);
 
 struct Scenario {
     Signal far;         // recorded speech

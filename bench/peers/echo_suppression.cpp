@@ -5,7 +5,8 @@
 // FOLDER and CANCELLER as for vspsc_bench_echo_cancellers. A frame of 20 ms with far-end speech alone is inaudible if the
 // output is at most 3 dB above the noise of the near end. In double talk, from 30 s on, the segmental SNR of the near-end
 // speech is taken over the frames in which both talk, each limited to -10 .. 35 dB. The distorting loudspeaker clips
-// softly, y = a tanh(x / a): 5 % of harmonics for a sine of the far end's active level.
+// softly, y = a tanh(x / a): 5 % of harmonics for a sine of the far end's active level; the third one does so behind a
+// high-pass of first order at 300 Hz.
 #include <cstdio>
 
 #include "echo_adapters.h"
@@ -52,19 +53,24 @@ int run(int argc, char** argv) {
         return recordedSpeech(paths, kSeconds);
     };
     const Signal far = recording({"demo-congrats", "demo-moreinfo", "demo-abouttotry"});
-    const Signal nearSpeech = recording({"demo-instruct"}), distorted = played(far, Clipping::soft, 5);
+    const Signal nearSpeech = recording({"demo-instruct"});
+    const struct {
+        const char* name;
+        Signal sound;
+    } loudspeakers[] = {
+        {"linear", far}, {"5 %", played(far, Clipping::soft, 5)}, {"5 %, behind", played(far, Clipping::soft, 5, 300)}};
     std::printf("%-23s %-22s %-11s %11s %13s %16s\n", "canceller", "path", "loudspeaker", "inaudible/%", "over noise/dB",
                 "double talk/dB");
     for (const std::string& name : names)
-        for (const bool distorts : {false, true}) {
+        for (const auto& loudspeaker : loudspeakers) {
             Quality mean{};
             const auto print = [&](const std::string& where, const Quality& q) {
-                std::printf("%-23s %-22s %-11s %11.1f %13.1f %16.1f\n", name.c_str(), where.c_str(),
-                            distorts ? "5 %" : "linear", q.inaudible, q.above, q.segmental);
+                std::printf("%-23s %-22s %-11s %11.1f %13.1f %16.1f\n", name.c_str(), where.c_str(), loudspeaker.name,
+                            q.inaudible, q.above, q.segmental);
                 std::fflush(stdout);
             };
             for (const Path& path : eightPaths()) {
-                const Quality q = measure(*makeAdapter(name, kTail), path, far, distorts ? distorted : far, nearSpeech);
+                const Quality q = measure(*makeAdapter(name, kTail), path, far, loudspeaker.sound, nearSpeech);
                 char where[40];
                 std::snprintf(where, sizeof where, "%s %3.0f ms, ERL %2.0f dB", path.hybrid.c_str(), path.lengthMs,
                               path.erl);
