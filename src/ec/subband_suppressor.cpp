@@ -133,11 +133,16 @@ VSP_INLINE void expectEcho(Suppressor* s, const SuppressorArrays& a, const Band*
     }
 }
 
-// The share of the bands in which there is clearly more than echo and noise, and more than a loudspeaker adds.
+// The share of the bands in which there is clearly more than echo and noise, and more than a loudspeaker adds. How clearly
+// depends on how much of the echo has been left of late: what a loudspeaker adds comes and goes with the far end's level.
 VSP_INLINE Vsp32f talkingShare(const Suppressor* s, const SuppressorArrays& a) {
-    constexpr Vsp32f kClear = 8, kAdded = 0.15f;
+    constexpr Vsp32f kClear = 8, kMostClear = 14, kAdded = 0.15f, kLittle = 0.002f, kMuch = 0.01f;
+    const Vsp32f reference = sumOverBands(s->numSubbands, [&](Vsp32s k) { return a.reference[k]; });
+    const Vsp32f left = sumOverBands(s->numSubbands, [&](Vsp32s k) { return a.left[k] * a.reference[k]; });
+    const Vsp32f much = larger(0, smaller(1, (left - kLittle * reference) / ((kMuch - kLittle) * reference + kNothing)));
+    const Vsp32f clear = kClear + much * (kMostClear - kClear);
     const Vsp32f talking = sumOverBands(s->numSubbands, [&](Vsp32s k) {
-        const Vsp32f expected = kClear * (a.echo[k] + a.noise[k]), added = kAdded * a.reference[k];
+        const Vsp32f expected = clear * (a.echo[k] + a.noise[k]), added = kAdded * a.reference[k];
         return a.heard[k] > larger(expected, added) ? 1.0f : 0.0f;
     });
     return talking / Vsp32f(s->numSubbands);
