@@ -117,15 +117,17 @@ class LoudspeakerModel {
 
     // The share of the echo's power that is left while there is one.
     void watch(const Complex* estimate, const Complex* error, double learning) {
-        constexpr float kShare = 0.02f, kPause = 0.1f;              // of a new frame, of the mean power
-        constexpr float kSuspicious = 0.002f, kExplained = 0.001f;  // what is left
+        constexpr float kShare = 0.02f, kPause = 0.1f;                                 // of a new frame, of the mean power
+        constexpr float kSuspicious = 0.002f, kExplained = 0.001f, kCancelled = 0.5f;  // what is left
         const float echo = powerOf(estimate), left = powerOf(error);
         if (!(echo <= kMost && left <= kMost) || echo < kPause * echo_) return;
         echo_ += kShare * (echo - echo_);
         left_ += kShare * (left - left_);
-        if (stage_ == Stage::linear && left_ > kSuspicious * echo_) begin(Stage::looks, kTried * peak_ + 1);
+        if (stage_ == Stage::linear && left_ > kSuspicious * echo_ && left_ < kCancelled * echo_)
+            begin(Stage::looks, kTried * peak_ + 1);
         if (stage_ == Stage::looks && left_ < kExplained * echo_) stage_ = Stage::linear;
-        if (stage_ == Stage::saturates) doubt(left_ / echo_, learning);
+        best_ = std::min(best_, left_ / echo_);
+        if (stage_ == Stage::saturates) doubt(left / echo, learning);
     }
 
     // It is given up if much more is left than there was at best, and the filters have to learn again, as they do not while
@@ -134,7 +136,6 @@ class LoudspeakerModel {
         constexpr float kMuch = 0.03f, kMore = 8;
         constexpr double kLearns = 0.05;
         constexpr int kPatience = 70;  // frames
-        best_ = std::min(best_, left);
         worse_ = left > std::max(kMuch, kMore * best_) && learning > kLearns ? worse_ + 1 : std::max(worse_ - 1, 0);
         if (worse_ > kPatience) stage_ = Stage::linear;
     }
