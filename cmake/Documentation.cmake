@@ -11,6 +11,7 @@ if(VSPSC_DOXYGEN AND VSPSC_DOT AND VSPSC_DOXYGEN_AWESOME AND VSPSC_PYTHON)
         COMMAND ${CMAKE_COMMAND} -E rm -rf ${site}/html
         COMMAND ${VSPSC_PYTHON} -B ${PROJECT_SOURCE_DIR}/docs/site/prepare.py ${PROJECT_SOURCE_DIR} ${site}/input
         COMMAND ${VSPSC_DOXYGEN} ${site}/Doxyfile
+        COMMAND ${VSPSC_PYTHON} -B ${PROJECT_SOURCE_DIR}/docs/site/link_pictures.py ${site}/places.tag ${site}/html
         COMMAND ${VSPSC_PYTHON} -B ${PROJECT_SOURCE_DIR}/docs/site/check_links.py ${site}/html
         USES_TERMINAL VERBATIM)
 else()

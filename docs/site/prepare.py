@@ -2,7 +2,7 @@
 """Makes the input of doxygen from the headers and the pages of docs/.
 
 A header becomes a group of its family; docs/families/<family>.md is the text of that group, its `dot` blocks pictures whose boxes
-lead to the groups, its C blocks examples. Links between pages become references, links to what is not in the site plain text,
+lead to groups and functions, its C blocks examples. Links between pages become references, links to what is not in the site plain text,
 function names in `backquotes` links to the functions.
 
 Usage: prepare.py SOURCE OUTPUT
@@ -37,11 +37,11 @@ def title_of(text: str) -> str:
 
 
 def picture(dot: str) -> str:
-    """A drawing in the colours of the page, whose boxes are links to the groups that their URLs name."""
+    """A drawing in the colours of the page, whose boxes are links to the groups and functions that their URLs name."""
     command = ["dot", "-Tsvg", *"-Nshape=box -Nstyle=rounded -Nfontname=Helvetica -Nfontsize=12 -Efontname=Helvetica -Efontsize=11 -Granksep=0.35".split()]
     svg = subprocess.run(command, input=dot, capture_output=True, text=True, check=True).stdout
     svg = re.sub(r"<!--.*?-->\n?|<title>.*?</title>\n?| id=.[^\"]*\"| xlink:title=\"[^\"]*\"", "", svg[svg.index("<svg") :], flags=re.S)
-    svg = re.sub(r'xlink:href="(\w+)"', lambda m: f'href="group__{m[1].replace("_", "__")}.html"', svg)
+    svg = re.sub(r'xlink:href="(\w+)"', lambda m: m[0].removeprefix("xlink:") if m[1] in functions else f'href="group__{m[1].replace("_", "__")}.html"', svg)
     svg = svg.replace('"black"', '"currentColor"').replace("<svg", '<svg role="img" aria-label="signal flow"')
     return f'@htmlonly[block]\n<div class="flow">{svg}</div>\n@endhtmlonly\n'
 
