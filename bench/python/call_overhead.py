@@ -3,7 +3,8 @@
 
 Of the functions of libvspscy8: a call on the shortest arrays, where the work itself takes nanoseconds. Of the echo
 canceller: blocks of 10 ms, with a new array for the result or with the same three arrays in every call, against the same
-signal in one call, which is C alone but for one call. Of codecs: frame by frame, and a second of speech in one call.
+signal in one call, which is C alone but for one call; and as the least that Python can do, the same calls without any check: three
+addresses, a new array and cffi's call, or cffi's call alone. Of codecs: frame by frame, and a second of speech in one call.
 
     PYTHONPATH=build/dev/python VSPSC_LIBRARY_PATH=build/dev/lib bench/python/call_overhead.py
 """
@@ -59,7 +60,7 @@ def by_turns(*works, rounds=60):
     return least
 
 
-print("\ncanceller, blocks of 10 ms            us in C    new array       same arrays")
+print("\ncanceller, blocks of 10 ms            us in C    new array       same arrays     unchecked: new  same")
 rng = np.random.default_rng(1)
 for rate, tail, engine, arithmetic, kind in [
     (8000, 128, "subband", "float", np.int16), (16000, 128, "subband", "float", np.int16), (16000, 256, "subband", "float", np.int16),
@@ -69,10 +70,11 @@ for rate, tail, engine, arithmetic, kind in [
     n = rate // 100
     far = (2000 * rng.normal(size=n)).astype(kind)
     near = (far / 2 + 20 * rng.normal(size=n)).astype(kind)
-    new, same, in_c = (vspsc.EchoCanceller(rate, tail, engine=engine, arithmetic=arithmetic) for _ in range(3))
+    new, same, in_c, unchecked_new, unchecked_same = (vspsc.EchoCanceller(rate, tail, engine=engine, arithmetic=arithmetic) for _ in range(5))
     out, all_far, all_near = np.empty_like(far), np.tile(far, BLOCKS), np.tile(near, BLOCKS)
     process = voice.vspvEchoCancellerProcess_16s if kind == np.int16 else voice.vspvEchoCancellerProcess_32f
-    pointers = [ffi.from_buffer("Vsp16s*" if kind == np.int16 else "Vsp32f*", a) for a in (all_far, all_near, np.empty_like(all_far))]
+    pointer, address, empty = ffi.typeof("Vsp16s*" if kind == np.int16 else "Vsp32f*"), ffi.from_buffer, np.empty
+    pointers = [address(pointer, a) for a in (all_far, all_near, np.empty_like(all_far))]
 
     def with_new():
         for _ in range(BLOCKS):
@@ -82,10 +84,21 @@ for rate, tail, engine, arithmetic, kind in [
         for _ in range(BLOCKS):
             same.process(far, near, out)
 
-    times = by_turns(lambda: process(in_c._pointer, *pointers, n * BLOCKS), with_new, with_same)
+    def without_checks_new():
+        canceller = unchecked_new._pointer
+        for _ in range(BLOCKS):
+            result = empty(n, kind)
+            process(canceller, address(pointer, far), address(pointer, near), address(pointer, result), n)
+
+    def without_checks_same():
+        canceller, (one, two, three) = unchecked_same._pointer, (address(pointer, a) for a in (far, near, out))
+        for _ in range(BLOCKS):
+            process(canceller, one, two, three, n)
+
+    times = by_turns(lambda: process(in_c._pointer, *pointers, n * BLOCKS), with_new, with_same, without_checks_new, without_checks_same)
     c, *more = (t / BLOCKS for t in times)
     name = f"{rate:>6} Hz {tail:>4} ms {engine} {arithmetic} {np.dtype(kind).name}"
-    print(f"{name:<43}{c:7.2f}" + "".join(f"   +{t - c:5.2f} {100 * (t / c - 1):4.1f} %" for t in more))
+    print(f"{name:<43}{c:7.2f}" + "".join(f"   {t - c:+6.2f} {100 * (t / c - 1):4.1f} %" for t in more))
 
 print("\ncodec, a frame                    us in C  frame by frame     in one call")
 for name in ["pcmu", "g722", "g729a", "amr", "g723"]:
@@ -105,4 +118,4 @@ for name in ["pcmu", "g722", "g729a", "amr", "g723"]:
                    lambda: [decoder.process(f) for f in frames], lambda: decoder.process(frames)),
     }.items():  # fmt: skip
         c, *more = (t / len(frames) for t in by_turns(*works, rounds=15))
-        print(f"{what} {name:<25}{c:9.2f}" + "".join(f"   +{t - c:5.2f} {100 * (t / c - 1):4.1f} %" for t in more))
+        print(f"{what} {name:<25}{c:9.2f}" + "".join(f"   {t - c:+6.2f} {100 * (t / c - 1):4.1f} %" for t in more))
