@@ -30,7 +30,7 @@ std::string drawFidelity(const Gnuplot& gnuplot, const std::string& title, const
     const std::string gaps = curves.distances(stepSeconds);
     const bool any = gaps.find_first_not_of('\n') != std::string::npos;
     std::ostringstream commands;
-    commands << kPlotStyle << "set lmargin at screen 0.07\nset rmargin at screen 0.9\n"
+    commands << kPlotStyle << "set lmargin at screen 0.07\nset rmargin at screen 0.87\n"
              << dataBlock("original", curves.original().data()) << dataBlock("heard", curves.heard().data())
              << dataBlock("distance", any ? gaps : "-2 0\n") << "set multiplot layout 3,1 title " << quoted(title)
              << " noenhanced\nset xrange [0:" << seconds << "]\n"

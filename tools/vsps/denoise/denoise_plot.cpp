@@ -32,7 +32,7 @@ std::string drawDenoise(const Gnuplot& gnuplot, const std::string& title,
         panel(i, "after", channels[i]->after);
     }
     std::ostringstream commands;
-    commands << kPlotStyle << "set lmargin at screen 0.07\nset rmargin at screen 0.9\n"
+    commands << kPlotStyle << "set lmargin at screen 0.07\nset rmargin at screen 0.87\n"
              << data.str() << "set multiplot layout " << 2 * channels.size() << ",1 title " << quoted(title)
              << " noenhanced\nset xrange [0:" << double(first.spectrogram().steps()) * stepSeconds << "]\n"
              << spectrogramAxes(rate) << panels.str() << "unset multiplot\n";
