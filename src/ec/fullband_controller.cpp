@@ -51,8 +51,8 @@ struct FixedFilter {
     // A tap grows by error * step / 2^11 * reference / 2^13 / 2^15. No product may leave 32 bits.
     [[gnu::always_inline]] static Step step(Vsp64f s, Vsp64f peak, Vsp64f refPeak) {
         const Vsp64f a = 0x1p29 / (peak + 1), b = 0x1p40 / ((peak + 1) * (refPeak + 1)), most = a < b ? a : b;
-        const Vsp64f wanted = s * 0x1p39;
-        return Step((wanted < most ? wanted : most) + 0.5);
+        const Vsp64f wanted = s * 0x1p39, rounded = (wanted < most ? wanted : most) + 0.5;
+        return Step(rounded);
     }
     [[gnu::always_inline]] static Vsp64f product(const Sample* a, const Sample* b, Vsp32s len) {
         return Vsp64f(dot(a, b, len));

@@ -136,8 +136,12 @@ VSP_INLINE void initController(SubbandController* s, Vsp32s len, Vsp32s numSubba
     s->noiseDecay = decay(kNoiseTime, frameRate);
     s->leakageDecay = decay(kLeakageTime, frameRate);
     s->changeDecay = decay(kChangeTime, frameRate);
-    s->changeFrames = Vsp32s(kShowing * frameRate + 0.5f);
-    s->certainFrames = Vsp32s(kCertainTime * frameRate + 0.5f);
+    const auto frames = [frameRate](Vsp32f seconds) {
+        const Vsp32f rounded = seconds * frameRate + 0.5f;
+        return Vsp32s(rounded);
+    };
+    s->changeFrames = frames(kShowing);
+    s->certainFrames = frames(kCertainTime);
     s->drift = 1 / (kDriftTime * frameRate);
     s->bandUnit = bandUnit;
     s->coefUnit = coefUnit;
@@ -147,9 +151,10 @@ VSP_INLINE void initController(SubbandController* s, Vsp32s len, Vsp32s numSubba
     const ControllerArrays a(s);
     for (Vsp32s i = 0; i < floats; i++) a.prior[i] = 0;
     Vsp32f sum = 0, tap = 1;
-    for (Vsp32s t = 0; t < len; t++, tap *= kPriorDecay) {
+    for (Vsp32s t = 0; t < len; t++) {
         sum += tap;
         if (t % kControllerGroup == 0) a.prior[t / kControllerGroup] = tap;
+        tap *= kPriorDecay;
     }
     for (Vsp32s g = 0; g < s->groups; g++) a.prior[g] /= sum;
     resetController(s, len);

@@ -89,12 +89,12 @@ struct FloatArithmetic {
         vspsFullbandControllerUpdate_EC_32f(ref, near, err, count, taps, cancelling, steps, learning, doubleTalk, state);
     }
     static void filterFullband(const Sample* ref, const Sample* near, Sample* out, int count, const Sample* taps,
-                               int length) {
-        vspsFIR_EC_32f(ref, near, out, count, taps, length);
+                               int numTaps) {
+        vspsFIR_EC_32f(ref, near, out, count, taps, numTaps);
     }
     static void adaptFullband(const Sample* ref, const Sample* near, const FullbandStep* steps, Sample* out, int count,
-                              Sample* taps, int length, Sample* scaledError) {
-        vspsNLMS_EC_32f(ref, near, steps, out, count, taps, length, scaledError);
+                              Sample* taps, int numTaps, Sample* scaledError) {
+        vspsNLMS_EC_32f(ref, near, steps, out, count, taps, numTaps, scaledError);
     }
 };
 
@@ -110,7 +110,7 @@ struct FixedArithmetic {
 
     // A band reaches 2^15 times the transform's length of 2^8 or 2^9, so that 6 more bits fit. Coefficients reach 16.
     static constexpr int kBandBits = 6, kCoefficientBits = 27;
-    static constexpr float kBand = 1 << kBandBits, kCoefficient = 1 << kCoefficientBits;
+    static constexpr float kBand = 1 << kBandBits, kCoefficient = static_cast<float>(1 << kCoefficientBits);
 
     static WindowValue windowValue(double w) { return static_cast<WindowValue>(std::lrint(w * 8192)); }  // Q13
     static Sample sample(float x) { return static_cast<Sample>(std::lrint(std::clamp(x, -kFullScale, kHighest))); }
@@ -178,12 +178,12 @@ struct FixedArithmetic {
         vspsFullbandControllerUpdate_EC_16s(ref, near, err, count, taps, cancelling, steps, learning, doubleTalk, state);
     }
     static void filterFullband(const Sample* ref, const Sample* near, Sample* out, int count, const Sample* taps,
-                               int length) {
-        vspsFIR_EC_16s(ref, near, out, count, taps, length);
+                               int numTaps) {
+        vspsFIR_EC_16s(ref, near, out, count, taps, numTaps);
     }
     static void adaptFullband(const Sample* ref, const Sample* near, const FullbandStep* steps, Sample* out, int count,
-                              Sample* taps, int length, Sample* scaledError) {
-        vspsNLMS_EC_16s(ref, near, steps, out, count, taps, length, scaledError);
+                              Sample* taps, int numTaps, Sample* scaledError) {
+        vspsNLMS_EC_16s(ref, near, steps, out, count, taps, numTaps, scaledError);
     }
 
   private:

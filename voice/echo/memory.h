@@ -26,6 +26,7 @@ class Memory {
     // All zero.
     template <class T>
     std::span<T> take(int count) {
+        // NOLINTNEXTLINE(bugprone-sizeof-expression): some are arrays of pointers
         const std::size_t bytes = static_cast<std::size_t>(count) * sizeof(T), at = used_;
         used_ += (bytes + kAligned - 1) / kAligned * kAligned;
         if (measures()) return {static_cast<T*>(nullptr), static_cast<std::size_t>(count)};

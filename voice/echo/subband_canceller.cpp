@@ -76,8 +76,8 @@ class SubbandCanceller {
             const auto inside = [](Outside x) { return Arithmetic::sample(fromOutside(x)); };
             std::transform(far, far + count, farIn_.data() + filled_, inside);
             std::transform(near, near + count, newest() + filled_, inside);
-            for (int i = 0; i < count; i++)
-                toOutside(static_cast<float>(out_[static_cast<std::size_t>(filled_ + i)]), out[i]);
+            const Sample* const made = out_.data() + filled_;
+            for (int i = 0; i < count; i++) toOutside(static_cast<float>(made[i]), out[i]);
             filled_ += count;
             if (filled_ < shape_.frame) continue;
             processFrame();

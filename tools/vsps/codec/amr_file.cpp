@@ -38,11 +38,12 @@ class AmrReader : public FrameReader {
         const std::string magic = in_.read(kind.magic.size());
         if (magic == kind.magic) return;
         if (magic.starts_with("#!AMR_") || magic.starts_with("#!AMR-WB_"))
-            throw FileError(name(), "has several channels; one is supported");
+            throw FileError(in_.name(), "has several channels; one is supported");
         for (const auto& [other, codecName] : {std::pair(&kNarrow, "amr"), {&kWide, "amrwb"}})
             if (magic.starts_with(other->magic.substr(0, kNarrow.magic.size())))
-                throw FileError(name(), std::string("has the header of ") + other->codec + "; use --codec " + codecName);
-        throw FileError(name(), std::string("has not the header of an ") + kind.codec + " file");
+                throw FileError(in_.name(),
+                                std::string("has the header of ") + other->codec + "; use --codec " + codecName);
+        throw FileError(in_.name(), std::string("has not the header of an ") + kind.codec + " file");
     }
 
     const std::string& name() const override { return in_.name(); }
