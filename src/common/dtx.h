@@ -100,7 +100,7 @@ VSP_INLINE Vsp16s inversePeriodOfUpdates(Vsp16s sinceSid) {
 // The same while the noise is muted.
 VSP_INLINE Vsp16s inversePeriodOfMuting(Vsp16s sinceSid) {
     const Vsp16s period = sinceSid < kLongestPeriod ? sinceSid : kLongestPeriod;
-    return inverseOf(period > 0 ? period : 8);
+    return inverseOf(period > 0 ? period : Vsp16s(8));
 }
 
 // Between the descriptor before and the newest one; the weights are in Q14.
