@@ -34,7 +34,7 @@ bool isNoise(Vsp16s frameEnergy, const Vsp16s* energies) {
 }
 
 bool isVoiced(const Vsp16s* pitchGain, Vsp16s hangover) {
-    const Vsp16s limit = hangover > 15 ? 16383 : hangover > 8 ? 15565 : 13926;
+    const int limit = hangover > 15 ? 16383 : hangover > 8 ? 15565 : 13926;
     return (hangover > 20 ? medianOf<9>(pitchGain) : medianOf<5>(pitchGain + 4)) > limit;
 }
 
