@@ -23,6 +23,6 @@ gcovr --root . --filter 'src/' --filter 'voice/' --filter 'tools/vsps/' --exclud
 gcovr --root . --add-tracefile $counts >$build/lines.txt
 for part in src voice tools/vsps; do
     echo "$part:"
-    gcovr --root . --add-tracefile $counts --filter "$part/" --print-summary --output /dev/null
+    gcovr --root . --add-tracefile $counts --filter "$part/" --print-summary --output "$build/part.txt"
 done
 exit $status
