@@ -69,8 +69,7 @@ class LoudspeakerModel {
         if (++frames_ < kStep) return 1;
         frames_ = 0;
         if (stage_ == Stage::saturates) return improve();
-        look();
-        return 1;
+        return look();
     }
 
   private:
@@ -157,7 +156,7 @@ class LoudspeakerModel {
 
     // A saturation makes the echo of what is quiet louder beside the estimate, and that of what is loud quieter. A path
     // that changes, or a talker, would not do so for long.
-    void look() {
+    float look() {
         constexpr double kMore = 0.03, kLess = 0.25, kExplains = 0.1;
         constexpr int kTimes = 3;
         const Shares x = regression_.fit(2);
@@ -165,10 +164,12 @@ class LoudspeakerModel {
         const bool likely = x[0] > kMore && x[0] < 1 && x[1] > kLess && x[1] < 1 / kLess && explained > kExplains;
         found_ = likely ? found_ + 1 : 0;
         const float tried = kTried * peak_ + 1;
-        if (found_ == kTimes)
+        if (found_ == kTimes) {
             begin(Stage::saturates, x[1] < 1 ? limit_ / static_cast<float>(std::sqrt(x[1])) : limit_);
-        else if (!likely && (tried > 2 * limit_ || 2 * tried < limit_))
-            begin(Stage::looks, tried);
+            return static_cast<float>(1 + x[0]);
+        }
+        if (!likely && (tried > 2 * limit_ || 2 * tried < limit_)) begin(Stage::looks, tried);
+        return 1;
     }
 
     float improve() {
