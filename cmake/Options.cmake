@@ -26,7 +26,8 @@ if(VSPSC_SANITIZE)
         target_link_libraries(vspsc_options INTERFACE stdc++)
     endif()
 endif()
-# A coverage build counts what runs of the targets with the property VSPSC_COUNTED; all others are as in a usual build.
+# A coverage build counts what runs of the targets with the property VSPSC_COUNTED; all others are as in a usual build. Nothing
+# is inlined there, not even what asks for it, or each copy's branches would count.
 if(VSPSC_COVERAGE)
     target_compile_options(vspsc_options INTERFACE "$<$<BOOL:$<TARGET_PROPERTY:VSPSC_COUNTED>>:--coverage;-fprofile-update=atomic;-fno-inline;-Dalways_inline=noinline>")
     target_link_options(vspsc_options INTERFACE --coverage)

@@ -76,7 +76,7 @@ struct HighPass {
             asm("" : "+r"(shiftedA1_));  // or the shift follows each product, where the next output waits for it
         }
 
-        // fromInputs: half of what the inputs contribute. The result is right up to kDown bits more than the output has.
+        // fromInputs: half of what the inputs contribute. The result is half of the output, before the shift by kShift.
         [[gnu::always_inline]] Vsp32s next(Vsp32s fromInputs) {
             const Vsp64s sum = Vsp64s(Vsp64u(fed1_) + Vsp64u(fromInputs + (product(y2_, a2_) >> 15)));
             fed1_ = product(sum, shiftedA1_) >> 15;

@@ -45,8 +45,8 @@ struct ControllerArrays {
     Vsp32f* prior;      // share of a coefficient in the power of a path, [group]
     Vsp32f* predicted;  // residual echo of a group when it adapted last, [group]
     Vsp32f *noise, *gain, *path;
-    Vsp32f *commonRe, *commonIm,
-        *own;  // correlation of error and estimate, of the estimate with itself; weighted, smoothed
+    // Correlation of error and estimate, and of the estimate with itself; weighted, smoothed.
+    Vsp32f *commonRe, *commonIm, *own;
     Vsp32f *farPower, *uncertainty, *coefPower;  // [group][band]
 
     [[gnu::always_inline]] explicit ControllerArrays(SubbandController* s) {

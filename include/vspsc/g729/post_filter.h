@@ -105,8 +105,7 @@ VspStatus vspsPostFilter_G729A_16s(const Vsp16s* pSyn, const Vsp16s* pLPC, Vsp16
  * @param[in]     pLPC           11 coefficients of the synthesis filter of each subframe, Q12
  * @param[in]     pLag           integer lag of each subframe, 18 .. 145
  * @param[in]     frameType      1 speech; 0 or 2 comfort noise
- * @param[in,out] pSrcDstSpeech  decoded speech: the first of the 40 samples of the first subframe, behind which the 40 of
- * the second one are written; 10 samples of history before it
+ * @param[in,out] pSrcDstSpeech  decoded speech after 10 samples of history: 40 samples are read, the next 40 written
  * @param[out]    pDst           filtered speech, 80 samples
  * @param[in,out] pState         state of the post-filter
  * @param[in,out] pHighPassState state of the output filter
