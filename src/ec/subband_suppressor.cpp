@@ -15,6 +15,7 @@ namespace {
 
 struct Suppressor {
     Vsp32s numSubbands, frames, window;  // the lowest power is that of one to two windows
+    Vsp32s sounding, onset;              // frames since digital silence, up to those in which a filter bank fills
     Vsp32f unit;                         // what 1 is worth in a band
     Vsp32f referenceDecay, leftDecay, talkDecay;
     Vsp32f comfort;  // power of independent bands that give noise of power 1, with overlapping frames
@@ -65,10 +66,13 @@ VSP_INLINE void init(Suppressor* s, Vsp32s numSubbands, Vsp32s frameSize, Vsp32s
     constexpr Vsp32f kLeftTime = 2;           // s over which the share that is left is measured
     constexpr Vsp32f kTalkTime = 0.06f;       // s after which a talker is not heard any more
     constexpr Vsp32f kWindow = 4;             // s in which noise alone is heard at some time in each band
+    constexpr Vsp32f kOnset = 0.1f;           // s after which a filter bank is full
     const Vsp32f frameRate = Vsp32f(rate) / Vsp32f(frameSize);
     *s = {numSubbands,
           0,
           Vsp32s(kWindow * frameRate) + 1,
+          0,
+          Vsp32s(kOnset * frameRate) + 1,
           unit,
           decay(kReferenceTime, frameRate),
           decay(kLeftTime, frameRate),
@@ -90,20 +94,24 @@ VSP_INLINE Vsp32f powerOf(const Band& z, Vsp32f unit) {
 }
 
 // The noise of the near end: a mean of what is not far above the lowest power of late. Digital silence tells nothing of it,
-// and what is clearly less than the expected echo is echo for the most part.
+// nor does what is heard while the filter bank fills after it or empties before it; and what is clearly less than the
+// expected echo is echo for the most part.
 VSP_INLINE void followNoise(Suppressor* s, const SuppressorArrays& a) {
     constexpr Vsp32f kLowest = 3;  // how much the mean of noise is above its lowest smoothed power
     constexpr Vsp32f kFar = 5, kMostAbove = 2, kShare = 0.05f, kSmoothing = 0.7f, kBelow = 8, kPart = 0.5f;
     s->frames = s->frames + 1 < s->window ? s->frames + 1 : 0;
     const bool renews = s->frames == 0;
+    const bool quiet = sumOf(a.heard, s->numSubbands) <= kNothing, fills = quiet || s->sounding < s->onset;
+    s->sounding = quiet ? 0 : s->sounding + Vsp32s(fills);
+    const Vsp32f smoothing = fills ? 0 : kSmoothing;
     VSP_INDEPENDENT
     for (Vsp32s k = 0; k < s->numSubbands; k++) {
         const Vsp32f e = a.heard[k], before = a.lowestBefore[k], n = a.noise[k];
         const bool silent = e <= kNothing;
         const Vsp32f part = a.echo[k] < kBelow * e ? e : kPart * e,
-                     mixed = kSmoothing * a.smooth[k] + (1 - kSmoothing) * part;
+                     mixed = smoothing * a.smooth[k] + (1 - smoothing) * part;
         const Vsp32f heard = a.smooth[k] > 0 ? mixed : part, smooth = silent ? a.smooth[k] : heard;
-        const Vsp32f now = silent ? kUnknown : heard, lowest = smaller(a.lowest[k], now);
+        const Vsp32f now = silent || fills ? kUnknown : heard, lowest = quiet ? kUnknown : smaller(a.lowest[k], now);
         const Vsp32f floor = kLowest * smaller(lowest, before);
         const Vsp32f mean = n + kShare * (e - n), near = e < kFar * floor ? mean : n, next = a.echo[k] < n ? near : n;
         const Vsp32f within = larger(floor / kMostAbove, smaller(kMostAbove * floor, next));
