@@ -111,7 +111,8 @@ TEST(VoiceG728, SequencesOfTheItu) {
         if (file.empty() || fixed) file = entry.path();
     }
     int run = 0;
-    for (auto& [number, files] : sets) {
+    for (auto& set : sets) {
+        auto& files = set.second;
         if (files.count("cw") == 0) continue;
         SCOPED_TRACE(files["cw"].string());
         bool highFirst = false;
