@@ -6,14 +6,7 @@ if(VSPSC_BUILD_TESTS AND VSPSC_CLANG_FORMAT)
     set_tests_properties(format PROPERTIES ENVIRONMENT "CLANG_FORMAT=${VSPSC_CLANG_FORMAT}")
 endif()
 
-find_program(VSPSC_RUN_CLANG_TIDY NAMES run-clang-tidy-14 run-clang-tidy)
-if(VSPSC_RUN_CLANG_TIDY)
-    add_custom_target(
-        tidy
-        COMMAND ${VSPSC_RUN_CLANG_TIDY} -p ${PROJECT_BINARY_DIR} -quiet -extra-arg=-Wno-unknown-warning-option
-                "^${PROJECT_SOURCE_DIR}/(bench|examples|fuzz|src|tests|tools|voice)/"
-        USES_TERMINAL VERBATIM)
-endif()
+add_custom_target(tidy COMMAND ${PROJECT_SOURCE_DIR}/tools/check-tidy.sh ${PROJECT_BINARY_DIR} all USES_TERMINAL VERBATIM)
 
 find_program(VSPSC_CPPCHECK cppcheck)
 if(VSPSC_CPPCHECK)

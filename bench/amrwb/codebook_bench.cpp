@@ -10,7 +10,10 @@ const Vsp16s* impulse() {
     static const std::vector<Vsp16s> samples = [] {
         std::vector<Vsp16s> h(64);
         double x = 2048;
-        for (int i = 0; i < 64; i++, x *= -0.8) h[std::size_t(i)] = Vsp16s(x);
+        for (int i = 0; i < 64; i++) {
+            h[std::size_t(i)] = Vsp16s(x);
+            x *= -0.8;
+        }
         return h;
     }();
     return samples.data();

@@ -39,7 +39,7 @@ Signal cancel(const Engine& engine, const HostileCall& call) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    const double seconds = argc > 1 ? std::atof(argv[1]) : 600;
+    const double seconds = argc > 1 ? std::strtod(argv[1], nullptr) : 600;
     const std::vector<Engine> engines = {{"subband", vspvEchoSubband, vspvEchoFloat, 0},
                                          {"subband-fixed", vspvEchoSubband, vspvEchoFixed, 0},
                                          {"subband-suppress", vspvEchoSubband, vspvEchoFloat, 1},

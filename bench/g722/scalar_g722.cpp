@@ -11,7 +11,7 @@ g722::Bands& bandsAt(void* state) { return *static_cast<g722::Bands*>(state); }
 static_assert(sizeof(g722::Bands) <= 144);
 
 using Delay = Vsp16s[24];
-Delay& delayAt(Vsp16s* delay) { return *reinterpret_cast<Delay*>(delay); }
+Delay& delayAt(void* delay) { return *static_cast<Delay*>(delay); }
 
 VspStatus init(void* state) {
     bandsAt(state) = g722::Bands();

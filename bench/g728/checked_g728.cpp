@@ -1,2 +1,2 @@
 #define BENCH_G728_CHECKED
-#include "g728/scalar_g728.cpp"
+#include "g728/scalar_g728.cpp"  // NOLINT(bugprone-suspicious-include): once more, with checks

@@ -234,7 +234,7 @@ void Adaptation::analyse(const Vector* cycle) { valid = window.correlateVectors(
 void Adaptation::complete() {
     valid = valid && recursion.run(r, kOrder, kSynthesisOrder) &&
             expand(recursion.a, kExpandSynthesis, kSynthesisOrder, recursion.halvings, next);
-    Vsp16s ofGains[kOrder + 1];
+    Vsp16s ofGains[kOrder + 1] = {};
     Recursion gain;
     if (gainWindow.correlateSamples(gains + kOrder - kCycle, ofGains) && gain.run(ofGains, 0, kOrder))
         expand(gain.a, kExpandLogGain, kOrder, gain.halvings, gainFilter);

@@ -9,8 +9,6 @@ void addScalarG729(vsp::Api& api);
 
 // And that of the quantiser of line spectral pairs.
 void addScalarG729Quantisers(vsp::Api& api);
-// Sets the members of the fixed-codebook searches.
-void addScalarFixedCodebook(vsp::Api& api);
 
 // And those of the fixed-codebook searches.
 void addScalarFixedCodebook(vsp::Api& api);

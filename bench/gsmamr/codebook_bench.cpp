@@ -10,7 +10,10 @@ const Vsp16s* impulse() {
     static const std::vector<Vsp16s> samples = [] {
         std::vector<Vsp16s> h(40);
         double x = 4096;
-        for (int i = 0; i < 40; i++, x *= -0.85) h[std::size_t(i)] = Vsp16s(x);
+        for (int i = 0; i < 40; i++) {
+            h[std::size_t(i)] = Vsp16s(x);
+            x *= -0.85;
+        }
         return h;
     }();
     return samples.data();

@@ -103,6 +103,7 @@ struct FourTrackSearch {
 };
 
 // 20 to 88 bits (`ACELP_4t64_fx`).
-void ownSearchFourTracks(const FourTrackSearch& search, const PulseTarget& target, const Vsp16s* h, FoundWidePulses& found);
+void ownSearchFourTracks(const FourTrackSearch& search, const PulseTarget& target, const Vsp16s* impulse,
+                         FoundWidePulses& found);
 
 }  // namespace vsp::VSP_LEVEL

@@ -63,6 +63,7 @@ VspStatus vspsFIR_EC_32f(const Vsp32f* pRef, const Vsp32f* pNear, Vsp32f* pDst, 
             echoUpTo<F32_128, W / F32_128::width>(pRef, pTaps, numTaps, echo, len);
         else
             echoUpTo<F32_1, F32_128::width - 1>(pRef, pTaps, numTaps, echo, len);
+        // NOLINTNEXTLINE(clang-analyzer-core.UndefinedBinaryOperatorResult): count values of echo have been stored
         for (Vsp32s i = 0; i < count; i++) pDst[n + i] = pNear[n + i] - echo[i];
     });
     return vspStsNoErr;

@@ -71,6 +71,7 @@ Vsp32s threshold(Vsp32s level) {
     const Vsp32s scaled = level << 13;
     const int norm = norm_32s(scaled);
     const Vsp16s fraction = high_32s((scaled << norm & 0x3F000000) << 1);
+    // NOLINTNEXTLINE(clang-analyzer-core.*): norm is from 1 to 10, as adaptLevel() limits the level
     Vsp32s factor = mac_32s(kFactors[norm] * 0x10000, fraction, kFactors[norm - 1]);
     factor = msu_32s(factor, fraction, kFactors[norm]);
     return Mul2_16s32s(Vsp16s(level >> 2), high_32s(factor)) >> 11;

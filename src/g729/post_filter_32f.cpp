@@ -31,7 +31,10 @@ Vsp32f sumOfMagnitudes(const Vsp32f* a, int len) {
 void weight(const Vsp32f* lpc, Vsp32f gamma, Vsp32f* weighted, int len) {
     weighted[0] = lpc[0];
     Vsp32f power = gamma;
-    for (int i = 1; i <= kOrder; i++, power *= gamma) weighted[i] = power * lpc[i];
+    for (int i = 1; i <= kOrder; i++) {
+        weighted[i] = power * lpc[i];
+        power *= gamma;
+    }
     for (int i = kOrder + 1; i < len; i++) weighted[i] = 0;
 }
 

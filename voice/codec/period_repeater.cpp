@@ -60,6 +60,7 @@ Vsp16s PeriodRepeater::heard(Vsp16s repeated, Vsp32s age) const {
     if (age >= kFullLevel + kFade) return 0;
     Vsp32f level = age < kSettling ? 1 + (level_ - 1) * Vsp32f(age) / kSettling : level_;
     if (age > kFullLevel) level *= Vsp32f(kFullLevel + kFade - age) / kFade;
+    // NOLINTNEXTLINE(clang-analyzer-core.UndefinedBinaryOperatorResult): no age is negative
     const Vsp32s bend = age < kSettling ? seam_ / (2 << age) : 0;
     const Vsp32f sample = level * Vsp32f(repeated + bend);
     return sample > 32767 ? Vsp16s(32767) : sample < -32768 ? Vsp16s(-32768) : Vsp16s(sample);

@@ -26,6 +26,7 @@ class HighPass {
 
 // Times 2^exponent, rounded and saturated.
 inline void scale(const Vsp16s* src, Vsp32s exponent, Vsp16s* dst, Vsp32s n) {
+    // NOLINTNEXTLINE(clang-analyzer-core.UndefinedBinaryOperatorResult): exponents of 16-bit samples are small
     vspsMulC_NR_16s_Sfs(src, Vsp16s(exponent > 0 ? 1 << exponent : 1), dst, n, exponent < 0 ? -exponent : 0);
 }
 inline void scale(Vsp16s* samples, Vsp32s exponent, Vsp32s n) {

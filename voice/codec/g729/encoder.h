@@ -21,8 +21,8 @@ class Encoder {
         Vsp16s mode;  // 1: backward
         bool dominant, longMemories;
 
-        LpFilter synthesisOf(Vsp32s subframe) const;
-        LpFilter weightingOf(Vsp32s subframe) const;
+        LpFilter synthesisOf(Vsp32s i) const;
+        LpFilter weightingOf(Vsp32s i) const;
     };
 
     Vsp16s detect(const Variant& variant, Rate rate, const Vsp16s* lsp);

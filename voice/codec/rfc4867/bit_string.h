@@ -5,6 +5,7 @@
 
 namespace vspv {
 
+// NOLINTNEXTLINE(clang-analyzer-core.NullDereference): frames without bits alone may come without octets
 inline Vsp32u bitAt(const Vsp8u* bytes, Vsp32s bit) { return bytes[bit / 8] >> (7 - bit % 8) & 1u; }
 
 class BitStringWriter {
