@@ -15,7 +15,8 @@ namespace {
 
 struct Suppressor {
     Vsp32s numSubbands, frames, window;  // the lowest power is that of one to two windows
-    Vsp32s sounding, onset;              // frames since digital silence, up to those in which a filter bank fills
+    Vsp32s onset;                        // frames in which a filter bank fills
+    Vsp32s silence, sounding;            // frames of digital silence and since a long one, up to onset
     Vsp32f unit;                         // what 1 is worth in a band
     Vsp32f referenceDecay, leftDecay, talkDecay;
     Vsp32f comfort;  // power of independent bands that give noise of power 1, with overlapping frames
@@ -71,8 +72,9 @@ VSP_INLINE void init(Suppressor* s, Vsp32s numSubbands, Vsp32s frameSize, Vsp32s
     *s = {numSubbands,
           0,
           Vsp32s(kWindow * frameRate) + 1,
-          0,
           Vsp32s(kOnset * frameRate) + 1,
+          0,
+          0,
           unit,
           decay(kReferenceTime, frameRate),
           decay(kLeftTime, frameRate),
@@ -94,15 +96,18 @@ VSP_INLINE Vsp32f powerOf(const Band& z, Vsp32f unit) {
 }
 
 // The noise of the near end: a mean of what is not far above the lowest power of late. Digital silence tells nothing of it,
-// nor does what is heard while the filter bank fills after it or empties before it; and what is clearly less than the
-// expected echo is echo for the most part.
+// nor does what is heard while the filter bank fills after a long one; and what is clearly less than the expected echo is
+// echo for the most part.
 VSP_INLINE void followNoise(Suppressor* s, const SuppressorArrays& a) {
-    constexpr Vsp32f kLowest = 3;  // how much the mean of noise is above its lowest smoothed power
+    constexpr Vsp32f kLowest = 2;  // how much the mean of noise is above its lowest smoothed power
     constexpr Vsp32f kFar = 5, kMostAbove = 2, kShare = 0.05f, kSmoothing = 0.7f, kBelow = 8, kPart = 0.5f;
     s->frames = s->frames + 1 < s->window ? s->frames + 1 : 0;
     const bool renews = s->frames == 0;
-    const bool quiet = sumOf(a.heard, s->numSubbands) <= kNothing, fills = quiet || s->sounding < s->onset;
-    s->sounding = quiet ? 0 : s->sounding + Vsp32s(fills);
+    const bool sounds = sumOf(a.heard, s->numSubbands) > kNothing;
+    s->silence = sounds ? 0 : s->silence + Vsp32s(s->silence < s->onset);
+    if (s->silence == s->onset) s->sounding = 0;
+    const bool fills = s->sounding < s->onset;
+    if (sounds && fills) s->sounding++;
     const Vsp32f smoothing = fills ? 0 : kSmoothing;
     VSP_INDEPENDENT
     for (Vsp32s k = 0; k < s->numSubbands; k++) {
@@ -111,7 +116,7 @@ VSP_INLINE void followNoise(Suppressor* s, const SuppressorArrays& a) {
         const Vsp32f part = a.echo[k] < kBelow * e ? e : kPart * e,
                      mixed = smoothing * a.smooth[k] + (1 - smoothing) * part;
         const Vsp32f heard = a.smooth[k] > 0 ? mixed : part, smooth = silent ? a.smooth[k] : heard;
-        const Vsp32f now = silent || fills ? kUnknown : heard, lowest = quiet ? kUnknown : smaller(a.lowest[k], now);
+        const Vsp32f now = silent || fills ? kUnknown : heard, lowest = smaller(a.lowest[k], now);
         const Vsp32f floor = kLowest * smaller(lowest, before);
         const Vsp32f mean = n + kShare * (e - n), near = e < kFar * floor ? mean : n, next = a.echo[k] < n ? near : n;
         const Vsp32f within = larger(floor / kMostAbove, smaller(kMostAbove * floor, next));
@@ -186,7 +191,7 @@ VSP_INLINE void storeValue(Vsp32f x, Vsp32s& to) {
 template <class Band>
 VSP_INLINE void suppress(Suppressor* s, const Band* est, const Vsp32f* residual, bool doubleTalk, Band* err) {
     constexpr Vsp32f kAlone = 0.12f, kTalking = 0.25f;  // shares of the bands
-    constexpr Vsp32f kOver = 3, kFirm = 12;             // how many times the echo is taken off
+    constexpr Vsp32f kOver = 2.8f, kFirm = 12;          // how many times the echo is taken off
     constexpr Vsp32f kSlower = 0.8f;                    // while the near end talks
     const SuppressorArrays a(s);
     const Vsp32s bands = s->numSubbands;

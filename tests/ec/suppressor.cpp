@@ -77,26 +77,19 @@ TEST_P(Suppressor, BringsEchoDownToTheNoiseAndKeepsTheTalker) {
     EXPECT_LT(decibels(line.changed / line.before), -20);
 }
 
-// Also in a filter bank that fills and empties.
+// Also where a filter bank fills first.
 TEST_P(Suppressor, PutsComfortNoiseAlsoAfterDigitalSilence) {
     Line line(api);
-    for (int again = 0; again < 2; again++) {
-        line.echo = line.noise = 0;
-        line.run(again == 0 ? 300 : 20);
-        for (const double level : {1, 3, 6, 10}) {
-            line.noise = level;
-            line.run(level < 10 ? 2 : 30);
-        }
-        line.echo = 3000;
-        line.run(150);
-        line.run(50);
-        EXPECT_NEAR(decibels(line.after / line.noisePower(50)), decibels(1.6 * 128 / kFrame), 4);
-        line.echo = 0;
-        for (const double level : {6, 3, 1}) {
-            line.noise = level;
-            line.run(2);
-        }
+    line.echo = line.noise = 0;
+    line.run(300);
+    for (const double level : {1, 3, 6, 10}) {
+        line.noise = level;
+        line.run(level < 10 ? 2 : 30);
     }
+    line.echo = 3000;
+    line.run(150);
+    line.run(50);
+    EXPECT_NEAR(decibels(line.after / line.noisePower(50)), decibels(1.6 * 128 / kFrame), 4);
 }
 
 TEST_P(Suppressor, TakesWhatTheControllerExpects) {

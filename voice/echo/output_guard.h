@@ -67,10 +67,11 @@ class OutputGuard {
   private:
     // dB removed, times ms: when a share is subtracted, and when all of it.
     static constexpr double kHopeful = 500, kRemoving = 1000, kProven = 2500, kMost = 6000;
-    static constexpr double kInaudible = 0.25;  // power of a sample
-    static constexpr double kOffset = 0.01;     // in a block
-    static constexpr double kLoudest = 1e16;    // energy of a millisecond
-    static constexpr std::size_t kZeros = 3;    // samples that are silence, not a crossing of zero
+    static constexpr double kMuch = 3, kFast = 0.25;  // dB removed, and what it counts by when the filter learns fast
+    static constexpr double kInaudible = 0.25;        // power of a sample
+    static constexpr double kOffset = 0.01;           // in a block
+    static constexpr double kLoudest = 1e16;          // energy of a millisecond
+    static constexpr std::size_t kZeros = 3;          // samples that are silence, not a crossing of zero
 
     struct Energies {
         double near = 0, echo = 0, product = 0, nearSum = 0, echoSum = 0;
@@ -125,7 +126,8 @@ class OutputGuard {
         const double removed = 10 * std::log10((e.near + little) / (e.left() + little)) * ms;
         const bool wasProven = proven();
         hope_ = std::clamp(hope_ + removed, 0.0, kHopeful);
-        evidence_ += removed > 0 ? (1 - learning) * (1 - learning) * removed : removed;
+        const double slow = (1 - learning) * (1 - learning), least = removed > kMuch * ms ? kFast : 0;
+        evidence_ += removed > 0 ? std::max(slow, least) * removed : removed;
         evidence_ = wasProven && !proven() ? 0 : std::clamp(evidence_, 0.0, kMost);
     }
 

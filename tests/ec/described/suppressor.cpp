@@ -5,7 +5,7 @@ namespace vsp::test {
 
 namespace {
 
-constexpr int kBands = 21, kFrame = 24, kRate = 8000, kSize = 48 + 9 * 4 * kBands;
+constexpr int kBands = 21, kFrame = 24, kRate = 8000, kSize = 52 + 9 * 4 * kBands;
 
 const std::initializer_list<VspStatus> kOrder = {vspStsNullPtrErr, vspStsBadArgErr};
 Argument bad(Vsp64s low, Vsp64s high) { return limited(vspStsBadArgErr, low, high); }
