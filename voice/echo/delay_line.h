@@ -12,10 +12,11 @@ class DelayLine {
   public:
     DelayLine(int frames, int bands, Memory& memory)
         : frames_(static_cast<std::size_t>(frames)),
-          values_(memory.take<T>(frames * bands)),
+          values_(memory.take<T>(frames * pitch(bands))),
           rows_(memory.take<T*>(2 * frames)) {
         if (memory.measures()) return;
-        for (std::size_t i = 0; i < rows_.size(); i++) rows_[i] = &values_[i % frames_ * static_cast<std::size_t>(bands)];
+        for (std::size_t i = 0; i < rows_.size(); i++)
+            rows_[i] = &values_[i % frames_ * static_cast<std::size_t>(pitch(bands))];
     }
     DelayLine(const DelayLine&) = delete;
     DelayLine& operator=(const DelayLine&) = delete;
@@ -28,6 +29,10 @@ class DelayLine {
     T* const* at(int age) const { return rows_.data() + newest_ + age; }
 
   private:
+    // Every row begins with a cache line, so that no vector of it lies in two.
+    static constexpr int kLine = 64 / sizeof(T);
+    static constexpr int pitch(int bands) { return (bands + kLine - 1) / kLine * kLine; }
+
     std::size_t frames_, newest_ = 0;
     std::span<T> values_;
     std::span<T*> rows_;
