@@ -11,20 +11,41 @@ namespace {
 struct FloatSteps {
     using Band = Vsp32fc;
     using Step = Vsp64f;
-    [[gnu::always_inline]] static Vsp64f step(Vsp32f s, Vsp32f /*unit*/) { return s; }
+    [[gnu::always_inline]] static void store(Vsp32f s, Vsp32f /*unit*/, Vsp64f* to) { *to = s; }
+    [[gnu::always_inline]] static void store(const Sixteen& s, Vsp32f /*unit*/, Vsp64f* to) {
+        Vsp32f values[Sixteen::width];
+        VSP_LEVEL::store(s, values);
+        for (int i = 0; i < Sixteen::width; i++) to[i] = values[i];
+    }
 };
 
 // Mantissa and exponent, taken from the bits of the float.
 struct FixedSteps {
     using Band = Vsp32sc;
     using Step = Vsp32sc;
-    [[gnu::always_inline]] static Vsp32sc step(Vsp32f s, Vsp32f unit) {
-        constexpr int kMantissaBits = 23, kBias = 127, kShift = 30 - kMantissaBits;
+    static constexpr int kMantissaBits = 23, kBias = 127, kShift = 30 - kMantissaBits;
+    static constexpr Vsp32s kOne = 1 << kMantissaBits, kLargest = kMantissaBits + kShift + kBias;
+
+    [[gnu::always_inline]] static void store(Vsp32f s, Vsp32f unit, Vsp32sc* to) {
         const Vsp32u bits = __builtin_bit_cast(Vsp32u, s * unit);
-        const Vsp32u mantissa = (bits & ((1u << kMantissaBits) - 1)) | 1u << kMantissaBits;
+        const Vsp32u mantissa = (bits & (kOne - 1u)) | Vsp32u(kOne);
         const Vsp32s biased = Vsp32s(bits >> kMantissaBits) & 0xFF;
-        if (biased == 0) return {0, 0};
-        return {Vsp32s(mantissa << kShift), kMantissaBits + kShift + kBias - biased};
+        if (biased == 0)
+            *to = {0, 0};
+        else
+            *to = {Vsp32s(mantissa << kShift), kLargest - biased};
+    }
+    [[gnu::always_inline]] static void store(const Sixteen& s, Vsp32f unit, Vsp32sc* to) {
+        const Sixteen scaled = s * unit;
+        for (int i = 0; i < Sixteen::vectors; i++) {
+            using Words = decltype(bitsOf(scaled.part[i]));
+            const Words bits = bitsOf(scaled.part[i]), zero = Words::splat(0);
+            const Words mantissa = {(bits.v & Words::splat(kOne - 1).v) | Words::splat(kOne).v};
+            const Words biased = {shrU(bits, kMantissaBits).v & Words::splat(0xFF).v};
+            const Words some = shr(sub(zero, biased), 31);
+            storeAlternating({shiftedUp(mantissa, kShift).v & some.v}, {sub(Words::splat(kLargest), biased).v & some.v},
+                             &to[i * Floats::width].re);
+        }
     }
 };
 

@@ -17,7 +17,7 @@
 
 #include "ec/bands_single_32fc.h"
 #include "ec/near_speech.h"
-#include "ec/partial_sums.h"
+#include "ec/sixteen_bands.h"
 #include "ec/subband_limits.h"
 
 namespace vsp::VSP_LEVEL {
@@ -83,9 +83,10 @@ VSP_INLINE constexpr bool isController(Vsp32s len, Vsp32s numSubbands, Vsp32s fr
 }
 
 // What is not a number, or beyond what powers of signals can be, counts as nothing.
-VSP_INLINE Vsp32f plausible(Vsp32f power) {
+template <class T>
+VSP_INLINE T plausible(const T& power) {
     constexpr Vsp32f kMost = 1e16f;
-    return power <= kMost ? power : 0;
+    return upTo(power, kMost);
 }
 
 template <class Band>
@@ -167,16 +168,15 @@ struct FramePowers {
 
 template <class Band>
 VSP_INLINE FramePowers measureFrame(const SubbandController& s, const Band* err, const Band* est) {
-    Vsp32f error[kPartialSums] = {}, estimate[kPartialSums] = {}, correlation[kPartialSums] = {};
-    const Vsp32f unit = s.bandUnit;
-    forParts(s.numSubbands, [&](Vsp32s k, int i) {
-        const Vsp32f er = unit * Vsp32f(err[k].re), ei = unit * Vsp32f(err[k].im);
-        const Vsp32f yr = unit * Vsp32f(est[k].re), yi = unit * Vsp32f(est[k].im);
-        error[i] += er * er + ei * ei;
-        estimate[i] += yr * yr + yi * yi;
-        correlation[i] += er * yr + ei * yi;
+    BandSum error, estimate, correlation;
+    clear(error, estimate, correlation);
+    forSixteens(s.numSubbands, [&, unit = s.bandUnit]<class T>(Vsp32s k) {
+        const Complex<T> e = bandsAt<T>(err + k, unit), y = bandsAt<T>(est + k, unit);
+        error.add(k, powerOf(e));
+        estimate.add(k, powerOf(y));
+        correlation.add(k, e.re * y.re + e.im * y.im);
     });
-    return {sumOfParts(error), sumOfParts(estimate), sumOfParts(correlation)};
+    return {error.total(), estimate.total(), correlation.total()};
 }
 
 constexpr Vsp32f kNothing = 1;  // power in a band
@@ -187,10 +187,10 @@ struct Common {
     bool changed;    // the path is another one
 };
 
-// unknown: the power of the echo that the filter expects to leave. product: room for a value of each band.
+// unknown: the power of the echo that the filter expects to leave.
 template <class Band>
 VSP_INLINE Common compare(SubbandController& s, const ControllerArrays& a, const FramePowers& frame, const Band* err,
-                          const Band* est, Vsp32f unknown, Vsp32f* product) {
+                          const Band* est, Vsp32f unknown) {
     constexpr Vsp32f kChance = 2.5f, kShows = 1.75f;  // leakage, change: in units of what is expected by chance
     constexpr Vsp32f kCertain = 0.01f, kLeft = 0.5f;  // unknown, error: shares of the estimate's power
     constexpr Vsp32f kContrary = 0.4f;                // share of the estimate in the error, with its sign reversed
@@ -202,29 +202,34 @@ VSP_INLINE Common compare(SubbandController& s, const ControllerArrays& a, const
     const Vsp32f unit = s.bandUnit, kept = s.leakageDecay, now = 1 - kept;
     const Vsp32s bands = s.numSubbands;
     const Vsp32f silent = kNothing + kSilent / Vsp32f(bands) * (frame.error + frame.estimate);
-    Vsp32f *const correlation = a.gain, *const weight = a.path;
-    VSP_INDEPENDENT
-    for (Vsp32s k = 0; k < bands; k++) {
-        const Vsp32f er = unit * Vsp32f(err[k].re), ei = unit * Vsp32f(err[k].im);
-        const Vsp32f yr = unit * Vsp32f(est[k].re), yi = unit * Vsp32f(est[k].im);
-        const Vsp32f e = er * er + ei * ei, y = yr * yr + yi * yi;
-        const Vsp32f w = 1 / (e + y + a.noise[k] + silent), own = w * y;
-        correlation[k] = w * (er * yr + ei * yi);
-        weight[k] = own;
-        product[k] = w * e * own;
-        a.commonRe[k] = kept * a.commonRe[k] + now * correlation[k];
-        a.commonIm[k] = kept * a.commonIm[k] + now * (w * (ei * yr - er * yi));
-        a.own[k] = kept * a.own[k] + now * own;
-    }
-    const Vsp32f common =
-        sumOverBands(bands, [&](Vsp32s k) { return a.commonRe[k] * a.commonRe[k] + a.commonIm[k] * a.commonIm[k]; });
-    const Vsp32f own = sumOverBands(bands, [&](Vsp32s k) { return a.own[k] * a.own[k]; });
-    s.chance = kept * s.chance + now * now * sumOf(product, bands);
+    BandSum correlations, weights, products, commons, owns;
+    clear(correlations, weights, products, commons, owns);
+    forSixteens(bands, [&]<class T>(Vsp32s k) {
+        const auto smoothed = [=](Vsp32f* at, T value) {
+            const T sum = kept * valuesAt<T>(at + k) + now * value;
+            store(sum, at + k);
+            return sum;
+        };
+        const Complex<T> error = bandsAt<T>(err + k, unit), estimate = bandsAt<T>(est + k, unit);
+        const T e = powerOf(error), y = powerOf(estimate);
+        const T w = 1 / (e + y + valuesAt<T>(a.noise + k) + silent), weight = w * y;
+        const T correlation = w * (error.re * estimate.re + error.im * estimate.im);
+        correlations.add(k, correlation);
+        weights.add(k, weight);
+        products.add(k, w * e * weight);
+        const T re = smoothed(a.commonRe, correlation);
+        const T im = smoothed(a.commonIm, w * (error.im * estimate.re - error.re * estimate.im));
+        const T own = smoothed(a.own, weight);
+        commons.add(k, re * re + im * im);
+        owns.add(k, own * own);
+    });
+    const Vsp32f common = commons.total(), own = owns.total();
+    s.chance = kept * s.chance + now * now * products.total();
     const Vsp32f excess = common - kChance * s.chance - kSmall * own;
 
     const Vsp32f keptOfChange = s.changeDecay, nowOfChange = 1 - keptOfChange;
-    s.correlation = keptOfChange * s.correlation + nowOfChange * sumOf(correlation, bands);
-    s.weight = keptOfChange * s.weight + nowOfChange * sumOf(weight, bands);
+    s.correlation = keptOfChange * s.correlation + nowOfChange * correlations.total();
+    s.weight = keptOfChange * s.weight + nowOfChange * weights.total();
     s.error = keptOfChange * s.error + nowOfChange * frame.error;
     s.estimate = keptOfChange * s.estimate + nowOfChange * frame.estimate;
     if (unknown < kCertain * s.estimate)
@@ -250,46 +255,86 @@ VSP_INLINE void measureCoefficients(const SubbandController& s, const Controller
     for (Vsp32s k = 0; k < s.numSubbands; k++) power[k] = plausible(share * power[k]);
 }
 
-// How much of the echo the group may leave, from what is unknown of its coefficients; added to the residual.
-template <class Band>
-VSP_INLINE void predict(const SubbandController& s, const ControllerArrays& a, const Band* const* src, Vsp32s group,
-                        const Common& common, Vsp32f* __restrict residual) {
-    constexpr Vsp32f kNewPath = 16;  // its power over that of the one before
-    const Vsp32s bands = s.numSubbands, taps = tapsOf(s, group);
-    Vsp32f* __restrict power = a.farPower + group * bands;
-    Vsp32f* __restrict uncertainty = a.uncertainty + group * bands;
-    const Vsp32f* coefficient = a.coefPower + group * bands;
-    const Vsp32f unit = s.bandUnit * s.bandUnit, drift = s.drift;
-    const Vsp32f leak = common.leakage, prior = a.prior[group], change = common.changed ? kNewPath * prior : 0,
-                 spread = larger(leak * prior, change);
-    sumSquares(src + group * kControllerGroup, taps, bands, power);
-    Vsp32f* const left = a.gain;  // is not needed until the gains are known
-    VSP_INDEPENDENT
-    for (Vsp32s k = 0; k < bands; k++) {
-        const Vsp32f drifted = uncertainty[k] + drift * coefficient[k], leaked = leak * coefficient[k] + spread * a.path[k];
-        const Vsp32f unknown = larger(drifted, leaked), present = plausible(unit * power[k]);
-        uncertainty[k] = unknown;
-        power[k] = present;
-        left[k] = unknown * present;
-        residual[k] += unknown * present;
-    }
-    a.predicted[group] = sumOf(left, bands);
-}
+// Sums over the bands of what they are after a frame.
+struct Learned {
+    Vsp32f noise, far, residual;
+};
 
-// The steps, and how much they will reduce the uncertainty.
+// Predicts how much of the echo the groups that adapt leave, from what is unknown of their coefficients; then the steps,
+// and how much they will reduce what is unknown.
 template <class Arithmetic>
-VSP_INLINE void correct(const SubbandController& s, const ControllerArrays& a, Vsp32s group,
-                        typename Arithmetic::Step* __restrict steps) {
+VSP_INLINE Learned learn(const SubbandController& s, const ControllerArrays& a, const typename Arithmetic::Band* const* src,
+                         const typename Arithmetic::Band* err, const Common& common, bool leaks,
+                         typename Arithmetic::Step* const* steps, const Vsp32s* adapt, Vsp32f* residual) {
+    constexpr Vsp32f kNewPath = 16;       // its power over that of the one before
     constexpr Vsp32f kCorrelated = 0.4f;  // neighbouring taps are correlated: a frame teaches less than if they were not
-    const Vsp32s bands = s.numSubbands;
-    const Vsp32f* power = a.farPower + group * bands;
-    Vsp32f* __restrict uncertainty = a.uncertainty + group * bands;
-    const Vsp32f share = kCorrelated / Vsp32f(tapsOf(s, group)), unit = s.stepUnit;
-    for (Vsp32s k = 0; k < bands; k++) {
-        const Vsp32f step = uncertainty[k] * a.gain[k];
-        uncertainty[k] *= 1 - share * step * power[k];
-        steps[k] = Arithmetic::step(step, unit);
+    constexpr Vsp32s kMostGroups = controllerGroups(kMaxSubbandTaps);
+    const Vsp32s bands = s.numSubbands, groups = s.groups;
+    const Vsp32f unit = s.bandUnit, drift = s.drift, leak = common.leakage, kept = s.noiseDecay;
+    BandSum noises, fars, residuals;
+    clear(noises, fars, residuals);
+    struct Group {
+        const typename Arithmetic::Band* const* src;
+        typename Arithmetic::Step* steps;
+        Vsp32f *power, *uncertainty;
+        const Vsp32f* coefficient;
+        Vsp32f spread, share;
+        Vsp32s taps, number;
+        BandSum predicted;
+    } active[kMostGroups];
+    Vsp32s count = 0;
+    for (Vsp32s g = 0; g < groups; g++) {
+        if (adapt[g] == 0) continue;
+        const Vsp32f prior = a.prior[g], change = common.changed ? kNewPath * prior : 0;
+        const Vsp32s taps = tapsOf(s, g), at = g * bands;
+        Group& group = active[count++];
+        group.src = src + g * kControllerGroup;
+        group.steps = steps[g];
+        group.power = a.farPower + at;
+        group.uncertainty = a.uncertainty + at;
+        group.coefficient = a.coefPower + at;
+        group.spread = larger(leak * prior, change);
+        group.share = kCorrelated / Vsp32f(taps);
+        group.taps = taps;
+        group.number = g;
+        clear(group.predicted);
     }
+    forSixteens(
+        bands, [&]<class T>(Vsp32s k) __attribute__((always_inline)) {
+            T path = 0, left = 0;
+            if (leaks)
+                for (Vsp32s g = 0; g < groups; g++)
+                    path = path + Vsp32f(tapsOf(s, g)) * valuesAt<T>(a.coefPower + g * bands + k);
+            T unknown[kMostGroups], present[kMostGroups];
+            for (Vsp32s i = 0; i < count; i++) {
+                Group& group = active[i];
+                const T coefficient = valuesAt<T>(group.coefficient + k);
+                const T drifted = valuesAt<T>(group.uncertainty + k) + drift * coefficient;
+                const T leaked = leak * coefficient + group.spread * path;
+                unknown[i] = larger(drifted, leaked);
+                present[i] = plausible(unit * unit * squaresAt<T>(group.src, group.taps, k));
+                store(present[i], group.power + k);
+                group.predicted.add(k, unknown[i] * present[i]);
+                left = left + unknown[i] * present[i];
+            }
+            const T noise = kept * valuesAt<T>(a.noise + k) + (1 - kept) * powerOf(bandsAt<T>(err + k, unit));
+            const T gain = 1 / (left + noise + kNothing), far = plausible(powerOf(bandsAt<T>(src[0] + k, unit)));
+            for (Vsp32s i = 0; i < count; i++) {
+                const Group& group = active[i];
+                const T step = unknown[i] * gain;
+                store(unknown[i] * (1 - group.share * step * present[i]), group.uncertainty + k);
+                Arithmetic::store(step, s.stepUnit, group.steps + k);
+            }
+            store(left, residual + k);
+            store(noise, a.noise + k);
+            store(gain, a.gain + k);
+            store(far, a.path + k);
+            noises.add(k, noise);
+            fars.add(k, far);
+            residuals.add(k, left);
+        });
+    for (Vsp32s i = 0; i < count; i++) a.predicted[active[i].number] = active[i].predicted.total();
+    return {noises.total(), fars.total(), residuals.total()};
 }
 
 struct Verdict {
@@ -318,36 +363,19 @@ VSP_INLINE Verdict updateController(SubbandController* s, const typename Arithme
 
     Vsp32f total = 0;
     for (Vsp32s g = 0; g < s->groups; g++) total += a.predicted[g];
-    const Common common = compare(*s, a, frame, err, est, total, residual);
-    for (Vsp32s k = 0; k < bands; k++) residual[k] = 0;
+    const Common common = compare(*s, a, frame, err, est, total);
     const bool leaks = common.leakage > 0 || common.changed;
-    if (leaks) {
-        for (Vsp32s k = 0; k < bands; k++) a.path[k] = 0;
-        for (Vsp32s g = 0; g < s->groups; g++)
-            for (Vsp32s k = 0; k < bands; k++) a.path[k] += Vsp32f(tapsOf(*s, g)) * a.coefPower[g * bands + k];
-    }
-    for (Vsp32s g = 0; g < s->groups; g++) {
-        adapt[g] = leaks || g == s->turn || a.predicted[g] >= kIdle * (total + s->noiseSum);
-        if (adapt[g] != 0) predict(*s, a, src, g, common, residual);
-    }
-
-    const Vsp32f kept = s->noiseDecay, unit = s->bandUnit;
-    VSP_INDEPENDENT
-    for (Vsp32s k = 0; k < bands; k++) {
-        a.noise[k] = kept * a.noise[k] + (1 - kept) * powerOf(err[k], unit);
-        a.gain[k] = 1 / (residual[k] + a.noise[k] + kNothing);
-        a.path[k] = plausible(powerOf(src[0][k], unit));
-    }
-    s->noiseSum = sumOf(a.noise, bands);
     for (Vsp32s g = 0; g < s->groups; g++)
-        if (adapt[g] != 0) correct<Arithmetic>(*s, a, g, steps[g]);
+        adapt[g] = leaks || g == s->turn || a.predicted[g] >= kIdle * (total + s->noiseSum);
+    const Learned now = learn<Arithmetic>(*s, a, src, err, common, leaks, steps, adapt, residual);
+    s->noiseSum = now.noise;
 
     const HeardPowers heard = {frame.error + frame.estimate + 2 * frame.correlation,
-                               sumOf(a.path, bands),
+                               now.far,
                                frame.error,
                                frame.estimate,
-                               s->noiseSum,
-                               sumOf(residual, bands)};
+                               now.noise,
+                               now.residual};
     return {heard.predicted / (heard.predicted + heard.noise + kNothing), hearNearSpeech(s->nearSpeech, heard, cancelling)};
 }
 
