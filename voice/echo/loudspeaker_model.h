@@ -31,6 +31,7 @@ class LoudspeakerModel {
           byHardness_(taps + maxDelay, kRegressionBands, memory),
           path_(taps, kRegressionBands, memory),
           bands_(memory.take<Vsp32fc>(shape.bands())),
+          played_(memory.take<float>(shape.frame)),
           limitSamples_(memory.take<float>(shape.frame)),
           hardnessSamples_(memory.take<float>(shape.frame)) {}
 
@@ -38,16 +39,14 @@ class LoudspeakerModel {
     void play(std::span<Sample> far) {
         constexpr float kFall = 0.9995f;  // of the peak, a frame
         peak_ *= kFall;
-        for (const Sample x : far) peak_ = std::max(peak_, std::abs(static_cast<float>(x)));
+        peak_ = std::max(peak_, peakOf<Sample>(far));
         if (stage_ == Stage::linear) return;
         const bool saturates = stage_ == Stage::saturates;
-        const Saturation curve(limit_, hardness_);
-        for (std::size_t n = 0; n < far.size(); n++) {
-            const auto x = static_cast<float>(far[n]);
-            const Saturation::Value y = curve(x);
-            limitSamples_[n] = saturates ? y.byLimit : y.played - x;
-            hardnessSamples_[n] = y.byHardness;
-            if (saturates) far[n] = Arithmetic::sample(y.played);
+        if (saturates) {
+            Saturation(limit_, hardness_).apply<Sample>(far, played_.data(), limitSamples_.data(), hardnessSamples_.data());
+            std::transform(played_.begin(), played_.end(), far.begin(), Arithmetic::sample);
+        } else {
+            Saturation::softest<Sample>(far, limit_, limitSamples_.data());
         }
         analyse(limitBank_, limitSamples_, byLimit_);
         if (saturates) analyse(hardnessBank_, hardnessSamples_, byHardness_);
@@ -191,7 +190,7 @@ class LoudspeakerModel {
     FilterBank<FloatArithmetic> limitBank_, hardnessBank_;
     Rows byLimit_, byHardness_, path_;
     std::span<Vsp32fc> bands_;
-    std::span<float> limitSamples_, hardnessSamples_;
+    std::span<float> played_, limitSamples_, hardnessSamples_;
     ErrorRegression regression_;
     Stage stage_ = Stage::linear;
     int frames_ = 0;             // of a step, below 0 while the delay lines fill

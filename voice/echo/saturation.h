@@ -5,7 +5,10 @@
 #pragma once
 
 #include <algorithm>
-#include <cmath>
+#include <cstddef>
+#include <span>
+
+#include "echo/samples.h"
 
 namespace vspv {
 
@@ -20,32 +23,66 @@ class Saturation {
           squares_(std::min(static_cast<int>(hardness), static_cast<int>(kHardest) - 1) + 1),
           mix_(hardness - static_cast<float>(squares_ - 1)) {}
 
-    struct Value {
-        float played, byLimit, byHardness;  // and how it changes with the logarithm of the limit, and with the hardness
-    };
+    // What becomes of samples, in whole fours, and how that changes with the logarithm of the limit, and with the hardness.
+    template <class Sample>
+    void apply(std::span<const Sample> x, float* played, float* byLimit, float* byHardness) const {
+        for (std::size_t n = 0; n < x.size(); n += 4) {
+            const Value y = at(fourOf(&x[n]));
+            store(y.played, played + n);
+            store(y.byLimit, byLimit + n);
+            store(y.byHardness, byHardness + n);
+        }
+    }
 
-    Value operator()(float x) const {
-        const float r = std::abs(x) * level_, small = r < 1 ? r : 1 / r;
-        const float signedLimit = x < 0 ? -limit_ : limit_;
-        float power = small * small;
-        for (int i = 1; i < squares_; i++) power *= power;
-        const Shape soft = shape(r, power, squares_), hard = shape(r, power * power, squares_ + 1);
-        return {signedLimit * (soft.value + mix_ * (hard.value - soft.value)),
-                signedLimit * (soft.byLimit + mix_ * (hard.byLimit - soft.byLimit)),
-                signedLimit * (hard.value - soft.value)};
+    // What the softest one adds to samples.
+    template <class Sample>
+    static void softest(std::span<const Sample> x, float limit, float* added) {
+        const Saturation curve(limit, 0);
+        for (std::size_t n = 0; n < x.size(); n += 4) {
+            const Four in = fourOf(&x[n]);
+            const Ratio r = curve.ratioOf(in);
+            store(r.limit * shape(r, r.power, 1).value - in, added + n);
+        }
     }
 
   private:
+    struct Value {
+        Four played, byLimit, byHardness;
+    };
     struct Shape {
-        float value, byLimit;
+        Four value, byLimit;
+    };
+    // Of a sample's size to the limit: at most 1; above 1; the square of it or of its inverse, whichever is smaller; the
+    // limit with the sample's sign.
+    struct Ratio {
+        Four clipped;
+        FourFlags above;
+        Four power, limit;
     };
 
-    // power: of r or 1 / r, whichever is below 1.
-    static Shape shape(float r, float power, int roots) {
-        float root = 1 + power;
-        for (int i = 0; i < roots; i++) root = std::sqrt(root);
-        const float value = (r < 1 ? r : 1) / root;
-        return {value, value * (r < 1 ? power : 1) / (1 + power)};
+    Ratio ratioOf(Four x) const {
+        const Four limit = Four{} + limit_, one = Four{} + 1;
+        const Four r = (x < 0 ? -x : x) * level_;
+        const FourFlags above = r >= 1;
+        const Four small = above ? 1 / r : r;
+        return {above ? one : r, above, small * small, x < 0 ? -limit : limit};
+    }
+
+    Value at(Four x) const {
+        const Ratio r = ratioOf(x);
+        Four power = r.power;
+        for (int i = 1; i < squares_; i++) power *= power;
+        const Shape soft = shape(r, power, squares_), hard = shape(r, power * power, squares_ + 1);
+        return {r.limit * (soft.value + mix_ * (hard.value - soft.value)),
+                r.limit * (soft.byLimit + mix_ * (hard.byLimit - soft.byLimit)), r.limit * (hard.value - soft.value)};
+    }
+
+    static Shape shape(const Ratio& r, Four power, int roots) {
+        const Four sum = 1 + power, one = Four{} + 1;
+        Four root = sum;
+        for (int i = 0; i < roots; i++) root = rootOf(root);
+        const Four value = r.clipped / root;
+        return {value, value * (r.above ? one : power) / sum};
     }
 
     float limit_, level_;
