@@ -1,8 +1,14 @@
 // Modems disable echo cancellers by 2100 Hz with phase reversals, from either side. The canceller stays disabled as long as
 // there is a signal in either direction (ITU-T G.168, clause 7).
+//
+// The detector, a recursion that takes longer than all other looks at a block, listens only where some of the signal is at
+// 2100 Hz, and begins anew each time: what rings in it after a loud signal does not count as a tone in the silence after
+// it.
 #pragma once
 
 #include <algorithm>
+#include <cmath>
+#include <numbers>
 #include <span>
 
 #include "echo/memory.h"
@@ -13,19 +19,20 @@ namespace vspv {
 
 class ToneDisabler {
   public:
-    // Of blocks of up to so many samples.
+    // Of blocks of so many samples.
     ToneDisabler(int rate, int block, Memory& memory)
         : rate_(rate), far_(rate, block, memory), near_(rate, block, memory) {}
 
     template <class Sample>
     void process(const Sample* far, const Sample* near, int count) {
-        const bool heardFar = far_.detect(far, count), heardNear = near_.detect(near, count);
+        const auto block = [count](const Sample* x) { return std::span(x, static_cast<std::size_t>(count)); };
+        const bool heardFar = far_.detect(block(far)), heardNear = near_.detect(block(near));
         if (heardFar || heardNear) {
             disabled_ = true;
             silence_ = 0;
         }
         if (!disabled_) return;
-        silence_ = power(far, count) < kRelease && power(near, count) < kRelease ? silence_ + count : 0;
+        silence_ = meanSquare(block(far)) < kRelease && meanSquare(block(near)) < kRelease ? silence_ + count : 0;
         if (silence_ < kReleaseTime * rate_) return;
         disabled_ = false;
         far_.reset();
@@ -39,49 +46,87 @@ class ToneDisabler {
     static constexpr double kRelease = 32768.0 * 32768.0 * 6.09e-5;
     static constexpr double kReleaseTime = 0.25;  // s
 
-    static constexpr double kSilence = 32768.0 * 32768.0 * 1e-6;  // -60 dBov
-    static constexpr double kGap = 0.02;                          // s of silence, after which a tone is another one
+    static constexpr float kSilence = 32768.0f * 32768.0f * 1e-6f;  // -60 dBov
+    static constexpr float kLikely = 0.25f;  // share of a tone in the power of a block, of which it fills a part perhaps
+    static constexpr double kPause = 0.03;   // s without a tone, longer than a reversal
+    static constexpr double kTone = 2100;    // Hz
 
-    // In fixed point for samples of either type: that is twice as fast. What rings in the detector after a loud signal
-    // would count as a tone in the silence after it, so it begins anew there.
+    // In fixed point for samples of either type: that is twice as fast.
     class Detector {
       public:
-        Detector(int rate, int block, Memory& memory) : rate_(rate), samples_(memory.take<Vsp16s>(block).data()) {
+        // Of blocks of so many samples, a multiple of 4.
+        Detector(int rate, int block, Memory& memory)
+            : rate_(rate),
+              cosine_(memory.take<float>(block)),
+              sine_(memory.take<float>(block)),
+              samples_(memory.take<Vsp16s>(block)),
+              before_(memory.take<Vsp16s>(block)) {
             Vsp32s size = 0;
             vspsToneDetectGetStateSize_EC_16s(rate, &size);
             state_ = reinterpret_cast<VspToneDetectState_EC_16s*>(memory.take<Vsp8u>(size).data());
-            if (!memory.measures()) reset();
-        }
-        void reset() { vspsToneDetectInit_EC_16s(state_, rate_); }
-        bool detect(const Vsp16s* in, int count) {
-            silence_ = power(in, count) < kSilence ? silence_ + count : 0;
-            if (silence_ > kGap * rate_) {
-                silence_ = 0;
-                reset();
-                return false;
+            if (memory.measures()) return;
+            for (std::size_t n = 0; n < cosine_.size(); n++) {
+                const double phase = 2 * std::numbers::pi * kTone / rate * static_cast<double>(n);
+                cosine_[n] = static_cast<float>(std::cos(phase));
+                sine_[n] = static_cast<float>(std::sin(phase));
             }
-            Vsp32s found = 0;
-            vspsToneDetect_EC_16s(in, count, &found, state_);
-            return found != 0;
         }
-        bool detect(const Vsp32f* in, int count) {
-            std::transform(in, in + count, samples_, [](float x) {
-                return static_cast<Vsp16s>(static_cast<int>(std::clamp(x, -kFullScale, kHighest)));
-            });
-            return detect(samples_, count);
+
+        void reset() { listens_ = false; }
+
+        template <class Sample>
+        bool detect(std::span<const Sample> in) {
+            std::swap(samples_, before_);
+            std::transform(in.begin(), in.end(), samples_.begin(), [](Sample x) { return inFixedPoint(x); });
+            if (likely(in)) {
+                pause_ = 0;
+                if (!listens_) begin();
+            } else if (listens_) {
+                pause_ += static_cast<int>(in.size());
+                listens_ = pause_ <= kPause * rate_;
+            }
+            return listens_ && found(samples_);
         }
 
       private:
-        int rate_, silence_ = 0;  // Hz, samples
-        VspToneDetectState_EC_16s* state_;
-        Vsp16s* samples_;
-    };
+        static Vsp16s inFixedPoint(Vsp16s x) { return x; }
+        static Vsp16s inFixedPoint(float x) {
+            const float notAbove = x < kHighest ? x : kHighest, within = notAbove > -kFullScale ? notAbove : -kFullScale;
+            return static_cast<Vsp16s>(static_cast<int>(within));
+        }
 
-    // The mean square of a block.
-    template <class Sample>
-    static float power(const Sample* x, int count) {
-        return meanSquare(std::span(x, static_cast<std::size_t>(count)));
-    }
+        template <class Sample>
+        bool likely(std::span<const Sample> in) const {
+            Four re{}, im{}, squares{};
+            for (std::size_t n = 0; n < in.size(); n += 4) {
+                const Four x = fourOf(&in[n]);
+                re += x * fourOf(&cosine_[n]);
+                im += x * fourOf(&sine_[n]);
+                squares += x * x;
+            }
+            const auto count = static_cast<float>(in.size());
+            const float energy = sumOf(squares), tone = 2 / count * (sumOf(re) * sumOf(re) + sumOf(im) * sumOf(im));
+            return energy >= kSilence * count && tone > kLikely * energy;
+        }
+
+        // The tone may have begun in the block before.
+        void begin() {
+            listens_ = true;
+            vspsToneDetectInit_EC_16s(state_, rate_);
+            found(before_);
+        }
+        bool found(std::span<const Vsp16s> samples) {
+            Vsp32s found = 0;
+            vspsToneDetect_EC_16s(samples.data(), static_cast<Vsp32s>(samples.size()), &found, state_);
+            return found != 0;
+        }
+
+        int rate_, pause_ = 0;  // Hz, samples
+        std::span<float> cosine_, sine_;
+        std::span<Vsp16s> samples_, before_;
+        VspToneDetectState_EC_16s* state_;
+        bool listens_ = false;
+    };
 
     int rate_;
     Detector far_, near_;
