@@ -45,8 +45,7 @@ class LoudnessBudget {
             limit_[k] = spentBefore_[k] + more(near99_[k]);
         }
         spent_ = 0;
-        double lowest = kUnlimited;
-        for (Index k = now_ + milliseconds; k < now_ + kWindow; k++) lowest = std::min(lowest, limit_[at(k, kWindow)]);
+        double lowest = lowestLimit(now_ + milliseconds, now_ + kWindow);
         for (Index i = milliseconds - 1; i >= 0; i--) {
             lowest_[at(i, kMostMilliseconds)] = lowest;
             lowest = std::min(lowest, limit_[at(now_ + i, kWindow)]);
@@ -85,7 +84,21 @@ class LoudnessBudget {
     static constexpr double kUnlimited = std::numeric_limits<double>::infinity();
     static constexpr Index kWindow = 100, kInner = kWindow - 1, kKept = 256;
 
-    static std::size_t at(Index index, Index size) { return static_cast<std::size_t>(index % size); }
+    static std::size_t at(Index index, Index size) { return static_cast<std::size_t>(index) % static_cast<std::size_t>(size); }
+    double lowestLimit(Index from, Index to) const {
+        const double *const first = &limit_[at(from, kWindow)], *const last = &limit_[at(to - 1, kWindow)];
+        if (first <= last) return lowestOf(first, last);
+        return std::min(lowestOf(limit_.data(), last), lowestOf(first, &limit_.back()));
+    }
+    static double lowestOf(const double* first, const double* last) {
+        constexpr std::ptrdiff_t kParts = 8;
+        double parts[kParts];
+        std::fill_n(parts, kParts, *first);
+        for (; last - first >= kParts; first += kParts)
+            for (std::ptrdiff_t i = 0; i < kParts; i++) parts[i] = first[i] < parts[i] ? first[i] : parts[i];
+        for (; first <= last; first++) parts[0] = std::min(parts[0], *first);
+        return *std::min_element(parts, parts + kParts);
+    }
     // What the output may have in 99 ms above what it is expected to have.
     double more(double near) const { return ((wide_ && near > kQuiet * peak_ ? kWide : kNarrow) - kLeast) * near; }
 

@@ -12,7 +12,6 @@
 #pragma once
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstddef>
 #include <span>
@@ -41,24 +40,19 @@ class OutputGuard {
     template <class Sample>
     void limit(std::span<const Sample> near, std::span<float> echo, double learning, std::span<const float> residual = {},
                bool trusted = false) {
-        const std::size_t count = near.size() / millisecond_;
-        std::array<Energies, LoudnessBudget::kMostMilliseconds> each;
-        const auto measureEach = [&] {
-            Energies all;
-            for (std::size_t i = 0; i < count; i++)
-                all += each[i] = measureFinite(near.subspan(i * millisecond_, millisecond_),
-                                               echo.subspan(i * millisecond_, millisecond_));
-            return all;
+        Energies all;
+        const auto forEach = [&](auto work) {
+            for (std::size_t n = 0; n < near.size(); n += millisecond_)
+                work(near.subspan(n, millisecond_), echo.subspan(n, millisecond_));
         };
-        judge(measureEach(), static_cast<double>(near.size()), learning);
-        if (!residual.empty()) {
+        forEach([&](auto x, auto y) { all += measureFinite<Sample>(x, y); });
+        judge(all, static_cast<double>(near.size()), learning);
+        if (!residual.empty())
             for (std::size_t n = 0; n < echo.size(); n++) echo[n] += residual[n];
-            measureEach();
-        }
-        budget_.begin(static_cast<int>(count), trusted && proven());
-        for (std::size_t i = 0; i < count; i++)
-            limitMillisecond(near.subspan(i * millisecond_, millisecond_), echo.subspan(i * millisecond_, millisecond_),
-                             each[i]);
+        budget_.begin(static_cast<int>(near.size() / millisecond_), trusted && proven());
+        forEach([&](auto x, auto y) {
+            if (!passes<Sample>(x, y)) limitMillisecond(x, y, measureFinite<Sample>(x, y));
+        });
     }
 
     // The filter has been seen to remove echo.
@@ -129,6 +123,20 @@ class OutputGuard {
         const double slow = (1 - learning) * (1 - learning), least = removed > kMuch * ms ? kFast : 0;
         evidence_ += removed > 0 ? std::max(slow, least) * removed : removed;
         evidence_ = wasProven && !proven() ? 0 : std::clamp(evidence_, 0.0, kMost);
+    }
+
+    // What is proven, and within the budget, is subtracted as it is: nearly always.
+    template <class Sample>
+    bool passes(std::span<const Sample> near, std::span<const float> echo) {
+        constexpr double kClearly = 0.99;
+        if (!proven() || silent_ || share_ != 1 || gain_ != 1) return false;
+        bool ends = true;
+        for (const Sample x : near.last(kZeros)) ends &= x == 0;
+        if (ends) return false;
+        const Output out = outputOf(near, echo);
+        if (!(out.energy <= kClearly * budget_.most() && out.louder <= budget_.louderSamples())) return false;
+        budget_.spend(out.energy, out.louder);
+        return true;
     }
 
     template <class Sample>

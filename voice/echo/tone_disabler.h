@@ -59,8 +59,8 @@ class ToneDisabler {
             : rate_(rate),
               cosine_(memory.take<float>(block)),
               sine_(memory.take<float>(block)),
-              samples_(memory.take<Vsp16s>(block)),
-              before_(memory.take<Vsp16s>(block)) {
+              before_(memory.take<float>(block)),
+              samples_(memory.take<Vsp16s>(block)) {
             Vsp32s size = 0;
             vspsToneDetectGetStateSize_EC_16s(rate, &size);
             state_ = reinterpret_cast<VspToneDetectState_EC_16s*>(memory.take<Vsp8u>(size).data());
@@ -76,8 +76,6 @@ class ToneDisabler {
 
         template <class Sample>
         bool detect(std::span<const Sample> in) {
-            std::swap(samples_, before_);
-            std::transform(in.begin(), in.end(), samples_.begin(), [](Sample x) { return inFixedPoint(x); });
             if (likely(in)) {
                 pause_ = 0;
                 if (!listens_) begin();
@@ -85,14 +83,15 @@ class ToneDisabler {
                 pause_ += static_cast<int>(in.size());
                 listens_ = pause_ <= kPause * rate_;
             }
-            return listens_ && found(samples_);
+            const bool found = listens_ && finds(in);
+            std::copy(in.begin(), in.end(), before_.begin());
+            return found;
         }
 
       private:
         static Vsp16s inFixedPoint(Vsp16s x) { return x; }
         static Vsp16s inFixedPoint(float x) {
-            const float notAbove = x < kHighest ? x : kHighest, within = notAbove > -kFullScale ? notAbove : -kFullScale;
-            return static_cast<Vsp16s>(static_cast<int>(within));
+            return static_cast<Vsp16s>(static_cast<int>(std::clamp(x, -kFullScale, kHighest)));
         }
 
         template <class Sample>
@@ -113,17 +112,19 @@ class ToneDisabler {
         void begin() {
             listens_ = true;
             vspsToneDetectInit_EC_16s(state_, rate_);
-            found(before_);
+            finds(std::span<const float>(before_));
         }
-        bool found(std::span<const Vsp16s> samples) {
+        template <class Sample>
+        bool finds(std::span<const Sample> in) {
+            std::transform(in.begin(), in.end(), samples_.begin(), [](Sample x) { return inFixedPoint(x); });
             Vsp32s found = 0;
-            vspsToneDetect_EC_16s(samples.data(), static_cast<Vsp32s>(samples.size()), &found, state_);
+            vspsToneDetect_EC_16s(samples_.data(), static_cast<Vsp32s>(samples_.size()), &found, state_);
             return found != 0;
         }
 
         int rate_, pause_ = 0;  // Hz, samples
-        std::span<float> cosine_, sine_;
-        std::span<Vsp16s> samples_, before_;
+        std::span<float> cosine_, sine_, before_;
+        std::span<Vsp16s> samples_;
         VspToneDetectState_EC_16s* state_;
         bool listens_ = false;
     };
