@@ -128,17 +128,15 @@ VSP_INLINE void followNoise(Suppressor* s, const SuppressorArrays& a) {
 }
 
 // The echo in the error: what the filters have not learned, and the share of the estimate that has been left of late. The
-// estimate fades out, and a part of it counts in all bands, where a loudspeaker's distortions go.
-template <class Band>
-VSP_INLINE void expectEcho(Suppressor* s, const SuppressorArrays& a, const Band* est, const Vsp32f* residual) {
+// estimate, whose powers are given in the place of the echo, fades out, and a part of it counts in all bands, where a
+// loudspeaker's distortions go.
+VSP_INLINE void expectEcho(Suppressor* s, const SuppressorArrays& a, const Vsp32f* residual) {
     constexpr Vsp32f kSpread = 0.5f;
     const Vsp32s bands = s->numSubbands;
-    const Vsp32f unit = s->unit, fade = s->referenceDecay;
-    const Vsp32f total = sumOverBands(bands, [&](Vsp32s k) { return limited(powerOf(est[k], unit)); });
-    const Vsp32f spread = kSpread / Vsp32f(bands) * total;
+    const Vsp32f fade = s->referenceDecay, spread = kSpread / Vsp32f(bands) * sumOf(a.echo, bands);
     VSP_INDEPENDENT
     for (Vsp32s k = 0; k < bands; k++) {
-        const Vsp32f now = limited(powerOf(est[k], unit)) + spread;
+        const Vsp32f now = a.echo[k] + spread;
         const Vsp32f faded = fade * a.reference[k];
         a.reference[k] = larger(now, faded);
         const Vsp32f share = a.left[k];
@@ -150,7 +148,7 @@ VSP_INLINE void expectEcho(Suppressor* s, const SuppressorArrays& a, const Band*
 // depends on how much of the echo has been left of late: what a loudspeaker adds comes and goes with the far end's level.
 VSP_INLINE Vsp32f talkingShare(const Suppressor* s, const SuppressorArrays& a) {
     constexpr Vsp32f kClear = 8, kMostClear = 14, kAdded = 0.15f, kLittle = 0.002f, kMuch = 0.01f;
-    const Vsp32f reference = sumOverBands(s->numSubbands, [&](Vsp32s k) { return a.reference[k]; });
+    const Vsp32f reference = sumOf(a.reference, s->numSubbands);
     const Vsp32f left = sumOverBands(s->numSubbands, [&](Vsp32s k) { return a.left[k] * a.reference[k]; });
     const Vsp32f much = larger(0, smaller(1, (left - kLittle * reference) / ((kMuch - kLittle) * reference + kNothing)));
     const Vsp32f clear = kClear + much * (kMostClear - kClear);
@@ -201,10 +199,11 @@ VSP_INLINE void suppress(Suppressor* s, const Band* est, const Vsp32f* residual,
         const Band e = err[k];
         const Vsp32f power = powerOf(e, unit);
         a.heard[k] = limited(power);
+        a.echo[k] = limited(powerOf(est[k], unit));
         err[k].re = power <= kMost ? e.re : 0;
         err[k].im = power <= kMost ? e.im : 0;
     }
-    expectEcho(s, a, est, residual);
+    expectEcho(s, a, residual);
     const Vsp32f clear = larger(0, smaller(1, (talkingShare(s, a) - kAlone) / (kTalking - kAlone)));
     s->talk = larger(clear, s->talkDecay * s->talk);
     if (!doubleTalk) learnLeftShare(s, a, 1 - kSlower * s->talk);

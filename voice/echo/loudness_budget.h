@@ -84,7 +84,9 @@ class LoudnessBudget {
     static constexpr double kUnlimited = std::numeric_limits<double>::infinity();
     static constexpr Index kWindow = 100, kInner = kWindow - 1, kKept = 256;
 
-    static std::size_t at(Index index, Index size) { return static_cast<std::size_t>(index) % static_cast<std::size_t>(size); }
+    static std::size_t at(Index index, Index size) {
+        return static_cast<std::size_t>(index) % static_cast<std::size_t>(size);
+    }
     double lowestLimit(Index from, Index to) const {
         const double *const first = &limit_[at(from, kWindow)], *const last = &limit_[at(to - 1, kWindow)];
         if (first <= last) return lowestOf(first, last);
