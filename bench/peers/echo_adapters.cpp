@@ -38,14 +38,18 @@ class Library : public Adapter {
         constexpr std::size_t kBlock = 160;
         OwnedCanceller canceller(settings_);
         const std::size_t latency = canceller.latency();
-        Signal f = far, n = near, out(near.size() + latency);
-        f.resize(out.size());
-        n.resize(out.size());
-        for (std::size_t i = 0; i < out.size(); i += kBlock) {
-            const std::size_t count = std::min(kBlock, out.size() - i);
-            canceller.process(std::span{f.data() + i, count}, {n.data() + i, count}, {out.data() + i, count});
+        Signal out(near.size());
+        float padded[2][kBlock], made[kBlock];
+        for (std::size_t i = 0; i < out.size() + latency; i += kBlock) {
+            const auto block = [i](const Signal& x, float* otherwise) -> const float* {
+                if (i + kBlock <= x.size()) return x.data() + i;
+                std::fill(std::copy(x.begin() + std::min(i, x.size()), x.end(), otherwise), otherwise + kBlock, 0.0f);
+                return otherwise;
+            };
+            canceller.process(std::span{block(far, padded[0]), kBlock}, {block(near, padded[1]), kBlock}, made);
+            const std::size_t first = std::max(i, latency), last = std::min(i + kBlock, out.size() + latency);
+            if (first < last) std::copy(made + (first - i), made + (last - i), out.data() + (first - latency));
         }
-        out.erase(out.begin(), out.begin() + static_cast<std::ptrdiff_t>(latency));
         return out;
     }
 
