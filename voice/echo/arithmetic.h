@@ -27,6 +27,11 @@ struct FloatArithmetic {
     static WindowValue windowValue(double w) { return static_cast<WindowValue>(w); }
     static Sample sample(float x) { return x; }
     static Complex subtract(Complex a, Complex b) { return {a.re - b.re, a.im - b.im}; }
+    static void subtract(const Complex* a, const Complex* b, Complex* y, int bands) {
+        int k = 0;
+        for (; k + 2 <= bands; k += 2) store(fourOf(a + k) - fourOf(b + k), &y[k].re);
+        if (k < bands) y[k] = subtract(a[k], b[k]);
+    }
     static Complex scaled(Complex a, float gain) { return {gain * a.re, gain * a.im}; }
 
     static void bankSize(const BankShape& s, Vsp32s* state, Vsp32s* init, Vsp32s* work) {
@@ -116,6 +121,9 @@ struct FixedArithmetic {
     static Sample sample(float x) { return static_cast<Sample>(std::lrint(std::clamp(x, -kFullScale, kHighest))); }
 
     static Complex subtract(Complex a, Complex b) { return {difference(a.re, b.re), difference(a.im, b.im)}; }
+    static void subtract(const Complex* a, const Complex* b, Complex* y, int bands) {
+        for (int k = 0; k < bands; k++) y[k] = subtract(a[k], b[k]);
+    }
     static Complex scaled(Complex a, float gain) { return {product(a.re, gain), product(a.im, gain)}; }
 
     static void bankSize(const BankShape& s, Vsp32s* state, Vsp32s* init, Vsp32s* work) {

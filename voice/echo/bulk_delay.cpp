@@ -55,14 +55,14 @@ BulkDelay::BulkDelay(const Shape& s, Memory& memory)
 // a path that is as loud as the far end at most.
 void BulkDelay::adapt() {
     std::array<float, kBands> before;
-    std::transform(left_.begin(), left_.end(), before.begin(), power);
+    for (std::size_t k = 0; k < kBands; k += 4) store(powersOf(&left_[k]), &before[k]);
     forBothParts([this](int first, int count) {
         FloatArithmetic::filter(far_.at(first), response_.at(first), estimate_.data(), count, kBands);
-        std::transform(left_.begin(), left_.end(), estimate_.begin(), left_.begin(), FloatArithmetic::subtract);
+        FloatArithmetic::subtract(left_.data(), estimate_.data(), left_.data(), kBands);
     });
     float learned = 0, left = 0, unexplained = 0;
     for (std::size_t k = 0; k < kBands; k++) {
-        const float error = power(left_[k]), far = static_cast<float>(std::max(power_.far[k], 0.0));
+        const float error = powerOf(left_[k]), far = static_cast<float>(std::max(power_.far[k], 0.0));
         float &noise = power_.noise[k], &u = uncertainty_[k];
         noise += noiseShare_ * (error - noise);
         const float gain = 1 / (u * far + std::max(noise, error) + kNothing), share = u * far * gain;
@@ -95,8 +95,7 @@ void BulkDelay::measureEnergies(std::span<const float> covered) {
     float outside = 0;
     for (int t = 0; t < length_; t++) {
         float& e = upTo_[static_cast<std::size_t>(t + 1)];
-        const Vsp32fc* h = response_.at(t)[0];
-        e = sumOf(kBands, [h](std::size_t k) { return power(h[k]); }) / kBands;
+        e = powerOf(std::span<const Vsp32fc>(response_.at(t)[0], kBands)) / kBands;
         if (t < delay_ || t >= delay_ + covered_) outside += e;
     }
     const float chance =
@@ -158,8 +157,8 @@ bool BulkDelay::decide(std::span<const float> coveredEnergy, float leftShare) {
 
 SignalBulkDelay::SignalBulkDelay(const BankShape& shape, int maxFrames, int covered, int rate, Memory& memory)
     : shape_(shape),
-      farBank_(shape, BankWindow::kFar, memory),
-      leftBank_(shape, BankWindow::kFar, memory),
+      farBank_(shape, farWindow(shape), memory),
+      leftBank_(shape, farWindow(shape), memory),
       farIn_(memory.take<float>(shape.frame)),
       leftIn_(memory.take<float>(shape.frame)),
       far_(memory.take<Vsp32fc>(shape.bands())),

@@ -31,7 +31,7 @@ class BulkDelay {
         Vsp32fc* x = far_.push();
         for (std::size_t k = 0; k < kBands; k++) {
             x[k] = value(far[band(static_cast<int>(k))]);
-            p.far[k] += double(power(x[k])) - double(power(far_.at(length_)[0][k]));
+            p.far[k] += double(powerOf(x[k])) - double(powerOf(far_.at(length_)[0][k]));
         }
         turn_ = (turn_ + 1) % kDecide;
         if (resting() && turn_ % kRest != 0) return false;
@@ -59,7 +59,6 @@ class BulkDelay {
     static Vsp32fc value(Complex z) {
         return {static_cast<float>(z.re), static_cast<float>(z.im)};
     }
-    static float power(Vsp32fc z) { return z.re * z.re + z.im * z.im; }
     // What has been heard of the far end lately told nothing.
     bool resting() const { return nothingNew_ > restAfter_; }
     void adapt();

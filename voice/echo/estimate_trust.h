@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "echo/samples.h"
+
 namespace vspv {
 
 class EstimateTrust {
@@ -18,9 +20,16 @@ class EstimateTrust {
     // The bands of a frame of the near end and of what the estimate leaves of it; the step size.
     template <class Complex>
     void update(const Complex* near, const Complex* left, int bands, double learning) {
-        int quieter = 0, louder = 0;
-        for (int k = 0; k < bands; k++) {
-            const float before = power(near[k]), after = power(left[k]);
+        FourFlags quieterOfFour{}, louderOfFour{};
+        int k = 0;
+        for (; k + 4 <= bands; k += 4) {
+            const Four before = powersOf(near + k), after = powersOf(left + k);
+            quieterOfFour -= after < kQuieter * before;
+            louderOfFour -= after > kLouder * before;
+        }
+        int quieter = sumOf(quieterOfFour), louder = sumOf(louderOfFour);
+        for (; k < bands; k++) {
+            const float before = powerOf(inFloat(near[k])), after = powerOf(inFloat(left[k]));
             quieter += after < kQuieter * before;
             louder += after > kLouder * before;
         }
@@ -40,11 +49,7 @@ class EstimateTrust {
     static constexpr float kMany = 0.1f;  // of the bands
     static constexpr double kLearned = 0.01;
 
-    template <class Complex>
-    static float power(Complex z) {
-        const auto re = static_cast<float>(z.re), im = static_cast<float>(z.im);
-        return re * re + im * im;
-    }
+    static int sumOf(FourFlags x) { return x[0] + x[1] + x[2] + x[3]; }
 
     float share_, quieter_ = 0, louder_ = 0;
     int doubt_, doubtful_;

@@ -12,13 +12,13 @@ class FilterBank {
     using Sample = typename Arithmetic::Sample;
     using Complex = typename Arithmetic::Complex;
 
-    FilterBank(const BankShape& shape, BankWindow window, Memory& memory) {
+    // w: may be anything while the memory only measures.
+    FilterBank(const BankShape& shape, const Window& w, Memory& memory) {
         Vsp32s stateSize = 0, initSize = 0, workSize = 0;
         Arithmetic::bankSize(shape, &stateSize, &initSize, &workSize);
         state_ = memory.take<Vsp8u>(stateSize).data();
         work_ = memory.take<Vsp8u>(std::max(initSize, workSize)).data();
         if (memory.measures()) return;
-        const Window w = makeWindow(window, shape);
         typename Arithmetic::WindowValue values[kMaxWindow];
         std::transform(w.begin(), w.begin() + shape.window, values, Arithmetic::windowValue);
         Arithmetic::initBank(state(), shape, values, work_);

@@ -12,6 +12,8 @@
 // In a wide budget the output may be 4 dB louder where the near end is not quiet.
 #pragma once
 
+#include <emmintrin.h>
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -93,13 +95,15 @@ class LoudnessBudget {
         return std::min(lowestOf(limit_.data(), last), lowestOf(first, &limit_.back()));
     }
     static double lowestOf(const double* first, const double* last) {
-        constexpr std::ptrdiff_t kParts = 8;
-        double parts[kParts];
-        std::fill_n(parts, kParts, *first);
-        for (; last - first >= kParts; first += kParts)
-            for (std::ptrdiff_t i = 0; i < kParts; i++) parts[i] = first[i] < parts[i] ? first[i] : parts[i];
-        for (; first <= last; first++) parts[0] = std::min(parts[0], *first);
-        return *std::min_element(parts, parts + kParts);
+        __m128d a = _mm_set1_pd(*first), b = a;
+        for (; last - first >= 4; first += 4) {
+            a = _mm_min_pd(a, _mm_loadu_pd(first));
+            b = _mm_min_pd(b, _mm_loadu_pd(first + 2));
+        }
+        const __m128d both = _mm_min_pd(a, b);
+        double lowest = std::min(both[0], both[1]);
+        for (; first <= last; first++) lowest = std::min(lowest, *first);
+        return lowest;
     }
     // What the output may have in 99 ms above what it is expected to have.
     double more(double near) const { return ((wide_ && near > kQuiet * peak_ ? kWide : kNarrow) - kLeast) * near; }

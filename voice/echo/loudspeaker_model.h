@@ -21,12 +21,12 @@ class LoudspeakerModel {
     using Sample = typename Arithmetic::Sample;
 
   public:
-    LoudspeakerModel(const BankShape& shape, int taps, int maxDelay, Memory& memory)
+    LoudspeakerModel(const BankShape& shape, const Window& far, int taps, int maxDelay, Memory& memory)
         : shape_(shape),
           taps_(taps),
           filling_(taps + maxDelay + shape.window / shape.frame),
-          limitBank_(shape, BankWindow::kFar, memory),
-          hardnessBank_(shape, BankWindow::kFar, memory),
+          limitBank_(shape, far, memory),
+          hardnessBank_(shape, far, memory),
           byLimit_(taps + maxDelay, kRegressionBands, memory),
           byHardness_(taps + maxDelay, kRegressionBands, memory),
           path_(taps, kRegressionBands, memory),
@@ -90,18 +90,10 @@ class LoudspeakerModel {
         for (int i = 0; i < kRegressionBands; i++) row[i] = bands_[band(i)];
     }
 
-    static Vsp32fc inFloat(Complex z, float one) {
-        return {static_cast<float>(z.re) / one, static_cast<float>(z.im) / one};
-    }
     void copyBands(const Complex* from, float one, Vsp32fc* to) const {
         for (int i = 0; i < kRegressionBands; i++) to[i] = inFloat(from[band(i)], one);
     }
-    float powerOf(const Complex* x) const {
-        return sumOf(bands_.size(), [x](std::size_t k) {
-            const Vsp32fc z = inFloat(x[k], Arithmetic::kBand);
-            return z.re * z.re + z.im * z.im;
-        });
-    }
+    float powerIn(const Complex* x) const { return powerOf(std::span(x, bands_.size()), Arithmetic::kBand); }
 
     void begin(Stage stage, float limit) {
         stage_ = stage;
@@ -117,7 +109,7 @@ class LoudspeakerModel {
     void watch(const Complex* estimate, const Complex* error, double learning) {
         constexpr float kShare = 0.02f, kPause = 0.1f;                                 // of a new frame, of the mean power
         constexpr float kSuspicious = 0.002f, kExplained = 0.001f, kCancelled = 0.5f;  // what is left
-        const float echo = powerOf(estimate), left = powerOf(error);
+        const float echo = powerIn(estimate), left = powerIn(error);
         if (!(echo <= kMost && left <= kMost) || echo < kPause * echo_) return;
         echo_ += kShare * (echo - echo_);
         left_ += kShare * (left - left_);

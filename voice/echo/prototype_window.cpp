@@ -55,27 +55,22 @@ Vector solve(Square a, Vector b) {
 Window lowPass(const BankShape& shape, double cutoff, double beta) {
     Window w{};
     double energy = 0;
-    for (int i = 0; i < shape.window; i++) {
+    for (int i = 0; i < shape.window / 2; i++) {
         const double t = i - (shape.window - 1) / 2.0;
         const double u = 2 * t / (shape.window - 1);
-        double& v = w[static_cast<std::size_t>(i)];
-        v = sinc(cutoff * t / shape.transform()) * besselI0(beta * std::sqrt(1 - u * u));
-        energy += v * v;
+        const double v = sinc(cutoff * t / shape.transform()) * besselI0(beta * std::sqrt(1 - u * u));
+        w[static_cast<std::size_t>(i)] = w[static_cast<std::size_t>(shape.window - 1 - i)] = v;
     }
+    for (const double v : w) energy += v * v;
     const double scale = std::sqrt(shape.frame / energy);  // about the same gain in analysis and synthesis
     for (double& v : w) v *= scale;
     return w;
 }
 
-Window nearWindow(const BankShape& shape) { return lowPass(shape, 0.85, 7.5); }
-
-Window farWindow(const BankShape& shape) { return lowPass(shape, 1.25, 8); }
-
 // Output sample n of the two together is the sum over j of x[n - delay + j * transform] * (sum of w[i + j * transform] *
 // s[i]), i running over the positions that n has in the frames that reach it. The sums must be 1 for j = 0 and 0 else. With
 // fewer equations than values, s = A^T (A A^T)^-1 b is the shortest solution.
-Window synthesisWindow(const BankShape& shape) {
-    const Window analysis = nearWindow(shape);
+Window synthesisWindow(const BankShape& shape, const Window& analysis) {
     Window s{};
     const int length = shape.window, blocks = length / shape.transform();
     for (int first = 0; first < shape.frame; first++) {
@@ -109,13 +104,11 @@ BankShape bankShape(int rate) {
     return {.order = 9, .frame = 224, .window = kMaxWindow};
 }
 
-Window makeWindow(BankWindow window, const BankShape& shape) {
-    switch (window) {
-        case BankWindow::kNear: return nearWindow(shape);
-        case BankWindow::kFar: return farWindow(shape);
-        case BankWindow::kSynthesis: return synthesisWindow(shape);
-    }
-    return {};
+Window farWindow(const BankShape& shape) { return lowPass(shape, 1.25, 8); }
+
+BankWindows bankWindows(const BankShape& shape) {
+    const Window near = lowPass(shape, 0.85, 7.5);
+    return {near, farWindow(shape), synthesisWindow(shape, near)};
 }
 
 }  // namespace vspv

@@ -12,8 +12,8 @@ class ResidualEcho {
     using Sample = typename Arithmetic::Sample;
 
   public:
-    ResidualEcho(const BankShape& shape, int rate, Memory& memory)
-        : bank_(shape, BankWindow::kSynthesis, memory),
+    ResidualEcho(const BankShape& shape, const Window& synthesis, int rate, Memory& memory)
+        : bank_(shape, synthesis, memory),
           residual_(memory.take<Complex>(shape.bands())),
           samples_(memory.take<Sample>(shape.frame)),
           signal_(memory.take<float>(shape.frame)) {
@@ -29,8 +29,10 @@ class ResidualEcho {
                           bool active) {
         std::copy_n(error, residual_.size(), residual_.begin());
         Arithmetic::suppress(estimate, expected, doubleTalk, residual_.data(), state_);
-        for (std::size_t k = 0; k < residual_.size(); k++)
-            residual_[k] = active ? Arithmetic::subtract(error[k], residual_[k]) : Complex{};
+        if (active)
+            Arithmetic::subtract(error, residual_.data(), residual_.data(), static_cast<int>(residual_.size()));
+        else
+            std::fill(residual_.begin(), residual_.end(), Complex{});
         bank_.synthesise(residual_.data(), samples_.data());
         std::transform(samples_.begin(), samples_.end(), signal_.begin(), [](Sample y) { return static_cast<float>(y); });
         return signal_;

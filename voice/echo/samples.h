@@ -1,6 +1,8 @@
 // Samples as the application has them, and inside: on the scale of 16 bits.
 #pragma once
 
+#include <emmintrin.h>
+
 #include <algorithm>
 #include <cmath>
 #include <span>
@@ -33,6 +35,11 @@ inline Four fourOf(const Vsp16s* x) {
     using Integers = Vsp16s __attribute__((vector_size(8)));
     return __builtin_convertvector(Integers{x[0], x[1], x[2], x[3]}, Four);
 }
+// Two complex values.
+inline Four fourOf(const Vsp32fc* z) { return fourOf(reinterpret_cast<const float*>(z)); }
+inline Four fourOf(const Vsp32sc* z) {
+    return __builtin_convertvector(FourFlags{z[0].re, z[0].im, z[1].re, z[1].im}, Four);
+}
 inline void store(Four x, float* to) {
     for (int i = 0; i < 4; i++) to[i] = x[i];
 }
@@ -40,6 +47,30 @@ inline Four rootOf(Four x) { return Four{std::sqrt(x[0]), std::sqrt(x[1]), std::
 inline float sumOf(Four parts) {
     const Four pairs = parts + __builtin_shufflevector(parts, parts, 1, 0, 3, 2);
     return pairs[0] + pairs[2];
+}
+
+inline Four fromOutside(Four x) {
+    constexpr float kMost = 2 * kFullScale;
+    const Four number = x == x ? x : Four{};
+    return _mm_max_ps(_mm_min_ps(number, Four{} + kMost), Four{} - kMost);
+}
+
+// The powers of four complex values, whose unit is given.
+template <class Complex>
+Four powersOf(const Complex* z, float unit = 1) {
+    const Four a = fourOf(z) / unit, b = fourOf(z + 2) / unit, aa = a * a, bb = b * b;
+    return __builtin_shufflevector(aa, bb, 0, 2, 4, 6) + __builtin_shufflevector(aa, bb, 1, 3, 5, 7);
+}
+inline float powerOf(Vsp32fc z) { return z.re * z.re + z.im * z.im; }
+template <class Complex>
+Vsp32fc inFloat(Complex z, float unit = 1) {
+    return {static_cast<float>(z.re) / unit, static_cast<float>(z.im) / unit};
+}
+
+// Sixteen parts of a sum, added in a tree of halves.
+inline float sumOf(const Four (&parts)[4]) {
+    const Four sums = (parts[0] + parts[2]) + (parts[1] + parts[3]);
+    return (sums[0] + sums[2]) + (sums[1] + sums[3]);
 }
 
 // The sum of term(0) .. term(count - 1), in parts that the compiler adds at once.
@@ -51,9 +82,22 @@ float sumOf(std::size_t count, Term term) {
     for (; count - n >= kParts; n += kParts)
         for (std::size_t i = 0; i < kParts; i++) parts[i] += term(n + i);
     for (std::size_t i = 0; n + i < count; i++) parts[i] += term(n + i);
-    for (std::size_t half = kParts / 2; half > 0; half /= 2)
-        for (std::size_t i = 0; i < half; i++) parts[i] += parts[i + half];
-    return parts[0];
+    return sumOf({fourOf(parts), fourOf(parts + 4), fourOf(parts + 8), fourOf(parts + 12)});
+}
+
+// The sum of powers; in the same order.
+template <class Complex>
+float powerOf(std::span<const Complex> z, float unit = 1) {
+    Four parts[4] = {};
+    std::size_t n = 0;
+    for (; z.size() - n >= 16; n += 16)
+        for (std::size_t i = 0; i < 4; i++) parts[i] += powersOf(&z[n + 4 * i], unit);
+    for (std::size_t i = 0; n + i < z.size(); i++) {
+        Four last{};
+        last[i % 4] = powerOf(inFloat(z[n + i], unit));
+        parts[i / 4] += last;
+    }
+    return sumOf(parts);
 }
 
 // The largest magnitude; of whole fours.

@@ -31,38 +31,7 @@ class SubbandCanceller {
 
   public:
     SubbandCanceller(const VspvEchoSettings& c, Memory& memory)
-        : shape_(bankShape(c.samplingRate)),
-          bands_(shape_.bands()),
-          frameMs_(1000.0 * shape_.frame / c.samplingRate),
-          taps_(static_cast<int>(c.tailMs / frameMs_) + 1 + kLookAhead + kLookBack),
-          maxDelay_(static_cast<int>(c.maxBulkDelayMs / frameMs_)),
-          farBank_(shape_, BankWindow::kFar, memory),
-          nearBank_(shape_, BankWindow::kNear, memory),
-          outBank_(shape_, BankWindow::kSynthesis, memory),
-          far_(taps_ + maxDelay_, bands_, memory),
-          near_(kLookAhead + 1, bands_, memory),
-          coefficients_(taps_, bands_, memory),
-          controller_(shape_, taps_, c.samplingRate, memory),
-          farActivity_(maxDelay_ + taps_),
-          presence_(1000 / frameMs_),
-          trust_(1000 / frameMs_),
-          guard_(c.samplingRate, latency() - shape_.frame),
-          enhancement_(1000 / frameMs_),
-          loudspeaker_(shape_, taps_, maxDelay_, memory),
-          tapEnergy_(memory.take<float>(taps_)),
-          estimate_(memory.take<Complex>(bands_)),
-          error_(memory.take<Complex>(bands_)),
-          farIn_(memory.take<Sample>(shape_.frame)),
-          played_(memory.take<Sample>(shape_.frame)),
-          estimated_(memory.take<Sample>(shape_.frame)),
-          echo_(memory.take<float>(shape_.frame)),
-          out_(memory.take<Sample>(shape_.frame)),
-          nearIn_(memory.take<Sample>(latency())) {
-        if (c.toneDisabling != 0) tone_.emplace(c.samplingRate, shape_.frame, memory);
-        if (c.suppression != 0) residualEcho_.emplace(shape_, c.samplingRate, memory);
-        const double spacing = double(c.samplingRate) / shape_.transform();
-        if (maxDelay_ > 0) bulkDelay_.emplace(BulkDelay::Shape{maxDelay_, taps_, spacing, 1000 / frameMs_}, memory);
-    }
+        : SubbandCanceller(c, memory, memory.measures() ? BankWindows{} : bankWindows(bankShape(c.samplingRate))) {}
 
     // Of analysis and synthesis, of the waiting for the future, and of the collecting of a frame.
     int latency() const { return shape_.window - shape_.frame + kLookAhead * shape_.frame + shape_.frame; }
@@ -73,9 +42,8 @@ class SubbandCanceller {
     void process(const Outside* far, const Outside* near, Outside* out, int len) {
         for (int count = 0; len > 0; len -= count, far += count, near += count, out += count) {
             count = std::min(len, shape_.frame - filled_);
-            const auto inside = [](Outside x) { return Arithmetic::sample(fromOutside(x)); };
-            std::transform(far, far + count, farIn_.data() + filled_, inside);
-            std::transform(near, near + count, newest() + filled_, inside);
+            takeIn(far, count, farIn_.data() + filled_);
+            takeIn(near, count, newest() + filled_);
             const Sample* const made = out_.data() + filled_;
             for (int i = 0; i < count; i++) toOutside(static_cast<float>(made[i]), out[i]);
             filled_ += count;
@@ -86,9 +54,51 @@ class SubbandCanceller {
     }
 
   private:
+    SubbandCanceller(const VspvEchoSettings& c, Memory& memory, const BankWindows& windows)
+        : shape_(bankShape(c.samplingRate)),
+          bands_(shape_.bands()),
+          frameMs_(1000.0 * shape_.frame / c.samplingRate),
+          taps_(static_cast<int>(c.tailMs / frameMs_) + 1 + kLookAhead + kLookBack),
+          maxDelay_(static_cast<int>(c.maxBulkDelayMs / frameMs_)),
+          farBank_(shape_, windows.far, memory),
+          nearBank_(shape_, windows.near, memory),
+          outBank_(shape_, windows.synthesis, memory),
+          far_(taps_ + maxDelay_, bands_, memory),
+          near_(kLookAhead + 1, bands_, memory),
+          coefficients_(taps_, bands_, memory),
+          controller_(shape_, taps_, c.samplingRate, memory),
+          farActivity_(maxDelay_ + taps_),
+          presence_(1000 / frameMs_),
+          trust_(1000 / frameMs_),
+          guard_(c.samplingRate, latency() - shape_.frame),
+          enhancement_(1000 / frameMs_),
+          loudspeaker_(shape_, windows.far, taps_, maxDelay_, memory),
+          tapEnergy_(memory.take<float>(taps_)),
+          estimate_(memory.take<Complex>(bands_)),
+          error_(memory.take<Complex>(bands_)),
+          farIn_(memory.take<Sample>(shape_.frame)),
+          played_(memory.take<Sample>(shape_.frame)),
+          estimated_(memory.take<Sample>(shape_.frame)),
+          echo_(memory.take<float>(shape_.frame)),
+          out_(memory.take<Sample>(shape_.frame)),
+          nearIn_(memory.take<Sample>(latency())) {
+        if (c.toneDisabling != 0) tone_.emplace(c.samplingRate, shape_.frame, memory);
+        if (c.suppression != 0) residualEcho_.emplace(shape_, windows.synthesis, c.samplingRate, memory);
+        const double spacing = double(c.samplingRate) / shape_.transform();
+        if (maxDelay_ > 0) bulkDelay_.emplace(BulkDelay::Shape{maxDelay_, taps_, spacing, 1000 / frameMs_}, memory);
+    }
+
     // The near end as far back as the output lags; its newest frame comes last.
     Sample* newest() { return nearIn_.data() + nearIn_.size() - farIn_.size(); }
     int delay() const { return bulkDelay_ ? bulkDelay_->frames() : 0; }
+
+    template <class Outside>
+    static void takeIn(const Outside* in, int count, Sample* to) {
+        int i = 0;
+        if constexpr (std::is_same_v<Outside, float> && std::is_same_v<Sample, float>)
+            for (; i + 4 <= count; i += 4) store(fromOutside(fourOf(in + i)), to + i);
+        for (; i < count; i++) to[i] = Arithmetic::sample(fromOutside(in[i]));
+    }
 
     void processFrame() {
         if (tone_) tone_->process(farIn_.data(), newest(), shape_.frame);
@@ -110,7 +120,7 @@ class SubbandCanceller {
 
     void cancel(const Complex* near) {
         Arithmetic::filter(far_.at(delay()), coefficients_.at(0), estimate_.data(), taps_, bands_);
-        std::transform(near, near + bands_, estimate_.begin(), error_.begin(), Arithmetic::subtract);
+        Arithmetic::subtract(near, estimate_.data(), error_.data(), bands_);
     }
 
     // The bank would give the near end back as it was, but for rounding.
