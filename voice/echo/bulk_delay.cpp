@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 
 namespace vspv {
 
@@ -102,12 +103,10 @@ void BulkDelay::measureEnergies(std::span<const float> covered) {
         leftPower_ > 0 ? kChance * std::min(1.0f, unexplained_ / leftPower_) * outside / static_cast<float>(length_) : 0;
     const float faint = kFaint * *std::max_element(covered.begin(), covered.end());
     const auto clearly = [faint](float e) { return e > faint ? e : 0.0f; };
-    for (int t = 0; t < length_; t++) {
-        const bool isCovered = t >= delay_ && t < delay_ + covered_;
-        float& e = upTo_[static_cast<std::size_t>(t + 1)];
-        e = isCovered ? useful_ * clearly(covered[static_cast<std::size_t>(t - delay_)]) : std::max(e - chance, 0.0f);
-        e += upTo_[static_cast<std::size_t>(t)];
-    }
+    float* const ofCovered = &upTo_[static_cast<std::size_t>(delay_ + 1)];
+    for (float& e : upTo_) e = std::max(e - chance, 0.0f);
+    std::transform(covered.begin(), covered.end(), ofCovered, [&](float e) { return useful_ * clearly(e); });
+    std::partial_sum(upTo_.begin(), upTo_.end(), upTo_.begin());
 }
 
 // The longest delay that keeps nearly all of the response inside, but for the lead.
@@ -140,9 +139,9 @@ bool BulkDelay::decide(std::span<const float> coveredEnergy, float leftShare) {
     const int found = find();
     if (unexplained_ > leftPower_)
         for (int t = 0; t < length_; t++)
-            for (int k = 0; k < kBands; k++) {
-                Vsp32fc& h = response_.at(t)[0][k];
-                h = {kFade * h.re, kFade * h.im};
+            for (int k = 0; k < kBands; k += 2) {
+                Vsp32fc* const h = response_.at(t)[0] + k;
+                store(kFade * fourOf(h), &h->re);
             }
     const float now = evidence(found);
     evidence_ = now == 0 ? 0 : std::abs(found - candidate_) <= 1 ? evidence_ + now : now;

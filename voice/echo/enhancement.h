@@ -2,9 +2,6 @@
 #pragma once
 
 #include <cmath>
-#include <span>
-
-#include "echo/samples.h"
 
 namespace vspv {
 
@@ -12,11 +9,10 @@ class Enhancement {
   public:
     explicit Enhancement(double blockRate) : share_(static_cast<float>(1 - std::exp(-1 / (kTime * blockRate)))) {}
 
-    // A block of both, in time with each other.
-    template <class Sample>
-    void update(std::span<const Sample> near, std::span<const Sample> out) {
-        near_ += share_ * (meanSquare(near) - near_);
-        out_ += share_ * (meanSquare(out) - out_);
+    // The power of a block of both, in time with each other.
+    void update(float near, float out) {
+        near_ += share_ * (near - near_);
+        out_ += share_ * (out - out_);
     }
 
     double decibels() const { return 10 * std::log10((double(near_) + kNothing) / (double(out_) + kNothing)); }

@@ -145,7 +145,7 @@ class FullbandCanceller {
         if (disabled) std::fill(echo_.begin(), echo_.end(), 0.0f);
         guard_.limit(near, echo_, step);
         for (std::size_t n = 0; n < out_.size(); n++) out_[n] = Arithmetic::sample(static_cast<float>(near[n]) - echo_[n]);
-        enhancement_.update(near, std::span<const Sample>(out_));
+        enhancement_.update(meanSquare(near), meanSquare(std::span<const Sample>(out_)));
         std::copy(nearIn_.begin() + block_, nearIn_.end(), nearIn_.begin());
         std::copy(echoes_.begin() + block_, echoes_.end(), echoes_.begin());
     }

@@ -40,19 +40,10 @@ class OutputGuard {
     template <class Sample>
     void limit(std::span<const Sample> near, std::span<float> echo, double learning, std::span<const float> residual = {},
                bool trusted = false) {
-        Energies all;
-        const auto forEach = [&](auto work) {
-            for (std::size_t n = 0; n < near.size(); n += millisecond_)
-                work(near.subspan(n, millisecond_), echo.subspan(n, millisecond_));
-        };
-        forEach([&](auto x, auto y) { all += measureFinite<Sample>(x, y); });
-        judge(all, static_cast<double>(near.size()), learning);
-        if (!residual.empty())
-            for (std::size_t n = 0; n < echo.size(); n++) echo[n] += residual[n];
-        budget_.begin(static_cast<int>(near.size() / millisecond_), trusted && proven());
-        forEach([&](auto x, auto y) {
-            if (!passes<Sample>(x, y)) limitMillisecond(x, y, measureFinite<Sample>(x, y));
-        });
+        if (millisecond_ == 8)
+            limitBlock<8>(near, echo, learning, residual, trusted);
+        else
+            limitBlock<16>(near, echo, learning, residual, trusted);
     }
 
     // The filter has been seen to remove echo.
@@ -85,9 +76,27 @@ class OutputGuard {
         double energy, louder;  // louder: of the samples that are louder than the near end's, by how much
     };
 
-    // Of a millisecond.
-    template <class Sample>
-    static Energies measure(std::span<const Sample> near, std::span<const float> echo) {
+    // In milliseconds of so many samples.
+    template <std::size_t kCount, class Sample>
+    void limitBlock(std::span<const Sample> near, std::span<float> echo, double learning, std::span<const float> residual,
+                    bool trusted) {
+        const auto forEach = [&](auto work) {
+            for (std::size_t n = 0; n < near.size(); n += kCount)
+                work(near.subspan(n).template first<kCount>(), echo.subspan(n).template first<kCount>());
+        };
+        Energies all;
+        forEach([&](auto x, auto y) { all += measureFinite(x, y); });
+        judge(all, static_cast<double>(near.size()), learning);
+        for (std::size_t n = 0; n < residual.size(); n++) echo[n] += residual[n];
+        budget_.begin(static_cast<int>(near.size() / kCount), trusted && proven());
+        forEach([&](auto x, auto y) {
+            if (!passes(x, y)) limitMillisecond<Sample>(x, y, measureFinite(x, y));
+        });
+    }
+
+    // Of a millisecond. Here and below, spans whose length the compiler knows are the fast ones.
+    template <class Near, class Echo>
+    static Energies measure(Near near, Echo echo) {
         Four nearEnergy{}, echoEnergy{}, product{}, nearSum{}, echoSum{};
         for (std::size_t n = 0; n < near.size(); n += 4) {
             const Four x = fourOf(&near[n]), y = fourOf(&echo[n]);
@@ -101,12 +110,12 @@ class OutputGuard {
     }
 
     // An estimate that is not finite, or louder than signals can be, becomes 0.
-    template <class Sample>
-    static Energies measureFinite(std::span<const Sample> near, std::span<float> echo) {
-        const Energies e = measure<Sample>(near, echo);
+    template <class Near, class Echo>
+    static Energies measureFinite(Near near, Echo echo) {
+        const Energies e = measure(near, echo);
         if (e.echo <= kLoudest) return e;
         std::fill(echo.begin(), echo.end(), 0.0f);
-        return measure<Sample>(near, echo);
+        return measure(near, echo);
     }
 
     bool proven() const { return evidence_ >= kProven; }
@@ -126,12 +135,12 @@ class OutputGuard {
     }
 
     // What is proven, and within the budget, is subtracted as it is: nearly always.
-    template <class Sample>
-    bool passes(std::span<const Sample> near, std::span<const float> echo) {
+    template <class Near, class Echo>
+    bool passes(Near near, Echo echo) {
         constexpr double kClearly = 0.99;
         if (!proven() || silent_ || share_ != 1 || gain_ != 1) return false;
         bool ends = true;
-        for (const Sample x : near.last(kZeros)) ends &= x == 0;
+        for (std::size_t i = 1; i <= kZeros; i++) ends &= near[near.size() - i] == 0;
         if (ends) return false;
         const Output out = outputOf(near, echo);
         if (!(out.energy <= kClearly * budget_.most() && out.louder <= budget_.louderSamples())) return false;
@@ -157,7 +166,7 @@ class OutputGuard {
         fade(echo, static_cast<float>(share));
         keepSilence(near, echo, afterSilence);
         Output out = outputOf(near, echo);
-        if (out.energy > most) out = lessen(near, echo, measure<Sample>(near, echo).share(most));
+        if (out.energy > most) out = lessen(near, echo, measure(near, echo).share(most));
         const double samples = budget_.louderSamples();
         if (out.louder > samples) out = lessen(near, echo, samples / out.louder);
         if (gain_ < 1 || out.energy > most) out = turnDown(near, echo, out.energy, most);
@@ -182,7 +191,7 @@ class OutputGuard {
             const auto x = static_cast<float>(near[n]);
             echo[n] = x - (from + static_cast<float>(n + 1) * step) * (x - echo[n]);
         }
-        return outputOf(near, std::span<const float>(echo));
+        return outputOf(near, echo);
     }
 
     // Digital silence that begins or ends within a millisecond stays silence.
@@ -209,8 +218,8 @@ class OutputGuard {
         return sumOf(energy);
     }
 
-    template <class Sample>
-    static Output outputOf(std::span<const Sample> near, std::span<const float> echo) {
+    template <class Near, class Echo>
+    static Output outputOf(Near near, Echo echo) {
         Four energy{}, louder{};
         for (std::size_t n = 0; n < near.size(); n += 4) {
             const Four x = fourOf(&near[n]), out = x - fourOf(&echo[n]), more = out * out - x * x;
@@ -225,7 +234,7 @@ class OutputGuard {
         const auto less = static_cast<float>(share);
         for (float& y : echo) y *= less;
         share_ *= less;
-        return outputOf(near, std::span<const float>(echo));
+        return outputOf(near, echo);
     }
 
     std::size_t millisecond_;

@@ -24,6 +24,8 @@ namespace {
 // past it gets as much longer.
 constexpr int kLookAhead = 1, kLookBack = 3;
 
+constexpr int kFramesKept = 7;  // of the near end, beyond those that are needed: so seldom is it moved
+
 template <class Arithmetic>
 class SubbandCanceller {
     using Sample = typename Arithmetic::Sample;
@@ -36,7 +38,11 @@ class SubbandCanceller {
     // Of analysis and synthesis, of the waiting for the future, and of the collecting of a frame.
     int latency() const { return shape_.window - shape_.frame + kLookAhead * shape_.frame + shape_.frame; }
 
-    VspvEchoStatus status() const { return status_; }
+    VspvEchoStatus status() const {
+        VspvEchoStatus status = status_;
+        status.erle = enhancement_.decibels();
+        return status;
+    }
 
     template <class Outside>
     void process(const Outside* far, const Outside* near, Outside* out, int len) {
@@ -81,7 +87,7 @@ class SubbandCanceller {
           estimated_(memory.take<Sample>(shape_.frame)),
           echo_(memory.take<float>(shape_.frame)),
           out_(memory.take<Sample>(shape_.frame)),
-          nearIn_(memory.take<Sample>(latency())) {
+          nearLine_(memory.take<Sample>(latency() + kFramesKept * shape_.frame)) {
         if (c.toneDisabling != 0) tone_.emplace(c.samplingRate, shape_.frame, memory);
         if (c.suppression != 0) residualEcho_.emplace(shape_, windows.synthesis, c.samplingRate, memory);
         const double spacing = double(c.samplingRate) / shape_.transform();
@@ -89,7 +95,15 @@ class SubbandCanceller {
     }
 
     // The near end as far back as the output lags; its newest frame comes last.
-    Sample* newest() { return nearIn_.data() + nearIn_.size() - farIn_.size(); }
+    std::span<Sample> nearIn() { return nearLine_.subspan(nearBegin_, static_cast<std::size_t>(latency())); }
+    Sample* newest() { return nearIn().last(farIn_.size()).data(); }
+    // What is in the line moves to its beginning when its end is reached.
+    void advanceNear() {
+        nearBegin_ += farIn_.size();
+        if (nearBegin_ + static_cast<std::size_t>(latency()) <= nearLine_.size()) return;
+        std::copy(nearLine_.begin() + static_cast<std::ptrdiff_t>(nearBegin_), nearLine_.end(), nearLine_.begin());
+        nearBegin_ = 0;
+    }
     int delay() const { return bulkDelay_ ? bulkDelay_->frames() : 0; }
 
     template <class Outside>
@@ -104,7 +118,7 @@ class SubbandCanceller {
         if (tone_) tone_->process(farIn_.data(), newest(), shape_.frame);
         const bool disabled = tone_ && tone_->disabled();
 
-        guard_.expect(std::span<const Sample>(nearIn_).last(farIn_.size()));
+        guard_.expect(std::span<const Sample>(nearIn()).last(farIn_.size()));
         Complex* x = far_.push();
         std::copy(farIn_.begin(), farIn_.end(), played_.begin());
         loudspeaker_.play(played_);
@@ -115,7 +129,7 @@ class SubbandCanceller {
         if (bulkDelay_ && !disabled && bulkDelay_->update(x, error_.data())) followDelay();
         subtract(disabled);
         observe(disabled);
-        std::copy(nearIn_.begin() + shape_.frame, nearIn_.end(), nearIn_.begin());
+        advanceNear();
     }
 
     void cancel(const Complex* near) {
@@ -127,14 +141,14 @@ class SubbandCanceller {
     void subtract(bool disabled) {
         outBank_.synthesise(estimate_.data(), estimated_.data());
         std::transform(estimated_.begin(), estimated_.end(), echo_.begin(), [](Sample y) { return static_cast<float>(y); });
-        const std::span<const Sample> near(nearIn_.data(), echo_.size());
-        presence_.update(meanSquare(near), meanSquareLeft(near));
+        const std::span<const Sample> near = nearIn().first(echo_.size());
+        const float power = meanSquare(near);
+        presence_.update(power, meanSquareLeft(near));
         if (disabled) std::fill(echo_.begin(), echo_.end(), 0.0f);
         trust_.update(near_.at(kLookAhead)[0], error_.data(), bands_, controller_.learning());
         guard_.limit(near, echo_, controller_.learning(), disabled ? std::span<float>() : residualEcho(), trust_.trusted());
-        for (std::size_t n = 0; n < out_.size(); n++)
-            out_[n] = Arithmetic::sample(static_cast<float>(nearIn_[n]) - echo_[n]);
-        enhancement_.update<Sample>(nearIn_.first(out_.size()), out_);
+        for (std::size_t n = 0; n < out_.size(); n++) out_[n] = Arithmetic::sample(static_cast<float>(near[n]) - echo_[n]);
+        enhancement_.update(power, meanSquare(std::span<const Sample>(out_)));
     }
 
     std::span<float> residualEcho() {
@@ -163,16 +177,11 @@ class SubbandCanceller {
     }
 
     void followDelay() {
-        constexpr float kUnit = 1 / Arithmetic::kCoefficient;
+        constexpr float kUnit = Arithmetic::kCoefficient;
         for (int t = 0; t < taps_; t++) {
-            const Complex* c = coefficients_.at(t)[0];
-            float energy = 0;
-            for (int i = 0; i < BulkDelay::bands(); i++) {
-                const Complex z = c[bulkDelay_->band(i)];
-                const float re = kUnit * static_cast<float>(z.re), im = kUnit * static_cast<float>(z.im);
-                energy += re * re + im * im;
-            }
-            tapEnergy_[static_cast<std::size_t>(t)] = energy / BulkDelay::bands();
+            Vsp32fc c[BulkDelay::bands()];
+            for (int i = 0; i < BulkDelay::bands(); i++) c[i] = inFloat(coefficients_.at(t)[0][bulkDelay_->band(i)], kUnit);
+            tapEnergy_[static_cast<std::size_t>(t)] = powerOf(std::span<const Vsp32fc>(c)) / BulkDelay::bands();
         }
         const int before = delay();
         if (bulkDelay_->decide(tapEnergy_, presence_.leftShare())) realign(delay() - before);
@@ -202,7 +211,7 @@ class SubbandCanceller {
                    .toneDisabled = disabled,
                    .bulkDelayMs = delay() * frameMs_,
                    .stepSize = disabled ? 0 : controller_.learning(),
-                   .erle = enhancement_.decibels()};
+                   .erle = 0};
     }
 
     BankShape shape_;
@@ -226,7 +235,8 @@ class SubbandCanceller {
     std::span<Complex> estimate_, error_;
     std::span<Sample> farIn_, played_, estimated_;
     std::span<float> echo_;
-    std::span<Sample> out_, nearIn_;
+    std::span<Sample> out_, nearLine_;
+    std::size_t nearBegin_ = 0;
     int filled_ = 0;
     VspvEchoStatus status_{};
 };
