@@ -27,7 +27,15 @@ class FilterBank {
     FilterBank& operator=(const FilterBank&) = delete;
 
     void analyse(const Sample* in, Complex* out) { Arithmetic::analyse(in, out, state(), work_); }
-    void synthesise(const Complex* in, Sample* out) { Arithmetic::synthesise(in, out, state(), work_); }
+    // room: for a frame of samples.
+    void synthesise(const Complex* in, float* out, std::span<Sample> room) {
+        if constexpr (std::is_same_v<Sample, float>) {
+            Arithmetic::synthesise(in, out, state(), work_);
+        } else {
+            Arithmetic::synthesise(in, room.data(), state(), work_);
+            std::copy(room.begin(), room.end(), out);
+        }
+    }
 
   private:
     typename Arithmetic::BankState* state() { return reinterpret_cast<typename Arithmetic::BankState*>(state_); }

@@ -11,6 +11,7 @@
 #include "echo/delay_line.h"
 #include "echo/error_regression.h"
 #include "echo/filter_bank.h"
+#include "echo/frame_powers.h"
 #include "echo/saturation.h"
 
 namespace vspv {
@@ -53,11 +54,11 @@ class LoudspeakerModel {
     }
 
     // What the filters made of a frame; learning: their step size. Returns by what their coefficients are to be multiplied.
-    float learn(const Complex* estimate, const Complex* error, const Complex* const* coefficients, int delay,
-                double learning, bool nearSpeech) {
+    float learn(const FramePowers& powers, const Complex* estimate, const Complex* error,
+                const Complex* const* coefficients, int delay, double learning, bool nearSpeech) {
         constexpr double kLearnedToLook = 0.2, kLearned = 0.5;
         constexpr int kStep = 16;  // frames
-        if (!nearSpeech) watch(estimate, error, learning);
+        if (!nearSpeech) watch(powers.estimate, powers.left, learning);
         if (stage_ == Stage::linear) return 1;
         if (frames_ < 0) {
             frames_++;
@@ -93,7 +94,6 @@ class LoudspeakerModel {
     void copyBands(const Complex* from, float one, Vsp32fc* to) const {
         for (int i = 0; i < kRegressionBands; i++) to[i] = inFloat(from[band(i)], one);
     }
-    float powerIn(const Complex* x) const { return powerOf(std::span(x, bands_.size()), Arithmetic::kBand); }
 
     void begin(Stage stage, float limit) {
         stage_ = stage;
@@ -106,10 +106,9 @@ class LoudspeakerModel {
     }
 
     // The share of the echo's power that is left while there is one.
-    void watch(const Complex* estimate, const Complex* error, double learning) {
+    void watch(float echo, float left, double learning) {
         constexpr float kShare = 0.02f, kPause = 0.1f;                                 // of a new frame, of the mean power
         constexpr float kSuspicious = 0.002f, kExplained = 0.001f, kCancelled = 0.5f;  // what is left
-        const float echo = powerIn(estimate), left = powerIn(error);
         if (!(echo <= kMost && left <= kMost) || echo < kPause * echo_) return;
         echo_ += kShare * (echo - echo_);
         left_ += kShare * (left - left_);

@@ -33,8 +33,7 @@ class ResidualEcho {
             Arithmetic::subtract(error, residual_.data(), residual_.data(), static_cast<int>(residual_.size()));
         else
             std::fill(residual_.begin(), residual_.end(), Complex{});
-        bank_.synthesise(residual_.data(), samples_.data());
-        std::transform(samples_.begin(), samples_.end(), signal_.begin(), [](Sample y) { return static_cast<float>(y); });
+        bank_.synthesise(residual_.data(), signal_.data(), samples_);
         return signal_;
     }
 

@@ -87,14 +87,14 @@ float sumOf(std::size_t count, Term term) {
 
 // The sum of powers; in the same order.
 template <class Complex>
-float powerOf(std::span<const Complex> z, float unit = 1) {
+float powerOf(std::span<const Complex> z) {
     Four parts[4] = {};
     std::size_t n = 0;
     for (; z.size() - n >= 16; n += 16)
-        for (std::size_t i = 0; i < 4; i++) parts[i] += powersOf(&z[n + 4 * i], unit);
+        for (std::size_t i = 0; i < 4; i++) parts[i] += powersOf(&z[n + 4 * i]);
     for (std::size_t i = 0; n + i < z.size(); i++) {
         Four last{};
-        last[i % 4] = powerOf(inFloat(z[n + i], unit));
+        last[i % 4] = powerOf(inFloat(z[n + i]));
         parts[i / 4] += last;
     }
     return sumOf(parts);

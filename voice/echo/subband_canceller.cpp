@@ -10,6 +10,7 @@
 #include "echo/estimate_trust.h"
 #include "echo/far_activity.h"
 #include "echo/filter_bank.h"
+#include "echo/frame_powers.h"
 #include "echo/loudspeaker_model.h"
 #include "echo/output_guard.h"
 #include "echo/residual_echo.h"
@@ -124,28 +125,28 @@ class SubbandCanceller {
         loudspeaker_.play(played_);
         farBank_.analyse(played_.data(), x);
         nearBank_.analyse(newest(), near_.push());
-        cancel(near_.at(kLookAhead)[0]);
-        if (!disabled) adapt();
+        const FramePowers powers = cancel(near_.at(kLookAhead)[0]);
+        if (!disabled) adapt(powers);
         if (bulkDelay_ && !disabled && bulkDelay_->update(x, error_.data())) followDelay();
+        trust_.update(powers, bands_, controller_.learning());
         subtract(disabled);
         observe(disabled);
         advanceNear();
     }
 
-    void cancel(const Complex* near) {
+    FramePowers cancel(const Complex* near) {
         Arithmetic::filter(far_.at(delay()), coefficients_.at(0), estimate_.data(), taps_, bands_);
         Arithmetic::subtract(near, estimate_.data(), error_.data(), bands_);
+        return FramePowers::of<Arithmetic>(near, estimate_.data(), error_.data(), bands_);
     }
 
     // The bank would give the near end back as it was, but for rounding.
     void subtract(bool disabled) {
-        outBank_.synthesise(estimate_.data(), estimated_.data());
-        std::transform(estimated_.begin(), estimated_.end(), echo_.begin(), [](Sample y) { return static_cast<float>(y); });
+        outBank_.synthesise(estimate_.data(), echo_.data(), estimated_);
         const std::span<const Sample> near = nearIn().first(echo_.size());
         const float power = meanSquare(near);
         presence_.update(power, meanSquareLeft(near));
         if (disabled) std::fill(echo_.begin(), echo_.end(), 0.0f);
-        trust_.update(near_.at(kLookAhead)[0], error_.data(), bands_, controller_.learning());
         guard_.limit(near, echo_, controller_.learning(), disabled ? std::span<float>() : residualEcho(), trust_.trusted());
         for (std::size_t n = 0; n < out_.size(); n++) out_[n] = Arithmetic::sample(static_cast<float>(near[n]) - echo_[n]);
         enhancement_.update(power, meanSquare(std::span<const Sample>(out_)));
@@ -165,9 +166,9 @@ class SubbandCanceller {
         return sum / static_cast<float>(near.size());
     }
 
-    void adapt() {
+    void adapt(const FramePowers& powers) {
         controller_.adapt(far_.at(delay()), error_.data(), estimate_.data(), coefficients_.at(0), guard_.removing());
-        const float gain = loudspeaker_.learn(estimate_.data(), error_.data(), coefficients_.at(0), delay(),
+        const float gain = loudspeaker_.learn(powers, estimate_.data(), error_.data(), coefficients_.at(0), delay(),
                                               controller_.learning(), controller_.nearSpeech());
         if (gain == 1) return;
         for (int t = 0; t < taps_; t++) {
