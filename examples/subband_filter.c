@@ -115,7 +115,7 @@ static int run(FILE* farFile, FILE* nearFile, FILE* outFile) {
     }
     while (ok) {
         oldest = far[kTaps - 1]; /* becomes the newest */
-        memmove(far + 1, far, (kTaps - 1) * sizeof far[0]);
+        for (t = kTaps - 1; t > 0; t--) far[t] = far[t - 1];
         far[0] = oldest;
         readFrame(farFile, frame);
         vspsSubbandAnalysis_32f32fc(frame, far[0], farBank.state, farBank.work);

@@ -77,6 +77,7 @@ class LevelControl : public LevelTest {
         std::memcpy(static_cast<void*>(&copy), memory.data(), sizeof copy);
         return copy;
     }
+    // NOLINTNEXTLINE(bugprone-*,cert-*): every bit counts, and there is no padding
     bool stateIs(const AlcReference& expected) const { return std::memcmp(&expected, memory.data(), sizeof expected) == 0; }
 
     // Runs the signal through the library and the plain form. Calls take turns to have the given numbers of blocks.

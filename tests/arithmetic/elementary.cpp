@@ -29,9 +29,16 @@ TEST(Elementary, ValuesAreExactToTheLastPlace) {
         // Where the cosine is near zero its argument as a float is, too.
         EXPECT_NEAR(std::cos(double(4 * x)), double(cos_32f(4 * x)), 6e-8);
     }
-    for (float x = std::numeric_limits<float>::denorm_min(); x < kInfinity; x *= 1.0003f + 0x1p-149f / x)
+    float x = std::numeric_limits<float>::denorm_min();
+    while (x < kInfinity) {
         expectNear(std::log10(double(x)), log10_32f(x), x);
-    for (float x = 1; x < 1e6f; x *= 1.001f) EXPECT_NEAR(std::cos(double(x)), double(cos_32f(-x)), 1e-7);
+        x *= 1.0003f + 0x1p-149f / x;
+    }
+    x = 1;
+    while (x < 1e6f) {
+        EXPECT_NEAR(std::cos(double(x)), double(cos_32f(-x)), 1e-7);
+        x *= 1.001f;
+    }
 }
 
 TEST(Elementary, WhatHasNoValueIsDefined) {

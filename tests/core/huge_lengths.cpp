@@ -60,7 +60,7 @@ class Array {
 TEST_P(HugeLengths, EndWithinTheArrays) {
     const auto& [function, length] = GetParam();
     const char* limit = std::getenv("VSPSC_HUGE_SECONDS");
-    const rlim_t seconds = limit != nullptr ? rlim_t(std::atoi(limit)) : 100;
+    const rlim_t seconds = limit != nullptr ? rlim_t(std::strtol(limit, nullptr, 10)) : 100;
     std::mt19937 random(1);
     States states;
     Draw draw([&] { return std::uint32_t(random()); }, states);

@@ -15,7 +15,7 @@ class G723Reader : public FrameReader {
     G723Reader(const std::string& file, const VspvCodec& codec, int bitRate) : FrameReader(codec), in_(file) {
         chooseBitRate(codec, bitRate);
         if (const std::string format = formatOfHeader(in_.first()); !format.empty())
-            throw FileError(name(), "has the header of " + format + ": a sound file, no coded stream");
+            throw FileError(in_.name(), "has the header of " + format + ": a sound file, no coded stream");
     }
 
     const std::string& name() const override { return in_.name(); }

@@ -13,7 +13,7 @@ class OctetStreamReader : public FrameReader {
     OctetStreamReader(const std::string& file, const VspvCodec& codec, int bitRate)
         : FrameReader(codec), in_(file), bitRate_(chooseBitRate(codec, bitRate)) {
         if (const std::string format = formatOfHeader(in_.first()); !format.empty())
-            throw FileError(name(), "has the header of " + format + ": a sound file, no coded stream");
+            throw FileError(in_.name(), "has the header of " + format + ": a sound file, no coded stream");
     }
 
     const std::string& name() const override { return in_.name(); }

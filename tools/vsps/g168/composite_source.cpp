@@ -71,10 +71,12 @@ Samples compositeSource(double seconds, double dbm0) {
     const Signal voice = voiced(kVoiced, kFarPitch);
     const Signal noise = bandNoise([&] { return std::pair(random.next() < 0 ? -1.0 : 1.0, 0.0); });
     Signal x;
-    for (double sign = 1; x.size() < samplesOf(seconds); sign = -sign) {
+    double sign = 1;
+    while (x.size() < samplesOf(seconds)) {
         for (const Signal* part : {&voice, &noise})
             for (const double v : *part) x.push_back(sign * v);
         x.resize(x.size() + kPause);
+        sign = -sign;
     }
     x.resize(samplesOf(seconds));
     return scaled(x, dbm0);
