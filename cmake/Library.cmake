@@ -56,6 +56,7 @@ set(vspsc_level_sources
     src/ec/fir_subband_32fc.cpp
     src/ec/fir_subband_32sc.cpp
     src/ec/fir_subband_fast_32fc.cpp
+    src/ec/fir_subband_fast_32sc.cpp
     src/ec/fir_subband_update_32fc.cpp
     src/ec/fir_subband_update_32sc.cpp
     src/ec/fullband_controller.cpp
@@ -264,7 +265,8 @@ endif()
 
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     # g++ 12 contracts the alternating sums of complex products (vfmaddsub) whatever -ffp-contract says.
-    set_source_files_properties(src/ec/fir_subband_32fc.cpp src/ec/fir_subband_fast_32fc.cpp src/ec/fir_subband_update_32fc.cpp
+    set_source_files_properties(src/ec/fir_subband_32fc.cpp src/ec/fir_subband_fast_32fc.cpp src/ec/fir_subband_fast_32sc.cpp
+                                src/ec/fir_subband_update_32fc.cpp
                                 src/vector/real_fft_16s.cpp src/vector/real_fft_32f.cpp PROPERTIES COMPILE_OPTIONS "-fno-tree-vectorize")
 endif()
 # Selects of floating-point values are vectorised only if comparisons have no side effects.
@@ -274,7 +276,8 @@ if(VSPSC_SANITIZE)
     # The butterflies are long and unrolled: with a check of every reference and scope in them they take minutes to compile.
     set_property(SOURCE src/vector/real_fft_16s.cpp src/vector/real_fft_32f.cpp APPEND
                  PROPERTY COMPILE_OPTIONS "-fno-sanitize=null,alignment;-fno-sanitize-address-use-after-scope")
-    set_source_files_properties(src/ec/fir_subband_32fc.cpp src/ec/fir_subband_fast_32fc.cpp src/ec/fir_subband_update_32fc.cpp
+    set_source_files_properties(src/ec/fir_subband_32fc.cpp src/ec/fir_subband_fast_32fc.cpp src/ec/fir_subband_fast_32sc.cpp
+                                src/ec/fir_subband_update_32fc.cpp
                                 src/vector/real_fft_16s.cpp src/vector/real_fft_32f.cpp PROPERTIES SKIP_PRECOMPILE_HEADERS ON) # have options of their own
 endif()
 

@@ -1,6 +1,9 @@
 // The sub-band filters and updates as their definitions read. Arguments are taken as valid.
 #include "ec/scalar_subband.h"
 
+#include <algorithm>
+#include <cmath>
+
 #include "arithmetic/basic_ops.h"
 
 namespace {
@@ -67,6 +70,24 @@ VspStatus fir32sc(const Vsp32sc* const* src, const Vsp32sc* const* coef, Vsp32sc
             im = addSat(im, addSat(xr * ci, xi * cr));
         }
         dst[k] = {scaled(re, scaleFactor), scaled(im, scaleFactor)};
+    }
+    return vspStsNoErr;
+}
+
+Vsp32s rounded(Vsp32f a) { return Vsp32s(std::lrint(std::clamp(a, -0x1p31f, 0x1p31f - 128))); }
+
+VspStatus firFast32sc(const Vsp32sc* const* src, const Vsp32sc* const* coef, Vsp32sc* dst, Vsp32s len, Vsp32s numSubbands,
+                      Vsp32s scaleFactor) {
+    const Vsp32f factor = std::ldexp(1.0f, -scaleFactor);
+    for (int k = 0; k < numSubbands; k++) {
+        Vsp32fc a = {0, 0}, b = {0, 0};
+        for (int t = 0; t < len; t++) {
+            const Vsp32f xr = Vsp32f(src[t][k].re), xi = Vsp32f(src[t][k].im);
+            const Vsp32f cr = Vsp32f(coef[t][k].re), ci = Vsp32f(coef[t][k].im);
+            a = {a.re + xr * cr, a.im + xi * cr};
+            b = {b.re + xr * ci, b.im + xi * ci};
+        }
+        dst[k] = {rounded((a.re - b.im) * factor), rounded((a.im + b.re) * factor)};
     }
     return vspStsNoErr;
 }
@@ -145,6 +166,21 @@ VspStatus update32sc(const Vsp32sc* stepSize, const Vsp32sc* const* src, const V
     return vspStsNoErr;
 }
 
+VspStatus updateFast32sc(const Vsp32sc* stepSize, const Vsp32sc* const* src, const Vsp32sc* err, Vsp32sc* const* coef,
+                         Vsp32s len, Vsp32s numSubbands, Vsp32s scaleFactor) {
+    for (int k = 0; k < numSubbands; k++) {
+        const Vsp64s s = std::clamp<Vsp64s>(Vsp64s(stepSize[k].im) - scaleFactor, -30, 126);
+        const Vsp32f step = std::ldexp(Vsp32f(stepSize[k].re), -int(s));
+        const Vsp32f re = Vsp32f(err[k].re) * step, im = Vsp32f(err[k].im) * step;
+        for (int t = 0; t < len; t++) {
+            const Vsp32f xr = Vsp32f(src[t][k].re), xi = Vsp32f(src[t][k].im);
+            Vsp32sc& c = coef[t][k];
+            c = {addSat32(c.re, rounded(re * xr + im * xi)), addSat32(c.im, rounded(im * xr + (0 - re) * xi))};
+        }
+    }
+    return vspStsNoErr;
+}
+
 VspStatus updateLow(const Vsp32sc* const* src, const Vsp32sc* err, Vsp32sc* const* coef, Vsp32s len, Vsp32sc* scratch,
                     const Vsp32sc* stepSize, Vsp32s firstBand, Vsp32s numSubbands, Vsp32s scaleFactor) {
     for (int k = firstBand; k < numSubbands; k++) {
@@ -171,10 +207,12 @@ void bench::addScalarSubband(vsp::Api& api) {
     api.vspsFIRSubband_EC_32fc = fir32fc;
     api.vspsFIRSubbandFast_EC_32fc = firFast32fc;
     api.vspsFIRSubband_EC_32sc_Sfs = fir32sc;
+    api.vspsFIRSubbandFast_EC_32sc_Sfs = firFast32sc;
     api.vspsFIRSubbandLow_EC_32sc_Sfs = firLow;
     api.vspsFIRSubbandCoeffUpdate_EC_32fc_I = update32fc;
     api.vspsFIRSubbandFastCoeffUpdate_EC_32fc_I = updateFast32fc;
     api.vspsFIRSubbandCoeffUpdate_EC_32sc_I = update32sc;
+    api.vspsFIRSubbandFastCoeffUpdate_EC_32sc_I = updateFast32sc;
     api.vspsFIRSubbandLowCoeffUpdate_EC_32sc_I = updateLow;
     api.vspsFIRSubbandAPCoeffUpdate_EC_32fc_I = updateProjection;
 }

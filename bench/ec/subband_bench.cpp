@@ -101,6 +101,10 @@ const bool registered = [] {
                [](auto fir, Fixed& x, int taps, int bands) {
                    return fir(x.src.data(), x.coef.data(), x.dst[0], taps, bands, kScale);
                });
+    add<Fixed>("vspsFIRSubbandFast_EC_32sc_Sfs", &vsp::Api::vspsFIRSubbandFast_EC_32sc_Sfs,
+               [](auto fir, Fixed& x, int taps, int bands) {
+                   return fir(x.src.data(), x.coef.data(), x.dst[0], taps, bands, kScale);
+               });
     add<Fixed>("vspsFIRSubbandLow_EC_32sc_Sfs", &vsp::Api::vspsFIRSubbandLow_EC_32sc_Sfs,
                [](auto fir, Fixed& x, int taps, int bands) {
                    return fir(x.src.data(), x.coef.data(), taps, x.dst[0], 0, bands, kScale);
@@ -114,6 +118,10 @@ const bool registered = [] {
                    return update(x.steps[0], x.src.data(), x.err()[0], x.coef.data(), taps, bands);
                });
     add<Fixed>("vspsFIRSubbandCoeffUpdate_EC_32sc_I", &vsp::Api::vspsFIRSubbandCoeffUpdate_EC_32sc_I,
+               [](auto update, Fixed& x, int taps, int bands) {
+                   return update(x.steps[0], x.src.data(), x.err()[0], x.coef.data(), taps, bands, kScale);
+               });
+    add<Fixed>("vspsFIRSubbandFastCoeffUpdate_EC_32sc_I", &vsp::Api::vspsFIRSubbandFastCoeffUpdate_EC_32sc_I,
                [](auto update, Fixed& x, int taps, int bands) {
                    return update(x.steps[0], x.src.data(), x.err()[0], x.coef.data(), taps, bands, kScale);
                });

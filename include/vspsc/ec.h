@@ -210,6 +210,24 @@ VspStatus vspsFIRSubband_EC_32sc_Sfs(const Vsp32sc* const* ppSrc, const Vsp32sc*
                                      Vsp32s numSubbands, Vsp32s scaleFactor);
 
 /**
+ * Filters each sub-band, fixed point, in single precision: values and coefficients are rounded to it, products and sums are
+ * those of vspsFIRSubbandFast_EC_32fc. A sum is divided by 2^scaleFactor, rounded to the nearest, halves to even, and
+ * saturates to -2^31 .. 2^31 - 128.
+ *
+ * @param[in]  ppSrc        len pointers to numSubbands values each
+ * @param[in]  ppCoef       len pointers to numSubbands coefficients each
+ * @param[out] pDst         numSubbands values
+ * @param[in]  len          taps, 1 to 255
+ * @param[in]  numSubbands  1 to 4097
+ * @param[in]  scaleFactor  -31 to 31
+ * @retval vspStsNullPtrErr     a pointer is null
+ * @retval vspStsCountRangeErr  numSubbands is outside 1..4097
+ * @retval vspStsRangeErr       len is outside 1..255, or scaleFactor outside -31..31
+ */
+VspStatus vspsFIRSubbandFast_EC_32sc_Sfs(const Vsp32sc* const* ppSrc, const Vsp32sc* const* ppCoef, Vsp32sc* pDst,
+                                         Vsp32s len, Vsp32s numSubbands, Vsp32s scaleFactor);
+
+/**
  * Filters sub-bands whose levels are known to be small: 64-bit sums that wrap, shifted right by scaleFactor without
  * rounding, of which the low 32 bits are stored.
  *
@@ -284,6 +302,28 @@ VspStatus vspsFIRSubbandFastCoeffUpdate_EC_32fc_I(const Vsp64f* pStepSize, const
  */
 VspStatus vspsFIRSubbandCoeffUpdate_EC_32sc_I(const Vsp32sc* pStepSize, const Vsp32sc* const* ppSrc, const Vsp32sc* pErr,
                                               Vsp32sc* const* ppCoef, Vsp32s len, Vsp32s numSubbands, Vsp32s scaleFactor);
+
+/**
+ * Adapts the sub-band filters by NLMS, fixed point, in single precision: with mantissa m (re) and exponent x (im) of a step
+ * size, errors and values rounded to it, m * 2^(scaleFactor - x) * err * conj(src) in the order of
+ * vspsFIRSubbandFastCoeffUpdate_EC_32fc_I; x - scaleFactor counts as -30 below that and as 126 above. A change is rounded
+ * to the nearest, halves to even, saturates to -2^31 .. 2^31 - 128, and is added with 32-bit saturation.
+ *
+ * @param[in]     pStepSize    numSubbands step sizes
+ * @param[in]     ppSrc        len pointers to numSubbands values each
+ * @param[in]     pErr         numSubbands errors
+ * @param[in,out] ppCoef       len pointers to numSubbands coefficients each
+ * @param[in]     len          taps, 1 to 255
+ * @param[in]     numSubbands  1 to 4097
+ * @param[in]     scaleFactor  0 to 31
+ * @retval vspStsNullPtrErr     a pointer is null
+ * @retval vspStsCountRangeErr  numSubbands is outside 1..4097
+ * @retval vspStsRangeErr       len is outside 1..255, or scaleFactor outside 0..31
+ * @retval vspStsSizeErr        a mantissa is negative
+ */
+VspStatus vspsFIRSubbandFastCoeffUpdate_EC_32sc_I(const Vsp32sc* pStepSize, const Vsp32sc* const* ppSrc,
+                                                  const Vsp32sc* pErr, Vsp32sc* const* ppCoef, Vsp32s len,
+                                                  Vsp32s numSubbands, Vsp32s scaleFactor);
 
 /**
  * Adapts sub-band filters whose levels are known to be small. As vspsFIRSubbandCoeffUpdate_EC_32sc_I but for these points:

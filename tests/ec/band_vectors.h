@@ -46,6 +46,11 @@ std::vector<T> complexSamples(int n, unsigned seed) {
     return values;
 }
 
+// The nearest word, up to the largest one that a float holds.
+inline Vsp32s roundedWord(Vsp32f a) {
+    return a < -0x1p31f ? Vsp32s(-0x7FFFFFFF - 1) : Vsp32s(std::nearbyint(a < 0x7FFFFF80 ? a : Vsp32f(0x7FFFFF80)));
+}
+
 inline bool same(Vsp32sc a, Vsp32sc b) { return a.re == b.re && a.im == b.im; }
 inline bool same(Vsp32f a, Vsp32f b) {
     return (std::isnan(a) && std::isnan(b)) || std::bit_cast<Vsp32s>(a) == std::bit_cast<Vsp32s>(b);

@@ -56,6 +56,13 @@ Vsp32fc updatedFast(Vsp32fc c, Vsp32fc x, Vsp32fc e, Vsp64f step) {
     return {c.re + (x.re * re + x.im * im), c.im + (x.re * im + x.im * (0 - re))};
 }
 
+Vsp32sc updatedFast(Vsp32sc c, Vsp32sc x, Vsp32sc e, Vsp32sc step, int scaleFactor) {
+    const Vsp64s s = Vsp64s(step.im) - scaleFactor;
+    const Vsp64f power = std::ldexp(Vsp32f(step.re), -int(s < -30 ? -30 : s > 126 ? 126 : s));
+    const Vsp32fc change = updatedFast({0, 0}, {Vsp32f(x.re), Vsp32f(x.im)}, {Vsp32f(e.re), Vsp32f(e.im)}, power);
+    return {saturated(Wide(c.re) + roundedWord(change.re)), saturated(Wide(c.im) + roundedWord(change.im))};
+}
+
 enum class Exponents { toTheRight, mixed, edges };
 
 // Step sizes for a scale factor: mantissas of any sign, exponents by which all bands or some shift to the right, or at the
@@ -147,12 +154,17 @@ class SubbandUpdates : public LevelTest {
         Guarded<Vsp32sc> steps(lowSteps.values(), s.guard, s.gap), scratch(bands, s.guard, s.gap);
         for (Vsp32sc& step : steps) step.re &= 0x7FFFFFFF;
         const auto before = complexSamples<Vsp32sc>(s.len * s.numSubbands, 7);
-        const BandVectors<Vsp32sc> coef(before, bands, s.guard, s.gap), lowCoef(before, bands, s.guard, s.gap);
+        const BandVectors<Vsp32sc> coef(before, bands, s.guard, s.gap), lowCoef(before, bands, s.guard, s.gap),
+            fastCoef(before, bands, s.guard, s.gap);
         ASSERT_EQ(vspStsNoErr, api.vspsFIRSubbandCoeffUpdate_EC_32sc_I(steps.data(), src.data(), err.data(), coef.data(),
                                                                        s.len, s.numSubbands, scaleFactor));
         EXPECT_FALSE(upperHalvesInUse());
+        ASSERT_EQ(vspStsNoErr,
+                  api.vspsFIRSubbandFastCoeffUpdate_EC_32sc_I(steps.data(), src.data(), err.data(), fastCoef.data(), s.len,
+                                                              s.numSubbands, scaleFactor));
+        EXPECT_FALSE(upperHalvesInUse());
         const int first = s.numSubbands * (scaleFactor % 3) / 2;
-        std::vector<Vsp32sc> expected, lowExpected, expectedScratch = scratch.values();
+        std::vector<Vsp32sc> expected, lowExpected, fastExpected, expectedScratch = scratch.values();
         ASSERT_EQ(vspStsNoErr,
                   api.vspsFIRSubbandLowCoeffUpdate_EC_32sc_I(src.data(), err.data(), lowCoef.data(), s.len, scratch.data(),
                                                              lowSteps.data(), first, s.numSubbands, scaleFactor));
@@ -160,11 +172,13 @@ class SubbandUpdates : public LevelTest {
         for (std::size_t i = 0; i < before.size(); i++) {
             const std::size_t k = i % bands;
             expected.push_back(updated(before[i], x[i], err[k], steps[k], scaleFactor));
+            fastExpected.push_back(updatedFast(before[i], x[i], err[k], steps[k], scaleFactor));
             lowExpected.push_back(int(k) < first ? before[i]
                                                  : updatedLow(before[i], x[i], err[k], lowSteps[k], scaleFactor));
         }
         for (std::size_t k = std::size_t(first); k < bands; k++) expectedScratch[k] = lowScratch(err[k], lowSteps[k]);
         expectSameBands(expected, coef.values());
+        expectSameBands(fastExpected, fastCoef.values());
         expectSameBands(lowExpected, lowCoef.values());
         expectSameBands(expectedScratch, scratch.values());
     }
@@ -253,8 +267,9 @@ TEST_P(SubbandUpdates, RefuseANegativeStepInAnyBand) {
             }
             for (const Vsp32s step : {-1, kLowest}) {
                 isteps[std::size_t(bad)].re = step;
-                ASSERT_EQ(vspStsSizeErr,
-                          api.vspsFIRSubbandCoeffUpdate_EC_32sc_I(isteps.data(), isrc, ie.data(), icoef, 1, bands, 0));
+                for (const auto update32sc :
+                     {api.vspsFIRSubbandCoeffUpdate_EC_32sc_I, api.vspsFIRSubbandFastCoeffUpdate_EC_32sc_I})
+                    ASSERT_EQ(vspStsSizeErr, update32sc(isteps.data(), isrc, ie.data(), icoef, 1, bands, 0));
             }
             expectSameBands(values, c.values());
             expectSameBands(words, ic.values());

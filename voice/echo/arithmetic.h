@@ -139,11 +139,11 @@ struct FixedArithmetic {
         vspsSubbandSynthesis_32sc16s_Sfs(in, out, state, kBandBits, work);
     }
     static void filter(const Complex* const* x, const Complex* const* c, Complex* y, int taps, int bands) {
-        vspsFIRSubband_EC_32sc_Sfs(x, c, y, taps, bands, kCoefficientBits);
+        vspsFIRSubbandFast_EC_32sc_Sfs(x, c, y, taps, bands, kCoefficientBits);
     }
     static void adapt(const Step* steps, const Complex* const* x, const Complex* e, Complex* const* c, int taps,
                       int bands) {
-        vspsFIRSubbandCoeffUpdate_EC_32sc_I(steps, x, e, c, taps, bands, 0);
+        vspsFIRSubbandFastCoeffUpdate_EC_32sc_I(steps, x, e, c, taps, bands, 0);
     }
 
     static void controllerSize(const BankShape& s, int taps, int rate, Vsp32s* size) {

@@ -28,6 +28,10 @@ static const Described functions(
                        out(argument(4)), kTaps, kBands, range(-31, 31))
             .checks(kCountFirst)
             .recorded("fir_subband_32sc", {item(1), item(2), result(3), item(0)[0], item(0)[1], item(0)[2]}),
+        VSPSC_FUNCTION(vspsFIRSubbandFast_EC_32sc_Sfs, rows(argument(3), in(argument(4))),
+                       rows(argument(3), in(argument(4))), out(argument(4)), kTaps, kBands, range(-31, 31))
+            .checks(kCountFirst)
+            .notRecorded(),
         VSPSC_FUNCTION(vspsFIRSubbandLow_EC_32sc_Sfs, rows(argument(2), in(argument(5))),
                        rows(argument(2), in(argument(5))), kTaps, io(argument(5)), firstBand(5), kBands,
                        range(0, 31).checkedLast())
@@ -49,6 +53,11 @@ static const Described functions(
                        kBands, range(0, 31))
             .checks(kCountFirst)
             .recorded("update_32sc", {item(1), item(2), item(3), item(4).to(5), item(0)[0], item(0)[1], item(0)[2]}),
+        VSPSC_FUNCTION(vspsFIRSubbandFastCoeffUpdate_EC_32sc_I, in(argument(5)).holding(vspStsSizeErr, evenNotNegative),
+                       rows(argument(4), in(argument(5))), in(argument(5)), rows(argument(4), io(argument(5))), kTaps,
+                       kBands, range(0, 31))
+            .checks(kCountFirst)
+            .notRecorded(),
         VSPSC_FUNCTION(vspsFIRSubbandLowCoeffUpdate_EC_32sc_I, rows(argument(3), in(argument(7))), in(argument(7)),
                        rows(argument(3), io(argument(7))), kTaps, io(argument(7)), in(argument(7)), firstBand(7), kBands,
                        range(0, 31).checkedLast())
