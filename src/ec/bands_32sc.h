@@ -22,4 +22,12 @@ VSP_INLINE V imaginary(V bands) {
     return shrU(bands, 32);
 }
 
+// Whether a lower half is negative.
+VSP_INLINE bool anyNegativeMantissa(const Vsp32sc* stepSize, Vsp32s numSubbands) {
+    bool any = false;
+    forBandGroups<S64>(0, numSubbands,
+                       [&]<class V>(Vsp32s k) { any |= anyOf(loadBands<V>(stepSize + k), V::splat(1LL << 31)); });
+    return any;
+}
+
 }  // namespace vsp::VSP_LEVEL

@@ -1,6 +1,7 @@
 // Complex FIR filters, one per sub-band, and their adaptation by NLMS: fixed-point values, computed in single precision.
 #include "arithmetic/basic_ops.h"
 #include "core/checks.h"
+#include "ec/bands_32sc.h"
 #include "ec/bands_single_32fc.h"
 #include "ec/exports.h"
 #include "ec/subband_limits.h"
@@ -83,13 +84,6 @@ VSP_INLINE V stepsOf(const Vsp32sc* p, Vsp32s scaleFactor) {
     const Words s = min(max(sub(atLeast, Words::splat(scaleFactor)), Words::splat(kLeast)), Words::splat(kMost));
     const Words power = mulLo(sub(Words::splat(127), s), Words::splat(1 << 23));
     return mul(realOf(floatsAs(V(), p)), imaginaryOf(bandsOf(V(), power)));
-}
-
-// Whether a mantissa is negative.
-VSP_INLINE bool anyNegativeMantissa(const Vsp32sc* stepSize, Vsp32s numSubbands) {
-    Vsp32s any = 0;
-    for (Vsp32s k = 0; k < numSubbands; k++) any |= stepSize[k].re;
-    return any < 0;
 }
 
 }  // namespace

@@ -117,14 +117,6 @@ VSP_INLINE void update(Filters filters, Vsp32s k, Parts<V> me, V stepSize, Vsp32
         updateTaps<Kind, false>(filters, k, visible, shifts);
 }
 
-// Whether a lower half is negative.
-VSP_INLINE bool anyNegativeMantissa(const Vsp32sc* stepSize, Vsp32s numSubbands) {
-    bool any = false;
-    forBandGroups<S64>(0, numSubbands,
-                       [&]<class V>(Vsp32s k) { any |= anyOf(loadBands<V>(stepSize + k), V::splat(1LL << 31)); });
-    return any;
-}
-
 }  // namespace
 
 VspStatus vspsFIRSubbandCoeffUpdate_EC_32sc_I(const Vsp32sc* pStepSize, const Vsp32sc* const* ppSrc, const Vsp32sc* pErr,

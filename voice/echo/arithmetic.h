@@ -26,10 +26,11 @@ struct FloatArithmetic {
 
     static WindowValue windowValue(double w) { return static_cast<WindowValue>(w); }
     static Sample sample(float x) { return x; }
+    static void store(Four x, Sample* to) { vspv::store(x, to); }
     static Complex subtract(Complex a, Complex b) { return {a.re - b.re, a.im - b.im}; }
     static void subtract(const Complex* a, const Complex* b, Complex* y, int bands) {
         int k = 0;
-        for (; k + 2 <= bands; k += 2) store(fourOf(a + k) - fourOf(b + k), &y[k].re);
+        for (; k + 2 <= bands; k += 2) vspv::store(fourOf(a + k) - fourOf(b + k), &y[k].re);
         if (k < bands) y[k] = subtract(a[k], b[k]);
     }
     static Complex scaled(Complex a, float gain) { return {gain * a.re, gain * a.im}; }
@@ -119,10 +120,20 @@ struct FixedArithmetic {
 
     static WindowValue windowValue(double w) { return static_cast<WindowValue>(std::lrint(w * 8192)); }  // Q13
     static Sample sample(float x) { return static_cast<Sample>(std::lrint(std::clamp(x, -kFullScale, kHighest))); }
+    static void store(Four x, Sample* to) {
+        const Four clipped = _mm_max_ps(_mm_min_ps(x, Four{} + kHighest), Four{} - kFullScale);
+        const __m128i words = _mm_cvtps_epi32(clipped);
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(to), _mm_packs_epi32(words, words));
+    }
 
     static Complex subtract(Complex a, Complex b) { return {difference(a.re, b.re), difference(a.im, b.im)}; }
     static void subtract(const Complex* a, const Complex* b, Complex* y, int bands) {
-        for (int k = 0; k < bands; k++) y[k] = subtract(a[k], b[k]);
+        int k = 0;
+        for (; k + 2 <= bands; k += 2) {
+            const auto two = [k](const Complex* z) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(z + k)); };
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(y + k), differences(two(a), two(b)));
+        }
+        if (k < bands) y[k] = subtract(a[k], b[k]);
     }
     static Complex scaled(Complex a, float gain) { return {product(a.re, gain), product(a.im, gain)}; }
 
@@ -200,6 +211,13 @@ struct FixedArithmetic {
     }
     static Vsp32s difference(Vsp32s a, Vsp32s b) {
         return static_cast<Vsp32s>(std::clamp(Vsp64s(a) - b, -0x80000000LL, 0x7fffffffLL));
+    }
+    // The same of four: where signs differ and the difference, which wraps, has not that of a, the limit on a's side.
+    static __m128i differences(__m128i a, __m128i b) {
+        const __m128i wrapped = _mm_sub_epi32(a, b);
+        const __m128i wrong = _mm_srai_epi32(_mm_and_si128(_mm_xor_si128(a, b), _mm_xor_si128(a, wrapped)), 31);
+        const __m128i limit = _mm_xor_si128(_mm_srai_epi32(a, 31), _mm_set1_epi32(0x7fffffff));
+        return _mm_or_si128(_mm_and_si128(wrong, limit), _mm_andnot_si128(wrong, wrapped));
     }
 };
 

@@ -110,8 +110,8 @@ class SubbandCanceller {
     template <class Outside>
     static void takeIn(const Outside* in, int count, Sample* to) {
         int i = 0;
-        if constexpr (std::is_same_v<Outside, float> && std::is_same_v<Sample, float>)
-            for (; i + 4 <= count; i += 4) store(fromOutside(fourOf(in + i)), to + i);
+        if constexpr (std::is_same_v<Outside, float>)
+            for (; i + 4 <= count; i += 4) Arithmetic::store(fromOutside(fourOf(in + i)), to + i);
         for (; i < count; i++) to[i] = Arithmetic::sample(fromOutside(in[i]));
     }
 
@@ -148,7 +148,7 @@ class SubbandCanceller {
         presence_.update(power, meanSquareLeft(near));
         if (disabled) std::fill(echo_.begin(), echo_.end(), 0.0f);
         guard_.limit(near, echo_, controller_.learning(), disabled ? std::span<float>() : residualEcho(), trust_.trusted());
-        for (std::size_t n = 0; n < out_.size(); n++) out_[n] = Arithmetic::sample(static_cast<float>(near[n]) - echo_[n]);
+        for (std::size_t n = 0; n < out_.size(); n += 4) Arithmetic::store(fourOf(&near[n]) - fourOf(&echo_[n]), &out_[n]);
         enhancement_.update(power, meanSquare(std::span<const Sample>(out_)));
     }
 
