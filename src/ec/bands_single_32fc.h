@@ -69,39 +69,14 @@ VSP_INLINE Bands_64 floatsAs(Bands_64, const Vsp32sc* p) {
 }
 VSP_INLINE Bands_128 floatsAs(Bands_128, const Vsp32fc* p) { return Bands_128::load(p); }
 VSP_INLINE Bands_128 floatsAs(Bands_128, const Vsp32sc* p) { return {_mm_cvtepi32_ps(S32_128::load(&p->re).v)}; }
-VSP_INLINE void storeReal(Bands_64 a, Vsp32f* p) { *p = _mm_cvtss_f32(a.v); }
-VSP_INLINE void storeReal(Bands_128 a, Vsp32f* p) {
-    _mm_storel_pi(reinterpret_cast<__m64*>(p), _mm_shuffle_ps(a.v, a.v, 0x88));
-}
 #if defined(__AVX2__)
 VSP_INLINE Bands_256 floatsAs(Bands_256, const Vsp32fc* p) { return Bands_256::load(p); }
 VSP_INLINE Bands_256 floatsAs(Bands_256, const Vsp32sc* p) { return {_mm256_cvtepi32_ps(S32_256::load(&p->re).v)}; }
-VSP_INLINE void storeReal(Bands_256 a, Vsp32f* p) {
-    const __m256 even = _mm256_permutevar8x32_ps(a.v, _mm256_setr_epi32(0, 2, 4, 6, 0, 2, 4, 6));
-    _mm_storeu_ps(p, _mm256_castps256_ps128(even));
-}
 #endif
 #if defined(__AVX512F__)
 VSP_INLINE Bands_512 floatsAs(Bands_512, const Vsp32fc* p) { return Bands_512::load(p); }
 VSP_INLINE Bands_512 floatsAs(Bands_512, const Vsp32sc* p) { return {_mm512_cvtepi32_ps(S32_512::load(&p->re).v)}; }
-VSP_INLINE void storeReal(Bands_512 a, Vsp32f* p) {
-    const __m512i even = _mm512_setr_epi32(0, 2, 4, 6, 8, 10, 12, 14, 0, 2, 4, 6, 8, 10, 12, 14);
-    _mm256_storeu_ps(p, _mm512_castps512_ps256(_mm512_permutexvar_ps(even, a.v)));
-}
 #endif
-
-// The sum of the squares of each band's values in some vectors: of real and of imaginary parts first.
-template <class Band>
-VSP_INLINE void sumSquares(const Band* const* rows, Vsp32s count, Vsp32s bands, Vsp32f* sums) {
-    forBandGroups<Bands>(0, bands, [=]<class V>(Vsp32s k) {
-        V squares = {};
-        for (Vsp32s t = 0; t < count; t++) {
-            const V x = floatsAs(V(), rows[t] + k);
-            squares = add(squares, mul(x, x));
-        }
-        storeReal(add(squares, swapped(squares)), sums + k);
-    });
-}
 
 // Step sizes rounded to single precision, each for both parts of its band.
 VSP_INLINE Bands_64 stepsAs(Bands_64, const Vsp64f* p) { return {{_mm_set1_ps(Vsp32f(*p))}}; }

@@ -132,14 +132,11 @@ VSP_INLINE Complex<T> bandsAt(const Band* p) {
         return {Vsp32f(p->re), Vsp32f(p->im)};
     } else {
         using V = typename T::V;
-        Complex<T> z;
-        for (int i = 0; i < T::vectors; i++) {
+        const auto pairs = [p](int i) {
             const auto* const from = &p->re + 2 * i * V::width;
-            const Complex<V> pairs = pairsOf(floatsAs(V(), from), floatsAs(V(), from + V::width));
-            z.re.part[i] = pairs.re;
-            z.im.part[i] = pairs.im;
-        }
-        return z;
+            return pairsOf(floatsAs(V(), from), floatsAs(V(), from + V::width));
+        };
+        return {sixteen([&](int i) { return pairs(i).re; }), sixteen([&](int i) { return pairs(i).im; })};
     }
 }
 template <class T, class Band>

@@ -251,8 +251,9 @@ VSP_INLINE void measureCoefficients(const SubbandController& s, const Controller
     const Vsp32s taps = tapsOf(s, group);
     const Vsp32f share = s.coefUnit * s.coefUnit / Vsp32f(taps);
     Vsp32f* power = a.coefPower + group * s.numSubbands;
-    sumSquares(coef + group * kControllerGroup, taps, s.numSubbands, power);
-    for (Vsp32s k = 0; k < s.numSubbands; k++) power[k] = plausible(share * power[k]);
+    forSixteens(s.numSubbands, [=]<class T>(Vsp32s k) {
+        store(plausible(share * squaresAt<T>(coef + group * kControllerGroup, taps, k)), power + k);
+    });
 }
 
 // Sums over the bands of what they are after a frame.
