@@ -62,6 +62,14 @@ VSP_IF_512(template <> struct Related<Bands_512> { using Half = Bands_256; };)
 
 using Bands = VSP_NATIVE(Bands);
 
+// For what uses the bands twice, where g++ would rather load them twice.
+template <class V>
+VSP_INLINE V loadOnce(const Vsp32fc* p) {
+    V bands = V::load(p);
+    __asm__("" : "+x"(bands.v));
+    return bands;
+}
+
 // Fixed-point bands in floating point.
 VSP_INLINE Bands_64 floatsAs(Bands_64, const Vsp32fc* p) { return Bands_64::load(p); }
 VSP_INLINE Bands_64 floatsAs(Bands_64, const Vsp32sc* p) {

@@ -18,7 +18,7 @@ VSP_INLINE void filter(const Vsp32fc* const* src, const Vsp32fc* const* coef, Vs
         const Vsp32fc *const x = src[t] + k, *const c = coef[t] + k;
         prefetchNext(large, x, c);
         for (int i = 0; i < groups; i++) {
-            const V value = V::load(x + i * V::width), tap = V::load(c + i * V::width);
+            const V value = V::load(x + i * V::width), tap = loadOnce<V>(c + i * V::width);
             real[i] = add(real[i], mul(value, realOf(tap)));
             imaginary[i] = add(imaginary[i], mul(value, imaginaryOf(tap)));
         }
