@@ -134,7 +134,7 @@ float BulkDelay::evidence(int found) const {
 }
 
 bool BulkDelay::decide(std::span<const float> coveredEnergy, float leftShare) {
-    useful_ = std::max(std::clamp(1 - leftShare, 0.0f, 1.0f), usefulDecay_ * useful_);
+    useful_ = std::max(std::clamp(1 - leftShare, 0.0f, 1.0f), useful_);
     measureEnergies(coveredEnergy);
     const int found = find();
     if (unexplained_ > leftPower_)

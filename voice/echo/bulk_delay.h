@@ -33,11 +33,12 @@ class BulkDelay {
             x[k] = value(far[band(static_cast<int>(k))]);
             p.far[k] += double(powerOf(x[k])) - double(powerOf(far_.at(length_)[0][k]));
         }
-        turn_ = (turn_ + 1) % kDecide;
+        turn_ = (turn_ + 1) % (kRest * kDecide);
+        if (turn_ % kDecide == 0) useful_ *= usefulDecay_;
         if (resting() && turn_ % kRest != 0) return false;
         for (std::size_t k = 0; k < kBands; k++) left_[k] = value(left[band(static_cast<int>(k))]);
         adapt();
-        return turn_ == 0;
+        return turn_ % (resting() ? kRest * kDecide : kDecide) == 0;
     }
 
     // coveredEnergy: of the canceller's filter in each frame that it covers, a mean over the bands. leftShare: of the power
@@ -52,7 +53,9 @@ class BulkDelay {
     int band(int i) const { return firstBand_ + i * kBandStep; }
 
   private:
-    static constexpr int kBands = 16, kBandStep = 2, kDecide = 8, kRest = 4;
+    static constexpr int kBands = 16, kBandStep = 2;
+    static constexpr int kDecide = 8;  // frames until a decision
+    static constexpr int kRest = 4;    // how many times as seldom it works while it rests
     static constexpr float kUseful = 0.5f;
 
     template <class Complex>
