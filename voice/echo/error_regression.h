@@ -24,13 +24,13 @@ class ErrorRegression {
 
     void forget() { *this = {}; }
 
-    // A frame; one in which much is left counts less, since that may be a talker. left: its power.
-    void add(const Bases& bases, const RegressionFrame& error, float left) {
+    // The first bases of a frame; one in which much is left counts less, since that may be a talker. left: its power.
+    void add(const Bases& bases, std::size_t count, const RegressionFrame& error, float left) {
         constexpr float kSmall = 0.03f;  // of the first basis
         const double weight = 1 / (left + kSmall * product(bases[0], bases[0]));
-        for (std::size_t p = 0; p < kBases; p++) {
-            for (std::size_t q = 0; q < kBases; q++)
-                products_[p][q] = kRemembered * products_[p][q] + weight * product(bases[p], bases[q]);
+        for (std::size_t p = 0; p < count; p++) {
+            for (std::size_t q = p; q < count; q++)
+                products_[p][q] = products_[q][p] = kRemembered * products_[p][q] + weight * product(bases[p], bases[q]);
             withError_[p] = kRemembered * withError_[p] + weight * product(bases[p], error);
         }
         error_ = kRemembered * error_ + weight * left;

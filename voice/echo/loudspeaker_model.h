@@ -78,6 +78,7 @@ class LoudspeakerModel {
     using Rows = DelayLine<Vsp32fc>;
     using Shares = ErrorRegression::Shares;
 
+    static constexpr std::size_t kBasesOfLook = 2;
     static constexpr float kMost = 1e16f;   // power of a frame
     static constexpr float kTried = 0.35f;  // limit, of the peak
 
@@ -139,9 +140,10 @@ class LoudspeakerModel {
         if (!(echo > kAudible * power && echo <= kMost)) return;
         for (int t = 0; t < taps_; t++) copyBands(coefficients[t], Arithmetic::kCoefficient, path_.at(0)[t]);
         FloatArithmetic::filter(byLimit_.at(delay), path_.at(0), bases[1].data(), taps_, kRegressionBands);
+        if (!(product(bases[1], bases[1]) <= kMost)) return;
+        if (stage_ == Stage::looks) return regression_.add(bases, kBasesOfLook, left, power);
         FloatArithmetic::filter(byHardness_.at(delay), path_.at(0), bases[2].data(), taps_, kRegressionBands);
-        if (product(bases[1], bases[1]) <= kMost && product(bases[2], bases[2]) <= kMost)
-            regression_.add(bases, left, power);
+        if (product(bases[2], bases[2]) <= kMost) regression_.add(bases, ErrorRegression::kBases, left, power);
     }
 
     // A saturation makes the echo of what is quiet louder beside the estimate, and that of what is loud quieter. A path
@@ -149,7 +151,7 @@ class LoudspeakerModel {
     float look() {
         constexpr double kMore = 0.03, kLess = 0.25, kExplains = 0.1;
         constexpr int kTimes = 3;
-        const Shares x = regression_.fit(2);
+        const Shares x = regression_.fit(kBasesOfLook);
         const double explained = regression_.explained(x) - regression_.explained(regression_.fit(1));
         const bool likely = x[0] > kMore && x[0] < 1 && x[1] > kLess && x[1] < 1 / kLess && explained > kExplains;
         found_ = likely ? found_ + 1 : 0;
