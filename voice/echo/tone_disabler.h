@@ -1,9 +1,9 @@
 // Modems disable echo cancellers by 2100 Hz with phase reversals, from either side. The canceller stays disabled as long as
 // there is a signal in either direction (ITU-T G.168, clause 7).
 //
-// The detector, a recursion that takes longer than all other looks at a block, listens only where some of the signal is at
-// 2100 Hz, and begins anew each time: what rings in it after a loud signal does not count as a tone in the silence after
-// it.
+// The detector, a recursion that takes longer than all other looks at a block, listens only where some of every second
+// block is at 2100 Hz, and begins anew each time: what rings in it after a loud signal does not count as a tone in the
+// silence after it.
 #pragma once
 
 #include <algorithm>
@@ -59,7 +59,7 @@ class ToneDisabler {
             : rate_(rate),
               cosine_(memory.take<float>(block)),
               sine_(memory.take<float>(block)),
-              before_(memory.take<float>(block)),
+              before_(memory.take<float>(2 * block)),
               samples_(memory.take<Vsp16s>(block)) {
             Vsp32s size = 0;
             vspsToneDetectGetStateSize_EC_16s(rate, &size);
@@ -76,7 +76,8 @@ class ToneDisabler {
 
         template <class Sample>
         bool detect(std::span<const Sample> in) {
-            if (likely(in)) {
+            looks_ = !looks_;
+            if ((listens_ || looks_) && likely(in)) {
                 pause_ = 0;
                 if (!listens_) begin();
             } else if (listens_) {
@@ -84,7 +85,9 @@ class ToneDisabler {
                 listens_ = pause_ <= kPause * rate_;
             }
             const bool found = listens_ && finds(in);
-            std::copy(in.begin(), in.end(), before_.begin());
+            const std::span<float> older = before_.first(in.size()), newer = before_.last(in.size());
+            std::copy(newer.begin(), newer.end(), older.begin());
+            std::copy(in.begin(), in.end(), newer.begin());
             return found;
         }
 
@@ -108,11 +111,12 @@ class ToneDisabler {
             return energy >= kSilence * count && tone > kLikely * energy;
         }
 
-        // The tone may have begun in the block before.
+        // The tone may have begun in the block before, at which nobody looked, or in a part of the one before that.
         void begin() {
             listens_ = true;
             vspsToneDetectInit_EC_16s(state_, rate_);
-            finds(std::span<const float>(before_));
+            finds(std::span<const float>(before_.first(samples_.size())));
+            finds(std::span<const float>(before_.last(samples_.size())));
         }
         template <class Sample>
         bool finds(std::span<const Sample> in) {
@@ -126,7 +130,7 @@ class ToneDisabler {
         std::span<float> cosine_, sine_, before_;
         std::span<Vsp16s> samples_;
         VspToneDetectState_EC_16s* state_;
-        bool listens_ = false;
+        bool listens_ = false, looks_ = false;  // looks: at every second block
     };
 
     int rate_;
