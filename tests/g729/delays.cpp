@@ -18,7 +18,7 @@ TEST_P(Delays, Parity) {
 }
 
 TEST_P(Delays, EveryCodeComesBack) {
-    const auto comeBack = [](auto decode, auto encode, int lag, int subframe, int codes) {
+    const auto comeBack = [](auto decode, auto encode, int lag, int subframe, Vsp16s codes) {
         for (Vsp16s code = 0; code < codes; code++) {
             Vsp16s delay[2] = {}, again = -1;
             ASSERT_EQ(vspStsNoErr, decode(code, Vsp16s(lag), Vsp16s(subframe), delay));

@@ -5,7 +5,7 @@ namespace vsp::test {
 
 namespace {
 
-Initialiser filterWith(std::vector<Vsp16s> coefficients) {
+Initialiser filterWith(const std::vector<Vsp16s>& coefficients) {
     return [=](const Api& api, int, void* state) { api.vspsHighPassFilterInit_G729(coefficients.data(), state); };
 }
 const auto kInputFilter = filterWith({1899, -3798, 1899, 4096, 7807, -3733});
