@@ -7,19 +7,19 @@ namespace vsp::test {
 
 namespace {
 
-std::vector<Function>& functions() {
+std::vector<Function>& everyFunction() {
     static std::vector<Function> all;
     return all;
 }
 
 }  // namespace
 
-Described::Described(const std::string& family, std::vector<Function> described) {
-    for (Function& f : described) {
+Described::Described(const std::string& family, std::vector<Function> functions) {
+    for (Function& f : functions) {
         f.family = family;
         if (f.recordings.empty() && !f.withoutRecordings) f.recordings.push_back({f.name, false, -1, {}, -1, {}});
         for (Recording& recording : f.recordings) recording.file = family + "/" + recording.file + ".vec";
-        auto& all = functions();
+        auto& all = everyFunction();
         const auto place = std::lower_bound(all.begin(), all.end(), f.name,
                                             [](const Function& g, const std::string& name) { return g.name < name; });
         if (place != all.end() && place->name == f.name) throw std::logic_error(f.name + " is described twice");
@@ -27,7 +27,7 @@ Described::Described(const std::string& family, std::vector<Function> described)
     }
 }
 
-const std::vector<Function>& Described::all() { return functions(); }
+const std::vector<Function>& Described::all() { return everyFunction(); }
 
 Function Function::checks(std::initializer_list<VspStatus> inOrder) const {
     Function f = *this;
