@@ -306,24 +306,25 @@ VSP_INLINE Learned learn(const SubbandController& s, const ControllerArrays& a, 
             if (leaks)
                 for (Vsp32s g = 0; g < groups; g++)
                     path = path + Vsp32f(tapsOf(s, g)) * valuesAt<T>(a.coefPower + g * bands + k);
-            T unknown[kMostGroups], present[kMostGroups];
             for (Vsp32s i = 0; i < count; i++) {
                 Group& group = active[i];
                 const T coefficient = valuesAt<T>(group.coefficient + k);
                 const T drifted = valuesAt<T>(group.uncertainty + k) + drift * coefficient;
                 const T leaked = leak * coefficient + group.spread * path;
-                unknown[i] = larger(drifted, leaked);
-                present[i] = plausible(unit * unit * squaresAt<T>(group.src, group.taps, k));
-                store(present[i], group.power + k);
-                group.predicted.add(k, unknown[i] * present[i]);
-                left = left + unknown[i] * present[i];
+                const T unknown = larger(drifted, leaked);
+                const T present = plausible(unit * unit * squaresAt<T>(group.src, group.taps, k));
+                store(unknown, group.uncertainty + k);
+                store(present, group.power + k);
+                group.predicted.add(k, unknown * present);
+                left = left + unknown * present;
             }
             const T noise = kept * valuesAt<T>(a.noise + k) + (1 - kept) * powerOf(bandsAt<T>(err + k, unit));
             const T gain = 1 / (left + noise + kNothing), far = plausible(powerOf(bandsAt<T>(src[0] + k, unit)));
             for (Vsp32s i = 0; i < count; i++) {
                 const Group& group = active[i];
-                const T step = unknown[i] * gain;
-                store(unknown[i] * (1 - group.share * step * present[i]), group.uncertainty + k);
+                const T unknown = valuesAt<T>(group.uncertainty + k), present = valuesAt<T>(group.power + k);
+                const T step = unknown * gain;
+                store(unknown * (1 - group.share * step * present), group.uncertainty + k);
                 Arithmetic::store(step, s.stepUnit, group.steps + k);
             }
             store(left, residual + k);

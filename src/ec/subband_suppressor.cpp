@@ -222,7 +222,7 @@ VSP_INLINE void suppress(Suppressor* s, const Band* est, const Vsp32f* residual,
     VSP_INDEPENDENT
     for (Vsp32s k = 0; k < bands; k++) {
         const Vsp32f gain = __builtin_sqrtf(a.gain[k]);
-        const Vsp32f comfort = toBand * __builtin_sqrtf(1.3f * s->comfort * a.noise[k] * (1 - a.gain[k]));
+        const Vsp32f comfort = toBand * __builtin_sqrtf(1.2f * s->comfort * a.noise[k] * (1 - a.gain[k]));
         const Vsp32u seed = random + 2 * Vsp32u(k);
         storeValue(gain * Vsp32f(err[k].re) + comfort * noiseOf(seed * 0x9E3779B9U), err[k].re);
         storeValue(gain * Vsp32f(err[k].im) + comfort * noiseOf((seed + 1) * 0x9E3779B9U), err[k].im);
