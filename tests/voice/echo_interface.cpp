@@ -186,7 +186,7 @@ TEST(EchoCanceller, ChecksComeInOrderAndTouchNothing) {
     status.push_back(vspStsRangeErr);
 
     Choices<const VspvEchoSettings*> choices{&good, {{nullptr, vspStsNullPtrErr}}};
-    for (std::size_t i = 0; i < bad.size(); i++) choices.bad.push_back({&bad[i], status[i]});
+    for (std::size_t i = 0; i < bad.size(); i++) choices.bad.emplace_back(&bad[i], status[i]);
     const std::vector<VspStatus> order{vspStsNullPtrErr, vspStsRangeErr, vspStsBadArgErr};
     expectStatusOrder(vspvEchoCancellerGetSize, order, choices, pointer);
     expectStatusOrder(vspvEchoCancellerInit, order, pointer, choices);
