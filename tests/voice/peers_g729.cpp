@@ -61,7 +61,7 @@ Samples decoded(const Frames& frames, const char* codec = "g729a") {
 
 Frames codedByBcg729(bool pauses) {
     bcg729EncoderChannelContextStruct* const encoder = initBcg729EncoderChannel(pauses);
-    const Frames frames = framesOf([&](const Vsp16s* samples) {
+    Frames frames = framesOf([&](const Vsp16s* samples) {
         Octets octets(10);
         uint8_t count = 0;
         bcg729Encoder(encoder, samples, octets.data(), &count);
@@ -74,7 +74,7 @@ Frames codedByBcg729(bool pauses) {
 
 Samples decodedByBcg729(const Frames& frames) {
     bcg729DecoderChannelContextStruct* const decoder = initBcg729DecoderChannel();
-    const Samples all = heard(frames, [&](const Octets& octets) {
+    Samples all = heard(frames, [&](const Octets& octets) {
         const std::size_t bytes = octets.size();
         Samples samples(kFrame);
         bcg729Decoder(decoder, octets.data(), uint8_t(bytes), bytes == 0, bytes == 2, 0, samples.data());
@@ -91,7 +91,7 @@ Samples decodedByFfmpeg(const Frames& frames) {
     EXPECT_EQ(0, avcodec_open2(decoder, nullptr, nullptr));
     AVPacket* packet = av_packet_alloc();
     AVFrame* frame = av_frame_alloc();
-    const Samples all = heard(frames, [&](const Octets& octets) {
+    Samples all = heard(frames, [&](const Octets& octets) {
         EXPECT_EQ(0, av_new_packet(packet, int(octets.size())));
         std::copy(octets.begin(), octets.end(), packet->data);
         EXPECT_EQ(0, avcodec_send_packet(decoder, packet));
