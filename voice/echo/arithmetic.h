@@ -24,7 +24,7 @@ struct FloatArithmetic {
 
     static constexpr float kBand = 1, kCoefficient = 1;  // what 1 is stored as
 
-    static WindowValue windowValue(double w) { return static_cast<WindowValue>(w); }
+    static WindowValue windowValue(float w) { return w; }
     static Sample sample(float x) { return x; }
     static void store(Four x, Sample* to) { vspv::store(x, to); }
     static Complex subtract(Complex a, Complex b) { return {a.re - b.re, a.im - b.im}; }
@@ -118,7 +118,7 @@ struct FixedArithmetic {
     static constexpr int kBandBits = 6, kCoefficientBits = 27;
     static constexpr float kBand = 1 << kBandBits, kCoefficient = static_cast<float>(1 << kCoefficientBits);
 
-    static WindowValue windowValue(double w) { return static_cast<WindowValue>(std::lrint(w * 8192)); }  // Q13
+    static WindowValue windowValue(float w) { return static_cast<WindowValue>(std::lrint(w * 8192)); }  // Q13
     static Sample sample(float x) { return static_cast<Sample>(std::lrint(std::clamp(x, -kFullScale, kHighest))); }
     static void store(Four x, Sample* to) {
         const Four clipped = _mm_max_ps(_mm_min_ps(x, Four{} + kHighest), Four{} - kFullScale);

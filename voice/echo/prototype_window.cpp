@@ -51,9 +51,17 @@ Vector solve(Square a, Vector b) {
     return x;
 }
 
+using Prototype = std::array<double, kMaxWindow>;
+
+Window rounded(const Prototype& from) {
+    Window w;
+    std::transform(from.begin(), from.end(), w.begin(), [](double v) { return static_cast<float>(v); });
+    return w;
+}
+
 // The cutoff frequency in units of half the distance between bands, and the shape of the Kaiser window.
-Window lowPass(const BankShape& shape, double cutoff, double beta) {
-    Window w{};
+Prototype lowPass(const BankShape& shape, double cutoff, double beta) {
+    Prototype w{};
     double energy = 0;
     for (int i = 0; i < shape.window / 2; i++) {
         const double t = i - (shape.window - 1) / 2.0;
@@ -70,8 +78,8 @@ Window lowPass(const BankShape& shape, double cutoff, double beta) {
 // Output sample n of the two together is the sum over j of x[n - delay + j * transform] * (sum of w[i + j * transform] *
 // s[i]), i running over the positions that n has in the frames that reach it. The sums must be 1 for j = 0 and 0 else. With
 // fewer equations than values, s = A^T (A A^T)^-1 b is the shortest solution.
-Window synthesisWindow(const BankShape& shape, const Window& analysis) {
-    Window s{};
+Prototype synthesisPrototype(const BankShape& shape, const Prototype& analysis) {
+    Prototype s{};
     const int length = shape.window, blocks = length / shape.transform();
     for (int first = 0; first < shape.frame; first++) {
         std::array<std::array<double, kMaxPlaces>, kEquations> a{};
@@ -104,11 +112,11 @@ BankShape bankShape(int rate) {
     return {.order = 9, .frame = 224, .window = kMaxWindow};
 }
 
-Window farWindow(const BankShape& shape) { return lowPass(shape, 1.25, 8); }
+Window farWindow(const BankShape& shape) { return rounded(lowPass(shape, 1.25, 8)); }
 
 BankWindows bankWindows(const BankShape& shape) {
-    const Window near = lowPass(shape, 0.85, 7.5);
-    return {near, farWindow(shape), synthesisWindow(shape, near)};
+    const Prototype near = lowPass(shape, 0.85, 7.5);
+    return {rounded(near), farWindow(shape), rounded(synthesisPrototype(shape, near))};
 }
 
 }  // namespace vspv

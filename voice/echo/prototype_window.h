@@ -20,7 +20,7 @@ struct BankShape {
 BankShape bankShape(int rate);
 
 constexpr int kMaxWindow = 1536;
-using Window = std::array<double, kMaxWindow>;  // of which the shape's are used
+using Window = std::array<float, kMaxWindow>;  // of which the shape's are used
 
 // For the far end: a sinc under a Kaiser window, wider than the near end's. Filters that work on a reference with empty
 // band edges converge slowly there, just where neighbouring bands overlap (P. L. De Leon, D. M. Etter: Experimental results
