@@ -125,6 +125,7 @@ void addBareGsm() {
     const vsp::Api* library = nullptr;
     for (const bench::Implementation& i : bench::implementations())
         if (i.name == std::string("library")) library = i.api;
+    if (library == nullptr) return;
     const vsp::test::gsmfr::Codec coder(*library);
     std::vector<Vsp16s> parameters(76), samples(160);
     vsp::test::gsmfr::Codec(*library).encode(noise().data(), parameters.data());

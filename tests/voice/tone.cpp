@@ -75,13 +75,14 @@ TEST(VoiceTone, BlocksOfAnyLengthGiveTheSameEvents) {
             const bool ended = i == 2 || i == 5 || i == 7;
             EXPECT_EQ(ended ? vspvToneEnd : vspvToneReversal, type);
             EXPECT_EQ(i < 6 && i % 3 != 0 ? 2 : 1, reversals);
-            const double begin = 2.5 * double(i / 3), late = double(time) / kind.rate - begin;
+            const std::size_t tone = i / 3;
+            const double begin = 2.5 * double(tone), late = double(time) / kind.rate - begin;
             if (!ended) {
                 EXPECT_NEAR(i % 3 == 0 ? 0.905 : 1.355, late, 0.005);
             } else {
                 EXPECT_NEAR(begin, double(start) / kind.rate, 0.011);
                 EXPECT_NEAR(i == 7 ? 6 : begin + 1.7, double(end) / kind.rate, 0.011);
-                EXPECT_NEAR(8000 * 8000 / 2, power, 8000 * 8000 / 50);
+                EXPECT_NEAR(8000.0 * 8000 / 2, power, 8000.0 * 8000 / 50);
             }
         }
         for (const std::size_t longest : {1, 13, 100, 3000}) EXPECT_EQ(whole, eventsIn(samples, kind, longest)) << longest;
