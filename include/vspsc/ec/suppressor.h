@@ -1,7 +1,7 @@
 /**
  * @file
  * Residual echo suppressor of a sub-band echo canceller: takes what the linear filters leave of the echo from the error,
- * and puts comfort noise at the near end's own level in its place.
+ * and puts comfort noise in its place, a little quieter than the near end's own noise.
  *
  * What is left, because it has not been learned, is longer than the filters, or because the loudspeaker distorts, is
  * estimated in each band from what the controller expects (pResidual of vspsSubbandControllerUpdate_EC_32f) and from the
