@@ -23,8 +23,8 @@ void scalarRealFft(const float* src, float* dst, int order, const float* factors
             }
         }
     for (int k = 0; k <= points; k++) {
-        const float *a = work + 2 * (k % points),
-                    *b = work + 2 * ((points - k) % points);  // NOLINT(clang-analyzer-core.DivideZero)
+        // NOLINTNEXTLINE(clang-analyzer-core.DivideZero): points is a power of two
+        const float *a = work + 2 * (k % points), *b = work + 2 * ((points - k) % points);
         const float sign = k == points ? -1.0f : 1.0f, *w = factors + 2 * (k % points);
         const float re = (a[0] - b[0]) / 2, im = (a[1] + b[1]) / 2;
         dst[2 * k] = (a[0] + b[0]) / 2 + sign * (im * w[0] + re * w[1]);

@@ -1,7 +1,7 @@
 // What a linear canceller cannot remove: the echo that its filters have not learned yet, that is longer than they are, or
 // that the loudspeaker distorts. It is estimated in each band from what the controller expects and from the share of the
-// echo estimate that has been left of late while the far end was alone, and taken from the error; comfort noise at the
-// near end's own level takes its place.
+// echo estimate that has been left of late while the far end was alone, and taken from the error; comfort noise a little
+// quieter than the near end's own takes its place.
 #include "ec/near_speech.h"
 #include "ec/partial_sums.h"
 #include "ec/subband_limits.h"

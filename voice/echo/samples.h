@@ -51,7 +51,7 @@ inline float sumOf(Four parts) {
 
 inline Four fromOutside(Four x) {
     constexpr float kMost = 2 * kFullScale;
-    const Four number = x == x ? x : Four{};
+    const Four number = x == x ? x : Four{};  // NOLINT(misc-redundant-expression): a number equals itself
     return _mm_max_ps(_mm_min_ps(number, Four{} + kMost), Four{} - kMost);
 }
 
