@@ -4,7 +4,7 @@
 // subtracted. So the filter has to prove itself: the logarithm of the power that it removes, added up over time, tells how
 // likely it is that there is an echo and that it is the estimated one. What talks at the near end neither adds to it nor
 // takes from it, for it has nothing in common with the estimate. A filter that learns fast follows whatever it hears; what
-// it removes then proves little.
+// it removes then proves little, or a quarter where it is more than 3 dB.
 //
 // Until there is proof no millisecond gets louder. After it a stretch may get louder within the budget of any tenth of a
 // second (loudness_budget.h): the sum of two voices is at times quieter than one of them. Where the budget does not reach,
