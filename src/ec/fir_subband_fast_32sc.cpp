@@ -1,10 +1,10 @@
 // Complex FIR filters, one per sub-band, and their adaptation by NLMS: fixed-point values, computed in single precision.
-#include "arithmetic/basic_ops.h"
 #include "core/checks.h"
 #include "ec/bands_32sc.h"
 #include "ec/bands_single_32fc.h"
 #include "ec/exports.h"
 #include "ec/subband_limits.h"
+#include "vector/signs.h"
 
 namespace vsp::VSP_LEVEL {
 
@@ -42,13 +42,6 @@ VSP_INLINE auto wordsAt(const Vsp32sc* p) {
 template <class V, class Words>
 VSP_INLINE void storeWords(Words a, Vsp32sc* p) {
     bandsOf(V(), a).store(reinterpret_cast<Vsp32fc*>(p));
-}
-
-template <class Words>
-VSP_INLINE Words addSaturating(Words a, Words b) {
-    const Words sum = add(a, b), wraps = shr(Words{(a.v ^ sum.v) & (b.v ^ sum.v)}, 31);
-    const Words limit = {shr(sum, 31).v ^ Words::splat(kMin32).v};
-    return {(limit.v & wraps.v) | (sum.v & ~wraps.v)};
 }
 
 // 2^n, -126 <= n <= 127
@@ -122,7 +115,7 @@ VspStatus vspsFIRSubbandFastCoeffUpdate_EC_32sc_I(const Vsp32sc* pStepSize, cons
             prefetchNext(large, x, c);
             const V value = floatsAs(V(), x);
             const V change = add(mul(scaled, realOf(value)), mul(turned, imaginaryOf(value)));
-            storeWords<V>(addSaturating(wordsAt<V>(c), rounded(change)), c);
+            storeWords<V>(addSat32(wordsAt<V>(c), rounded(change)), c);
         }
     });
     return vspStsNoErr;
