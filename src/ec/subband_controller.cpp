@@ -43,8 +43,8 @@ struct FixedSteps {
             const Words mantissa = {(bits.v & Words::splat(kOne - 1).v) | Words::splat(kOne).v};
             const Words biased = {shrU(bits, kMantissaBits).v & Words::splat(0xFF).v};
             const Words some = shr(sub(zero, biased), 31);
-            storeAlternating({shiftedUp(mantissa, kShift).v & some.v}, {sub(Words::splat(kLargest), biased).v & some.v},
-                             &to[i * Floats::width].re);
+            storeAlternating({shl(mantissa, kShift).v & some.v}, {sub(Words::splat(kLargest), biased).v & some.v},
+                             &to[i * F32::width].re);
         }
     }
 };

@@ -270,7 +270,7 @@ class Search {
         const W most = W::splat(kMax16);
         Vsp16s squares[kVectors * V::width];
         Vsp32s energies[2 * kVectors * W::width];
-        F32 quotients[2 * kVectors], largestQuotient = splat32f(0);
+        F32 quotients[2 * kVectors], largestQuotient = F32::splat(0);
         W least = W::splat(1);
 #pragma GCC unroll 5
         for (int i = 0; i < kVectors; i++) {
@@ -311,7 +311,7 @@ class Search {
             // that may be the largest are compared, of equal ones the first wins.
             constexpr Vsp32f kNearly = 1 - 3 * kQuotientError;
             constexpr int kInWord = 64 / W::width;
-            const F32 threshold = splat32f(largest(largestQuotient) * kNearly);
+            const F32 threshold = F32::splat(largest(largestQuotient) * kNearly);
             for (int from = 0; from < 2 * kVectors; from += kInWord) {
                 Vsp64u near = 0;
                 for (int i = 0; i < kInWord && from + i < 2 * kVectors; i++)

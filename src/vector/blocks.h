@@ -13,9 +13,6 @@ VSP_INLINE S16_128 addSatU(S16_128 a, S16_128 b) { return {_mm_adds_epu16(a.v, b
 VSP_IF_256(VSP_INLINE S16_256 addSatU(S16_256 a, S16_256 b) { return {_mm256_adds_epu16(a.v, b.v)}; })
 VSP_IF_512(VSP_INLINE S16_512 addSatU(S16_512 a, S16_512 b) { return {_mm512_adds_epu16(a.v, b.v)}; })
 
-VSP_INLINE S32_128 shl(S32_128 a, int n) { return {_mm_sll_epi32(a.v, _mm_cvtsi32_si128(n))}; }
-VSP_IF_256(VSP_INLINE S32_256 shl(S32_256 a, int n) { return {_mm256_sll_epi32(a.v, _mm_cvtsi32_si128(n))}; })
-
 // The values at p in their order, each in all elements of Each blocks, or of the only one.
 template <class V, int Each>
 VSP_INLINE V splatInBlocks(const Vsp32s* p) {
@@ -63,21 +60,7 @@ VSP_IF_512(VSP_INLINE bool anyNotPositive(S32_512 a) { return _mm512_cmple_epi32
 
 // --- Quotients, wrong by less than kQuotientError ----------------------------------------------------------------------
 
-#if defined(__AVX512BW__)
-struct F32_512 {
-    __m512 v;
-};
-using F32 = F32_512;
-VSP_INLINE F32 splat32f(Vsp32f x) { return {_mm512_set1_ps(x)}; }
-constexpr Vsp32f kQuotientError = 1.0f / (1 << 13);
-#else
-using F32 = Sliding32f;
-VSP_INLINE F32 splat32f(Vsp32f x) { return F32::splat(x); }
-constexpr Vsp32f kQuotientError = 1.0f / (1 << 11);
-#endif
-VSP_INLINE F32_128 max(F32_128 a, F32_128 b) { return {_mm_max_ps(a.v, b.v)}; }
-VSP_IF_256(VSP_INLINE F32_256 max(F32_256 a, F32_256 b) { return {_mm256_max_ps(a.v, b.v)}; })
-VSP_IF_512(VSP_INLINE F32_512 max(F32_512 a, F32_512 b) { return {_mm512_max_ps(a.v, b.v)}; })
+constexpr Vsp32f kQuotientError = 1.0f / (1 << (F32::width == 16 ? 13 : 11));
 
 VSP_INLINE F32_128 quotientEstimate(S32_128 a, S32_128 b) {
     return {_mm_mul_ps(_mm_cvtepi32_ps(a.v), _mm_rcp_ps(_mm_cvtepi32_ps(b.v)))};

@@ -181,6 +181,11 @@ VSP_INLINE Complex<F32_256> pairsOf(F32_256 a, F32_256 b) {
     return {{_mm256_shuffle_ps(lo, hi, 0x88)}, {_mm256_shuffle_ps(lo, hi, 0xDD)}};
 }
 #endif
+VSP_IF_512(VSP_INLINE Complex<F32_512> pairsOf(F32_512 a, F32_512 b) {
+    const __m512i even = _mm512_setr_epi32(0, 2, 4, 6, 8, 10, 12, 14, 16, 18, 20, 22, 24, 26, 28, 30);
+    const __m512i odd = _mm512_setr_epi32(1, 3, 5, 7, 9, 11, 13, 15, 17, 19, 21, 23, 25, 27, 29, 31);
+    return {{_mm512_permutex2var_ps(a.v, even, b.v)}, {_mm512_permutex2var_ps(a.v, odd, b.v)}};
+})
 
 template <class V>
 VSP_INLINE Complex<V> loadPairs(const typename V::Elem* p) {

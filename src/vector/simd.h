@@ -1,5 +1,5 @@
-// The vector layer: S16, S32 and S64 at the width of the level, and the narrower widths below it for short arrays; F32 up
-// to 256 bits; F64. Zips and packs work within 128-bit lanes, so that packSat puts back what zipLo and zipHi split.
+// The vector layer: S16, S32, S64, F32 and F64 at the width of the level, and the narrower widths below it for short
+// arrays. Zips and packs work within 128-bit lanes, so that packSat puts back what zipLo and zipHi split.
 #pragma once
 
 #include <immintrin.h>
@@ -61,12 +61,14 @@ VSP_FLOAT_TYPE(F32, Vsp32f, 128, _mm, ps)
 VSP_FLOAT_TYPE(F64, Vsp64f, 128, _mm, pd)
 VSP_IF_256(VSP_FLOAT_TYPE(F32, Vsp32f, 256, _mm256, ps))
 VSP_IF_256(VSP_FLOAT_TYPE(F64, Vsp64f, 256, _mm256, pd))
+VSP_IF_512(VSP_FLOAT_TYPE(F32, Vsp32f, 512, _mm512, ps))
 VSP_IF_512(VSP_FLOAT_TYPE(F64, Vsp64f, 512, _mm512, pd))
 #undef VSP_FLOAT_TYPE
 
 using S16 = VSP_NATIVE(S16);
 using S32 = VSP_NATIVE(S32);
 using S64 = VSP_NATIVE(S64);
+using F32 = VSP_NATIVE(F32);
 using F64 = VSP_NATIVE(F64);
 
 // What slides over samples: loads at any place, of which the 64-byte ones all cross cache lines and cost more than they
@@ -155,6 +157,7 @@ VSP_BINARY(max, S32, S32, max_epi32)
 VSP_BINARY(min, S32, S32, min_epi32)
 VSP_BINARY(minU, S32, S32, min_epu32)
 VSP_BINARY(maxU, S32, S32, max_epu32)
+VSP_SHIFT(shl, S32, sll_epi32)
 VSP_SHIFT(shr, S32, sra_epi32)
 VSP_SHIFT(shrU, S32, srl_epi32)
 VSP_UNARY(magnitude, S32, S32, abs_epi32)
@@ -175,10 +178,12 @@ VSP_SHIFT(shrU, S64, srl_epi64)
     VSP_INLINE F64_128 name(F64_128 a, F64_128 b) { return {_mm_##name##_pd(a.v, b.v)}; }                \
     VSP_IF_256(VSP_INLINE F32_256 name(F32_256 a, F32_256 b) { return {_mm256_##name##_ps(a.v, b.v)}; }) \
     VSP_IF_256(VSP_INLINE F64_256 name(F64_256 a, F64_256 b) { return {_mm256_##name##_pd(a.v, b.v)}; }) \
+    VSP_IF_512(VSP_INLINE F32_512 name(F32_512 a, F32_512 b) { return {_mm512_##name##_ps(a.v, b.v)}; }) \
     VSP_IF_512(VSP_INLINE F64_512 name(F64_512 a, F64_512 b) { return {_mm512_##name##_pd(a.v, b.v)}; })
 VSP_FLOAT_BINARY(add)
 VSP_FLOAT_BINARY(sub)
 VSP_FLOAT_BINARY(mul)
+VSP_FLOAT_BINARY(max)
 #undef VSP_FLOAT_BINARY
 #undef VSP_UNARY
 #undef VSP_BINARY
@@ -233,6 +238,12 @@ VSP_IF_256(VSP_INLINE void storeAlternating(S32_256 a, S32_256 b, Vsp32s* p) {
     const __m256i lo = zipLo(a, b).v, hi = zipHi(a, b).v;
     S32_256{_mm256_permute2x128_si256(lo, hi, 0x20)}.store(p);
     S32_256{_mm256_permute2x128_si256(lo, hi, 0x31)}.store(p + 8);
+})
+VSP_IF_512(VSP_INLINE void storeAlternating(S32_512 a, S32_512 b, Vsp32s* p) {
+    const __m512i lower = _mm512_setr_epi32(0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23);
+    const __m512i upper = _mm512_setr_epi32(8, 24, 9, 25, 10, 26, 11, 27, 12, 28, 13, 29, 14, 30, 15, 31);
+    S32_512{_mm512_permutex2var_epi32(a.v, lower, b.v)}.store(p);
+    S32_512{_mm512_permutex2var_epi32(a.v, upper, b.v)}.store(p + 16);
 })
 
 // Both samples at p in every pair.
