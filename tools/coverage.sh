@@ -1,11 +1,11 @@
 #!/bin/bash
 # Builds with counters, runs the tests, and prints how much of the libraries and of the tool they run; what they do not run
-# is in build/coverage/lines.txt. Each test program runs once as a whole, because every process that ends adds to the counts.
-# Usage: tools/coverage.sh [LEVEL]    counts one level only, y8, v3 or v4, which is built much faster
+# is in lines.txt of the build's folder. Each test program runs once as a whole, because every process that ends adds to the counts.
+# Usage: tools/coverage.sh [LEVEL]    counts one level only, y8, v3 or v4, which is built much faster, in build/coverage-LEVEL
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
-build=build/coverage
-cmake --preset coverage -DVSPSC_COVERAGE="${1:-ON}"
+build=build/coverage${1:+-$1}
+cmake --preset coverage -B $build -DVSPSC_COVERAGE="${1:-ON}"
 cmake --build $build
 find $build -name '*.gcda' -delete
 status=0
