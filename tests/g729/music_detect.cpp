@@ -116,7 +116,7 @@ TEST_P(MusicDetector, FollowsTheDefinitionFromAnyState) {
         d.energy = Vsp16s(below(16000) - 4000);
         d.gain = near({4000, 7373, 8192, 10322, 11960});
         d.reflectionRun = near({1, 150});
-        d.music = {Vsp16s(256 * below(3)), near({1, 280, 12000}), near({1, 500})};
+        d.music = {Vsp16s(256 * below(below(2) == 0 ? 3 : 64)), near({1, 280, 12000}), near({1, 500})};
         d.pitch = {Vsp16s(256 * (below(2) == 0 ? below(3) : 18 + below(10))), near({1, 2560}), near({1, 100})};
 
         Frame f{Vsp16s(below(3)),
@@ -129,7 +129,8 @@ TEST_P(MusicDetector, FollowsTheDefinitionFromAnyState) {
                 Vsp16s(below(2)),
                 Vsp16s(below(4) == 0)};
         for (std::size_t i = 0; i < 10; i++) f.reflection[i] = Vsp16s(d.reflection[i] + below(64) - 32);
-        if (below(2) == 0) f.reflection[9] = Vsp16s(d.reflection[9] + near({20200}));
+        const std::size_t far = std::size_t(below(10));
+        if (below(2) == 0) f.reflection[far] = Vsp16s(d.reflection[far] + near({20200}));
         if (below(2) == 0) f.reflection[1] = near({0, 14746});
         for (int i = 0; i < 5; i++) {
             f.gain.push_back(Vsp16s(d.gain + below(5) - 2));
