@@ -10,9 +10,9 @@ namespace vsp::VSP_LEVEL {
 
 static constexpr int kOrder = 16, kWindow = 384;
 
-// Right shift that leaves the signal the room for its correlations. The margin is more than rounding can add afterwards: at
-// most 642,000 of 2^30, where 2^21 are left at shifts of 3; what the window leaves of full scale, which is shifted by 4,
-// has two thirds of that energy.
+// Right shift that leaves the signal less energy than 2^30, the room for its correlations. Rounding adds 642,000 at most
+// afterwards: less than the margin, which is 2^21 or more, but for shifts of 4, after which a windowed signal has two
+// thirds of 2^30 at most.
 static int shiftOfEnergy(const Vsp16s* y) {
     constexpr Vsp32s kMargin = 16 << 16;
     S32 sum = S32::splat(0);

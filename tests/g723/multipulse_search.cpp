@@ -133,8 +133,12 @@ TEST_P(MultipulseSearch, IsTheDefinition) {
         int signs = 0, j = 6 - search.count;
         for (int i = 0; i < 30 && j < 6; i++) {
             const Vsp16s pulse = best.pulses[std::size_t(best.grid + 2 * i)];
-            if (pulse == 0) position += choose(29 - i, 5 - j);
-            if (pulse != 0) signs = 2 * signs + (pulse < 0), j++;
+            if (pulse == 0) {
+                position += choose(29 - i, 5 - j);
+            } else {
+                signs = 2 * signs + (pulse < 0 ? 1 : 0);
+                j++;
+            }
         }
 
         Guarded<Vsp16s> code(kLen), index(4);
